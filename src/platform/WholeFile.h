@@ -1,0 +1,44 @@
+// A file that appears whole or not at all: written under a temporary name beside its target, then renamed.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string_view>
+
+namespace quillmoor {
+
+/// Writes one file. Until `commit` the target keeps what it held, whatever happens to the process.
+/// Errors are raised as std::system_error whose text names the file.
+class WholeFile {
+ public:
+  /// How much `commit` promises. `process`: the target is whole if the program is killed. `power`: also if
+  /// the machine loses power (the data is flushed to the disk first, which costs milliseconds).
+  enum class Survives { process, power };
+
+  /// Creates the temporary file in the folder of `target`, which must exist. A temporary file left there by a
+  /// killed run is overwritten: the name depends on the folder alone.
+  explicit WholeFile(std::filesystem::path target, Survives survives = Survives::process);
+  /// Removes the temporary file unless it was committed.
+  ~WholeFile();
+  WholeFile(const WholeFile&) = delete;
+  WholeFile& operator=(const WholeFile&) = delete;
+
+  void write(std::span<const char> bytes);
+  void write(std::string_view text) { write(std::span<const char>(text.data(), text.size())); }
+
+  /// Gives the file its final name, replacing what stood there. Nothing may be written afterwards.
+  void commit();
+
+  /// The name a temporary file of `folder` bears; a walk removes a stale one when it enters the folder.
+  static std::filesystem::path temporaryName(const std::filesystem::path& folder);
+
+ private:
+  std::filesystem::path target_;
+  std::filesystem::path temporary_;
+  std::intptr_t handle_ = -1;
+  Survives survives_;
+};
+
+}  // namespace quillmoor

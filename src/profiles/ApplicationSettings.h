@@ -1,0 +1,55 @@
+// The application settings: what is kept in the settings store, read once at start-up.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace quillmoor {
+
+/// The process-wide values, named after their keys; the defaults are those of a machine that has stored
+/// nothing. Passwords stay enciphered here.
+struct ApplicationSettings {
+  double MainLeft = 1000;  // twips, as the three below
+  double MainTop = 1000;
+  double MainWidth = 11685;
+  double MainHeight = 8085;
+  std::int32_t TransferType = 1;  // kept for stored settings; nothing reads it
+  bool Passive = true;            // nothing reads it, nor the two below: each profile has its own
+  std::int32_t Timeout = 30;      // seconds; the remote browser's
+  std::int32_t RemotePort = 21;
+  std::int32_t ScheduleHour = 12;
+  std::int32_t ScheduleMinute = 30;
+  std::array<std::int32_t, 8> ScheduleDays{};  // 1 = Sunday .. 7 = Saturday; 0 is never set
+  std::int32_t ProcessPriority = 32;
+  std::int32_t AutoDial = 1;
+  std::int32_t AutoHangUp = 1;
+  std::string AutoDialUpConnection;
+  std::int32_t AutoStartUp = 1;
+  std::int32_t BackupMode = 1;
+  std::int32_t UniqueBackup = 0;
+  std::int32_t CreateZip = 1;
+  std::int32_t SplitZip = 0;
+  std::int32_t ZipSpanSize = 1024;  // KB
+  std::int32_t ZipSelfExtract = 0;
+  std::string ZipPassword;  // enciphered
+  std::string ZipCopies;    // joined with "|"
+  std::string RunBefore;
+  std::string RunAfter;
+  std::string ConnectBefore;
+  std::string ConnectAfter;
+  std::int32_t FtpRetryCount = 5;
+  std::int32_t ConnectionDelay = 5;  // seconds
+};
+
+/// Reads every key but `AsciiExts`. A stored text that is no number reads as its leading number, else 0.
+/// Raises RegistryError when the store itself cannot be read (damaged file); the text names the file.
+ApplicationSettings LoadApplicationSettings();
+
+/// The `AsciiExts` value, the default list when it is missing; joined with "|".
+std::string LoadAsciiExtensions();
+
+/// The list stored by "restore default", and the default of LoadAsciiExtensions.
+extern const char* const kDefaultAsciiExtensions;
+
+}  // namespace quillmoor

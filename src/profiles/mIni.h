@@ -1,0 +1,22 @@
+// INI helpers over the private-profile functions. All text is UTF-8 here and ANSI in the file.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quillmoor::mIni {
+
+/// The value, or "" for a missing key, section or file. Values are cut to the 100000-byte buffer.
+std::string ReadValue(const std::string& section, const std::string& key, const std::string& file);
+
+/// False when the file could not be written; the file is then as it was.
+bool WriteValue(const std::string& section, const std::string& key, const std::string& value,
+                const std::string& file);
+
+/// Section names in file order; empty names may occur and are skipped by callers.
+std::vector<std::string> ListSections(const std::string& file);
+
+/// Removes the section with all its keys. False when the file could not be written.
+bool DeleteSection(const std::string& section, const std::string& file);
+
+}  // namespace quillmoor::mIni
