@@ -22,7 +22,7 @@ inline constexpr Colour kButtonFace{0, 0, 0, true};
 enum class ReportColumn : std::size_t { profile, started, finished, status, files, errors, size };
 inline constexpr std::size_t kReportColumns = 7;
 inline constexpr const char* kReportCaptions[kReportColumns] = {"Profile", "Started", "Finished", "Status",
-                                                               "Files",   "Errors",  "Size"};
+                                                                "Files",   "Errors",  "Size"};
 
 /// Implemented by the backup window, by the console program and by tests. Called on the run's thread, often
 /// in the middle of a transfer: an implementation returns soon and raises nothing. Texts are UTF-8 but for

@@ -101,8 +101,8 @@ struct FtpProgress {
 /// A client for one server at a time.
 ///
 /// All on one thread. Each operation below "blocking" returns when it is done and calls `pump` at least every
-/// 20 ms until then; the pump may read properties and call `abort`, any other operation started from inside it
-/// raises `busy`. An operation that fails raises FtpError, after the error event and a progress event with
+/// 20 ms until then; the pump may read properties and call `abort`, any other operation started from inside
+/// it raises `busy`. An operation that fails raises FtpError, after the error event and a progress event with
 /// status `failed`; unless said otherwise the session stays connected when the server merely refused, and is
 /// closed when the connection was lost, timed out or can no longer be trusted to answer in order.
 class FtpClient {

@@ -1,0 +1,451 @@
+#include "platform/FtpClient.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/FtpControl.h"
+#include "platform/FtpTransfer.h"
+#include "platform/NvtText.h"
+#include "platform/WholeFile.h"
+
+namespace quillmoor {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// A refusal that also carries the reply, for the progress event.
+class Refused : public FtpError {
+ public:
+  Refused(const std::string& description, FtpReply reply)
+      : FtpError(reply.code, description), reply_(std::move(reply)) {}
+  const FtpReply& reply() const { return reply_; }
+
+ private:
+  FtpReply reply_;
+};
+
+/// After these the server's answers can no longer be told apart, or there is no server any more.
+bool endsSession(int number) {
+  switch (static_cast<FtpErrorNumber>(number)) {
+    case FtpErrorNumber::connectionLost:
+    case FtpErrorNumber::timedOut:
+    case FtpErrorNumber::aborted:
+    case FtpErrorNumber::badReply:
+    case FtpErrorNumber::tooLong:
+      return true;
+    default:
+      return number == 421;
+  }
+}
+
+std::string oneLine(std::string text) {
+  for (auto at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n", at))
+    text.replace(at, 2, " ");
+  constexpr std::size_t kLongest = 500;
+  if (text.size() > kLongest) {
+    text.resize(kLongest);
+    text += "...";
+  }
+  return text;
+}
+
+/// RFC 2389 §3.2: a feature stands on a line of its own behind one blank.
+bool announcesUtf8(const FtpReply& features) {
+  std::string text = features.text;
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return text.find("\n UTF8") != std::string::npos;
+}
+
+/// "There are no files" is how some servers refuse to list an empty folder.
+bool saysNoFiles(const FtpReply& reply) {
+  if (reply.code != 450 && reply.code != 550) return false;
+  std::string text = reply.text;
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  for (const char* phrase : {"no files", "no file found", "0 files", "empty"}) {
+    if (text.find(phrase) != std::string::npos) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+class FtpClient::Impl {
+ public:
+  explicit Impl(FtpClient& client)
+      : client_(client), io_(client.pump), control_(io_), transfer_(io_, control_) {
+    control_.onStray = [this](const FtpReply& reply) { progress(FtpStatus::inProgress, reply.text); };
+  }
+
+  bool passive = true;
+  FtpState state = FtpState::closed;
+  bool busy = false;
+
+  /// The frame of every operation: one at a time, failures told by events before they are raised, and the
+  /// session closed when it is of no more use.
+  template <class Body>
+  auto perform(FtpMethod method, bool needsSession, Body body) {
+    if (busy) raiseOutside(FtpErrorNumber::busy, "Another operation of this FTP client is in progress.");
+    if (needsSession && state != FtpState::connected) {
+      raiseOutside(FtpErrorNumber::notConnected, "Not connected to an FTP server.");
+    }
+    struct Busy {
+      Impl& impl;
+      explicit Busy(Impl& i) : impl(i) { impl.busy = true; }
+      ~Busy() { impl.busy = false; }
+    } const flag{*this};
+    io_.clearAbort();
+    method_ = method;
+    try {
+      return body();
+    } catch (const Aborted&) {
+      closeUnlessTransfer(method);
+      fail(FtpError(FtpErrorNumber::aborted, "The operation was stopped."), "");
+    } catch (const Refused& error) {
+      if (endsSession(error.number())) control_.close();
+      fail(error, error.reply().text);
+    } catch (const FtpError& error) {
+      // A transfer has seen to its connection itself: it may have ended in order after all.
+      if (endsSession(error.number())) closeUnlessTransfer(method);
+      fail(error, "");
+    } catch (const std::system_error& error) {
+      fail(FtpError(FtpErrorNumber::localFile, printableReply(error.what(), "") + "."), "");
+    }
+  }
+
+  void login(const std::string& host, const std::string& user, const std::string& password,
+             const std::string& account, std::int32_t port);
+  void logout();
+  FtpReply command(const std::string& line);
+  std::string currentDirectory();
+  void simple(const std::string& line);
+  std::string list();
+  void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t expectedSize);
+  void abort();
+  void sendAhead(std::vector<std::string> lines, bool dataConnection);
+
+ private:
+  milliseconds timeout() const {
+    return milliseconds(client_.timeoutMs > 0 ? client_.timeoutMs : kDefaultTimeoutMs);
+  }
+  void setState(FtpState next);
+  void closeNow();
+  void closeUnlessTransfer(FtpMethod method) {
+    if (method != FtpMethod::list && method != FtpMethod::getFile) control_.close();
+  }
+  void progress(FtpStatus status, const std::string& replyText, std::int64_t count = 0,
+                std::int64_t size = 0);
+  FtpReply require(const std::string& line);
+  FtpReply requireShownAs(const std::string& line, const std::string& shown);
+  FtpReply logIn(const std::string& user, const std::string& password, const std::string& account);
+  void negotiateNames();
+  FtpTransfer::Outcome runList(const std::string& command, std::string& text);
+  [[noreturn]] void fail(const FtpError& error, const std::string& replyText);
+  [[noreturn]] void raiseOutside(FtpErrorNumber number, const char* description);
+
+  FtpClient& client_;
+  PumpedIo io_;
+  FtpControl control_;
+  FtpTransfer transfer_;
+  FtpMethod method_ = FtpMethod::command;
+  std::string secret_;
+  bool asciiType_ = true;  // RFC 959 §5.1: the type is ASCII until said otherwise
+  enum class HiddenFiles { unknown, listed, refused } hiddenFiles_ = HiddenFiles::unknown;
+};
+
+void FtpClient::Impl::setState(FtpState next) {
+  if (state == next) return;
+  state = next;
+  if (client_.onState) client_.onState(next);
+}
+
+/// Closes both connections without a word to the server.
+void FtpClient::Impl::closeNow() {
+  transfer_.reset(passive);
+  control_.close();
+  if (state == FtpState::connected) setState(FtpState::closing);
+  setState(FtpState::closed);
+}
+
+void FtpClient::Impl::progress(FtpStatus status, const std::string& replyText, std::int64_t count,
+                               std::int64_t size) {
+  if (!client_.onProgress) return;
+  std::string text = replyText.empty() ? std::string() : printableReply(replyText, secret_) + "\r\n";
+  client_.onProgress({method_, status, std::move(text), count, size});
+}
+
+void FtpClient::Impl::fail(const FtpError& error, const std::string& replyText) {
+  if (state != FtpState::closed && !control_.isOpen()) closeNow();
+  const FtpError shown(error.number(), oneLine(printableReply(error.what(), secret_)));
+  if (client_.onError) client_.onError(shown.number(), shown.what());
+  progress(FtpStatus::failed, replyText.empty() ? shown.what() : replyText);
+  throw shown;
+}
+
+/// For an operation that never began: it must not touch what is in progress.
+void FtpClient::Impl::raiseOutside(FtpErrorNumber number, const char* description) {
+  if (client_.onError) client_.onError(static_cast<int>(number), description);
+  throw FtpError(number, description);
+}
+
+FtpReply FtpClient::Impl::requireShownAs(const std::string& line, const std::string& shown) {
+  FtpReply reply = control_.exchange(line, timeout());
+  if (reply.refusal()) throw Refused("The server refused " + shown + ": " + reply.text, reply);
+  return reply;
+}
+
+FtpReply FtpClient::Impl::require(const std::string& line) {
+  return requireShownAs(line, line.substr(0, line.find(' ')));
+}
+
+void FtpClient::Impl::login(const std::string& host, const std::string& user, const std::string& password,
+                            const std::string& account, std::int32_t port) {
+  perform(FtpMethod::login, false, [&] {
+    if (state != FtpState::closed) closeNow();
+    secret_ = password;
+    if (client_.proxyType != static_cast<std::int32_t>(FtpProxyType::none)) {
+      throw FtpError(FtpErrorNumber::proxyNotSupported, "Logging in through a proxy of type " +
+                                                            std::to_string(client_.proxyType) +
+                                                            " is not supported by this version.");
+    }
+    if (port < 1 || port > 65535) {
+      throw FtpError(FtpErrorNumber::badArgument, std::to_string(port) + " is no port number.");
+    }
+    setState(FtpState::connecting);
+    try {
+      std::vector<asio::ip::tcp::endpoint> endpoints;
+      try {
+        endpoints = resolveHost(io_, host, static_cast<std::uint16_t>(port),
+                                std::chrono::steady_clock::now() + timeout());
+      } catch (const std::system_error& error) {
+        throw FtpError(FtpErrorNumber::hostNotFound,
+                       "Cannot find the host " + host + ": " + error.code().message() + ".");
+      }
+      control_.connect(endpoints, host, timeout());
+      transfer_.reset(passive);
+      asciiType_ = true;
+      hiddenFiles_ = HiddenFiles::unknown;
+      const FtpReply reply = logIn(user, password, account);
+      negotiateNames();
+      setState(FtpState::connected);
+      progress(FtpStatus::done, reply.text);
+    } catch (...) {
+      control_.close();
+      throw;
+    }
+  });
+}
+
+/// RFC 959 §5.4: greeting, then USER, PASS and ACCT as far as the server asks for them.
+FtpReply FtpClient::Impl::logIn(const std::string& user, const std::string& password,
+                                const std::string& account) {
+  const auto deadline = std::chrono::steady_clock::now() + timeout();
+  FtpReply reply = control_.readReply(deadline);
+  while (reply.preliminary()) {  // 120: ready in so many minutes
+    progress(FtpStatus::inProgress, reply.text);
+    reply = control_.readReply(deadline);
+  }
+  if (!reply.completion()) throw Refused("The server does not want to talk: " + reply.text, reply);
+  progress(FtpStatus::inProgress, reply.text);
+
+  reply = requireShownAs("USER " + user, "the user name");
+  if (reply.code == 331) reply = requireShownAs("PASS " + password, "the password");
+  if (reply.code == 332) {
+    if (account.empty()) {
+      throw Refused("The server asks for an account (ACCT), and the profile has none: " + reply.text, reply);
+    }
+    reply = requireShownAs("ACCT " + account, "the account");
+    if (reply.code == 331) reply = requireShownAs("PASS " + password, "the password");
+  }
+  if (!reply.completion()) throw Refused("The server did not complete the login: " + reply.text, reply);
+  return reply;
+}
+
+/// RFC 2640, RFC 2389: some servers send UTF-8 names only when they have been asked to. Whatever they answer,
+/// the session goes on.
+void FtpClient::Impl::negotiateNames() {
+  if (announcesUtf8(control_.exchange("FEAT", timeout()))) control_.exchange("OPTS UTF8 ON", timeout());
+}
+
+void FtpClient::Impl::logout() {
+  perform(FtpMethod::logout, true, [&] {
+    setState(FtpState::closing);
+    struct Close {
+      Impl& impl;
+      ~Close() { impl.closeNow(); }
+    } const close{*this};
+    const FtpReply reply = require("QUIT");
+    progress(FtpStatus::done, reply.text);
+  });
+}
+
+FtpReply FtpClient::Impl::command(const std::string& line) {
+  return perform(FtpMethod::command, true, [&] {
+    FtpReply reply = require(line);
+    if (line == "TYPE A" || line == "TYPE I") asciiType_ = line.back() == 'A';
+    progress(FtpStatus::done, reply.text);
+    return reply;
+  });
+}
+
+std::string FtpClient::Impl::currentDirectory() {
+  return perform(FtpMethod::currentDirectory, true, [&] {
+    const FtpReply reply = require("PWD");
+    auto path = pwdPath(reply.text);
+    if (!path) throw Refused("The server's answer names no folder: " + reply.text, reply);
+    progress(FtpStatus::done, reply.text);
+    return *std::move(path);
+  });
+}
+
+void FtpClient::Impl::simple(const std::string& line) {
+  const FtpReply reply = require(line);
+  progress(FtpStatus::done, reply.text);
+}
+
+FtpTransfer::Outcome FtpClient::Impl::runList(const std::string& command, std::string& text) {
+  text.clear();
+  FtpTransfer::Order order;
+  order.command = command;
+  order.timeout = timeout();
+  order.dataPortRange = client_.dataPortRange;
+  order.sink = [&](char* data, std::size_t size) {
+    if (text.size() + size > client_.maxListingBytes) {
+      throw FtpError(FtpErrorNumber::tooLong,
+                     "The listing is longer than " + std::to_string(client_.maxListingBytes) + " bytes.");
+    }
+    text.append(data, size);
+  };
+  return transfer_.run(order);
+}
+
+std::string FtpClient::Impl::list() {
+  return perform(FtpMethod::list, true, [&] {
+    std::string text;
+    FtpTransfer::Outcome outcome;
+    bool plain = hiddenFiles_ == HiddenFiles::refused;
+    if (!plain) {
+      outcome = runList("LIST -a", text);
+      // A server that takes the switch for a name refuses it or lists nothing; so does an empty folder,
+      // unless the switch has been seen to work.
+      if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::listed;
+      plain = hiddenFiles_ == HiddenFiles::unknown;
+    }
+    if (plain) {
+      outcome = runList("LIST", text);
+      if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::refused;
+    }
+    if (outcome.reply.refusal() && !saysNoFiles(outcome.reply)) {
+      throw Refused("The server refused LIST: " + outcome.reply.text, outcome.reply);
+    }
+    if (outcome.reply.refusal()) text.clear();
+    progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
+    if (!control_.isOpen()) closeNow();
+    return text;
+  });
+}
+
+void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& localPath,
+                              std::int64_t expectedSize) {
+  perform(FtpMethod::getFile, true, [&] {
+    WholeFile file{std::filesystem::path(localPath)};
+    NvtText text(platformLineEnd());
+    FtpTransfer::Order order;
+    order.command = "RETR " + remotePath;
+    order.timeout = timeout();
+    order.dataPortRange = client_.dataPortRange;
+    order.exactSize = !asciiType_;
+    if (asciiType_) {
+      order.sink = [&](char* data, std::size_t size) {
+        const auto converted = text.convert(data, size);
+        file.write(std::span<const char>(converted.data, converted.size));
+      };
+    } else {
+      order.sink = [&](char* data, std::size_t size) { file.write(std::span<const char>(data, size)); };
+    }
+    order.progress = [&](std::int64_t count, std::int64_t size) {
+      progress(FtpStatus::inProgress, "", count, expectedSize > 0 ? expectedSize : size);
+    };
+    const FtpTransfer::Outcome outcome = transfer_.run(order);
+    if (outcome.reply.refusal())
+      throw Refused("The server refused RETR: " + outcome.reply.text, outcome.reply);
+    if (text.heldCarriageReturn()) file.write(std::string_view("\r"));
+    file.commit();
+    progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
+    if (!control_.isOpen()) closeNow();
+  });
+}
+
+void FtpClient::Impl::abort() {
+  if (busy) {
+    io_.requestAbort();
+  } else if (state != FtpState::closed) {
+    closeNow();
+  }
+}
+
+void FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnection) {
+  if (busy || state != FtpState::connected || !control_.takesCommandsAhead()) return;
+  try {
+    if (dataConnection) lines.push_back(transfer_.request(client_.dataPortRange));
+    control_.sendAhead(lines);
+  } catch (const FtpError&) {  // NOLINT(bugprone-empty-catch): the operation itself will meet it and tell
+  }
+}
+
+FtpClient::FtpClient() : impl_(std::make_unique<Impl>(*this)) {}
+FtpClient::~FtpClient() = default;
+
+bool FtpClient::passive() const {
+  return impl_->passive;
+}
+void FtpClient::setPassive(bool passive) {
+  if (impl_->state != FtpState::closed) {
+    throw FtpError(FtpErrorNumber::badArgument, "The passive mode cannot be changed during a session.");
+  }
+  impl_->passive = passive;
+}
+FtpState FtpClient::state() const {
+  return impl_->state;
+}
+bool FtpClient::busy() const {
+  return impl_->busy;
+}
+
+void FtpClient::login(const std::string& host, const std::string& user, const std::string& password,
+                      const std::string& account, std::int32_t port) {
+  impl_->login(host, user, password, account, port);
+}
+void FtpClient::logout() {
+  impl_->logout();
+}
+FtpReply FtpClient::command(const std::string& line) {
+  return impl_->command(line);
+}
+std::string FtpClient::currentRemoteDirectory() {
+  return impl_->currentDirectory();
+}
+void FtpClient::setCurrentRemoteDirectory(const std::string& path) {
+  impl_->perform(FtpMethod::currentDirectory, true, [&] { impl_->simple("CWD " + path); });
+}
+void FtpClient::changeToParent() {
+  impl_->perform(FtpMethod::changeToParent, true, [&] { impl_->simple("CDUP"); });
+}
+std::string FtpClient::list() {
+  return impl_->list();
+}
+void FtpClient::getFile(const std::string& remotePath, const std::string& localPath,
+                        std::int64_t expectedSize) {
+  impl_->getFile(remotePath, localPath, expectedSize);
+}
+void FtpClient::abort() {
+  impl_->abort();
+}
+void FtpClient::sendAhead(const std::vector<std::string>& commandLines, bool dataConnection) {
+  impl_->sendAhead(commandLines, dataConnection);
+}
+
+}  // namespace quillmoor

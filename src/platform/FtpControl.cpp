@@ -1,0 +1,249 @@
+#include "platform/FtpControl.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace quillmoor {
+namespace {
+
+using std::chrono::milliseconds;
+
+// A reply to a command sent ahead that is not there by then is asked after (see resynchronise).
+constexpr milliseconds kAheadPatience{4000};
+
+Deadline in(milliseconds time) {
+  return std::chrono::steady_clock::now() + time;
+}
+
+[[noreturn]] void raiseSilent() {
+  throw FtpError(FtpErrorNumber::timedOut, "The server did not answer in time.");
+}
+
+bool isTimeOut(const FtpError& error) {
+  return error.number() == static_cast<int>(FtpErrorNumber::timedOut);
+}
+
+/// 421: the service is not available and the server closes the control connection (RFC 959 §4.2.1).
+[[noreturn]] void raiseClosedByServer(const FtpReply& reply) {
+  throw FtpError(reply.code, "The server closed the session: " + printableReply(reply.text, ""));
+}
+
+/// RFC 854: a byte 255 inside a line is doubled, else it would begin a Telnet command.
+std::string wireForm(std::string_view line) {
+  std::string wire;
+  wire.reserve(line.size() + 2);
+  for (const char c : line) {
+    wire += c;
+    if (c == '\xFF') wire += c;
+  }
+  wire += "\r\n";
+  return wire;
+}
+
+}  // namespace
+
+void FtpControl::checkLine(std::string_view line) {
+  if (line.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) {
+    throw FtpError(FtpErrorNumber::badArgument,
+                   "A line break or a zero byte cannot be part of an FTP command; nothing was sent.");
+  }
+}
+
+void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, const std::string& host,
+                         milliseconds timeout) {
+  close();
+  const Deadline deadline = in(timeout);
+  asio::error_code error = asio::error::host_not_found;
+  for (std::size_t i = 0; i < endpoints.size(); ++i) {
+    const auto now = std::chrono::steady_clock::now();
+    const auto share = (deadline - now) / static_cast<long>(endpoints.size() - i);
+    error = connectTo(io_, channel_, endpoints[i], now + share);
+    if (!error) break;
+  }
+  if (error) {
+    throw FtpError(FtpErrorNumber::connectFailed, "Cannot connect to " + host + ": " + error.message() + ".");
+  }
+  asio::error_code ignored;
+  channel_.socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+  // Firewalls forget a silent connection during a long transfer.
+  channel_.socket.set_option(asio::socket_base::keep_alive(true), ignored);
+}
+
+void FtpControl::close() {
+  channel_.close();
+  reader_.clear();
+  ahead_.clear();
+  takesAhead_ = true;
+  ended_ = false;
+}
+
+asio::ip::address FtpControl::localAddress() const {
+  asio::error_code ignored;
+  return channel_.socket.local_endpoint(ignored).address();
+}
+
+asio::ip::address FtpControl::remoteAddress() const {
+  asio::error_code ignored;
+  return channel_.socket.remote_endpoint(ignored).address();
+}
+
+void FtpControl::write(const std::string& bytes, milliseconds timeout) {
+  const Deadline deadline = in(timeout);
+  for (std::size_t sent = 0; sent != bytes.size();) {
+    asio::error_code error;
+    sent += channel_.socket.write_some(asio::buffer(bytes) + sent, error);
+    if (error == asio::error::would_block) {
+      error = runToEnd(io_, channel_, deadline, [&](auto handler) {
+        channel_.socket.async_wait(asio::socket_base::wait_write, std::move(handler));
+      });
+    }
+    if (error == asio::error::timed_out) raiseSilent();
+    if (error) {
+      throw FtpError(FtpErrorNumber::connectionLost,
+                     "The connection to the server is lost: " + error.message() + ".");
+    }
+  }
+}
+
+bool FtpControl::receive() {
+  char bytes[FtpReplyReader::kMaxLine];
+  channel_.consumeReadiness();
+  asio::error_code error;
+  const std::size_t size = channel_.socket.read_some(asio::buffer(bytes), error);
+  if (!error) {
+    reader_.append({bytes, size});
+    return true;
+  }
+  if (error != asio::error::would_block && error != asio::error::interrupted) ended_ = true;
+  return false;
+}
+
+std::optional<FtpReply> FtpControl::pollReply() {
+  for (;;) {
+    if (auto reply = reader_.next()) return reply;
+    if (ended_) throw FtpError(FtpErrorNumber::connectionLost, "The server closed the connection.");
+    if (!receive() && !ended_) return std::nullopt;
+  }
+}
+
+FtpReply FtpControl::readReply(Deadline deadline) {
+  std::optional<FtpReply> reply = reader_.next();
+  // Behind a command the reply is never there yet, so the first thing is to wait: that saves a vain read.
+  const auto arrived = [&] {
+    if (!reply && channel_.ready()) reply = pollReply();
+    if (!reply) channel_.arm();
+    return reply.has_value();
+  };
+  if (!channel_.socket.is_open()) reply = pollReply();
+  if (!io_.runUntil(arrived, deadline)) raiseSilent();
+  return *std::move(reply);
+}
+
+FtpReply FtpControl::readFinalReply(Deadline deadline) {
+  for (;;) {
+    FtpReply reply = readReply(deadline);
+    if (reply.code == 421) raiseClosedByServer(reply);
+    if (!reply.preliminary()) return reply;
+    if (onStray) onStray(reply);
+  }
+}
+
+void FtpControl::passStrayReplies() {
+  for (;;) {
+    auto reply = pollReply();
+    if (!reply) return;
+    if (reply->code == 421) raiseClosedByServer(*reply);
+    if (onStray) onStray(*reply);
+  }
+}
+
+void FtpControl::send(const std::string& line, milliseconds timeout) {
+  checkLine(line);
+  if (!ahead_.empty()) takeAheadReply(ahead_.size() - 1, timeout);
+  passStrayReplies();
+  write(wireForm(line), timeout);
+}
+
+FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
+  checkLine(line);
+  const auto at = std::find(ahead_.begin(), ahead_.end(), line);
+  if (at != ahead_.end()) {
+    if (auto reply = takeAheadReply(static_cast<std::size_t>(at - ahead_.begin()), timeout))
+      return *std::move(reply);
+  }
+  send(line, timeout);
+  return readFinalReply(in(timeout));
+}
+
+bool FtpControl::wasSentAhead(const std::string& line) const {
+  return std::find(ahead_.begin(), ahead_.end(), line) != ahead_.end();
+}
+
+void FtpControl::sendAhead(const std::vector<std::string>& lines) {
+  if (!takesAhead_ || ended_) return;
+  std::string wire;
+  for (const auto& line : lines) {
+    checkLine(line);
+    wire += wireForm(line);
+  }
+  // What does not go out at once is not sent at all: a hint is not worth waiting for.
+  asio::error_code error;
+  const std::size_t sent = channel_.socket.write_some(asio::buffer(wire), error);
+  if (error) return;
+  if (sent != wire.size()) write(wire.substr(sent), kAheadPatience);
+  ahead_.insert(ahead_.end(), lines.begin(), lines.end());
+}
+
+/// The reply to the line at `position` of those sent ahead; the replies before it are let pass. Nothing when
+/// the server has lost that line.
+std::optional<FtpReply> FtpControl::takeAheadReply(std::size_t position, milliseconds timeout) {
+  const milliseconds patience = std::min(timeout, kAheadPatience);
+  try {
+    for (;;) {
+      FtpReply reply = readFinalReply(in(patience));
+      ahead_.pop_front();
+      if (position-- == 0) return reply;
+    }
+  } catch (const FtpError& error) {
+    if (!isTimeOut(error)) throw;
+  }
+  const auto replies = resynchronise(timeout);
+  if (position < replies.size()) return replies[position];
+  return std::nullopt;
+}
+
+/// Some servers throw away what arrives while they work on a command. A SYST, which has a reply code that no
+/// other of our commands has, tells how many of the lines sent ahead were heard: their replies, returned,
+/// come before its own. Nothing is sent ahead on this connection any more.
+std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
+  takesAhead_ = false;
+  const std::size_t most = ahead_.size() + 1;
+  ahead_.clear();
+  write(wireForm("SYST"), timeout);
+  std::vector<FtpReply> replies;
+  while (replies.size() < most) {
+    try {
+      replies.push_back(readFinalReply(in(replies.empty() ? timeout : std::min(timeout, kAheadPatience))));
+    } catch (const FtpError& error) {
+      // Silence after a reply: that one was the marker's, from a server that does not know SYST.
+      if (replies.empty() || !isTimeOut(error)) throw;
+      break;
+    }
+    if (replies.back().code == 215) break;
+  }
+  replies.pop_back();
+  return replies;
+}
+
+void FtpControl::sendAbort() {
+  // The urgent pointer makes a server look up from its data; the data mark then ends the interruption.
+  constexpr char interrupt[] = {'\xFF', '\xF4', '\xFF'};
+  asio::error_code ignored;
+  channel_.socket.send(asio::buffer(interrupt), asio::socket_base::message_out_of_band, ignored);
+  channel_.socket.send(asio::buffer("\xF2"
+                                    "ABOR\r\n",
+                                    7),
+                       0, ignored);
+}
+
+}  // namespace quillmoor

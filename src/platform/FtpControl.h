@@ -1,0 +1,75 @@
+// The control connection of an FTP session: command lines out, replies in, and the commands sent ahead.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/FtpReply.h"
+#include "platform/PumpedIo.h"
+
+namespace quillmoor {
+
+/// Every operation raises FtpError: connectionLost (or the code of a 421) when the server has gone, timedOut
+/// when it says nothing, tooLong and badReply when what it says is unusable. After any of them the connection
+/// is of no use. Raises Aborted out of waits.
+class FtpControl {
+ public:
+  explicit FtpControl(PumpedIo& io) : io_(io), channel_(io) {}
+
+  /// Called with a reply that answers no command, and with preliminary replies.
+  std::function<void(const FtpReply&)> onStray;
+
+  /// Connects to the first of the endpoints that answers; they share the time.
+  void connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, const std::string& host,
+               std::chrono::milliseconds timeout);
+  void close();
+  bool isOpen() const { return channel_.socket.is_open(); }
+
+  asio::ip::address localAddress() const;
+  asio::ip::address remoteAddress() const;
+  TcpChannel& channel() { return channel_; }
+
+  /// Sends a command line and returns its final reply, passing over preliminary ones. Takes the reply of the
+  /// same line where it was sent ahead.
+  FtpReply exchange(const std::string& line, std::chrono::milliseconds timeout);
+
+  /// Sends a command line whose replies the caller takes himself by `pollReply`.
+  void send(const std::string& line, std::chrono::milliseconds timeout);
+
+  /// The next reply if it has come, preliminary or not; does not wait. Raises when the connection has ended.
+  std::optional<FtpReply> pollReply();
+  FtpReply readReply(Deadline deadline);
+
+  /// Sends the lines in one go and remembers them. See FtpClient::sendAhead.
+  void sendAhead(const std::vector<std::string>& lines);
+  /// False once the server was seen to lose commands that arrived while it was busy.
+  bool takesCommandsAhead() const { return takesAhead_; }
+  bool wasSentAhead(const std::string& line) const;
+
+  /// The Telnet "interrupt process" and "synch" of RFC 959 §4.1.3 (RFC 854), then ABOR.
+  void sendAbort();
+
+  /// Refuses what cannot be one command: a CR, LF or NUL inside would make it two. Raises badArgument.
+  static void checkLine(std::string_view line);
+
+ private:
+  void write(const std::string& bytes, std::chrono::milliseconds timeout);
+  bool receive();
+  void passStrayReplies();
+  FtpReply readFinalReply(Deadline deadline);
+  std::optional<FtpReply> takeAheadReply(std::size_t position, std::chrono::milliseconds timeout);
+  std::vector<FtpReply> resynchronise(std::chrono::milliseconds timeout);
+
+  PumpedIo& io_;
+  TcpChannel channel_;
+  FtpReplyReader reader_;
+  std::deque<std::string> ahead_;
+  bool takesAhead_ = true;
+  bool ended_ = false;
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,53 @@
+// Replies of an FTP server: reading them from the control connection's bytes, and what is said in them.
+// RFC 959 §4.2 (replies), §4.2.1 (227), appendix II (257); RFC 2428 (229).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/FtpClient.h"
+
+namespace quillmoor {
+
+/// Cuts the bytes of a control connection into replies. Raises FtpError `tooLong` when a line passes
+/// kMaxLine or a reply kMaxReply bytes, `badReply` when a reply does not begin with three digits; the
+/// connection is of no use then.
+class FtpReplyReader {
+ public:
+  static constexpr std::size_t kMaxLine = 16 * 1024;
+  static constexpr std::size_t kMaxReply = 256 * 1024;
+
+  void append(std::string_view bytes);
+  /// The next whole reply, preliminary ones included; nothing when more bytes are needed.
+  std::optional<FtpReply> next();
+  void clear();
+
+ private:
+  std::string bytes_;
+  std::size_t at_ = 0;    // start of the first line not yet taken
+  std::size_t scan_ = 0;  // no line end before this
+  std::string multiLineCode_;
+  FtpReply reply_;
+};
+
+/// Port of a 229 reply: "(|||port|)", the delimiter being any character.
+std::optional<std::uint16_t> epsvPort(std::string_view replyText);
+
+/// Port of a 227 reply: the last two of six numbers joined by commas, wherever they stand. The address is
+/// left alone on purpose: data connections go to the control connection's host and nowhere else.
+std::optional<std::uint16_t> pasvPort(std::string_view replyText);
+
+/// Folder named by a 257 reply; nothing when there is none.
+std::optional<std::string> pwdPath(std::string_view replyText);
+
+/// The size that a 150 reply mentions as "(N bytes)".
+std::optional<std::int64_t> announcedSize(std::string_view replyText);
+
+/// Reply text fit to be shown: control characters but CR LF between lines become "?", and the secret, if
+/// any, is blotted out.
+std::string printableReply(std::string_view replyText, std::string_view secret);
+
+}  // namespace quillmoor

@@ -1,0 +1,357 @@
+#include "platform/FtpTransfer.h"
+
+#include <algorithm>
+#include <charconv>
+#include <exception>
+#include <utility>
+
+namespace quillmoor {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// How long the farewell to a transfer that was broken off may take before the connection is given up.
+constexpr milliseconds kFarewell{5000};
+// A second reply to ABOR comes on the heels of the first or not at all.
+constexpr milliseconds kSecondReply{500};
+constexpr milliseconds kProgressInterval{100};
+
+asio::ip::address plainAddress(const asio::ip::address& address) {
+  if (!address.is_v6() || !address.to_v6().is_v4_mapped()) return address;
+  return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
+}
+
+/// Ports of a range text; {0, 0} for any.
+std::pair<std::uint16_t, std::uint16_t> parsePortRange(const std::string& text) {
+  if (text == "0" || text == "0:0") return {0, 0};
+  std::uint16_t low = 0;
+  std::uint16_t high = 0;
+  const char* const end = text.data() + text.size();
+  const auto [colon, lowError] = std::from_chars(text.data(), end, low);
+  if (lowError == std::errc() && colon != end && *colon == ':') {
+    const auto [rest, highError] = std::from_chars(colon + 1, end, high);
+    if (highError == std::errc() && rest == end && low != 0 && low <= high) return {low, high};
+  }
+  throw FtpError(FtpErrorNumber::badArgument, "\"" + text + "\" is no range of ports.");
+}
+
+/// RFC 959 §4.1.2 (PORT), RFC 2428 §2 (EPRT).
+std::string portCommand(const asio::ip::address& address, std::uint16_t port) {
+  if (address.is_v6()) return "EPRT |2|" + address.to_string() + "|" + std::to_string(port) + "|";
+  std::string numbers = address.to_string();
+  std::replace(numbers.begin(), numbers.end(), '.', ',');
+  return "PORT " + numbers + "," + std::to_string(port / 256) + "," + std::to_string(port % 256);
+}
+
+FtpError refused(const std::string& command, const FtpReply& reply) {
+  return FtpError(reply.code, "The server refused " + command.substr(0, command.find(' ')) + ": " +
+                                  printableReply(reply.text, ""));
+}
+
+}  // namespace
+
+namespace {
+
+/// Carries what the sink raised past the handling of what the connections raise.
+struct SinkFailure {
+  std::exception_ptr cause;
+};
+
+}  // namespace
+
+/// What is known of a transfer under way.
+struct FtpTransfer::Reception {
+  std::optional<FtpReply> finalReply;
+  std::int64_t announced = 0;
+  bool sizeAnnounced = false;
+  bool controlLost = false;
+  bool dataEnded = false;
+  bool dataBroken = false;
+  std::int64_t count = 0;
+  steady_clock::time_point lastEvent = steady_clock::now();
+  steady_clock::time_point lastProgress = lastEvent;
+  steady_clock::time_point windowStart =
+      lastEvent;  // of the time in which at least a byte a second must come
+  std::int64_t windowCount = 0;
+
+  bool over() const {
+    return (finalReply && finalReply->refusal()) || (dataEnded && (finalReply || controlLost));
+  }
+};
+
+void FtpTransfer::reset(bool passive) {
+  closeData();
+  passive_ = passive;
+  extended_ = true;
+}
+
+void FtpTransfer::closeData() {
+  data_.close();
+  acceptor_.close();
+  listeningRequest_.clear();
+}
+
+std::string FtpTransfer::request(const std::string& dataPortRange) {
+  if (passive_) return extended_ ? "EPSV" : "PASV";
+  if (listeningRequest_.empty()) listenForServer(dataPortRange);
+  return listeningRequest_;
+}
+
+void FtpTransfer::listenForServer(const std::string& dataPortRange) {
+  const auto [low, high] = parsePortRange(dataPortRange);
+  const asio::ip::address address = plainAddress(control_.localAddress());
+  asio::error_code error;
+  for (std::uint32_t port = low; port <= high; ++port) {
+    acceptor_.close();
+    const asio::ip::tcp::endpoint endpoint(address, static_cast<std::uint16_t>(port));
+    acceptor_.socket.open(endpoint.protocol(), error);
+    if (!error) acceptor_.socket.set_option(asio::socket_base::reuse_address(true), error);
+    if (!error) acceptor_.socket.bind(endpoint, error);
+    if (!error) acceptor_.socket.listen(1, error);
+    if (!error) acceptor_.socket.non_blocking(true, error);
+    if (!error) break;
+  }
+  if (error) {
+    acceptor_.close();
+    throw FtpError(FtpErrorNumber::dataConnectionFailed, "Cannot listen for a data connection (ports " +
+                                                             dataPortRange + "): " + error.message() + ".");
+  }
+  listeningRequest_ = portCommand(address, acceptor_.socket.local_endpoint().port());
+}
+
+bool FtpTransfer::openPassive(const Order& order, bool extended) {
+  const FtpReply reply = control_.exchange(extended ? "EPSV" : "PASV", order.timeout);
+  if (reply.refusal()) {
+    if (extended) return false;
+    throw refused("PASV", reply);
+  }
+  const auto port = extended ? epsvPort(reply.text) : pasvPort(reply.text);
+  if (!port) {
+    if (extended) return false;
+    throw FtpError(FtpErrorNumber::badReply,
+                   "The server's answer names no data port: " + printableReply(reply.text, ""));
+  }
+  // The host is the control connection's, whatever the reply says: a server has no business to send its
+  // clients to other machines, and one behind address translation names an address that leads nowhere.
+  const auto error =
+      connectTo(io_, data_, {control_.remoteAddress(), *port}, steady_clock::now() + order.timeout);
+  if (!error) return true;
+  if (extended) return false;
+  throw FtpError(
+      FtpErrorNumber::dataConnectionFailed,
+      "Cannot open the data connection to port " + std::to_string(*port) + ": " + error.message() + ".");
+}
+
+void FtpTransfer::open(const Order& order) {
+  if (!passive_) {
+    const std::string line = request(order.dataPortRange);
+    const FtpReply reply = control_.exchange(line, order.timeout);
+    if (reply.refusal()) throw refused(line, reply);
+    return;
+  }
+  if (extended_ && openPassive(order, true)) return;
+  // PASV speaks of IPv4 only (RFC 2428 §1).
+  if (plainAddress(control_.remoteAddress()).is_v6()) {
+    throw FtpError(FtpErrorNumber::dataConnectionFailed,
+                   "The server offers no extended passive mode over IPv6.");
+  }
+  openPassive(order, false);
+  extended_ = false;
+}
+
+FtpTransfer::Outcome FtpTransfer::run(const Order& order) {
+  struct CloseData {
+    FtpTransfer& transfer;
+    ~CloseData() { transfer.closeData(); }
+  } const closing{*this};
+
+  bool sent = false;
+  try {
+    FtpControl::checkLine(order.command);
+    open(order);
+    control_.send(order.command, order.timeout);
+    sent = true;
+    return receive(order);
+  } catch (const FtpError& error) {
+    switch (static_cast<FtpErrorNumber>(error.number())) {
+      case FtpErrorNumber::badArgument:
+      case FtpErrorNumber::dataConnectionFailed:
+      case FtpErrorNumber::incomplete:
+        break;
+      case FtpErrorNumber::timedOut:
+      case FtpErrorNumber::aborted:
+        sent ? endInOrder(order.timeout) : control_.close();
+        break;
+      default:
+        if (error.number() == 421 || error.number() >= static_cast<int>(FtpErrorNumber::notConnected)) {
+          control_.close();
+        }
+    }
+    throw;
+  } catch (const Aborted&) {
+    sent ? endInOrder(order.timeout) : control_.close();
+    throw;
+  } catch (const SinkFailure& failure) {
+    // Nothing is wrong with the session, but the server is still sending.
+    endInOrder(order.timeout);
+    std::rethrow_exception(failure.cause);
+  }
+}
+
+FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
+  Reception state;
+  if (!buffer_) buffer_ = std::make_unique<char[]>(kBufferSize + 1);
+  wait(order, state);
+  while (!state.over()) {
+    bool moved = takeReplies(state);
+    if (!data_.socket.is_open() && acceptor_.socket.is_open()) tryAccept();
+    if (data_.socket.is_open() && !state.dataEnded && !state.over()) moved |= readData(order, state);
+    if (!moved && !state.over()) wait(order, state);
+  }
+
+  const bool allThere =
+      order.exactSize && !state.dataBroken && state.sizeAnnounced && state.count == state.announced;
+  if (!state.finalReply) {
+    // A long transfer may outlive the control connection; the size says whether the file does not miss a
+    // byte.
+    control_.close();
+    if (!allThere) {
+      throw FtpError(FtpErrorNumber::connectionLost,
+                     "The connection was lost before the server had confirmed the transfer.");
+    }
+    return {{226, "226 Connection lost after the last byte."}, state.count};
+  }
+  if (state.finalReply->code == 421) {
+    throw FtpError(421, "The server closed the session: " + printableReply(state.finalReply->text, ""));
+  }
+  if (state.finalReply->completion() && state.dataBroken) {
+    throw FtpError(FtpErrorNumber::incomplete, "The data connection broke before the end.");
+  }
+  if (state.finalReply->completion() && order.exactSize && state.sizeAnnounced &&
+      state.count < state.announced) {
+    throw FtpError(FtpErrorNumber::incomplete, "Only " + std::to_string(state.count) + " of " +
+                                                   std::to_string(state.announced) + " bytes have come.");
+  }
+  if (order.progress && state.finalReply->completion()) order.progress(state.count, state.announced);
+  return {*std::move(state.finalReply), state.count};
+}
+
+/// Takes what the server says meanwhile. False when nothing has come.
+bool FtpTransfer::takeReplies(Reception& state) {
+  bool any = false;
+  try {
+    while (!state.finalReply && !state.controlLost) {
+      auto reply = control_.pollReply();
+      if (!reply) break;
+      any = true;
+      state.lastEvent = steady_clock::now();
+      if (!reply->preliminary()) {
+        state.finalReply = std::move(reply);
+      } else if (const auto size = announcedSize(reply->text)) {
+        state.announced = *size;
+        state.sizeAnnounced = true;
+      }
+    }
+  } catch (const FtpError& error) {
+    if (error.number() != static_cast<int>(FtpErrorNumber::connectionLost) || !data_.socket.is_open()) throw;
+    state.controlLost = any = true;
+  }
+  return any;
+}
+
+/// Active: takes the server's connection. One from any other machine is closed at once.
+void FtpTransfer::tryAccept() {
+  acceptor_.consumeReadiness();
+  asio::error_code error;
+  asio::ip::tcp::endpoint peer;
+  TcpSocket accepted(io_.context().get_executor());
+  acceptor_.socket.accept(accepted, peer, error);
+  if (error || plainAddress(peer.address()) != plainAddress(control_.remoteAddress())) return;
+  data_.socket = std::move(accepted);
+  data_.socket.non_blocking(true, error);
+  acceptor_.close();
+}
+
+/// Reads until nothing more has come or the server has ended. False when nothing has come.
+bool FtpTransfer::readData(const Order& order, Reception& state) {
+  data_.consumeReadiness();
+  bool any = false;
+  for (;;) {
+    asio::error_code error;
+    const std::size_t size = data_.socket.read_some(asio::buffer(buffer_.get() + 1, kBufferSize), error);
+    if (error == asio::error::would_block || error == asio::error::interrupted) return any;
+    const auto now = steady_clock::now();
+    state.lastEvent = now;
+    any = true;
+    if (error) {
+      // Only an end in order is the end of a file (RFC 959 §3.4.1); a reset is not, whatever the reply says.
+      state.dataBroken = error != asio::error::eof;
+      data_.close();
+      state.dataEnded = true;
+      return true;
+    }
+    state.count += static_cast<std::int64_t>(size);
+    state.windowCount += static_cast<std::int64_t>(size);
+    try {
+      order.sink(buffer_.get() + 1, size);
+    } catch (...) {
+      throw SinkFailure{std::current_exception()};
+    }
+    if (order.progress && now - state.lastProgress >= kProgressInterval) {
+      state.lastProgress = now;
+      order.progress(state.count, state.announced);
+    }
+    io_.pumpIfDue(now);
+  }
+}
+
+void FtpTransfer::wait(const Order& order, Reception& state) {
+  const auto now = steady_clock::now();
+  if (data_.socket.is_open() && now - state.windowStart > order.timeout) {
+    if (state.windowCount < std::chrono::duration_cast<std::chrono::seconds>(order.timeout).count()) {
+      throw FtpError(FtpErrorNumber::timedOut, "The server sends less than a byte a second.");
+    }
+    state.windowStart = now;
+    state.windowCount = 0;
+  }
+  const bool forReply = !state.finalReply && !state.controlLost;
+  if (forReply) control_.channel().arm();
+  data_.arm();
+  acceptor_.arm();
+  const auto arrived = [&] {
+    return data_.ready() || acceptor_.ready() || (forReply && control_.channel().ready());
+  };
+  if (io_.runUntil(arrived, state.lastEvent + order.timeout)) return;
+  if (state.dataEnded) {
+    // The data are here; what misses is the server's word that they are all.
+    state.controlLost = true;
+    return;
+  }
+  throw FtpError(FtpErrorNumber::timedOut, data_.socket.is_open()
+                                               ? "Nothing came over the data connection in time."
+                                               : "The server did not open the data connection in time.");
+}
+
+/// Ends a transfer whose reply is outstanding (RFC 959 §4.1.3, ABOR): servers answer it with 426 and 226,
+/// with 226 or 225 alone, or not at all. In the last case the connection is closed.
+void FtpTransfer::endInOrder(milliseconds timeout) {
+  const PumpedIo::Shield shield(io_);
+  try {
+    control_.sendAbort();
+    closeData();  // a server that is stuck in sending wakes up by this
+    const auto deadline = steady_clock::now() + std::min(timeout, kFarewell);
+    FtpReply first = control_.readReply(deadline);
+    while (first.preliminary()) first = control_.readReply(deadline);
+    if (first.code == 421) throw Aborted{};
+    try {
+      control_.readReply(first.refusal() ? deadline : std::min(deadline, steady_clock::now() + kSecondReply));
+    } catch (const FtpError& error) {
+      if (error.number() != static_cast<int>(FtpErrorNumber::timedOut)) throw;
+    }
+  } catch (...) {
+    control_.close();
+  }
+}
+
+}  // namespace quillmoor
