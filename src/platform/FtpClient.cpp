@@ -42,7 +42,7 @@ bool endsSession(int number) {
 
 std::string oneLine(std::string text) {
   for (auto at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n", at))
-    text.replace(at, 2, " ");
+    text.replace(at, 2, 1, ' ');
   constexpr std::size_t kLongest = 500;
   if (text.size() > kLongest) {
     text.resize(kLongest);
