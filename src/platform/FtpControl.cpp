@@ -175,10 +175,6 @@ FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
   return readFinalReply(in(timeout));
 }
 
-bool FtpControl::wasSentAhead(const std::string& line) const {
-  return std::find(ahead_.begin(), ahead_.end(), line) != ahead_.end();
-}
-
 void FtpControl::sendAhead(const std::vector<std::string>& lines) {
   if (!takesAhead_ || ended_) return;
   std::string wire;

@@ -48,7 +48,7 @@ class FtpControl {
   void sendAhead(const std::vector<std::string>& lines);
   /// False once the server was seen to lose commands that arrived while it was busy.
   bool takesCommandsAhead() const { return takesAhead_; }
-  bool wasSentAhead(const std::string& line) const;
+  bool hasSentAhead() const { return !ahead_.empty(); }
 
   /// The Telnet "interrupt process" and "synch" of RFC 959 §4.1.3 (RFC 854), then ABOR.
   void sendAbort();
