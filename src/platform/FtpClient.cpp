@@ -59,11 +59,6 @@ bool announcesUtf8(const FtpReply& features) {
   return text.find("\n UTF8") != std::string::npos;
 }
 
-/// Servers that do not look at a command before they are done with the one before, transfers included.
-bool answersStrictlyInTurn(const std::string& greeting) {
-  return greeting.find("Pure-FTPd") != std::string::npos || greeting.find("vsFTPd") != std::string::npos;
-}
-
 /// "There are no files" is how some servers refuse to list an empty folder.
 bool saysNoFiles(const FtpReply& reply) {
   if (reply.code != 450 && reply.code != 550) return false;
@@ -131,7 +126,6 @@ class FtpClient::Impl {
   void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t expectedSize);
   void abort();
   void sendAhead(std::vector<std::string> lines, bool dataConnection);
-  void sendAheadWithTransfer(std::vector<std::string> lines, bool dataConnection);
 
  private:
   milliseconds timeout() const {
@@ -159,8 +153,6 @@ class FtpClient::Impl {
   FtpMethod method_ = FtpMethod::command;
   std::string secret_;
   bool asciiType_ = true;  // RFC 959 §5.1: the type is ASCII until said otherwise
-  bool strictlyInTurn_ = false;
-  std::vector<std::string> linesAhead_;
   enum class HiddenFiles { unknown, listed, refused } hiddenFiles_ = HiddenFiles::unknown;
 };
 
@@ -258,8 +250,6 @@ FtpReply FtpClient::Impl::logIn(const std::string& user, const std::string& pass
   }
   if (!reply.completion()) throw Refused("The server does not want to talk: " + reply.text, reply);
   progress(FtpStatus::inProgress, reply.text);
-  strictlyInTurn_ = answersStrictlyInTurn(reply.text);
-  linesAhead_.clear();
 
   reply = requireShownAs("USER " + user, "the user name");
   if (reply.code == 331) reply = requireShownAs("PASS " + password, "the password");
@@ -368,7 +358,6 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
     order.timeout = timeout();
     order.dataPortRange = client_.dataPortRange;
     order.exactSize = !asciiType_;
-    order.linesAhead = std::exchange(linesAhead_, {});
     if (asciiType_) {
       order.sink = [&](char* data, std::size_t size) {
         const auto converted = text.convert(data, size);
@@ -405,13 +394,6 @@ void FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnect
     control_.sendAhead(lines);
   } catch (const FtpError&) {  // NOLINT(bugprone-empty-catch): the operation itself will meet it and tell
   }
-}
-
-void FtpClient::Impl::sendAheadWithTransfer(std::vector<std::string> lines, bool dataConnection) {
-  linesAhead_.clear();
-  if (!strictlyInTurn_ || !passive || state != FtpState::connected || !control_.takesCommandsAhead()) return;
-  linesAhead_ = std::move(lines);
-  if (dataConnection) linesAhead_.push_back(transfer_.request(client_.dataPortRange));
 }
 
 FtpClient::FtpClient() : impl_(std::make_unique<Impl>(*this)) {}
@@ -464,9 +446,6 @@ void FtpClient::abort() {
 }
 void FtpClient::sendAhead(const std::vector<std::string>& commandLines, bool dataConnection) {
   impl_->sendAhead(commandLines, dataConnection);
-}
-void FtpClient::sendAheadWithTransfer(std::vector<std::string> commandLines, bool dataConnection) {
-  impl_->sendAheadWithTransfer(std::move(commandLines), dataConnection);
 }
 
 }  // namespace quillmoor

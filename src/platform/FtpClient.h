@@ -191,12 +191,6 @@ class FtpClient {
   /// time: never raises, and does nothing when not connected or when the server does not read ahead.
   void sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
 
-  /// The same for what follows the next transfer: sent together with that transfer's command, so that the
-  /// answers are there when it ends. Only done in passive mode with servers that are known to take one
-  /// command strictly after the other; some others would take the request for a data connection as the end of
-  /// the transfer. A failed transfer closes the session then.
-  void sendAheadWithTransfer(std::vector<std::string> commandLines, bool dataConnection);
-
  private:
   class Impl;
   std::unique_ptr<Impl> impl_;

@@ -172,7 +172,6 @@ FtpTransfer::Outcome FtpTransfer::run(const Order& order) {
     open(order);
     control_.send(order.command, order.timeout);
     sent = true;
-    if (!order.linesAhead.empty()) control_.sendAhead(order.linesAhead);
     return receive(order);
   } catch (const FtpError& error) {
     switch (static_cast<FtpErrorNumber>(error.number())) {
@@ -341,7 +340,6 @@ void FtpTransfer::endInOrder(milliseconds timeout) {
   try {
     control_.sendAbort();
     closeData();  // a server that is stuck in sending wakes up by this
-    if (control_.hasSentAhead()) throw Aborted{};  // which reply is whose could not be told
     const auto deadline = steady_clock::now() + std::min(timeout, kFarewell);
     FtpReply first = control_.readReply(deadline);
     while (first.preliminary()) first = control_.readReply(deadline);

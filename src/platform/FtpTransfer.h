@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/FtpControl.h"
 
@@ -30,8 +29,6 @@ class FtpTransfer {
     std::string dataPortRange;  // as FtpClient::dataPortRange
     /// A mentioned size is the number of bytes to come, so fewer are a failure. Not so in ASCII transfers.
     bool exactSize = false;
-    /// Lines sent behind the command, to be answered when the transfer is over.
-    std::vector<std::string> linesAhead;
     Sink sink;
     Progress progress;
   };
