@@ -12,7 +12,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 // How long the farewell to a transfer that was broken off may take before the connection is given up.
-constexpr milliseconds kFarewell{5000};
+constexpr milliseconds kFarewell{2000};
 // A second reply to ABOR comes on the heels of the first or not at all.
 constexpr milliseconds kSecondReply{500};
 constexpr milliseconds kProgressInterval{100};
