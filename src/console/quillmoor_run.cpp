@@ -1,0 +1,161 @@
+// quillmoor-run: the backup run on a terminal, for a machine without a screen.
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include "connectivity/DialUp.h"
+#include "console/ConsoleDisplay.h"
+#include "engine/ArchiveStage.h"
+#include "engine/RunActions.h"
+#include "engine/RunController.h"
+#include "engine/TransferType.h"
+#include "platform/LocalTime.h"
+#include "platform/NetworkAlive.h"
+#include "platform/Terminal.h"
+#include "profiles/ApplicationSettings.h"
+#include "profiles/SiteProfileStore.h"
+
+namespace quillmoor {
+namespace {
+
+enum ExitStatus { kAllCompleted = 0, kNotAllCompleted = 1, kCouldNotStart = 2 };
+
+constexpr const char* kHelp =
+    "Usage: quillmoor-run [OPTION]\n"
+    "Backs up every enabled site profile of Profiles.ini in this program's folder, once, now.\n"
+    "\n"
+    "  --assume-network  do not ask whether a network is up (for sites on this machine)\n"
+    "  --help            show this and end\n"
+    "  --version         show the version and end\n"
+    "\n"
+    "Ctrl-C stops the run in good order, a second Ctrl-C ends the program at once.\n"
+    "Exit status: 0 when every enabled profile was completed, 1 when one was not, 2 when the run could not "
+    "start.\n";
+
+struct Options {
+  bool assumeNetwork = false;
+};
+
+/// Standard output, written through at most once a pump turn.
+class Output {
+ public:
+  void write(std::string_view bytes) {
+    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    written_ = true;
+  }
+  void flush() {
+    if (written_) std::fflush(stdout);
+    written_ = false;
+  }
+
+ private:
+  bool written_ = false;
+};
+
+/// Turns requests to stop into one confirmed Stop of the run.
+class StopSwitch {
+ public:
+  void attach(RunController& controller) { controller_ = &controller; }
+  void look() {
+    if (stopSignals() == 0 || done_ || !controller_) return;
+    done_ = true;
+    controller_->Stop();
+  }
+
+ private:
+  RunController* controller_ = nullptr;
+  bool done_ = false;
+};
+
+int run(const Options& options) {
+  const std::string profilesFile = ProfilesFilePath();
+  if (!std::ifstream(profilesFile)) {
+    std::fprintf(stderr, "quillmoor-run: cannot read the site profiles: %s\n", profilesFile.c_str());
+    return kCouldNotStart;
+  }
+  ApplicationSettings settings = LoadApplicationSettings();
+  if (settings.AutoDial == 1 && settings.AutoDialUpConnection.empty()) {
+    std::fputs(
+        "quillmoor-run: the setting AutoDial is 1 and no dial-up entry is chosen, so the run waits until a\n"
+        "dial-up connection is up. On a machine with a network of its own: quillmoor-config setting set "
+        "AutoDial 0\n",
+        stderr);
+  }
+
+  catchStopSignals();
+  Output output;
+  ConsoleDisplay display(
+      {[&](std::string_view bytes) { output.write(bytes); }, prepareTerminal(), terminalWidth, TickCountMs});
+  StopSwitch stopSwitch;
+  NetworkSource network = IsNetworkAlive;
+  if (options.assumeNetwork) {
+    network = [](std::uint32_t& flags) {
+      flags = 1;
+      return true;
+    };
+  }
+  NoDialUp dialUp;
+  NoRunActions actions(settings);
+  NoArchiveStage archive(settings);
+  RunController controller({.display = display,
+                            .pump =
+                                [&] {
+                                  stopSwitch.look();
+                                  display.refresh();
+                                  output.flush();
+                                },
+                            .settings = settings,
+                            .AsciiExtensions = LoadAsciiFilesTypes(LoadAsciiExtensions()),
+                            .profilesFile = profilesFile,
+                            .network = network,
+                            .dialUp = dialUp,
+                            .actions = actions,
+                            .archive = archive});
+  stopSwitch.attach(controller);
+
+  const auto results = controller.RunBackup();
+  display.finish();
+  output.write("\n" + display.reportTable());
+  output.flush();
+  for (const ProfileResult& result : results) {
+    if (!result.completed) return kNotAllCompleted;
+  }
+  return stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
+}
+
+int main(int argc, char** argv) {
+  Options options;
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (argument == "--help") {
+      std::fputs(kHelp, stdout);
+      return kAllCompleted;
+    }
+    if (argument == "--version") {
+      std::puts("quillmoor-run " QUILLMOOR_VERSION);
+      return kAllCompleted;
+    }
+    if (argument == "--assume-network") {
+      options.assumeNetwork = true;
+      continue;
+    }
+    std::fprintf(stderr, "quillmoor-run: what is \"%s\"? Try quillmoor-run --help.\n", argv[i]);
+    return kCouldNotStart;
+  }
+  try {
+    return run(options);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "quillmoor-run: %s\n", error.what());
+    return kCouldNotStart;
+  }
+}
+
+}  // namespace
+}  // namespace quillmoor
+
+int main(int argc, char** argv) {
+  return quillmoor::main(argc, argv);
+}
