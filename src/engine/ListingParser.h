@@ -1,0 +1,17 @@
+// From the text of a LIST reply to entries. LIST has no standard (RFC 959 §4.1.3): these are the forms that
+// servers write, UNIX "ls -l" and its relatives and the MS-DOS style.
+#pragma once
+
+#include <string>
+
+#include "engine/RemoteListing.h"
+#include "platform/LocalTime.h"
+
+namespace quillmoor {
+
+/// Interprets every line that it can. Lines that it cannot (blank ones, "total 12", headings, banners) are
+/// passed over when others were understood or they are customary noise; else the format is `neither` and
+/// there are no entries. `now` decides which dates are given with a time of day: those of its year.
+RemoteListing ParseListing(std::string text, LocalDateTime now);
+
+}  // namespace quillmoor

@@ -1,0 +1,32 @@
+// One listing of a remote folder, line by line, as the walk and the browser read it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quillmoor {
+
+/// How the lines of a listing were understood.
+enum class ListingFormat { unixStyle = 0, dosStyle = 1, neither = 2 };
+
+/// One interpreted line. Names, owners and link targets are the server's bytes.
+struct RemoteEntry {
+  std::string name;              // without any folder; may be "." or ".."; blanks at either end belong to it
+  std::string type;              // one letter: "d" folder, "l" link, anything else ("-" as a rule) a file
+  std::int32_t permissions = 0;  // mode bits, 07777 at most
+  std::string user;
+  std::string group;
+  std::int32_t size = 0;  // bytes; a larger one shows as the largest that fits
+  std::int64_t sizeBytes = 0;
+  std::string dateText;  // "Jan 5 12:34" or "Jan 5 2009", for ParseListingDate
+  std::string linkTarget;
+};
+
+struct RemoteListing {
+  std::string text;  // as received; "" when the folder listed nothing
+  ListingFormat format = ListingFormat::unixStyle;
+  std::vector<RemoteEntry> entries;  // in the order of the lines
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,67 @@
+#include "engine/SafeName.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quillmoor {
+namespace {
+
+bool isControl(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < 0x20 || byte == 0x7F;
+}
+
+/// Names that Windows gives to devices in every folder, with whatever extension.
+bool isDeviceName(std::string_view name) {
+  std::string stem(name.substr(0, name.find('.')));
+  stem.erase(stem.find_last_not_of(' ') + 1);
+  std::transform(stem.begin(), stem.end(), stem.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+  if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;
+  return stem.size() == 4 && (stem.starts_with("COM") || stem.starts_with("LPT")) && stem[3] >= '1' &&
+         stem[3] <= '9';
+}
+
+}  // namespace
+
+std::optional<std::string> ListedNameRefusal(std::string_view name, LocalNameRules rules) {
+  if (name.empty()) return "it is empty";
+  if (name == "." || name == "..") return "it leads to another folder";
+  if (std::any_of(name.begin(), name.end(), isControl)) return "it holds a control character";
+  if (name.find('/') != std::string_view::npos) return "it holds a path separator";
+  if (rules == LocalNameRules::posix) return std::nullopt;
+
+  if (name.find('\\') != std::string_view::npos) return "it holds a path separator";
+  if (name.find(':') != std::string_view::npos) return "it holds a colon, which names a drive or a stream";
+  if (name.find_first_of("<>\"|?*") != std::string_view::npos)
+    return "it holds a character that files cannot bear";
+  if (name.back() == '.' || name.back() == ' ') return "it ends in a dot or a blank";
+  if (isDeviceName(name)) return "it is the name of a device";
+  return std::nullopt;
+}
+
+std::optional<std::string> RemotePathRefusal(std::string_view path, LocalNameRules rules) {
+  while (!path.empty()) {
+    const std::string_view component = path.substr(0, path.find('/'));
+    path.remove_prefix(std::min(component.size() + 1, path.size()));
+    if (component.empty()) continue;
+    if (auto reason = ListedNameRefusal(component, rules)) return reason;
+  }
+  return std::nullopt;
+}
+
+std::string PrintableName(std::string_view name) {
+  std::string shown(name);
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    if (isControl(shown[i])) shown[i] = '?';
+    // U+0080 to U+009F, which some terminals obey too.
+    const bool c1 = shown[i] == '\xC2' && i + 1 < shown.size() &&
+                    static_cast<unsigned char>(shown[i + 1]) >= 0x80 &&
+                    static_cast<unsigned char>(shown[i + 1]) < 0xA0;
+    if (c1) shown.replace(i, 2, 1, '?');
+  }
+  return shown;
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,22 @@
+// Which names that a server sends may become local files and folders, and how they are shown.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/LocalPath.h"
+
+namespace quillmoor {
+
+/// Why a listed name is refused, as part of a sentence; nothing when it may be used. A name that passes stays
+/// within the folder it is put into and is a plain file there.
+std::optional<std::string> ListedNameRefusal(std::string_view name, LocalNameRules rules = kLocalNameRules);
+
+/// The same for a path as a server reports it, component by component; "/" alone passes.
+std::optional<std::string> RemotePathRefusal(std::string_view path, LocalNameRules rules = kLocalNameRules);
+
+/// Control characters replaced by "?", so that a name cannot break a log line or talk to a terminal.
+std::string PrintableName(std::string_view name);
+
+}  // namespace quillmoor

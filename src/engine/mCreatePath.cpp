@@ -1,0 +1,80 @@
+#include "engine/mCreatePath.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace quillmoor {
+namespace {
+
+std::string trimmed(const std::string& text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+std::string AddTrailingSeparator(const std::string& path, bool remote, char localSeparator) {
+  std::string result = path;
+  const auto open = result.find('[');
+  const auto close = result.find(']');
+  if (open != std::string::npos && close != std::string::npos && open < close)
+    result.erase(open, close - open + 1);
+  result = trimmed(result);
+  const char separator = remote ? '/' : localSeparator;
+  if (!result.ends_with(separator)) result += separator;
+  return result;
+}
+
+std::string LocalFolderFor(const std::string& target, const std::string& currentDir, char localSeparator) {
+  std::string joined = AddTrailingSeparator(target, false, localSeparator) + currentDir;
+  std::replace(joined.begin() + static_cast<std::ptrdiff_t>(joined.size() - currentDir.size()), joined.end(),
+               '/', localSeparator);
+  std::string folder;
+  folder.reserve(joined.size());
+  for (std::size_t i = 0; i < joined.size(); ++i) {
+    folder += joined[i];
+    if (joined[i] == localSeparator && i + 1 < joined.size() && joined[i + 1] == localSeparator) ++i;
+  }
+  return AddTrailingSeparator(folder, false, localSeparator);
+}
+
+bool CreatePath(const std::string& path) {
+  const FolderSystem system{[](const std::string& folder) {
+                              std::error_code ignored;
+                              return std::filesystem::exists(folder, ignored);
+                            },
+                            [](const std::string& folder) {
+                              std::error_code ignored;
+                              return std::filesystem::create_directory(folder, ignored);
+                            }};
+  return CreatePath(path, kLocalSeparator, system);
+}
+
+bool CreatePath(const std::string& path, char separator, const FolderSystem& system) {
+  if (path.empty()) return false;
+  if (system.exists(path)) return true;
+  const std::string network(2, separator);
+  std::size_t at = path.starts_with(network) ? network.size() : 0;
+  const auto nextComponent = [&] {
+    const std::size_t end = std::min(path.find(separator, at), path.size());
+    std::string component = path.substr(at, end - at);
+    at = end + 1;
+    return component;
+  };
+  std::string built = path.starts_with(network) ? network + nextComponent() : nextComponent();
+  bool missing = false;
+  while (at < path.size()) {
+    const std::string component = nextComponent();
+    if (component.empty()) continue;
+    built += separator;
+    built += component;
+    if (!missing && system.exists(built)) continue;
+    missing = true;
+    if (!system.create(built)) return false;
+  }
+  return true;
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,12 @@
+// The networks that this machine is on.
+#pragma once
+
+#include <cstdint>
+
+namespace quillmoor {
+
+/// True when some network is up; `kinds` then gets 1 for a local area network, 2 for a wide area one (a
+/// point-to-point link), both where both are up. Without a network it is left alone.
+bool IsNetworkAlive(std::uint32_t& kinds);
+
+}  // namespace quillmoor
