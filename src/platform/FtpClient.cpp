@@ -361,10 +361,10 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
     if (asciiType_) {
       order.sink = [&](char* data, std::size_t size) {
         const auto converted = text.convert(data, size);
-        file.write(std::span<const char>(converted.data, converted.size));
+        file.write(std::string_view(converted.data, converted.size));
       };
     } else {
-      order.sink = [&](char* data, std::size_t size) { file.write(std::span<const char>(data, size)); };
+      order.sink = [&](char* data, std::size_t size) { file.write(std::string_view(data, size)); };
     }
     order.progress = [&](std::int64_t count, std::int64_t size) {
       progress(FtpStatus::inProgress, "", count, expectedSize > 0 ? expectedSize : size);
@@ -372,7 +372,7 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
     const FtpTransfer::Outcome outcome = transfer_.run(order);
     if (outcome.reply.refusal())
       throw Refused("The server refused RETR: " + outcome.reply.text, outcome.reply);
-    if (text.heldCarriageReturn()) file.write(std::string_view("\r"));
+    if (text.heldCarriageReturn()) file.write("\r");
     file.commit();
     progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
     if (!control_.isOpen()) closeNow();

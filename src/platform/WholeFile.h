@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <span>
 #include <string_view>
 
 namespace quillmoor {
@@ -25,8 +24,7 @@ class WholeFile {
   WholeFile(const WholeFile&) = delete;
   WholeFile& operator=(const WholeFile&) = delete;
 
-  void write(std::span<const char> bytes);
-  void write(std::string_view text) { write(std::span<const char>(text.data(), text.size())); }
+  void write(std::string_view bytes);
 
   /// Gives the file its final name, replacing what stood there. Nothing may be written afterwards.
   void commit();

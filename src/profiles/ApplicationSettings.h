@@ -43,7 +43,8 @@ struct ApplicationSettings {
 };
 
 /// Reads every key but `AsciiExts`. A stored text that is no number reads as its leading number, else 0.
-/// Raises RegistryError when the store itself cannot be read (damaged file); the text names the file.
+/// Raises RegistryStoreError when the store itself cannot be read (damaged file; the text names it), and
+/// std::overflow_error for a number too large, naming its key.
 ApplicationSettings LoadApplicationSettings();
 
 /// The `AsciiExts` value, the default list when it is missing; joined with "|".

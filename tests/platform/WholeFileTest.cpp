@@ -23,7 +23,7 @@ TEST(WholeFile, ReplacesTheTargetOnlyAtCommit) {
   writeFile(folder / "a", "old");
   {
     WholeFile file(folder / "a", WholeFile::Survives::power);
-    file.write(std::string_view("new"));
+    file.write("new");
     EXPECT_EQ(contentsOf(folder / "a"), "old");
     file.commit();
   }
@@ -35,7 +35,7 @@ TEST(WholeFile, LeavesNothingBehindWhenGivenUp) {
   const TemporaryFolder folder;
   {
     WholeFile file(folder / "a");
-    file.write(std::string_view("half"));
+    file.write("half");
   }
   EXPECT_EQ(filesIn(folder.path()), 0U);
 }
@@ -44,7 +44,7 @@ TEST(WholeFile, TakesOverTheTemporaryFileOfAKilledRun) {
   const TemporaryFolder folder;
   writeFile(WholeFile::temporaryName(folder.path()), "a long remainder of a run that was killed");
   WholeFile file(folder / "a");
-  file.write(std::string_view("x"));
+  file.write("x");
   file.commit();
   EXPECT_EQ(contentsOf(folder / "a"), "x");
   EXPECT_EQ(filesIn(folder.path()), 1U);
@@ -55,7 +55,7 @@ TEST(WholeFile, CanWriteAFileThatIsNamedLikeATemporaryOne) {
   const auto target = WholeFile::temporaryName(folder.path());
   writeFile(target, "old");
   WholeFile file(target);
-  file.write(std::string_view("new"));
+  file.write("new");
   EXPECT_EQ(contentsOf(target), "old");
   file.commit();
   EXPECT_EQ(contentsOf(target), "new");

@@ -38,14 +38,14 @@ WholeFile::~WholeFile() {
   ::unlink(temporary_.c_str());
 }
 
-void WholeFile::write(std::span<const char> bytes) {
+void WholeFile::write(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::write(static_cast<int>(handle_), bytes.data(), bytes.size());
     if (written < 0) {
       if (errno == EINTR) continue;
       fail("cannot write", temporary_);
     }
-    bytes = bytes.subspan(static_cast<std::size_t>(written));
+    bytes.remove_prefix(static_cast<std::size_t>(written));
   }
 }
 

@@ -1,0 +1,100 @@
+#include "engine/NetworkWait.h"
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+
+#include "engine/BusyFlag.h"
+#include "engine/ErrorGuard.h"
+#include "engine/LogColours.h"
+#include "profiles/LenientNumber.h"
+
+namespace quillmoor {
+namespace {
+
+constexpr std::int64_t kSliceMs = 10;  // half of what the pump is promised
+
+std::string secondsBeforeRetrying(const char* what, std::int32_t seconds) {
+  return what + std::to_string(seconds) + " Seconds Before Retrying...\r\n";
+}
+
+}  // namespace
+
+void NetworkWait::WaitForNetwork() {
+  const BusyFlag busy(state_.networkWaitBusy);
+  if (!busy.taken()) return;
+  Guarded([&] {
+    if (services_.settings.AutoDial == 1) {
+      dialUntilConnected();
+    } else {
+      waitForLan();
+    }
+  });
+}
+
+/// Tests no StopRequested: only a network ends this wait.
+void NetworkWait::waitForLan() {
+  IsNetworkAvailable(services_.network);  // the first answer may be stale: the system refreshes it when asked
+  while (!IsNetworkAvailable(services_.network)) {
+    log_.AppendLog(secondsBeforeRetrying("No LAN Connection. Waiting ", services_.settings.ConnectionDelay),
+                   log_colour::kWaiting, false);
+    WaitSeconds(services_.settings.ConnectionDelay);
+  }
+}
+
+bool NetworkWait::anyConnectionIsUp() const {
+  return services_.dialUp.State() == kDialUpConnected || services_.dialUp.IsDialUpConnected();
+}
+
+bool NetworkWait::dialledConnectionIsUp() const {
+  return services_.dialUp.State() == kDialUpConnected && services_.dialUp.IsDialUpConnected();
+}
+
+void NetworkWait::dialUntilConnected() {
+  while (!anyConnectionIsUp() && !state_.StopRequested) {
+    const std::string& entry = services_.settings.AutoDialUpConnection;
+    log_.AppendLog("Dialing the connection " + entry + "\r\n", log_colour::kDialling, false);
+    if (!entry.empty()) {
+      Guarded([&] {
+        services_.dialUp.HangUp();
+        services_.dialUp.Dial(entry);
+      });
+    }
+    if (state_.StopRequested) break;
+    // Asks for both on purpose, where the loop is content with either.
+    if (!dialledConnectionIsUp()) waitBeforeRetry();
+  }
+}
+
+void NetworkWait::HangUpDialUp() {
+  if (services_.settings.AutoHangUp != 1) return;
+  log_.AppendLog("Disconnecting Dial-up connection.\r\n", log_colour::kDialling, true);
+  if (anyConnectionIsUp()) {
+    Guarded([&] { services_.dialUp.HangUpDialUp(); });
+    Guarded([&] { services_.dialUp.HangUp(); });
+  }
+  log_.AppendLog("Disconnected.\r\n", log_colour::kWaiting, true);
+}
+
+void NetworkWait::waitBeforeRetry() {
+  const std::int32_t seconds = services_.settings.ConnectionDelay;
+  log_.AppendLog(secondsBeforeRetrying("Waiting ", seconds), log_colour::kWaiting, false);
+  WaitSeconds(seconds);
+}
+
+void NetworkWait::WaitSeconds(std::int32_t seconds) {
+  const std::int64_t end = services_.tick() + MultiplyLong(seconds, 1000);
+  for (;;) {
+    if (services_.pump) services_.pump();
+    const std::int64_t left = end - services_.tick();
+    if (left < 0) return;
+    services_.sleep(std::chrono::milliseconds(std::clamp<std::int64_t>(left, 1, kSliceMs)));
+  }
+}
+
+void NetworkWait::breathe() {
+  if (services_.pump) services_.pump();
+  services_.sleep(std::chrono::milliseconds(kSliceMs));
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,184 @@
+#include "engine/RunController.h"
+
+#include <utility>
+
+#include "engine/BackupRunning.h"
+#include "engine/BusyFlag.h"
+#include "engine/ErrorGuard.h"
+#include "engine/LogColours.h"
+#include "engine/SafeName.h"
+#include "engine/mCreatePath.h"
+#include "engine/mGeneral.h"
+#include "profiles/SiteProfileStore.h"
+
+namespace quillmoor {
+namespace {
+
+constexpr const char* kNothingYet = " - ";
+
+/// The hourglass, for as long as this lives.
+class BusyCursor {
+ public:
+  explicit BusyCursor(RunDisplay& display) : display_(display) { display_.showBusyCursor(true); }
+  ~BusyCursor() { display_.showBusyCursor(false); }
+  BusyCursor(const BusyCursor&) = delete;
+  BusyCursor& operator=(const BusyCursor&) = delete;
+
+ private:
+  RunDisplay& display_;
+};
+
+/// Whichever way a profile is left, the next one must not find its session open.
+class SessionFrame {
+ public:
+  explicit SessionFrame(FtpSession& session) : session_(session) {}
+  ~SessionFrame() { session_.close(); }
+  SessionFrame(const SessionFrame&) = delete;
+  SessionFrame& operator=(const SessionFrame&) = delete;
+
+ private:
+  FtpSession& session_;
+};
+
+}  // namespace
+
+RunController::RunController(RunServices services)
+    : services_(std::move(services)),
+      log_(services_.display),
+      network_(services_, state_, log_),
+      session_(services_, state_, log_, network_),
+      walk_(services_, state_, log_, session_) {}
+
+std::vector<ProfileResult> RunController::RunBackup() {
+  const BusyFlag running(active_);
+  if (!running.taken()) return {};
+  state_.StopRequested = false;
+  BackupRunning = true;
+  state_.networkWaitBusy = false;
+  state_.connectBusy = false;
+  services_.display.showRunning(true);
+  Guarded([&] { RunAllProfiles(); });
+  services_.display.showRunning(false);
+  BackupRunning = false;
+  return std::exchange(results_, {});
+}
+
+void RunController::Stop() {
+  state_.StopRequested = true;
+  state_.LoggedIn = false;
+  session_.abort();
+  services_.display.showRunning(false);
+  BackupRunning = false;
+}
+
+void RunController::RunAllProfiles() {
+  std::vector<std::string> ProfileQueue;
+  Guarded([&] { ProfileQueue = LoadSitesInfo(services_.profilesFile); });
+  network_.WaitForNetwork();
+  {
+    const BusyCursor hourglass(services_.display);
+    Guarded([&] { services_.actions.RunBeforeActions(log_); });
+  }
+  for (const std::string& profileId : ProfileQueue) {
+    if (state_.StopRequested) break;
+    state_.currentProfileId = profileId;
+    Guarded([&] { RunProfile(profileId); });
+  }
+  {
+    const BusyCursor hourglass(services_.display);
+    Guarded([&] { services_.actions.RunAfterActions(log_); });
+  }
+  network_.HangUpDialUp();
+  log_.AppendLog("Finished all at: " + FinishedText(services_.now()) + "\r\n", log_colour::kEndOfRun, true);
+  log_.AppendLog("Good Bye.\r\n", log_colour::kEndOfRun, true);
+}
+
+void RunController::RunProfile(const std::string& profileId) {
+  state_.profile = LoadProfileForRun(profileId, services_.profilesFile);
+  if (state_.profile.Status != 1) return;
+  results_.push_back({profileId, false});
+  addReportRow(profileId);
+  logFrameHeader(profileId);
+  if (!prepareTarget(profileId) || !runSession()) return;
+  finishReportRow();
+  results_.back().completed = !state_.StopRequested;
+  Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_); });
+}
+
+void RunController::addReportRow(const std::string& profileId) {
+  RunDisplay& display = services_.display;
+  const std::size_t row = display.addReportRow();
+  state_.reportRow = row;
+  display.setReportItem(row, ReportColumn::profile, profileId);
+  display.setReportItem(row, ReportColumn::started, ReportTimeText(services_.now()));
+  display.setReportItem(row, ReportColumn::finished, kNothingYet);
+  display.setReportItem(row, ReportColumn::status, "Running");
+  display.setReportItem(row, ReportColumn::files, kNothingYet);
+  display.setReportItem(row, ReportColumn::errors, kNothingYet);  // and so it stays
+  display.setReportItem(row, ReportColumn::size, kNothingYet);
+  display.repopulateReport();
+}
+
+void RunController::logFrameHeader(const std::string& profileId) {
+  log_.AppendLog(kLogRule, log_colour::kFrameRule, true);
+  log_.AppendLog(std::string(8, ' ') + profileId + "\r\n", log_colour::kFrameTitle, true);
+  log_.AppendLog(kLogRule, log_colour::kFrameRule, true);
+  log_.AppendLog("Started at: " + TimeText(services_.now()) + "\r\n", log_colour::kWaiting, true);
+  log_.zeroLineCount();
+}
+
+/// Works out where the profile's files go. False when it cannot be run.
+bool RunController::prepareTarget(const std::string& profileId) {
+  if (!state_.profile.unreadable.empty()) {
+    logError("Error: " + state_.profile.unreadable + "\r\n");
+    return false;
+  }
+  if (const auto reason = ListedNameRefusal(profileId)) {
+    // The name becomes a folder below SaveTo; this one could lead out of it.
+    logError("Error: The profile's name cannot be the name of a folder: " + PrintableName(profileId) +
+             "\r\n");
+    return false;
+  }
+  state_.profile.SaveTo = AddTrailingSeparator(state_.profile.SaveTo, false);
+  state_.localFolderName = profileId;
+  if (services_.settings.UniqueBackup != 0) state_.localFolderName += DatedFolderSuffix(services_.now());
+  state_.LocalTargetFolder = state_.profile.SaveTo + state_.localFolderName;
+  state_.localTargetPath = AddTrailingSeparator(state_.LocalTargetFolder, false);
+  state_.fileCount = 0;
+  state_.byteCount = 0;
+  return true;
+}
+
+/// From the profile's own actions to the logout. False when the login failed.
+bool RunController::runSession() {
+  Guarded([&] { services_.actions.RunProfileActions(state_.profile, log_); });
+  const SessionFrame frame(session_);
+  session_.ConnectAndLogin();
+  if (!session_.connected() || !state_.LoggedIn) {
+    logError("Error: Unable to login\r\n");
+    return false;
+  }
+  for (const std::string& folder : state_.profile.Folders) {
+    if (state_.StopRequested) break;
+    if (!folder.empty()) walk_.WalkRemoteFolder(folder, services_.now());
+  }
+  log_.AppendLog("Finished at: " + TimeText(services_.now()) + "\r\n", log_colour::kEndOfProfile, true);
+  if (!state_.StopRequested) session_.Logout();
+  return true;
+}
+
+void RunController::finishReportRow() {
+  RunDisplay& display = services_.display;
+  const std::size_t row = state_.reportRow;
+  display.setReportItem(row, ReportColumn::finished, ReportTimeText(services_.now()));
+  display.setReportItem(row, ReportColumn::status, state_.StopRequested ? "Stoped" : "Completed");
+  display.setReportColour(row, ReportColumn::status,
+                          state_.StopRequested ? log_colour::kError : log_colour::kEndOfProfile);
+  display.repopulateReport();
+}
+
+void RunController::logError(const std::string& text) {
+  log_.AppendLog(text, log_colour::kError, true);
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,65 @@
+// The run controller: one backup run from its start to its end, profile by profile.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/FtpSession.h"
+#include "engine/NetworkWait.h"
+#include "engine/RunLog.h"
+#include "engine/RunServices.h"
+#include "engine/RunState.h"
+#include "engine/TreeWalk.h"
+
+namespace quillmoor {
+
+/// What became of one enabled profile. Not completed: stopped, or it could not log in or be run at all.
+struct ProfileResult {
+  std::string profileId;
+  bool completed = false;
+};
+
+/// Runs every enabled profile in turn, on the caller's thread, pumping. Whatever fails inside a run is told
+/// in the log and the run goes on.
+class RunController {
+ public:
+  explicit RunController(RunServices services);
+  RunController(const RunController&) = delete;
+  RunController& operator=(const RunController&) = delete;
+
+  /// The whole run; returns one result for each enabled profile that it came to, in order. While an earlier
+  /// run is still unwinding after a Stop (`active`) it changes nothing and returns none: try again later.
+  std::vector<ProfileResult> RunBackup();
+
+  /// A run is on the stack, whatever BackupRunning says.
+  bool active() const { return active_; }
+
+  /// A confirmed Stop, called from inside the pump: ends the transfer in progress and lets the run unwind.
+  /// The archive stage and the actions after the run still follow.
+  void Stop();
+
+  const RunState& state() const { return state_; }
+  /// For the connection picture.
+  FtpState ftpState() const { return session_.state(); }
+
+ private:
+  void RunAllProfiles();
+  void RunProfile(const std::string& profileId);
+  void addReportRow(const std::string& profileId);
+  void logFrameHeader(const std::string& profileId);
+  bool prepareTarget(const std::string& profileId);
+  bool runSession();
+  void finishReportRow();
+  void logError(const std::string& text);
+
+  RunServices services_;
+  RunState state_;
+  RunLog log_;
+  NetworkWait network_;
+  FtpSession session_;
+  TreeWalk walk_;
+  std::vector<ProfileResult> results_;
+  bool active_ = false;
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,51 @@
+#include "engine/RunProfileFields.h"
+
+#include <stdexcept>
+
+#include "profiles/LenientNumber.h"
+#include "profiles/SiteProfileStore.h"
+#include "profiles/mBase64.h"
+#include "profiles/mIni.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+RunProfileFields LoadProfileForRun(const std::string& profileId, const std::string& profilesFile) {
+  RunProfileFields fields;
+  const auto text = [&](const char* key) { return mIni::ReadValue(profileId, key, profilesFile); };
+  const auto number = [&](const char* key) {
+    try {
+      return ToLong(text(key));
+    } catch (const std::overflow_error&) {
+      fields.unreadable = std::string("The number ") + key + " is too large";
+      return std::int32_t{0};
+    }
+  };
+  fields.Host = text("Host");
+  fields.UserID = text("UserID");
+  try {
+    fields.Password = mRC4::Decipher(text("Password"));
+  } catch (const mBase64::DecodeError&) {
+    fields.Password.clear();  // the server's answer to an empty one will tell
+  }
+  fields.Port = std::to_string(number("Port"));
+  fields.Account = text("Account");
+  fields.SaveTo = text("SaveTo");
+  fields.RunURL = text("RunURL");
+  fields.RunProgram = text("RunProgram");
+  fields.Status = number("Status");
+  fields.DefaultDir = text("DefaultDir");
+  fields.Timeout = number("Timeout");
+  fields.PASV = number("PASV") != 0;
+  fields.ManualPort = number("ManualPort") != 0;
+  fields.MinData = number("MinData");
+  fields.MaxData = number("MaxData");
+  fields.ProxyType = number("ProxyType");
+  fields.ProxyHost = text("ProxyHost");
+  fields.ProxyPort = number("ProxyPort");
+  fields.ProxyUsername = text("ProxyUsername");
+  fields.ProxyPassword = text("ProxyPassword");
+  fields.Folders = SplitFolders(text("Folders"));
+  return fields;
+}
+
+}  // namespace quillmoor

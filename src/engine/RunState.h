@@ -1,0 +1,42 @@
+// The state of one backup run, shared by its controller, its session and its tree walk.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "engine/RunProfileFields.h"
+#include "platform/FtpClient.h"
+
+namespace quillmoor {
+
+/// How the operation that was awaited last has ended, as the client's events tell.
+enum class TransferOutcomes { pending = 0, completed = 1, failedOrStopped = 2 };
+
+struct RunState {
+  /// Set by a confirmed Stop, cleared at the start of a run. Every loop of the run but the wait for a LAN
+  /// tests it.
+  bool StopRequested = false;
+  /// Result of the last login attempt; cleared by Stop.
+  bool LoggedIn = false;
+  bool networkWaitBusy = false;
+  bool connectBusy = false;
+
+  TransferOutcomes TransferOutcome = TransferOutcomes::pending;
+  /// The method whose end TransferOutcome reports.
+  FtpMethod ExpectedMethod = FtpMethod::command;
+  std::int64_t transferStartTick = 0;  // ms, of RunServices::tick
+
+  /// Section name of the profile being run; never its `ID` key.
+  std::string currentProfileId;
+  RunProfileFields profile;
+  std::size_t reportRow = 0;
+  double fileCount = 0;  // of the current profile, skipped files included
+  double byteCount = 0;
+
+  std::string localFolderName;    // the profile's name, with a date when every run has its own folder
+  std::string LocalTargetFolder;  // SaveTo + localFolderName
+  std::string localTargetPath;    // the same with a separator at its end
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,62 @@
+// One file of the tree walk: is it up to date, and if not, how it is fetched.
+#include "engine/ListingDate.h"
+#include "engine/LogColours.h"
+#include "engine/TransferType.h"
+#include "engine/TreeWalk.h"
+#include "engine/mFileLib.h"
+#include "engine/mGeneral.h"
+
+namespace quillmoor {
+namespace {
+
+/// What a file's time reads as once this has been set on it: a listed time inside an hour that a clock change
+/// skips is no time a file can have, and would differ for ever.
+LocalDateTime asFileTime(LocalDateTime listed) {
+  return UtcToLocal(LocalToUtc(listed));
+}
+
+}  // namespace
+
+void TreeWalk::SyncRemoteFile(const std::string& localFile, const std::string& remoteFile,
+                              const RemoteEntry& entry) {
+  const LocalDateTime remoteDate = ParseListingDate(entry.dateText, services_.now());
+  if (services_.settings.BackupMode != 1 && isUpToDate(localFile, remoteDate)) {
+    log_.AppendLog("Skipped: ", log_colour::kError, false);
+    log_.AppendLog("File upto date\r\n", log_colour::kUpToDate, true);
+    return;
+  }
+  download(localFile, remoteFile, entry, remoteDate);
+}
+
+/// The comparison runs the unusual way round on purpose: only a file listed as older than the copy is fetched
+/// again, one listed as newer counts as up to date.
+bool TreeWalk::isUpToDate(const std::string& localFile, LocalDateTime remoteDate) {
+  FileDates dates;
+  if (GetFileDates(localFile, dates, true)) return false;  // no such file, or one that cannot be read
+  log_.AppendLog(GeneralDateText(remoteDate) + " : " + GeneralDateText(dates.modified) + "\r\n",
+                 log_colour::kRetrieving, true);
+  if (asFileTime(remoteDate) >= dates.modified) return true;
+  log_.AppendLog("Time is less\r\n", log_colour::kRetrieving, true);
+  return false;
+}
+
+/// A connection that is lost on the way is made again: the type must then be sent again too, or bytes would
+/// arrive as text.
+void TreeWalk::download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
+                        LocalDateTime remoteDate) {
+  const std::string type = std::string("TYPE ") + ChooseTransferType(entry.name, services_.AsciiExtensions);
+  for (std::int32_t round = 0; round <= services_.settings.FtpRetryCount; ++round) {
+    session_.ConnectAndLogin();
+    if (!session_.connected()) break;
+    session_.SetFtpProperties();
+    session_.sendAhead({type}, true);
+    retried([&] { session_.command(type); });
+    if (!session_.connected()) continue;
+    retried([&] { session_.getFile(remoteFile, localFile, entry.sizeBytes); });
+    if (session_.connected()) break;
+  }
+  // Also when the file could not be fetched: an older copy then bears the listed time.
+  SetFileModifiedTime(localFile, remoteDate, true);
+}
+
+}  // namespace quillmoor

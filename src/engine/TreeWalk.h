@@ -1,0 +1,78 @@
+// The tree walk: mirrors a remote folder and all below it into the profile's local folder.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/ErrorGuard.h"
+#include "engine/FtpSession.h"
+#include "engine/RemoteListing.h"
+#include "engine/RunLog.h"
+#include "engine/RunServices.h"
+#include "engine/RunState.h"
+#include "platform/LocalTime.h"
+
+namespace quillmoor {
+
+/// Trusts nothing that a server says of itself: names and paths that could lead out of the local folder are
+/// passed over with a line in the log, and a tree without an end is given one.
+class TreeWalk {
+ public:
+  /// Folders within folders are walked this deep.
+  static constexpr std::size_t kDeepestNesting = 200;
+
+  /// All must outlive this.
+  TreeWalk(const RunServices& services, RunState& state, RunLog& log, FtpSession& session)
+      : services_(services), state_(state), log_(log), session_(session) {}
+
+  /// Walks one remote folder depth-first; `folderDate` becomes the date of its local folder. Raises nothing
+  /// and returns early at a Stop.
+  void WalkRemoteFolder(const std::string& remotePath, LocalDateTime folderDate);
+
+ private:
+  /// A folder that has been entered: where the server says it is, and what it holds.
+  struct Folder {
+    std::string currentDir;
+    std::string listing;
+  };
+
+  void walk(const std::string& remotePath, LocalDateTime folderDate);
+  bool enterFolder(const std::string& remotePath, Folder& folder);
+  bool mayWalk(const std::string& currentDir);
+  bool prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate);
+  bool acceptName(const std::string& name);
+  void walkFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
+  bool IsRemoteFolderLink(const std::string& path);
+
+  void SyncRemoteFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
+  bool isUpToDate(const std::string& localFile, LocalDateTime remoteDate);
+  void download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
+                LocalDateTime remoteDate);
+
+  template <class Operation>
+  bool retried(Operation&& operation);
+  void pump() const;
+  void logError(std::string_view what, std::string_view name);
+
+  const RunServices& services_;
+  RunState& state_;
+  RunLog& log_;
+  FtpSession& session_;
+  std::vector<std::string> walking_;  // reported paths of the folders on the way down
+};
+
+/// Performs the operation until it raises nothing, but no more than `FtpRetryCount` times (once at least),
+/// and not again after a Stop. Without a connection no further attempt can do anything, so that ends it too.
+/// The last failure is not told here: the client has done so.
+template <class Operation>
+bool TreeWalk::retried(Operation&& operation) {
+  for (std::int32_t attempts = 1;; ++attempts) {
+    if (Guarded(operation)) return true;
+    if (state_.StopRequested || attempts >= services_.settings.FtpRetryCount || !session_.connected())
+      return false;
+  }
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,35 @@
+// The private-profile functions: values of an INI file, read and written one at a time, the file never held
+// open. All text here is ANSI, as it stands in the file.
+//
+// A file is lines: "[section]", "key=value", and others (comments behind ";", noise), which are left as they
+// are. Names are compared without regard to case, and of several sections or keys of one name the first
+// counts.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillmoor {
+
+/// Longest text that a read gives back; longer values are cut.
+inline constexpr std::size_t kPrivateProfileBuffer = 100'000;
+
+/// The value without the blanks around it and without one pair of quotes (single or double) around it. ""
+/// when file, section or key are missing.
+std::string GetPrivateProfileString(std::string_view section, std::string_view key, const std::string& file);
+
+/// Names of the sections in the order of the file, as far as they fit into the buffer.
+std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file);
+
+/// Writes "key=value": over the first such key of the section, else behind its last line; a missing section
+/// is added at the end of the file, a missing file created. False when the file cannot be written; it is then
+/// as before.
+bool WritePrivateProfileString(std::string_view section, std::string_view key, std::string_view value,
+                               const std::string& file);
+
+/// Removes the first section of that name with all its lines. True also when there was none.
+bool DeletePrivateProfileSection(std::string_view section, const std::string& file);
+
+}  // namespace quillmoor

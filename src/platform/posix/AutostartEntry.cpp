@@ -1,0 +1,50 @@
+#include "platform/posix/AutostartEntry.h"
+
+#include <filesystem>
+#include <string_view>
+
+#include "platform/WholeFile.h"
+#include "platform/posix/UserFolders.h"
+
+namespace quillmoor {
+namespace {
+
+std::filesystem::path entryFile(const std::string& name) {
+  return UserConfigurationFolder() / "autostart" / (name + ".desktop");
+}
+
+/// An argument of an Exec line (Desktop Entry standard, "The Exec key"): quoted, and escaped once for the
+/// quotes and once more for a string value.
+std::string execArgument(std::string_view path) {
+  std::string quoted = "\"";
+  for (const char c : path) {
+    if (c == '"' || c == '`' || c == '$' || c == '\\') quoted += '\\';
+    if (c == '%') quoted += '%';
+    quoted += c;
+  }
+  quoted += '"';
+  std::string escaped;
+  for (const char c : quoted) {
+    if (c == '\\') escaped += '\\';
+    escaped += c;
+  }
+  return escaped;
+}
+
+}  // namespace
+
+void WriteAutostartEntry(const std::string& name, const std::string& program) {
+  const std::filesystem::path file = entryFile(name);
+  std::filesystem::create_directories(file.parent_path());
+  WholeFile entry(file);
+  entry.write("[Desktop Entry]\nType=Application\nName=Quillmoor\nExec=" + execArgument(program) +
+              "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+  entry.commit();
+}
+
+void RemoveAutostartEntry(const std::string& name) {
+  std::error_code ignored;
+  std::filesystem::remove(entryFile(name), ignored);
+}
+
+}  // namespace quillmoor

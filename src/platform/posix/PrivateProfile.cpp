@@ -1,0 +1,192 @@
+#include "platform/PrivateProfile.h"
+
+#include <strings.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <system_error>
+
+#include "platform/WholeFile.h"
+
+namespace quillmoor {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\v\f";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+// No profile file comes near this; something else that bears its name is not read into memory.
+constexpr std::uintmax_t kLargestFile = std::uintmax_t{64} << 20;
+
+std::string_view trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+bool sameName(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && ::strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+std::string_view unquoted(std::string_view value) {
+  if (value.size() < 2 || value.front() != value.back()) return value;
+  if (value.front() != '"' && value.front() != '\'') return value;
+  return value.substr(1, value.size() - 2);
+}
+
+/// A line of the file without its end. Those of other programs may end in LF alone; they keep it.
+struct Line {
+  std::size_t begin = 0;  // in the file's text
+  std::size_t end = 0;    // behind the line's end
+  std::string_view text;
+
+  /// Name of the section that begins here. Text behind the last bracket does not count, nor must there be
+  /// one.
+  std::optional<std::string_view> section() const {
+    const std::string_view line = trimmed(text);
+    if (!line.starts_with('[')) return std::nullopt;
+    const auto close = line.rfind(']');
+    if (close == std::string_view::npos) return std::nullopt;
+    return trimmed(line.substr(1, close - 1));
+  }
+  std::optional<std::string_view> key() const {
+    const std::string_view line = trimmed(text);
+    const auto equals = line.find('=');
+    if (line.empty() || line[0] == ';' || equals == std::string_view::npos) return std::nullopt;
+    return trimmed(line.substr(0, equals));
+  }
+  std::string_view value() const { return unquoted(trimmed(text.substr(text.find('=') + 1))); }
+};
+
+/// The bytes of the file; "" for a missing one, nothing for one that cannot be read.
+std::optional<std::string> readWhole(const std::string& file) {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(file, error);
+  if (error)
+    return error == std::errc::no_such_file_or_directory ? std::optional<std::string>("") : std::nullopt;
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream || size > kLargestFile) return std::nullopt;
+  return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+std::vector<Line> linesOf(std::string_view text) {
+  std::vector<Line> lines;
+  std::size_t at = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  while (at < text.size()) {
+    const std::size_t feed = std::min(text.find('\n', at), text.size());
+    lines.push_back({at, std::min(feed + 1, text.size()), text.substr(at, feed - at)});
+    at = feed + 1;
+  }
+  return lines;
+}
+
+/// The lines of a section: its header and the first line behind it. Both `lines.size()` when there is none.
+struct SectionRange {
+  std::size_t header, end;
+};
+SectionRange findSection(const std::vector<Line>& lines, std::string_view name) {
+  const auto isHeader = [](const Line& line) { return line.section().has_value(); };
+  const auto header = std::find_if(lines.begin(), lines.end(), [&](const Line& line) {
+    const auto section = line.section();
+    return section && sameName(*section, trimmed(name));
+  });
+  if (header == lines.end()) return {lines.size(), lines.size()};
+  const auto end = std::find_if(header + 1, lines.end(), isHeader);
+  return {static_cast<std::size_t>(header - lines.begin()), static_cast<std::size_t>(end - lines.begin())};
+}
+
+bool writeWhole(const std::string& file, std::string_view before, std::string_view after) {
+  if (before == after) return ::access(file.c_str(), W_OK) == 0 || after.empty();
+  try {
+    // A file that the user may not write stays, although its folder would let it be replaced.
+    if (::access(file.c_str(), F_OK) == 0 && ::access(file.c_str(), W_OK) != 0) return false;
+    WholeFile whole(file, WholeFile::Survives::power);
+    whole.write(after);
+    whole.commit();
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+std::string GetPrivateProfileString(std::string_view section, std::string_view key, const std::string& file) {
+  const auto text = readWhole(file);
+  if (!text) return "";
+  const auto lines = linesOf(*text);
+  const SectionRange range = findSection(lines, section);
+  for (std::size_t i = range.header + 1; i < range.end; ++i) {
+    const auto name = lines[i].key();
+    if (name && sameName(*name, trimmed(key))) {
+      return std::string(lines[i].value().substr(0, kPrivateProfileBuffer - 1));
+    }
+  }
+  return "";
+}
+
+std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file) {
+  std::vector<std::string> names;
+  const auto text = readWhole(file);
+  if (!text) return names;
+  std::size_t left = kPrivateProfileBuffer - 2;  // each name with its terminator, and one at the end
+  for (const Line& line : linesOf(*text)) {
+    const auto name = line.section();
+    if (!name) continue;
+    if (name->size() + 1 > left) break;
+    left -= name->size() + 1;
+    names.emplace_back(*name);
+  }
+  return names;
+}
+
+bool WritePrivateProfileString(std::string_view section, std::string_view key, std::string_view value,
+                               const std::string& file) {
+  const auto text = readWhole(file);
+  if (!text) return false;
+  std::string entry(trimmed(key));
+  entry.append("=").append(value).append("\r\n");
+  // A line break would begin a line of its own, which could be anything.
+  if (entry.find_first_of("\r\n") != entry.size() - 2 ||
+      section.find_first_of("\r\n") != std::string_view::npos) {
+    return false;
+  }
+  const auto lines = linesOf(*text);
+  const SectionRange range = findSection(lines, section);
+
+  if (range.header == lines.size()) {
+    std::string changed = *text;
+    if (!changed.empty() && changed.back() != '\n') changed += "\r\n";
+    changed.append("[").append(trimmed(section)).append("]\r\n").append(entry);
+    return writeWhole(file, *text, changed);
+  }
+  std::size_t behind = lines[range.header].end;
+  for (std::size_t i = range.header + 1; i < range.end; ++i) {
+    const auto name = lines[i].key();
+    if (name && sameName(*name, trimmed(key))) {
+      std::string changed = text->substr(0, lines[i].begin);
+      return writeWhole(file, *text, changed.append(entry).append(*text, lines[i].end));
+    }
+    // Blank lines at the end of a section stay between it and the next.
+    if (!trimmed(lines[i].text).empty()) behind = lines[i].end;
+  }
+  std::string changed = text->substr(0, behind);
+  if (changed.back() != '\n') changed += "\r\n";
+  return writeWhole(file, *text, changed.append(entry).append(*text, behind));
+}
+
+bool DeletePrivateProfileSection(std::string_view section, const std::string& file) {
+  const auto text = readWhole(file);
+  if (!text) return false;
+  const auto lines = linesOf(*text);
+  const SectionRange range = findSection(lines, section);
+  if (range.header == lines.size()) return true;
+  std::string changed = text->substr(0, lines[range.header].begin);
+  if (range.end < lines.size()) changed.append(*text, lines[range.end].begin);
+  return writeWhole(file, *text, changed);
+}
+
+}  // namespace quillmoor

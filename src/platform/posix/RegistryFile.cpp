@@ -1,0 +1,325 @@
+#include "platform/posix/RegistryFile.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+namespace quillmoor {
+namespace {
+
+constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00";
+constexpr std::size_t kLineLength = 77;  // of hex lines, without the backslash that continues them
+
+void appendUtf8(std::string& text, char32_t c) {
+  if (c < 0x80) {
+    text += static_cast<char>(c);
+  } else if (c < 0x800) {
+    text += static_cast<char>(0xC0 | (c >> 6));
+    text += static_cast<char>(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    text += static_cast<char>(0xE0 | (c >> 12));
+    text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    text += static_cast<char>(0x80 | (c & 0x3F));
+  } else {
+    text += static_cast<char>(0xF0 | (c >> 18));
+    text += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    text += static_cast<char>(0x80 | (c & 0x3F));
+  }
+}
+
+/// Unpaired surrogates become U+FFFD.
+std::string fromUtf16(std::string_view bytes) {
+  const auto unitAt = [&](std::size_t i) {
+    return static_cast<char32_t>(static_cast<unsigned char>(bytes[i]) |
+                                 (static_cast<unsigned char>(bytes[i + 1]) << 8));
+  };
+  std::string text;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    char32_t c = unitAt(i);
+    if (c >= 0xD800 && c < 0xE000) {
+      const char32_t low = c < 0xDC00 && i + 3 < bytes.size() ? unitAt(i + 2) : 0;
+      if (low >= 0xDC00 && low < 0xE000) {
+        c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
+        i += 2;
+      } else {
+        c = 0xFFFD;
+      }
+    }
+    appendUtf8(text, c);
+  }
+  return text;
+}
+
+/// Text of the program is UTF-8; a byte that is none stands for the character of its number.
+std::string toUtf16(std::string_view text) {
+  std::string bytes;
+  const auto append = [&](char32_t unit) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  };
+  while (!text.empty()) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    std::size_t length = lead < 0xC2 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 1;
+    const auto continues = [&](std::size_t i) {
+      return (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
+    };
+    for (std::size_t i = 1; i < length; ++i) {
+      if (i >= text.size() || !continues(i)) length = 1;
+    }
+    char32_t c = length == 1 ? lead : lead & (0xFFU >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) c = (c << 6) | (static_cast<unsigned char>(text[i]) & 0x3F);
+    text.remove_prefix(length);
+    if (c < 0x10000) {
+      append(c);
+    } else {
+      append(0xD800 + ((c - 0x10000) >> 10));
+      append(0xDC00 + ((c - 0x10000) & 0x3FF));
+    }
+  }
+  return bytes;
+}
+
+class Parser {
+ public:
+  explicit Parser(std::string_view text) : text_(text) {}
+
+  std::vector<RegistryFileKey> parse() {
+    skipBlankLines();
+    if (atEnd()) return {};
+    if (restOfLine() != kHeader) fail("the first line is not \"" + std::string(kHeader) + "\"");
+    for (skipBlankLines(); !atEnd(); skipBlankLines()) {
+      if (peek() == '[') {
+        parseKey();
+      } else if (current_) {
+        parseValue();
+      } else {
+        fail("a value stands before the first key");
+      }
+    }
+    return std::move(keys_);
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& what) const { throw RegistryFileError(line_, what); }
+
+  bool atEnd() const { return at_ == text_.size(); }
+  char peek() const { return atEnd() ? '\0' : text_[at_]; }
+  char next() {
+    if (atEnd()) fail("the file ends in the middle of a line");
+    if (text_[at_] == '\n') ++line_;
+    return text_[at_++];
+  }
+  void expect(std::string_view token) {
+    if (!text_.substr(at_).starts_with(token)) fail("\"" + std::string(token) + "\" is missing");
+    at_ += token.size();
+  }
+
+  /// The rest of the line without blanks at its end; goes to the next line.
+  std::string_view restOfLine() {
+    const std::size_t end = std::min(text_.find('\n', at_), text_.size());
+    std::string_view line = text_.substr(at_, end - at_);
+    at_ = end;
+    if (!atEnd()) next();
+    line.remove_suffix(line.size() - (line.find_last_not_of(" \t\r") + 1));
+    return line;
+  }
+
+  void skipBlankLines() {
+    while (!atEnd()) {
+      if (peek() == ';') {
+        restOfLine();
+      } else if (peek() == ' ' || peek() == '\t' || peek() == '\r' || peek() == '\n') {
+        next();
+      } else {
+        return;
+      }
+    }
+  }
+
+  void parseKey() {
+    const std::string_view line = restOfLine();
+    if (line.size() < 3 || !line.ends_with(']')) fail("the key has no closing bracket");
+    std::string_view path = line.substr(1, line.size() - 2);
+    const bool removed = path.starts_with('-');
+    if (removed) path.remove_prefix(1);
+    auto found = std::find_if(keys_.begin(), keys_.end(), [&](const RegistryFileKey& key) {
+      return key.path.size() == path.size() && ::strncasecmp(key.path.data(), path.data(), path.size()) == 0;
+    });
+    if (removed) {
+      if (found != keys_.end()) keys_.erase(found);
+      current_.reset();
+      return;
+    }
+    if (found == keys_.end()) found = keys_.insert(keys_.end(), {std::string(path), {}});
+    current_ = static_cast<std::size_t>(found - keys_.begin());
+  }
+
+  void parseValue() {
+    RegistryFileValue value;
+    if (peek() == '@') {
+      next();
+    } else {
+      value.name = quotedText();
+    }
+    expect("=");
+    std::vector<RegistryFileValue>& values = keys_[*current_].values;
+    const auto same = [&](const RegistryFileValue& other) {
+      return ::strcasecmp(other.name.c_str(), value.name.c_str()) == 0;
+    };
+    std::erase_if(values, same);
+    if (peek() == '-') {
+      next();
+    } else {
+      value.data = parseData();
+      values.push_back(std::move(value));
+    }
+    if (!restOfLine().empty()) {
+      --line_;
+      fail("something stands behind the value");
+    }
+  }
+
+  std::string quotedText() {
+    expect("\"");
+    std::string text;
+    for (;;) {
+      const char c = next();
+      if (c == '"') return text;
+      text += c == '\\' ? next() : c;
+    }
+  }
+
+  RegistryData parseData() {
+    if (peek() == '"') return {RegistryType::text, quotedText()};
+    if (text_.substr(at_).starts_with("dword:")) {
+      at_ += 6;
+      const std::uint32_t number = hexNumber(8);
+      std::string bytes;
+      for (unsigned shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((number >> shift) & 0xFF);
+      return {RegistryType::dword, bytes};
+    }
+    expect("hex");
+    std::uint32_t type = 3;
+    if (peek() == '(') {
+      next();
+      type = hexNumber(8);
+      expect(")");
+    }
+    expect(":");
+    std::string bytes = hexBytes();
+    if (type == 1 || type == 2) {
+      bytes = fromUtf16(bytes);
+      if (bytes.ends_with('\0')) bytes.pop_back();
+    }
+    return {static_cast<RegistryType>(type), std::move(bytes)};
+  }
+
+  std::uint32_t hexNumber(std::size_t mostDigits) {
+    std::uint32_t number = 0;
+    const char* const begin = text_.data() + at_;
+    const char* const end = begin + std::min(mostDigits, text_.size() - at_);
+    const auto [rest, error] = std::from_chars(begin, end, number, 16);
+    if (error != std::errc()) fail("a hexadecimal number is missing");
+    at_ += static_cast<std::size_t>(rest - begin);
+    return number;
+  }
+
+  std::string hexBytes() {
+    std::string bytes;
+    for (;;) {
+      while (peek() == ' ' || peek() == '\t') next();
+      if (peek() == '\\') {  // goes on in the next line
+        next();
+        if (!restOfLine().empty()) fail("something stands behind the backslash");
+      } else if (peek() == '\r' || peek() == '\n' || atEnd()) {
+        return bytes;
+      } else {
+        const std::uint32_t byte = hexNumber(2);
+        bytes += static_cast<char>(byte);
+        if (peek() == ',') next();
+      }
+    }
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::size_t line_ = 1;
+  std::vector<RegistryFileKey> keys_;
+  std::optional<std::size_t> current_;
+};
+
+bool isPlain(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
+}
+
+std::string quoted(std::string_view text) {
+  std::string result = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') result += '\\';
+    result += c;
+  }
+  return result + "\"";
+}
+
+/// Bytes behind `start`, wrapped as the registry editor does it.
+std::string hexLines(std::string start, std::string_view bytes) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string result;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    start += kDigits[byte >> 4];
+    start += kDigits[byte & 0xF];
+    if (i + 1 == bytes.size()) break;
+    start += ',';
+    if (start.size() + 3 > kLineLength) {
+      result += start + "\\\r\n";
+      start = "  ";
+    }
+  }
+  return result + start;
+}
+
+std::string formatData(std::string name, const RegistryData& data) {
+  name += '=';
+  if (data.type == RegistryType::text && isPlain(data.bytes)) return name + quoted(data.bytes);
+  if (data.type == RegistryType::dword && data.bytes.size() == 4) {
+    std::uint32_t number = 0;
+    for (std::size_t i = 4; i-- > 0;) number = (number << 8) | static_cast<unsigned char>(data.bytes[i]);
+    std::string digits(8, '0');
+    for (std::size_t i = 8; i-- > 0; number >>= 4) digits[i] = "0123456789abcdef"[number & 0xF];
+    return name + "dword:" + digits;
+  }
+  if (data.type == RegistryType::binary) return hexLines(name + "hex:", data.bytes);
+  char type[9] = {};
+  std::to_chars(type, type + 8, static_cast<std::uint32_t>(data.type), 16);
+  const bool isText = data.type == RegistryType::text || data.type == RegistryType::expandText;
+  const std::string bytes = isText ? toUtf16(data.bytes) + std::string(2, '\0') : data.bytes;
+  return hexLines(name + "hex(" + type + "):", bytes);
+}
+
+}  // namespace
+
+std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes) {
+  if (bytes.starts_with("\xFF\xFE")) {
+    const std::string text = fromUtf16(bytes.substr(2));
+    return Parser(text).parse();
+  }
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
+  return Parser(bytes).parse();
+}
+
+std::string formatRegistryFile(const std::vector<RegistryFileKey>& keys) {
+  std::string text = std::string(kHeader) + "\r\n";
+  for (const RegistryFileKey& key : keys) {
+    text += "\r\n[" + key.path + "]\r\n";
+    for (const RegistryFileValue& value : key.values) {
+      text += formatData(value.name.empty() ? "@" : quoted(value.name), value.data) + "\r\n";
+    }
+  }
+  return text;
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,93 @@
+#include "profiles/SettingsStore.h"
+
+#include "platform/RegistryApi.h"
+#include "profiles/ApplicationSettings.h"
+#include "profiles/cRegistry.h"
+
+namespace quillmoor {
+
+using Kind = SettingDefinition::Kind;
+
+const char* const kDefaultAsciiExtensions =
+    ".txt|.text|.asp|.bash|.bat|.cfm|.inc|.mak|.php|.php3|.php4|.qmail|.pas|.cpp|.c|.cxx|.h|.hpp|.xs|.rc|."
+    "bas|.frm|"
+    ".vbs|.js|.css|.cgi|.pm|.pl|.t|.html|.htm|.shtm|.shtml|.dhtml|.phtml|.java|.jsp|.config|.manifest|.log|."
+    "sql";
+
+const std::array<SettingDefinition, 37> kSettings = {{
+    {"MainLeft", Kind::number, "1000"},
+    {"MainTop", Kind::number, "1000"},
+    {"MainWidth", Kind::number, "11685"},
+    {"MainHeight", Kind::number, "8085"},
+    {"TransferType", Kind::number, "1"},
+    {"Passive", Kind::text, "True"},
+    {"Timeout", Kind::number, "30"},
+    {"RemotePort", Kind::number, "21"},
+    {"SchedualHour", Kind::number, "12"},
+    {"SchedualMinute", Kind::number, "30"},
+    {"SchedualSunday", Kind::number, "0"},
+    {"SchedualMonday", Kind::number, "0"},
+    {"SchedualTusday", Kind::number, "0"},
+    {"SchedualWednesday", Kind::number, "0"},
+    {"SchedualThrusday", Kind::number, "0"},
+    {"SchedualFriday", Kind::number, "0"},
+    {"SchedualSaturday", Kind::number, "0"},
+    {"ProcessPriority", Kind::number, "32"},
+    {"AutoDial", Kind::number, "1"},
+    {"AutoHangUp", Kind::number, "1"},
+    {"AutoDialUpConnection", Kind::text, ""},
+    {"AutoStartUp", Kind::number, "1"},
+    {"BackupMode", Kind::number, "1"},
+    {"UniqueBackup", Kind::number, "0"},
+    {"CreateZip", Kind::number, "1"},
+    {"SplitZip", Kind::number, "0"},
+    {"ZipSpanSize", Kind::number, "1024"},
+    {"ZipSelfExtract", Kind::number, "0"},
+    {"ZipPassword", Kind::text, ""},
+    {"ZipCopies", Kind::text, ""},
+    {"RunBefore", Kind::text, ""},
+    {"RunAfter", Kind::text, ""},
+    {"ConnectBefore", Kind::text, ""},
+    {"ConnectAfter", Kind::text, ""},
+    {"FtpRetryCount", Kind::number, "5"},
+    {"ConnectionDelay", Kind::number, "5"},
+    {"AsciiExts", Kind::text, kDefaultAsciiExtensions},
+}};
+
+namespace {
+
+cRegistry settingValue(const std::string& application, const std::string& section, const std::string& key) {
+  cRegistry registry;
+  registry.ClassKey = HKEY_LOCAL_MACHINE_VALUE;
+  registry.SectionKey = "Software\\" + application + "\\" + section;
+  registry.ValueKey = key;
+  return registry;
+}
+
+}  // namespace
+
+std::string ReadSetting(const std::string& application, const std::string& section, const std::string& key,
+                        const std::string& defaultText) {
+  cRegistry registry = settingValue(application, section, key);
+  registry.Default = defaultText;
+  const RegistryValue value = registry.Value();
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  // Someone has stored a number as one.
+  if (const auto* number = std::get_if<std::int32_t>(&value)) return std::to_string(*number);
+  return defaultText;
+}
+
+void WriteSetting(const std::string& application, const std::string& section, const std::string& key,
+                  const std::string& text) {
+  settingValue(application, section, key).SetValue(text);
+}
+
+std::string ReadSetting(const std::string& key, const std::string& defaultText) {
+  return ReadSetting(kSettingsApplication, kSettingsSection, key, defaultText);
+}
+
+void WriteSetting(const std::string& key, const std::string& text) {
+  WriteSetting(kSettingsApplication, kSettingsSection, key, text);
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,148 @@
+#include "profiles/SiteProfileStore.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+#include "profiles/LenientNumber.h"
+#include "profiles/NameOrder.h"
+#include "profiles/mBase64.h"
+#include "profiles/mIni.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+namespace {
+
+constexpr std::string_view kFolderSeparator = "~|~";
+
+std::string idOf(LocalDateTime time) {
+  const auto t = SplitLocalDateTime(time);
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d", t.year, t.month, t.day, t.hour, t.minute,
+                t.second);
+  return text;
+}
+
+std::int16_t flagOf(const std::string& text) {
+  try {
+    return ToInteger(Val(text));
+  } catch (const std::overflow_error&) {
+    return 0;  // no flag is that large
+  }
+}
+
+}  // namespace
+
+std::string ProfilesFilePath() {
+  return ProgramFolder() + "Profiles.ini";
+}
+
+std::vector<std::string> LoadSitesInfo(const std::string& file) {
+  std::vector<std::string> names = mIni::ListSections(file);
+  std::erase(names, "");
+  SortNames(names);
+  return names;
+}
+
+bool ProfileExists(const std::string& name, const std::string& file) {
+  const auto names = mIni::ListSections(file);
+  return std::any_of(names.begin(), names.end(),
+                     [&](const std::string& other) { return SameName(other, name); });
+}
+
+SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
+  SiteProfile profile;
+  if (name.empty()) return profile;
+  const auto text = [&](const char* key) { return mIni::ReadValue(name, key, file); };
+  const auto flag = [&](const char* key) { return flagOf(text(key)); };
+  profile.name = name;
+  profile.ID = text("ID");
+  profile.Status = flag("Status");
+  profile.Host = text("Host");
+  profile.UserID = text("UserID");
+  try {
+    profile.Password = mRC4::Decipher(text("Password"));
+  } catch (const mBase64::DecodeError&) {
+    profile.passwordUnreadable = true;
+  }
+  profile.Port = text("Port");
+  profile.Account = text("Account");
+  profile.SaveTo = text("SaveTo");
+  profile.RunURL = text("RunURL");
+  profile.RunProgram = text("RunProgram");
+  profile.Timeout = text("Timeout");
+  profile.PASV = flag("PASV");
+  profile.ManualPort = flag("ManualPort");
+  profile.MinData = text("MinData");
+  profile.MaxData = text("MaxData");
+  profile.ProxyType = flag("ProxyType");
+  profile.ProxyHost = text("ProxyHost");
+  profile.ProxyPort = text("ProxyPort");
+  profile.ProxyUsername = text("ProxyUsername");
+  profile.ProxyPassword = text("ProxyPassword");
+  profile.DefaultDir = text("DefaultDir");
+  for (std::string& folder : SplitFolders(text("Folders"))) {
+    const bool known =
+        std::find(profile.Folders.begin(), profile.Folders.end(), folder) != profile.Folders.end();
+    if (!known) profile.Folders.push_back(std::move(folder));
+  }
+  return profile;
+}
+
+bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now) {
+  if (profile.ID.empty()) profile.ID = idOf(now);
+  if (!mIni::DeleteSection(profile.name, file)) return false;
+  bool written = true;
+  const auto write = [&](const char* key, const std::string& value) {
+    written = written && mIni::WriteValue(profile.name, key, value, file);
+  };
+  write("ID", profile.ID);
+  write("Status", std::to_string(profile.Status));
+  write("Host", profile.Host);
+  write("UserID", profile.UserID);
+  write("Password", mRC4::Encipher(profile.Password));
+  write("Port", profile.Port);
+  write("Account", profile.Account);
+  write("SaveTo", profile.SaveTo);
+  write("RunURL", profile.RunURL);
+  write("RunProgram", profile.RunProgram);
+  write("Timeout", profile.Timeout);
+  write("PASV", std::to_string(profile.PASV));
+  write("ManualPort", std::to_string(profile.ManualPort));
+  write("MinData", profile.MinData);
+  write("MaxData", profile.MaxData);
+  write("ProxyType", std::to_string(profile.ProxyType));
+  write("ProxyHost", profile.ProxyHost);
+  write("ProxyPort", profile.ProxyPort);
+  write("ProxyUsername", profile.ProxyUsername);
+  write("ProxyPassword", profile.ProxyPassword);
+  write("DefaultDir", profile.DefaultDir);
+  write("Folders", JoinFolders(profile.Folders));
+  return written;
+}
+
+bool DeleteSiteProfile(const std::string& name, const std::string& file) {
+  return mIni::DeleteSection(name, file);
+}
+
+std::string JoinFolders(const std::vector<std::string>& folders) {
+  std::string stored;
+  for (const std::string& folder : folders) {
+    if (&folder != &folders.front()) stored += kFolderSeparator;
+    stored += folder;
+  }
+  return stored;
+}
+
+std::vector<std::string> SplitFolders(std::string_view stored) {
+  std::vector<std::string> folders;
+  if (stored.empty()) return folders;
+  for (;;) {
+    const std::size_t end = stored.find(kFolderSeparator);
+    folders.emplace_back(stored.substr(0, end));
+    if (end == std::string_view::npos) return folders;
+    stored.remove_prefix(end + kFolderSeparator.size());
+  }
+}
+
+}  // namespace quillmoor

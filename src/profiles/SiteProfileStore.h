@@ -1,0 +1,35 @@
+// The profile file: one section for each site profile.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/LocalTime.h"
+#include "profiles/SiteProfile.h"
+
+namespace quillmoor {
+
+/// "Profiles.ini" in the program's folder.
+std::string ProfilesFilePath();
+
+/// Names of the profiles, sorted without regard to case.
+std::vector<std::string> LoadSitesInfo(const std::string& file);
+
+bool ProfileExists(const std::string& name, const std::string& file);
+
+/// The profile of that name; the defaults for "". A key that is missing reads as "" or 0.
+SiteProfile LoadSiteProfile(const std::string& name, const std::string& file);
+
+/// Writes the profile in place of the section of its name, and gives it an ID if it has none. False when the
+/// file could not be written.
+bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now = LocalNow());
+
+bool DeleteSiteProfile(const std::string& name, const std::string& file);
+
+/// Remote folders in one value, joined with "~|~".
+std::string JoinFolders(const std::vector<std::string>& folders);
+/// "" has none.
+std::vector<std::string> SplitFolders(std::string_view stored);
+
+}  // namespace quillmoor

@@ -1,0 +1,39 @@
+#include "profiles/mAutoRun.h"
+
+#include "platform/ProgramFolder.h"
+#include "platform/RegistryApi.h"
+#include "profiles/cRegistry.h"
+
+namespace quillmoor::mAutoRun {
+namespace {
+
+constexpr const char* kRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr const char* kRunOnce = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
+
+cRegistry entryIn(const char* section) {
+  cRegistry registry;
+  registry.ClassKey = HKEY_LOCAL_MACHINE_VALUE;
+  registry.SectionKey = section;
+  registry.ValueKey = ProgramName();
+  return registry;
+}
+
+void remove(const char* section) {
+  cRegistry entry = entryIn(section);
+  if (entry.KeyExists()) entry.DeleteValue();
+}
+
+void write(const char* section) {
+  entryIn(section).SetValue(ProgramFolder() + ProgramName());
+}
+
+}  // namespace
+
+void SetAutoRun(Mode mode) {
+  if (mode != Mode::always) remove(kRun);
+  if (mode != Mode::once) remove(kRunOnce);
+  if (mode == Mode::always) write(kRun);
+  if (mode == Mode::once) write(kRunOnce);
+}
+
+}  // namespace quillmoor::mAutoRun

@@ -1,0 +1,142 @@
+// A whole world for a backup run in memory: profiles, settings, clock, network, and a display that remembers.
+#pragma once
+
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/RunController.h"
+#include "engine/TransferType.h"
+#include "profiles/mIni.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+
+class RecordingDisplay final : public RunDisplay {
+ public:
+  struct Line {
+    std::string text;
+    Colour colour;
+  };
+  std::vector<Line> lines;
+  std::vector<std::vector<std::string>> rows;
+  std::vector<std::vector<Colour>> rowColours;
+  std::vector<int> progress;
+  std::vector<std::string> rates;
+  std::vector<std::string> sizes;
+  std::vector<bool> hourglass;
+  std::vector<bool> running;
+
+  std::string log() const {
+    std::string all;
+    for (const Line& line : lines) all += line.text;
+    return all;
+  }
+  bool logged(const std::string& text) const { return log().find(text) != std::string::npos; }
+  int count(const std::string& text) const {
+    int found = 0;
+    const std::string all = log();
+    for (auto at = all.find(text); at != std::string::npos; at = all.find(text, at + text.size())) ++found;
+    return found;
+  }
+  std::string item(std::size_t row, ReportColumn column) const {
+    return rows.at(row).at(static_cast<std::size_t>(column));
+  }
+
+  std::size_t logLength() const override { return 0; }
+  void trimLog(std::size_t) override {}
+  void setLogColour(Colour colour) override { colour_ = colour; }
+  void insertLogText(std::string_view text) override { lines.push_back({std::string(text), colour_}); }
+  void showProgress(int percent) override { progress.push_back(percent); }
+  void showRate(const std::string& text) override { rates.push_back(text); }
+  void showFileSize(const std::string& text) override { sizes.push_back(text); }
+  std::size_t addReportRow() override {
+    rows.emplace_back(kReportColumns);
+    rowColours.emplace_back(kReportColumns);
+    return rows.size() - 1;
+  }
+  void setReportItem(std::size_t row, ReportColumn column, const std::string& text) override {
+    rows.at(row).at(static_cast<std::size_t>(column)) = text;
+  }
+  void setReportColour(std::size_t row, ReportColumn column, Colour colour) override {
+    rowColours.at(row).at(static_cast<std::size_t>(column)) = colour;
+  }
+  void repopulateReport() override {}
+  void showBusyCursor(bool busy) override { hourglass.push_back(busy); }
+  void showRunning(bool now) override { running.push_back(now); }
+
+ private:
+  Colour colour_;
+};
+
+/// Answers each question with the next answer; the last one stays.
+template <class Answer>
+class Script {
+ public:
+  explicit Script(Answer only) : answers_{std::move(only)} {}
+  void set(std::deque<Answer> answers) { answers_ = std::move(answers); }
+  Answer next() {
+    Answer answer = answers_.front();
+    if (answers_.size() > 1) answers_.pop_front();
+    return answer;
+  }
+
+ private:
+  std::deque<Answer> answers_;
+};
+
+class ScriptedDialUp final : public DialUp {
+ public:
+  mutable Script<std::int32_t> states{kDialUpDisconnected};
+  mutable Script<bool> systemUp{false};
+  std::vector<std::string> calls;
+  bool dialThrows = false;
+
+  bool Busy() const override { return false; }
+  std::int32_t State() const override { return states.next(); }
+  std::vector<std::string> Entries() const override { return {}; }
+  void Dial(const std::string& entry) override {
+    calls.push_back("dial " + entry);
+    if (dialThrows) throw std::runtime_error("no such entry");
+    if (onDial) onDial();
+  }
+  void HangUp() override { calls.push_back("hang up"); }
+  void Abort() override { calls.push_back("abort"); }
+  bool IsDialUpConnected() const override { return systemUp.next(); }
+  bool HangUpDialUp() override {
+    calls.push_back("hang up system");
+    return false;
+  }
+  std::function<void()> onDial;
+};
+
+/// Notes in which order a run calls them; each may be told to fail.
+class RecordingStages final : public RunActions, public ArchiveStage {
+ public:
+  std::vector<std::string> calls;
+  bool fail = false;
+
+  void RunBeforeActions(RunLog&) override { note("before"); }
+  void RunAfterActions(RunLog&) override { note("after"); }
+  void RunProfileActions(const RunProfileFields& profile, RunLog&) override { note("profile " + profile.RunURL); }
+  void CreateArchive(const std::string& profileId, const RunState& run, RunLog&) override {
+    archivedFolders.push_back(run.LocalTargetFolder);
+    note("archive " + profileId);
+  }
+  std::vector<std::string> archivedFolders;
+
+ private:
+  void note(const std::string& call) {
+    calls.push_back(call);
+    if (fail) throw std::runtime_error(call);
+  }
+};
+
+}  // namespace quillmoor
