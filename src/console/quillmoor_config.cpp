@@ -1,0 +1,258 @@
+// quillmoor-config: site profiles and settings on a terminal, for a machine without a screen.
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "profiles/LenientNumber.h"
+#include "profiles/SettingsStore.h"
+#include "profiles/SiteProfileStore.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+namespace {
+
+enum ExitStatus { kDone = 0, kFailed = 1, kUsage = 2 };
+
+constexpr const char* kHelp =
+    "Usage: quillmoor-config profile list\n"
+    "       quillmoor-config profile show NAME\n"
+    "       quillmoor-config profile set NAME KEY=VALUE...\n"
+    "       quillmoor-config profile delete NAME\n"
+    "       quillmoor-config setting list\n"
+    "       quillmoor-config setting get KEY\n"
+    "       quillmoor-config setting set KEY VALUE\n"
+    "       quillmoor-config --help | --version\n"
+    "\n"
+    "Site profiles lie in Profiles.ini in this program's folder. Keys: Status Host UserID Password Port "
+    "Account\n"
+    "SaveTo RunURL RunProgram Timeout PASV ManualPort MinData MaxData ProxyType ProxyHost ProxyPort "
+    "ProxyUsername\n"
+    "ProxyPassword DefaultDir, and Folder, which may be given several times and replaces the list of remote\n"
+    "folders. Password=- and ProxyPassword=- read a line of standard input; so does the setting "
+    "ZipPassword.\n";
+
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A field of a profile that is given as text, by its key.
+struct TextField {
+  std::string_view key;
+  std::string SiteProfile::*field;
+};
+constexpr TextField kTextFields[] = {{"Host", &SiteProfile::Host},
+                                     {"UserID", &SiteProfile::UserID},
+                                     {"Password", &SiteProfile::Password},
+                                     {"Port", &SiteProfile::Port},
+                                     {"Account", &SiteProfile::Account},
+                                     {"SaveTo", &SiteProfile::SaveTo},
+                                     {"RunURL", &SiteProfile::RunURL},
+                                     {"RunProgram", &SiteProfile::RunProgram},
+                                     {"Timeout", &SiteProfile::Timeout},
+                                     {"MinData", &SiteProfile::MinData},
+                                     {"MaxData", &SiteProfile::MaxData},
+                                     {"ProxyHost", &SiteProfile::ProxyHost},
+                                     {"ProxyPort", &SiteProfile::ProxyPort},
+                                     {"ProxyUsername", &SiteProfile::ProxyUsername},
+                                     {"ProxyPassword", &SiteProfile::ProxyPassword},
+                                     {"DefaultDir", &SiteProfile::DefaultDir}};
+struct NumberField {
+  std::string_view key;
+  std::int16_t SiteProfile::*field;
+  std::int16_t largest;
+};
+constexpr NumberField kNumberFields[] = {{"Status", &SiteProfile::Status, 1},
+                                         {"PASV", &SiteProfile::PASV, 1},
+                                         {"ManualPort", &SiteProfile::ManualPort, 1},
+                                         {"ProxyType", &SiteProfile::ProxyType, 7}};
+
+bool isSecret(std::string_view key) {
+  return key.ends_with("Password");
+}
+
+std::string lineOfInput() {
+  std::string line;
+  if (!std::getline(std::cin, line)) throw std::runtime_error("there is no line on standard input");
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
+void setField(SiteProfile& profile, std::string_view key, const std::string& value) {
+  for (const TextField& known : kTextFields) {
+    if (known.key != key) continue;
+    // In the file a line break would begin another line.
+    if (value.find_first_of("\r\n") != std::string::npos)
+      throw UsageError("A value cannot hold a line break.");
+    profile.*known.field = value == "-" && isSecret(key) ? lineOfInput() : value;
+    if (key == "Password") profile.passwordUnreadable = false;
+    return;
+  }
+  for (const NumberField& known : kNumberFields) {
+    if (known.key != key) continue;
+    const std::int16_t number = value.size() == 1 && value[0] >= '0' && value[0] <= '9'
+                                    ? static_cast<std::int16_t>(value[0] - '0')
+                                    : static_cast<std::int16_t>(-1);
+    if (number < 0 || number > known.largest) {
+      throw UsageError(std::string(key) + " takes a number from 0 to " + std::to_string(known.largest) + ".");
+    }
+    profile.*known.field = number;
+    return;
+  }
+  throw UsageError("A profile has no key " + std::string(key) + ". Try quillmoor-config --help.");
+}
+
+/// What a run needs, and what only looks like a number, put right.
+void checkProfile(SiteProfile& profile) {
+  const auto require = [](bool condition, const char* what) {
+    if (!condition) throw std::runtime_error(what);
+  };
+  require(!profile.Host.empty(), "the profile needs a Host");
+  require(!profile.UserID.empty(), "the profile needs a UserID");
+  require(!profile.passwordUnreadable, "the stored password cannot be read: give it anew with Password=-");
+  require(!profile.Password.empty(), "the profile needs a Password");
+  require(!profile.SaveTo.empty(), "the profile needs a folder to save to (SaveTo)");
+  require(!profile.Folders.empty(), "the profile needs at least one remote folder (Folder=/path)");
+  const double port = Val(profile.Port);
+  if (port < 1 || port > 65535) profile.Port = "21";
+  const double timeout = Val(profile.Timeout);
+  if (timeout < 1 || timeout > 9999) profile.Timeout = "60";
+}
+
+int listProfiles() {
+  const std::string file = ProfilesFilePath();
+  for (const std::string& name : LoadSitesInfo(file)) {
+    const SiteProfile profile = LoadSiteProfile(name, file);
+    std::printf("%s  %s@%s:%s  %s\n", name.c_str(), profile.UserID.c_str(), profile.Host.c_str(),
+                profile.Port.c_str(), profile.Status == 1 ? "enabled" : "disabled");
+  }
+  return kDone;
+}
+
+void requireProfile(const std::string& name) {
+  if (!ProfileExists(name, ProfilesFilePath())) throw std::runtime_error("there is no profile " + name);
+}
+
+int showProfile(const std::string& name) {
+  requireProfile(name);
+  SiteProfile profile = LoadSiteProfile(name, ProfilesFilePath());
+  for (const TextField& field : kTextFields) {
+    const std::string& value = profile.*field.field;
+    const bool hidden = isSecret(field.key) && !value.empty();
+    std::printf("%s=%s\n", std::string(field.key).c_str(), hidden ? "(hidden)" : value.c_str());
+  }
+  for (const NumberField& field : kNumberFields) {
+    std::printf("%s=%d\n", std::string(field.key).c_str(), profile.*field.field);
+  }
+  for (const std::string& folder : profile.Folders) std::printf("Folder=%s\n", folder.c_str());
+  return kDone;
+}
+
+int setProfile(const std::string& name, const std::vector<std::string>& assignments) {
+  if (name.empty() || name.find_first_of("\r\n") != std::string::npos) {
+    throw UsageError("\"" + name + "\" cannot be the name of a profile.");
+  }
+  const std::string file = ProfilesFilePath();
+  SiteProfile profile = ProfileExists(name, file) ? LoadSiteProfile(name, file) : LoadSiteProfile("", file);
+  profile.name = name;
+  std::vector<std::string> folders;
+  for (const std::string& assignment : assignments) {
+    const auto equals = assignment.find('=');
+    if (equals == std::string::npos) throw UsageError("\"" + assignment + "\" is no KEY=VALUE.");
+    const std::string key = assignment.substr(0, equals);
+    const std::string value = assignment.substr(equals + 1);
+    if (key == "Folder") {
+      if (value.find_first_of("\r\n") != std::string::npos)
+        throw UsageError("A folder cannot hold a line break.");
+      if (std::find(folders.begin(), folders.end(), value) == folders.end()) folders.push_back(value);
+    } else {
+      setField(profile, key, value);
+    }
+  }
+  if (!folders.empty()) profile.Folders = folders;
+  checkProfile(profile);
+  if (!SaveSiteProfile(profile, file)) throw std::runtime_error("cannot write " + file);
+  return kDone;
+}
+
+int deleteProfile(const std::string& name) {
+  requireProfile(name);
+  if (!DeleteSiteProfile(name, ProfilesFilePath()))
+    throw std::runtime_error("cannot write " + ProfilesFilePath());
+  return kDone;
+}
+
+const SettingDefinition& settingOf(const std::string& key) {
+  for (const SettingDefinition& setting : kSettings) {
+    if (setting.key == key) return setting;
+  }
+  throw UsageError("There is no setting " + key + ". See quillmoor-config setting list.");
+}
+
+std::string shownSetting(const SettingDefinition& setting) {
+  std::string value = ReadSetting(std::string(setting.key), std::string(setting.defaultText));
+  return isSecret(setting.key) && !value.empty() ? "(hidden)" : value;
+}
+
+int listSettings() {
+  for (const SettingDefinition& setting : kSettings) {
+    std::printf("%s=%s\n", std::string(setting.key).c_str(), shownSetting(setting).c_str());
+  }
+  return kDone;
+}
+
+int setSetting(const std::string& key, const std::string& value) {
+  const SettingDefinition& setting = settingOf(key);
+  if (setting.kind == SettingDefinition::Kind::number) {
+    const bool digits = !value.empty() && value.find_first_not_of("-0123456789") == std::string::npos;
+    if (!digits) throw UsageError(key + " takes a number.");
+    ToLong(value);
+  }
+  WriteSetting(key, isSecret(key) ? mRC4::Encipher(value == "-" ? lineOfInput() : value) : value);
+  return kDone;
+}
+
+int execute(const std::vector<std::string>& arguments) {
+  const auto is = [&](std::size_t count, std::string_view noun, std::string_view verb) {
+    return arguments.size() >= 2 && arguments.size() == count && arguments[0] == noun && arguments[1] == verb;
+  };
+  if (arguments == std::vector<std::string>{"--help"}) return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
+  if (arguments == std::vector<std::string>{"--version"}) {
+    return std::puts("quillmoor-config " QUILLMOOR_VERSION) < 0 ? kFailed : kDone;
+  }
+  if (is(2, "profile", "list")) return listProfiles();
+  if (is(3, "profile", "show")) return showProfile(arguments[2]);
+  if (is(3, "profile", "delete")) return deleteProfile(arguments[2]);
+  if (arguments.size() >= 4 && is(arguments.size(), "profile", "set")) {
+    return setProfile(arguments[2], {arguments.begin() + 3, arguments.end()});
+  }
+  if (is(2, "setting", "list")) return listSettings();
+  if (is(3, "setting", "get"))
+    return std::puts(shownSetting(settingOf(arguments[2])).c_str()) < 0 ? kFailed : kDone;
+  if (is(4, "setting", "set")) return setSetting(arguments[2], arguments[3]);
+  throw UsageError("Try quillmoor-config --help.");
+}
+
+int main(int argc, char** argv) {
+  try {
+    return execute({argv + 1, argv + argc});
+  } catch (const UsageError& error) {
+    std::fprintf(stderr, "quillmoor-config: %s\n", error.what());
+    return kUsage;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "quillmoor-config: %s\n", error.what());
+    return kFailed;
+  }
+}
+
+}  // namespace
+}  // namespace quillmoor
+
+int main(int argc, char** argv) {
+  return quillmoor::main(argc, argv);
+}
