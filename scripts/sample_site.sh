@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# sample_site.sh DIR   writes a small web site into DIR: what a backup has to cope with, in miniature.
+set -euo pipefail
+[ $# = 1 ] || { echo "usage: sample_site.sh DIR" >&2; exit 2; }
+mkdir -p "$1"
+cd "$1"
+mkdir -p "www/images/2019" "www/downloads" "www/with blanks in it" "www/grüße" "www/empty" "cgi-bin"
+printf '<html>\n<body>Welcome.</body>\n</html>\n' >www/index.html
+printf 'RewriteEngine on\nRewriteRule ^old$ /index.html\n' >www/.htaccess
+printf '#!/usr/bin/perl\nprint "Content-type: text/plain\\n\\nhello\\n";\n' >cgi-bin/hello.cgi
+printf 'one\ntwo\n' >"www/with blanks in it/read me  first.txt"
+printf 'Grüße aus dem Süden\n' >"www/grüße/straße.txt"
+printf 'shouting\n' >www/SHOUT.TXT
+: >www/downloads/nothing.bin
+# Binary files hold every byte, line ends of all kinds included.
+for file in www/images/logo.png www/images/2019/photo.jpg www/downloads/archive.tar.gz; do
+  for _ in 1 2 3 4 5 6 7 8; do
+    for ((byte = 0; byte < 256; byte++)); do printf "\\x$(printf %02x "$byte")"; done
+    printf '\r\n\n\r\r\n'
+  done >"$file"
+done
+head -c 3000000 /dev/zero >www/downloads/big.iso
+ln -s index.html www/start.html
+# Dates of last year show in a listing without a time of day, a recent one with.
+find . -type f -exec touch -d '2019-06-05 12:00' {} +
+touch -d "$(date +%Y)-01-02 03:04" www/index.html
+chmod -R a+rX .

@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs what Debian 12 has and the build, the tests and the demo need. Asks for root only when something is
+# missing. No service is started.
+set -euo pipefail
+
+packages=(g++ cmake ninja-build libasio-dev libgtest-dev libgmock-dev python3-minimal python3-pyftpdlib diffutils)
+# What the unpacked FTP daemons of the tests are linked to (tests/servers/serve.sh fetches the daemons).
+packages+=(openssl libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libmemcached11 libmemcachedutil2 libpam0g
+  libpcre2-posix3 libsodium23 libssl3 libwrap0)
+
+missing=()
+installed=$(dpkg-query -W -f='${db:Status-Abbrev}${Package}\n' "${packages[@]}" 2>/dev/null || true)
+for package in "${packages[@]}"; do
+  grep -qx "ii $package" <<<"$installed" || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "setup: installing ${missing[*]}"
+as_root=()
+if [ "$(id -u)" != 0 ]; then
+  command -v sudo >/dev/null || { echo "setup: these packages are missing, and neither root nor sudo is at hand: ${missing[*]}" >&2; exit 1; }
+  as_root=(sudo)
+fi
+# Debian's own switch against services that start when they are installed.
+policy=/usr/sbin/policy-rc.d
+if [ ! -e "$policy" ]; then
+  printf '#!/bin/sh\nexit 101\n' | "${as_root[@]}" tee "$policy" >/dev/null
+  "${as_root[@]}" chmod +x "$policy"
+  trap '"${as_root[@]}" rm -f "$policy"' EXIT
+fi
+log=$(mktemp)
+install_all() {
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
+}
+if ! install_all >"$log" 2>&1; then
+  cat "$log" >&2
+  rm -f "$log"
+  exit 1
+fi
+rm -f "$log"
