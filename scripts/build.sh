@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# build.sh PRESET [TARGET...]   sets up what is missing, configures a preset and builds it, or only the targets.
+# QUILLMOOR_CMAKE_OPTIONS: further options for CMake.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+preset=${1:?usage: build.sh PRESET [TARGET...]}
+shift
+scripts/setup.sh
+read -ra options <<<"${QUILLMOOR_CMAKE_OPTIONS:-}"
+command -v ccache >/dev/null && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+cmake --preset "$preset" "${options[@]}" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+targets=()
+for target in "$@"; do targets+=(--target "$target"); done
+cmake --build --preset "$preset" "${targets[@]}"

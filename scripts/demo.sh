@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# From nothing to a finished backup: builds Quillmoor, serves a sample site with a real FTP server on this machine,
+# backs it up, and backs it up once more to show that nothing is fetched twice.
+# The backup stays (demo.sh DIR says where, else a temporary folder); everything else is cleaned up.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+target=${1:-}
+if [ -z "$target" ]; then target=$(mktemp -d -t quillmoor-demo.XXXXXX); else mkdir -p "$target"; fi
+target=$(realpath "$target")
+work=$(mktemp -d -t quillmoor-demo-work.XXXXXX)
+trap 'tests/servers/serve.sh stop "$work/server"; rm -rf "$work"' EXIT
+chmod 755 "$work"
+step() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
+[ -t 1 ] || step() { printf '\n== %s\n' "$*"; }
+
+step "Building Quillmoor"
+scripts/build.sh linux quillmoor-run quillmoor-config
+cmake --install build/linux --prefix "$work" >/dev/null
+program=$work/quillmoor
+
+step "Serving a sample site on a port of this machine"
+scripts/sample_site.sh "$work/site"
+eval "$(tests/servers/serve.sh start pyftpdlib "$work/site" "$work/server")"
+echo "ftp://$FTP_HOST:$FTP_PORT/ with $(find "$work/site" -type f | wc -l) files"
+
+step "Making its profile"
+export XDG_CONFIG_HOME=$work/config
+# This machine's own network needs no dial-up.
+for setting in AutoDial AutoHangUp CreateZip; do "$program/quillmoor-config" setting set "$setting" 0; done
+"$program/quillmoor-config" profile set "Sample site" Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- \
+  SaveTo="$target/" Folder=/www Folder=/cgi-bin <<<"$FTP_PASSWORD"
+"$program/quillmoor-config" profile list
+
+step "Backing it up"
+"$program/quillmoor-run" --assume-network
+
+step "What it has fetched"
+(cd "$target" && find . -printf '%M %8s  %TF %TH:%TM  %p\n' | sort -k5)
+mv "$work/site/www/start.html" "$work/"                       # a link is not part of a backup
+diff -r "$work/site" "$target/Sample site" && echo "The backup is identical to the site."
+
+step "Backing it up again, only what is new"
+"$program/quillmoor-config" setting set BackupMode 2
+"$program/quillmoor-run" --assume-network >"$work/log"
+grep -A2 '^Retriving' "$work/log" | head -n 8
+echo "..."
+tail -n 3 "$work/log"
+fetched=$(grep -c '^Retriving' "$work/log") skipped=$(grep -c '^Skipped: File upto date' "$work/log")
+echo "$fetched files looked at, $skipped skipped as up to date."
+[ "$fetched" = "$skipped" ] || { echo "demo: the second run has fetched files again" >&2; exit 1; }
+
+step "Done"
+echo "The backup lies in $target"
