@@ -1,0 +1,384 @@
+#include "support/ScriptedFtpServer.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+namespace quillmoor::testing {
+namespace {
+
+void closeSocket(int& socket) {
+  if (socket >= 0) ::close(socket);
+  socket = -1;
+}
+
+struct Address {
+  sockaddr_storage storage{};
+  socklen_t size = 0;
+  sockaddr* get() { return reinterpret_cast<sockaddr*>(&storage); }
+};
+
+Address addressOf(const std::string& host, std::uint16_t port) {
+  Address address;
+  if (host.find(':') != std::string::npos) {
+    auto& in6 = reinterpret_cast<sockaddr_in6&>(address.storage);
+    in6.sin6_family = AF_INET6;
+    in6.sin6_port = htons(port);
+    ::inet_pton(AF_INET6, host.c_str(), &in6.sin6_addr);
+    address.size = sizeof in6;
+  } else {
+    auto& in = reinterpret_cast<sockaddr_in&>(address.storage);
+    in.sin_family = AF_INET;
+    in.sin_port = htons(port);
+    ::inet_pton(AF_INET, host.c_str(), &in.sin_addr);
+    address.size = sizeof in;
+  }
+  return address;
+}
+
+std::pair<int, std::uint16_t> listenOn(const std::string& host) {
+  Address address = addressOf(host, 0);
+  const int listener = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (listener < 0 || ::bind(listener, address.get(), address.size) != 0 || ::listen(listener, 8) != 0) {
+    if (listener >= 0) ::close(listener);
+    throw std::runtime_error("cannot listen on " + host);
+  }
+  ::getsockname(listener, address.get(), &address.size);
+  const auto port = address.storage.ss_family == AF_INET6
+                        ? reinterpret_cast<sockaddr_in6&>(address.storage).sin6_port
+                        : reinterpret_cast<sockaddr_in&>(address.storage).sin_port;
+  return {listener, ntohs(port)};
+}
+
+/// False when the other end is gone or the server is being stopped.
+bool sendAll(int socket, std::string_view bytes, int wake) {
+  while (!bytes.empty()) {
+    std::array<pollfd, 2> polled = {{{socket, POLLOUT, 0}, {wake, POLLIN, 0}}};
+    ::poll(polled.data(), polled.size(), -1);
+    if (polled[1].revents != 0) return false;
+    const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    if (sent < 0 && errno == EAGAIN) continue;
+    if (sent <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(sent));
+  }
+  return true;
+}
+
+bool waitReadable(int socket, int wake) {
+  std::array<pollfd, 2> polled = {{{socket, POLLIN, 0}, {wake, POLLIN, 0}}};
+  while (::poll(polled.data(), polled.size(), -1) < 0 && errno == EINTR) {
+  }
+  return polled[1].revents == 0;
+}
+
+std::string parentOf(const std::string& path) {
+  const auto slash = path.rfind('/');
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string withCrLf(const std::string& text) {
+  std::string converted;
+  for (const char c : text) {
+    if (c == '\n') converted += '\r';
+    converted += c;
+  }
+  return converted;
+}
+
+}  // namespace
+
+ScriptedFtpServer::ScriptedFtpServer(bool ipv6) : ipv6_(ipv6) {
+  folders_["/"];
+  std::tie(listener_, port_) = listenOn(ipv6 ? "::1" : "127.0.0.1");
+  if (::pipe(wake_) != 0) throw std::runtime_error("cannot make a pipe");
+  thread_ = std::thread([this] { serve(); });
+}
+
+ScriptedFtpServer::~ScriptedFtpServer() {
+  // The pipe is never emptied: every wait of the server's thread ends by it.
+  const ssize_t written = ::write(wake_[1], "x", 1);
+  static_cast<void>(written);
+  thread_.join();
+  closeSocket(listener_);
+  closeSocket(wake_[0]);
+  closeSocket(wake_[1]);
+}
+
+void ScriptedFtpServer::addFolder(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  for (std::string folder = path; folder != "/"; folder = parentOf(folder)) folders_[folder];
+}
+
+void ScriptedFtpServer::addFile(const std::string& path, std::string bytes, const std::string& date) {
+  addFolder(parentOf(path));
+  const std::lock_guard lock(mutex_);
+  files_[path] = {std::move(bytes), date};
+}
+
+void ScriptedFtpServer::addLine(const std::string& folder, const std::string& line) {
+  addFolder(folder);
+  const std::lock_guard lock(mutex_);
+  folders_[folder].push_back(line);
+}
+
+void ScriptedFtpServer::setListing(const std::string& folder, std::string text) {
+  addFolder(folder);
+  const std::lock_guard lock(mutex_);
+  listings_[folder] = std::move(text);
+}
+
+void ScriptedFtpServer::addRule(const std::string& prefix, Action action, int uses) {
+  const std::lock_guard lock(mutex_);
+  rules_.insert(rules_.begin(), {prefix, std::move(action), uses});
+}
+
+std::vector<std::string> ScriptedFtpServer::commands() const {
+  const std::lock_guard lock(mutex_);
+  return commands_;
+}
+
+std::size_t ScriptedFtpServer::count(std::string_view prefix) const {
+  const auto all = commands();
+  return static_cast<std::size_t>(
+      std::count_if(all.begin(), all.end(), [&](const auto& line) { return line.starts_with(prefix); }));
+}
+
+std::size_t ScriptedFtpServer::commandsSentAhead() const {
+  const std::lock_guard lock(mutex_);
+  return ahead_;
+}
+
+void ScriptedFtpServer::serve() {
+  while (waitReadable(listener_, wake_[0])) {
+    const int control = ::accept(listener_, nullptr, nullptr);
+    if (control < 0) continue;
+    Session session(*this, control);
+    for (perform(session); session.open_ && session.nextLine();) perform(session);
+    session.drop();
+  }
+}
+
+/// Answers the session's line: by the first rule that matches, else as usual.
+void ScriptedFtpServer::perform(Session& session) {
+  Action action;
+  {
+    const std::lock_guard lock(mutex_);
+    for (Rule& rule : rules_) {
+      const bool matches = rule.prefix.empty() ? session.line.empty() : session.line.starts_with(rule.prefix);
+      if (!matches || rule.uses == 0) continue;
+      if (rule.uses > 0) --rule.uses;
+      action = rule.action;
+      break;
+    }
+  }
+  if (action) {
+    action(session);
+  } else {
+    session.usual();
+  }
+}
+
+std::string ScriptedFtpServer::listingOf(const std::string& folder) const {
+  const std::lock_guard lock(mutex_);
+  const auto fixed = listings_.find(folder);
+  if (fixed != listings_.end()) return fixed->second;
+  std::string text;
+  const auto line = [&](const char* mode, std::size_t size, const std::string& date,
+                        const std::string& path) {
+    text += std::string(mode) + "   1 owner    group    " + std::to_string(size) + " " + date + " " +
+            path.substr(path.rfind('/') + 1) + "\r\n";
+  };
+  for (const auto& [path, lines] : folders_) {
+    if (path != "/" && parentOf(path) == folder) line("drwxr-xr-x", 4096, "Jan  1  2020", path);
+  }
+  for (const auto& [path, file] : files_) {
+    if (parentOf(path) == folder) line("-rw-r--r--", file.bytes.size(), file.date, path);
+  }
+  for (const std::string& extra : folders_.at(folder)) text += extra + "\r\n";
+  return text;
+}
+
+// --- a session
+// ----------------------------------------------------------------------------------------------
+
+void ScriptedFtpServer::Session::sendControl(std::string_view bytes) {
+  if (!sendAll(control_, bytes, server_.wake_[0])) open_ = false;
+}
+
+void ScriptedFtpServer::Session::reply(const std::string& text) {
+  sendControl(text + "\r\n");
+}
+
+void ScriptedFtpServer::Session::drop() {
+  closeData();
+  closeDataPort();
+  closeSocket(control_);
+  open_ = false;
+}
+
+void ScriptedFtpServer::Session::closeData() {
+  closeSocket(data_);
+}
+void ScriptedFtpServer::Session::closeDataPort() {
+  closeSocket(listening_);
+}
+
+void ScriptedFtpServer::Session::resetData() {
+  const linger reset{1, 0};
+  ::setsockopt(data_, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+  closeSocket(data_);
+}
+
+bool ScriptedFtpServer::Session::sendData(std::string_view bytes) {
+  return data_ >= 0 && sendAll(data_, bytes, server_.wake_[0]);
+}
+
+void ScriptedFtpServer::Session::waitForClient() {
+  if (input_.find('\n') == std::string::npos) waitReadable(control_, server_.wake_[0]);
+}
+
+bool ScriptedFtpServer::Session::openData() {
+  if (activePort_ != 0) {
+    Address address = addressOf(activeHost_, std::exchange(activePort_, std::uint16_t{0}));
+    data_ = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (::connect(data_, address.get(), address.size) == 0) return true;
+    closeSocket(data_);
+    return false;
+  }
+  if (listening_ < 0 || !waitReadable(listening_, server_.wake_[0])) return false;
+  data_ = ::accept(listening_, nullptr, nullptr);
+  closeSocket(listening_);
+  return data_ >= 0;
+}
+
+bool ScriptedFtpServer::Session::nextLine() {
+  std::size_t end;
+  bool waited = false;
+  while ((end = input_.find('\n')) == std::string::npos) {
+    char bytes[4096];
+    if (!waitReadable(control_, server_.wake_[0])) return false;
+    const ssize_t size = ::recv(control_, bytes, sizeof bytes, 0);
+    if (size <= 0) return false;
+    input_.append(bytes, static_cast<std::size_t>(size));
+    waited = true;
+  }
+  line = input_.substr(0, end);
+  input_.erase(0, server_.discards_ ? input_.size() : end + 1);
+  if (line.ends_with('\r')) line.pop_back();
+  // Telnet's interrupt and data mark stand before ABOR.
+  std::erase_if(line, [](char c) { return static_cast<unsigned char>(c) >= 0xF0; });
+  const auto blank = line.find(' ');
+  argument = blank == std::string::npos ? "" : line.substr(blank + 1);
+  const std::lock_guard lock(server_.mutex_);
+  server_.commands_.push_back(line);
+  if (!waited) ++server_.ahead_;
+  return true;
+}
+
+void ScriptedFtpServer::Session::answerAsUsual() {
+  usual();
+}
+
+void ScriptedFtpServer::Session::usual() {
+  const std::string verb = line.substr(0, line.find(' '));
+  if (line.empty()) return reply("220 Ready.");
+  if (verb == "USER") return reply("331 Password, please.");
+  if (verb == "PASS") return reply("230 Logged in.");
+  if (verb == "FEAT") return reply(server_.features);
+  if (verb == "OPTS" || verb == "NOOP" || verb == "ACCT") return reply("200 Fine.");
+  if (verb == "SYST") return reply("215 UNIX Type: L8");
+  if (verb == "ABOR") return reply("226 Nothing is left to abort.");
+  if (verb == "QUIT") {
+    reply("221 Goodbye.");
+    return drop();
+  }
+  if (verb == "TYPE") {
+    ascii_ = argument == "A";
+    return reply("200 Type is " + argument + ".");
+  }
+  if (verb == "PWD") return reply("257 \"" + folder_ + "\" is where you are.");
+  if (verb == "CWD" || verb == "CDUP") {
+    std::string target = verb == "CDUP" ? parentOf(folder_) : argument;
+    if (!target.starts_with('/')) target = (folder_ == "/" ? "" : folder_) + "/" + target;
+    if (target.size() > 1 && target.ends_with('/')) target.pop_back();
+    {
+      const std::lock_guard lock(server_.mutex_);
+      if (!server_.folders_.contains(target)) target.clear();
+    }
+    if (target.empty()) return reply("550 There is no such folder.");
+    folder_ = target;
+    return reply("250 Done.");
+  }
+  if (verb == "EPSV" || verb == "PASV") return listenForData(verb == "EPSV");
+  if (verb == "PORT" || verb == "EPRT") return adoptPort(argument);
+  if (verb == "LIST") return listFolder();
+  if (verb == "RETR") return sendFile();
+  reply("500 What is " + verb + "?");
+}
+
+void ScriptedFtpServer::Session::listenForData(bool extended) {
+  closeDataPort();
+  std::uint16_t port = 0;
+  std::tie(listening_, port) = listenOn(server_.ipv6_ ? "::1" : "127.0.0.1");
+  if (extended) return reply("229 Come in (|||" + std::to_string(port) + "|)");
+  reply("227 Come in (127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256) + ")");
+}
+
+void ScriptedFtpServer::Session::adoptPort(const std::string& text) {
+  if (text.starts_with('|')) {  // |2|::1|5000|
+    const auto second = text.find('|', 1);
+    const auto third = text.find('|', second + 1);
+    activeHost_ = text.substr(second + 1, third - second - 1);
+    activePort_ = static_cast<std::uint16_t>(std::stoi(text.substr(third + 1)));
+  } else {
+    std::array<unsigned, 6> n{};
+    std::sscanf(text.c_str(), "%u,%u,%u,%u,%u,%u", &n[0], &n[1], &n[2], &n[3], &n[4], &n[5]);
+    activeHost_ = std::to_string(n[0]) + "." + std::to_string(n[1]) + "." + std::to_string(n[2]) + "." +
+                  std::to_string(n[3]);
+    activePort_ = static_cast<std::uint16_t>(n[4] * 256 + n[5]);
+  }
+  reply("200 Port taken.");
+}
+
+void ScriptedFtpServer::Session::listFolder() {
+  std::string text = server_.listingOf(folder_);
+  if (argument == "-a") {
+    if (server_.hiddenSwitch == HiddenSwitch::refused) return reply("550 -a: No such file or directory.");
+    if (server_.hiddenSwitch == HiddenSwitch::listsNothing) text.clear();
+  }
+  if (!openData()) return reply("425 Cannot open the data connection.");
+  reply("150 Here it comes.");
+  sendData(text);
+  closeData();
+  reply("226 Listed.");
+}
+
+void ScriptedFtpServer::Session::sendFile() {
+  std::string bytes;
+  {
+    const std::lock_guard lock(server_.mutex_);
+    const std::string path =
+        argument.starts_with('/') ? argument : (folder_ == "/" ? "" : folder_) + "/" + argument;
+    const auto file = server_.files_.find(path);
+    if (file == server_.files_.end()) {
+      closeDataPort();
+      return reply("550 There is no such file.");
+    }
+    bytes = file->second.bytes;
+  }
+  if (!openData()) return reply("425 Cannot open the data connection.");
+  reply("150 Here it comes (" + std::to_string(bytes.size()) + " bytes).");
+  const bool sent = sendData(ascii_ ? withCrLf(bytes) : bytes);
+  closeData();
+  reply(sent ? "226 Sent." : "426 The data connection was closed.");
+}
+
+}  // namespace quillmoor::testing

@@ -1,0 +1,138 @@
+// An FTP server for tests: a site in memory, over which single faults can be laid.
+//
+//   ScriptedFtpServer server;
+//   server.addFile("/www/a.txt", "hello\n");
+//   server.on("RETR", [](auto& session) { session.reply("550 Gone."); });        // every RETR
+//   server.once("PASS", [](auto& session) { session.reply("530 Not today."); });  // the first one only
+//
+// It runs on a thread of its own and serves one connection after the other. What a rule does not take over is
+// answered as a server in good order would.
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace quillmoor::testing {
+
+class ScriptedFtpServer {
+ public:
+  class Session;
+  using Action = std::function<void(Session&)>;
+
+  explicit ScriptedFtpServer(bool ipv6 = false);
+  ~ScriptedFtpServer();
+  ScriptedFtpServer(const ScriptedFtpServer&) = delete;
+  ScriptedFtpServer& operator=(const ScriptedFtpServer&) = delete;
+
+  std::uint16_t port() const { return port_; }
+
+  // The site. Folders above a file or folder come into being with it.
+  void addFolder(const std::string& path);
+  void addFile(const std::string& path, std::string bytes, const std::string& date = "Jan  1  2020");
+  /// A line of the folder's listing as it stands, for links and for what is odd.
+  void addLine(const std::string& folder, const std::string& line);
+  /// In place of the listing made from what the folder holds.
+  void setListing(const std::string& folder, std::string text);
+
+  /// What to do at a command that begins with `prefix` ("RETR", "RETR /a.txt", "" for the greeting). Later
+  /// rules come before earlier ones.
+  void on(const std::string& prefix, Action action) { addRule(prefix, std::move(action), -1); }
+  void once(const std::string& prefix, Action action) { addRule(prefix, std::move(action), 1); }
+
+  /// Throws away what arrives behind a command in the same packet, as some embedded servers do.
+  void discardInputBehindCommands() { discards_ = true; }
+  /// Does not know LIST -a: "refuses" it with 550, or lists "nothing".
+  enum class HiddenSwitch { understood, refused, listsNothing };
+  HiddenSwitch hiddenSwitch = HiddenSwitch::understood;
+  std::string features = "211-Features:\r\n UTF8\r\n EPSV\r\n211 End";
+
+  /// Every command line received, in order; passwords too.
+  std::vector<std::string> commands() const;
+  std::size_t count(std::string_view prefix) const;
+  /// Command lines that had arrived before the reply to the one before was sent.
+  std::size_t commandsSentAhead() const;
+
+  /// What a rule works with: one client's connections.
+  class Session {
+   public:
+    /// Sends one reply; "\r\n" is added.
+    void reply(const std::string& text);
+    /// Sends bytes over the control connection.
+    void sendControl(std::string_view bytes);
+    /// The answer that would have been given without the rule.
+    void answerAsUsual();
+    /// Closes the control connection (and the data connection) at once.
+    void drop();
+
+    /// Opens the data connection that the client has asked for; false when it cannot be.
+    bool openData();
+    /// False when the client has closed it.
+    bool sendData(std::string_view bytes);
+    void closeData();
+    /// Breaks it off, so that the client sees a reset.
+    void resetData();
+    /// Closes the port that the last EPSV or PASV named.
+    void closeDataPort();
+    /// Until the client closes the control connection or sends something; what it sends is the next command.
+    void waitForClient();
+
+    /// The command line being answered, and what stands behind its first blank.
+    std::string line, argument;
+
+   private:
+    friend class ScriptedFtpServer;
+    explicit Session(ScriptedFtpServer& server, int control) : server_(server), control_(control) {}
+
+    bool nextLine();
+    void usual();
+    void listFolder();
+    void sendFile();
+    void listenForData(bool extended);
+    void adoptPort(const std::string& text);
+
+    ScriptedFtpServer& server_;
+    int control_, data_ = -1, listening_ = -1;
+    std::uint16_t activePort_ = 0;
+    std::string activeHost_;
+    std::string input_, folder_ = "/";
+    bool ascii_ = true, open_ = true;
+  };
+
+ private:
+  struct Rule {
+    std::string prefix;
+    Action action;
+    int uses;  // -1: without end
+  };
+  struct File {
+    std::string bytes, date;
+  };
+
+  void addRule(const std::string& prefix, Action action, int uses);
+  void serve();
+  void perform(Session& session);
+  std::string listingOf(const std::string& folder) const;
+
+  mutable std::mutex mutex_;
+  std::vector<Rule> rules_;
+  std::map<std::string, File> files_;
+  std::map<std::string, std::vector<std::string>> folders_;  // with their extra lines
+  std::map<std::string, std::string> listings_;
+  std::vector<std::string> commands_;
+  std::size_t ahead_ = 0;
+  bool discards_ = false;
+  bool ipv6_;
+  bool stopping_ = false;
+  int listener_ = -1, wake_[2] = {-1, -1};
+  std::uint16_t port_ = 0;
+  std::thread thread_;
+};
+
+}  // namespace quillmoor::testing
