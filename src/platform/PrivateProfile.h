@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,5 +32,10 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key, s
 
 /// Removes the first section of that name with all its lines. True also when there was none.
 bool DeletePrivateProfileSection(std::string_view section, const std::string& file);
+
+/// Runs `edit` on a copy of the file and, when it returns true, puts the copy in the file's place in one
+/// step: several writes that are to be seen all or not at all. False when `edit` was or when a file could not
+/// be written; the file is then as before.
+bool EditPrivateProfile(const std::string& file, const std::function<bool(const std::string& copy)>& edit);
 
 }  // namespace quillmoor

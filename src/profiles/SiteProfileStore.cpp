@@ -31,6 +31,37 @@ std::int16_t flagOf(const std::string& text) {
   }
 }
 
+bool writeSection(const SiteProfile& profile, const std::string& file) {
+  if (!mIni::DeleteSection(profile.name, file)) return false;
+  bool written = true;
+  const auto write = [&](const char* key, const std::string& value) {
+    written = written && mIni::WriteValue(profile.name, key, value, file);
+  };
+  write("ID", profile.ID);
+  write("Status", std::to_string(profile.Status));
+  write("Host", profile.Host);
+  write("UserID", profile.UserID);
+  write("Password", mRC4::Encipher(profile.Password));
+  write("Port", profile.Port);
+  write("Account", profile.Account);
+  write("SaveTo", profile.SaveTo);
+  write("RunURL", profile.RunURL);
+  write("RunProgram", profile.RunProgram);
+  write("Timeout", profile.Timeout);
+  write("PASV", std::to_string(profile.PASV));
+  write("ManualPort", std::to_string(profile.ManualPort));
+  write("MinData", profile.MinData);
+  write("MaxData", profile.MaxData);
+  write("ProxyType", std::to_string(profile.ProxyType));
+  write("ProxyHost", profile.ProxyHost);
+  write("ProxyPort", profile.ProxyPort);
+  write("ProxyUsername", profile.ProxyUsername);
+  write("ProxyPassword", profile.ProxyPassword);
+  write("DefaultDir", profile.DefaultDir);
+  write("Folders", JoinFolders(profile.Folders));
+  return written;
+}
+
 }  // namespace
 
 std::string ProfilesFilePath() {
@@ -91,38 +122,13 @@ SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
 
 bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now) {
   if (profile.ID.empty()) profile.ID = idOf(now);
-  if (!mIni::DeleteSection(profile.name, file)) return false;
-  bool written = true;
-  const auto write = [&](const char* key, const std::string& value) {
-    written = written && mIni::WriteValue(profile.name, key, value, file);
-  };
-  write("ID", profile.ID);
-  write("Status", std::to_string(profile.Status));
-  write("Host", profile.Host);
-  write("UserID", profile.UserID);
-  write("Password", mRC4::Encipher(profile.Password));
-  write("Port", profile.Port);
-  write("Account", profile.Account);
-  write("SaveTo", profile.SaveTo);
-  write("RunURL", profile.RunURL);
-  write("RunProgram", profile.RunProgram);
-  write("Timeout", profile.Timeout);
-  write("PASV", std::to_string(profile.PASV));
-  write("ManualPort", std::to_string(profile.ManualPort));
-  write("MinData", profile.MinData);
-  write("MaxData", profile.MaxData);
-  write("ProxyType", std::to_string(profile.ProxyType));
-  write("ProxyHost", profile.ProxyHost);
-  write("ProxyPort", profile.ProxyPort);
-  write("ProxyUsername", profile.ProxyUsername);
-  write("ProxyPassword", profile.ProxyPassword);
-  write("DefaultDir", profile.DefaultDir);
-  write("Folders", JoinFolders(profile.Folders));
-  return written;
+  // The section is taken out and written anew, at the end of the file; a program that is killed meanwhile
+  // must not cost the user his profile.
+  return mIni::EditWhole(file, [&](const std::string& copy) { return writeSection(profile, copy); });
 }
 
 bool DeleteSiteProfile(const std::string& name, const std::string& file) {
-  return mIni::DeleteSection(name, file);
+  return mIni::EditWhole(file, [&](const std::string& copy) { return mIni::DeleteSection(name, copy); });
 }
 
 std::string JoinFolders(const std::vector<std::string>& folders) {

@@ -24,4 +24,8 @@ bool DeleteSection(const std::string& section, const std::string& file) {
   return DeletePrivateProfileSection(ToAnsi(section), file);
 }
 
+bool EditWhole(const std::string& file, const std::function<bool(const std::string& copy)>& edit) {
+  return EditPrivateProfile(file, edit);
+}
+
 }  // namespace quillmoor::mIni

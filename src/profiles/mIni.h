@@ -1,6 +1,7 @@
 // INI helpers over the private-profile functions. All text is UTF-8 here and ANSI in the file.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,5 +19,9 @@ std::vector<std::string> ListSections(const std::string& file);
 
 /// Removes the section with all its keys. False when the file could not be written.
 bool DeleteSection(const std::string& section, const std::string& file);
+
+/// Lets `edit` write to a copy of the file and puts that in the file's place in one step. False when `edit`
+/// returns false or a file could not be written; the file is then as it was.
+bool EditWhole(const std::string& file, const std::function<bool(const std::string& copy)>& edit);
 
 }  // namespace quillmoor::mIni

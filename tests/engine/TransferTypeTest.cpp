@@ -13,11 +13,21 @@ TEST(TransferType, MatchesTheEndOfTheNameInLowerCase) {
     const char* type;
   };
   const Case cases[] = {
-      {".php|.html", "index.PHP", "A"}, {".PHP", "index.PHP", "I"}, {".PHP", "index.php", "I"},
-      {".t", "notes.t", "A"},           {".c", "main.c", "A"},      {".html", "page.HTM", "I"},
-      {".t", "t", "I"},                 {"php", "php", "A"},        {"e", "archive", "A"},
-      {"", "anything", "I"},            {"||.css|", "a.css", "A"},  {"||", "name", "I"},
-      {".html", "html", "I"},           {".gz", "a.tar.gz", "A"},   {"\xC3\xA4", "x\xC3\x84", "I"},
+      {".php|.html", "index.PHP", "A"},
+      {".PHP", "index.PHP", "I"},
+      {".PHP", "index.php", "I"},
+      {".t", "notes.t", "A"},
+      {".c", "main.c", "A"},
+      {".html", "page.HTM", "I"},
+      {".t", "t", "I"},
+      {"php", "php", "A"},
+      {"e", "archive", "A"},
+      {"", "anything", "I"},
+      {"||.css|", "a.css", "A"},
+      {"||", "name", "I"},
+      {".html", "html", "I"},
+      {".gz", "a.tar.gz", "A"},
+      {"\xC3\xA4", "x\xC3\x84", "I"},
   };
   for (const Case& c : cases) {
     EXPECT_STREQ(ChooseTransferType(c.fileName, LoadAsciiFilesTypes(c.extensions)), c.type)

@@ -98,12 +98,13 @@ SectionRange findSection(const std::vector<Line>& lines, std::string_view name) 
   return {static_cast<std::size_t>(header - lines.begin()), static_cast<std::size_t>(end - lines.begin())};
 }
 
-bool writeWhole(const std::string& file, std::string_view before, std::string_view after) {
+bool writeWhole(const std::string& file, std::string_view before, std::string_view after,
+                WholeFile::Survives survives = WholeFile::Survives::process) {
   if (before == after) return ::access(file.c_str(), W_OK) == 0 || after.empty();
   try {
     // A file that the user may not write stays, although its folder would let it be replaced.
     if (::access(file.c_str(), F_OK) == 0 && ::access(file.c_str(), W_OK) != 0) return false;
-    WholeFile whole(file, WholeFile::Survives::power);
+    WholeFile whole(file, survives);
     whole.write(after);
     whole.commit();
     return true;
@@ -187,6 +188,24 @@ bool DeletePrivateProfileSection(std::string_view section, const std::string& fi
   std::string changed = text->substr(0, lines[range.header].begin);
   if (range.end < lines.size()) changed.append(*text, lines[range.end].begin);
   return writeWhole(file, *text, changed);
+}
+
+bool EditPrivateProfile(const std::string& file, const std::function<bool(const std::string& copy)>& edit) {
+  const auto before = readWhole(file);
+  if (!before) return false;
+  struct Copy {
+    std::string path;
+    ~Copy() {
+      std::error_code ignored;
+      std::filesystem::remove(path, ignored);
+    }
+  } const copy{file + ".edit"};
+  std::error_code ignored;
+  std::filesystem::remove(copy.path, ignored);  // of a program that was killed
+  if (!before->empty() && !writeWhole(copy.path, "", *before)) return false;
+  if (!edit(copy.path)) return false;
+  const auto after = readWhole(copy.path);
+  return after && writeWhole(file, *before, *after, WholeFile::Survives::power);
 }
 
 }  // namespace quillmoor
