@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -160,6 +161,9 @@ void ScriptedFtpServer::serve() {
   while (waitReadable(listener_, wake_[0])) {
     const int control = ::accept(listener_, nullptr, nullptr);
     if (control < 0) continue;
+    // Replies go out one by one: held back until the one before is acknowledged, each would cost 40 ms.
+    const int on = 1;
+    ::setsockopt(control, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     Session session(*this, control);
     for (perform(session); session.open_ && session.nextLine();) perform(session);
     session.drop();
