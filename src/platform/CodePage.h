@@ -13,4 +13,10 @@ std::string ToAnsi(std::string_view utf8);
 /// ANSI to UTF-8. Every byte has a character, so nothing is lost.
 std::string FromAnsi(std::string_view ansi);
 
+/// The capital letter of the code page for a small one; any other character as it is.
+char AnsiUpper(char c);
+
+/// Equal but for the case of letters.
+bool SameAnsiName(std::string_view a, std::string_view b);
+
 }  // namespace quillmoor

@@ -10,12 +10,7 @@ namespace {
 /// Names are ANSI text in their file, so the letters of the code page are the letters there are.
 std::string folded(const std::string& name) {
   std::string ansi = ToAnsi(name);
-  for (char& c : ansi) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool ascii = byte >= 'a' && byte <= 'z';
-    const bool latin = byte >= 0xE0 && byte != 0xF7 && byte != 0xFF;  // the division sign and the y with dots
-    if (ascii || latin) c = static_cast<char>(byte - 0x20);
-  }
+  std::transform(ansi.begin(), ansi.end(), ansi.begin(), AnsiUpper);
   return ansi;
 }
 

@@ -77,4 +77,18 @@ std::string FromAnsi(std::string_view ansi) {
   return utf8;
 }
 
+char AnsiUpper(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  if ((byte >= 'a' && byte <= 'z') || (byte >= 0xE0 && byte <= 0xFE && byte != 0xF7))
+    return static_cast<char>(byte - 0x20);
+  if (byte == 0x9A || byte == 0x9C || byte == 0x9E)
+    return static_cast<char>(byte - 0x10);  // s, oe and z with marks
+  return byte == 0xFF ? '\x9F' : c;         // y with dots
+}
+
+bool SameAnsiName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return AnsiUpper(x) == AnsiUpper(y); });
+}
+
 }  // namespace quillmoor

@@ -1,6 +1,5 @@
 #include "platform/PrivateProfile.h"
 
-#include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include <optional>
 #include <system_error>
 
+#include "platform/CodePage.h"
 #include "platform/WholeFile.h"
 
 namespace quillmoor {
@@ -25,10 +25,6 @@ std::string_view trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(kBlanks);
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-bool sameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && ::strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
 std::string_view unquoted(std::string_view value) {
@@ -91,7 +87,7 @@ SectionRange findSection(const std::vector<Line>& lines, std::string_view name) 
   const auto isHeader = [](const Line& line) { return line.section().has_value(); };
   const auto header = std::find_if(lines.begin(), lines.end(), [&](const Line& line) {
     const auto section = line.section();
-    return section && sameName(*section, trimmed(name));
+    return section && SameAnsiName(*section, trimmed(name));
   });
   if (header == lines.end()) return {lines.size(), lines.size()};
   const auto end = std::find_if(header + 1, lines.end(), isHeader);
@@ -122,7 +118,7 @@ std::string GetPrivateProfileString(std::string_view section, std::string_view k
   const SectionRange range = findSection(lines, section);
   for (std::size_t i = range.header + 1; i < range.end; ++i) {
     const auto name = lines[i].key();
-    if (name && sameName(*name, trimmed(key))) {
+    if (name && SameAnsiName(*name, trimmed(key))) {
       return std::string(lines[i].value().substr(0, kPrivateProfileBuffer - 1));
     }
   }
@@ -167,7 +163,7 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key, s
   std::size_t behind = lines[range.header].end;
   for (std::size_t i = range.header + 1; i < range.end; ++i) {
     const auto name = lines[i].key();
-    if (name && sameName(*name, trimmed(key))) {
+    if (name && SameAnsiName(*name, trimmed(key))) {
       std::string changed = text->substr(0, lines[i].begin);
       return writeWhole(file, *text, changed.append(entry).append(*text, lines[i].end));
     }
