@@ -88,8 +88,9 @@ std::optional<TimeOfDay> readTime(std::string_view word) {
   return TimeOfDay{*hour, *minute};
 }
 
+/// Of files, that is: "1024" behind an owner called "Jan 15" is a size.
 bool isYear(std::string_view word) {
-  return word.size() == 4 && isNumber(word) && (word[0] == '1' || word[0] == '2');
+  return word.size() == 4 && isNumber(word) && (word.starts_with("19") || word.starts_with("20"));
 }
 
 bool isDay(std::string_view word) {

@@ -1,0 +1,236 @@
+// Paths, names, texts and the log: the engine's small rules.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "engine/RunLog.h"
+#include "engine/SafeName.h"
+#include "engine/mCreatePath.h"
+#include "engine/mFileLib.h"
+#include "engine/mGeneral.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor {
+namespace {
+
+using ::testing::ElementsAre;
+using namespace std::string_literals;
+
+TEST(LocalPaths, EndInASeparator) {
+  const struct {
+    const char* path;
+    bool remote;
+    char local;
+    const char* result;
+  } cases[] = {
+      {"/www", true, '\\', "/www/"},     {"/www/", true, '\\', "/www/"},      {"", true, '\\', "/"},
+      {"C:\\a", false, '\\', "C:\\a\\"}, {"C:\\a\\", false, '\\', "C:\\a\\"}, {"/a", false, '/', "/a/"},
+      {"  /a b  ", true, '\\', "/a b/"}, {"/a[1]b", true, '\\', "/ab/"},      {"/a [x] ", true, '\\', "/a/"},
+      {"/a]b[c", true, '\\', "/a]b[c/"}, {"/a[b", true, '\\', "/a[b/"},       {"/a\\", false, '/', "/a\\/"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(AddTrailingSeparator(c.path, c.remote, c.local), c.result) << c.path;
+}
+
+TEST(LocalPaths, MirrorRemoteOnes) {
+  const struct {
+    const char *target, *currentDir;
+    char separator;
+    const char* folder;
+  } cases[] = {
+      {"C:\\backup\\site", "/", '\\', "C:\\backup\\site\\"},
+      {"C:\\backup\\site", "/www/img", '\\', "C:\\backup\\site\\www\\img\\"},
+      {"C:\\backup\\site", "www", '\\', "C:\\backup\\site\\www\\"},
+      {"\\\\server\\share", "/www", '\\', "\\server\\share\\www\\"},
+      {"/backup/site", "/www/img", '/', "/backup/site/www/img/"},
+      {"/backup/site", "/odd\\name", '/', "/backup/site/odd\\name/"},
+      {"/backup/site", "///www", '/', "/backup/site//www/"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(LocalFolderFor(c.target, c.currentDir, c.separator), c.folder);
+}
+
+TEST(LocalPaths, AreCreatedLevelByLevel) {
+  const struct {
+    const char* path;
+    std::set<std::string> there;
+    std::set<std::string> unwilling;
+    bool result;
+    std::vector<std::string> created;
+  } cases[] = {
+      {"", {}, {}, false, {}},
+      {"C:\\a\\b", {"C:\\a\\b"}, {}, true, {}},
+      {"C:\\a\\b\\c", {"C:\\a"}, {}, true, {"C:\\a\\b", "C:\\a\\b\\c"}},
+      {"C:\\a\\\\b\\", {}, {}, true, {"C:\\a", "C:\\a\\b"}},
+      {"C:\\a\\b\\c", {}, {"C:\\a\\b"}, false, {"C:\\a"}},
+      {"\\\\server\\share\\x", {"\\\\server\\share"}, {}, true, {"\\\\server\\share\\x"}},
+      // Once a level was missing those below are created without a look.
+      {"C:\\a\\b", {"C:\\a\\b\\"}, {}, true, {"C:\\a", "C:\\a\\b"}},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> created;
+    const FolderSystem system{[&](const std::string& path) { return c.there.contains(path); },
+                              [&](const std::string& path) {
+                                if (c.unwilling.contains(path)) return false;
+                                created.push_back(path);
+                                return true;
+                              }};
+    EXPECT_EQ(CreatePath(c.path, '\\', system), c.result) << c.path;
+    EXPECT_EQ(created, c.created) << c.path;
+  }
+  const testing::TemporaryFolder folder;
+  EXPECT_TRUE(CreatePath((folder / "a/b/c").string()));
+  EXPECT_TRUE(std::filesystem::is_directory(folder / "a/b/c"));
+  testing::writeFile(folder / "file", "");
+  EXPECT_FALSE(CreatePath((folder / "file/below").string()));
+}
+
+TEST(SafeName, RefusesWhatCouldLeadOutOfAFolder) {
+  for (const std::string& name : {""s, "."s, ".."s, "a/b"s, "/"s, "a\0b"s, "a\nb"s, "\x1b[2J"s, "a\x7f"s}) {
+    EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::posix)) << name;
+    EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::windows)) << name;
+  }
+  for (const char* name : {"a\\b", "C:", "a:stream", "CON", "con.txt", "Nul", "nul .x", "COM1", "lpt9.log",
+                           "CONIN$", "a.", "a ", "a<b", "a|b", "a?", "a*", "\"a\""}) {
+    EXPECT_FALSE(ListedNameRefusal(name, LocalNameRules::posix)) << name;
+    EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::windows)) << name;
+  }
+  for (const char* name :
+       {".htaccess", "...", "..a", "a b", "grüße", "COM", "COM0", "CONSOLE", "a.con", "[x]", "~"}) {
+    EXPECT_FALSE(ListedNameRefusal(name, LocalNameRules::posix)) << name;
+    const bool endsInDot = std::string(name).ends_with('.');
+    EXPECT_EQ(ListedNameRefusal(name, LocalNameRules::windows).has_value(), endsInDot) << name;
+  }
+  for (const char* path : {"/..", "/a/../b", "..", "/a/./b", "/a\n"})
+    EXPECT_TRUE(RemotePathRefusal(path)) << path;
+  for (const char* path : {"/", "", "//a//b/", "/a b/c"}) EXPECT_FALSE(RemotePathRefusal(path)) << path;
+  EXPECT_EQ(PrintableName("a\x1b[31m\r\n\xc2\x9b\xc3\xbc"), "a?[31m???\xc3\xbc");
+}
+
+TEST(Texts, ForSizes) {
+  const struct {
+    double bytes;
+    const char* text;
+  } cases[] = {{0, ""},
+               {0.5, ""},
+               {1, "1.000 Bytes"},
+               {1023, "1,023.000 Bytes"},
+               {1024, "1.000 KB"},
+               {1536, "1.500 KB"},
+               {1048575, "1,023.999 KB"},
+               {1048576, "1.000 MB"},
+               {5e9, "4.657 GB"},
+               {1.3e27, "1,075.335 YB"},
+               {1.5e30, "1,240,770.919 YB"}};
+  for (const auto& c : cases) EXPECT_EQ(FormatSize(c.bytes), c.text);
+}
+
+TEST(Texts, ForRates) {
+  const struct {
+    std::int64_t bytes, ms;
+    const char* text;
+  } cases[] = {{1000, 1000, "1000 Bytes/sec"},
+               {1001, 1000, "1.0 KB/sec"},
+               {2048, 1000, "2.0 KB/sec"},
+               {1048576, 1000, "1024.0 KB/sec"},
+               {1048577, 1000, "1.0 MB/sec"},
+               {3145728, 2000, "1.5 MB/sec"},
+               {100, 0, ""},
+               {0, 1000, ""},
+               {1, 10'000, ""},
+               {1, 1000, "1 Bytes/sec"}};
+  for (const auto& c : cases) EXPECT_EQ(FormatRate(c.bytes, c.ms), c.text) << c.bytes;
+}
+
+class CountingDisplay : public RunDisplay {
+ public:
+  std::string text;
+  std::vector<Colour> colours;
+  std::size_t logLength() const override { return text.size(); }
+  void trimLog(std::size_t characters) override { text.erase(0, characters); }
+  void setLogColour(Colour colour) override { colours.push_back(colour); }
+  void insertLogText(std::string_view more) override { text += more; }
+  void showProgress(int) override {}
+  void showRate(const std::string&) override {}
+  void showFileSize(const std::string&) override {}
+  std::size_t addReportRow() override { return 0; }
+  void setReportItem(std::size_t, ReportColumn, const std::string&) override {}
+  void setReportColour(std::size_t, ReportColumn, Colour) override {}
+  void repopulateReport() override {}
+  void showBusyCursor(bool) override {}
+  void showRunning(bool) override {}
+};
+
+TEST(RunLog, DropsItsStartWhenItHasGrownTooLong) {
+  CountingDisplay display;
+  RunLog log(display);
+  display.text = std::string(200'000, 'x');
+  log.AppendLog("y", {1, 2, 3}, false);
+  EXPECT_EQ(display.text.size(), 200'001U) << "that long it may be";
+  log.AppendLog("z", {1, 2, 3}, true);
+  EXPECT_EQ(display.text.size(), 180'002U);
+  EXPECT_TRUE(display.text.ends_with("yz"));
+  EXPECT_THAT(display.colours, ElementsAre(Colour{1, 2, 3}, kButtonFace, Colour{1, 2, 3}));
+  EXPECT_EQ(log.lineCount(), 2);
+  log.zeroLineCount();
+  EXPECT_EQ(log.lineCount(), 0);
+}
+
+/// A time zone for as long as this lives.
+class TimeZone {
+ public:
+  explicit TimeZone(const char* name) : before_(std::getenv("TZ") ? std::getenv("TZ") : "") {
+    ::setenv("TZ", name, 1);
+    ::tzset();
+  }
+  ~TimeZone() {
+    before_.empty() ? ::unsetenv("TZ") : ::setenv("TZ", before_.c_str(), 1);
+    ::tzset();
+  }
+
+ private:
+  std::string before_;
+};
+
+TEST(FileDates, KeepLocalTimesWhateverTheZone) {
+  const testing::TemporaryFolder folder;
+  const std::string file = (folder / "f").string();
+  testing::writeFile(file, "");
+  for (const char* zone : {"UTC0", "CET-1CEST,M3.5.0,M10.5.0/3", "EST5EDT,M3.2.0,M11.1.0", "XYZ-5:45"}) {
+    const TimeZone here(zone);
+    for (const LocalDateTimeParts& parts :
+         {LocalDateTimeParts{2026, 1, 15, 12, 34, 0, 0}, {2026, 7, 1, 0, 0, 0, 0}}) {
+      const LocalDateTime time = *MakeLocalDateTime(parts);
+      EXPECT_FALSE(SetFileModifiedTime(file, time, true));
+      FileDates dates{};
+      EXPECT_FALSE(GetFileDates(file, dates, true));
+      EXPECT_EQ(dates.modified, time) << zone;
+      EXPECT_FALSE(GetFileDates(file, dates, false));
+      EXPECT_EQ(dates.modified.time_since_epoch(), LocalToUtc(time).time_since_epoch()) << zone;
+    }
+  }
+  const TimeZone here("CET-1CEST,M3.5.0,M10.5.0/3");
+  const LocalDateTime skipped = *MakeLocalDateTime({2026, 3, 29, 2, 30, 0, 0});
+  EXPECT_EQ(UtcToLocal(LocalToUtc(skipped)), skipped + std::chrono::hours(1));
+  EXPECT_TRUE(SetFileModifiedTime(folder.path().string(), skipped, true)) << "true is failure: a folder";
+  FileDates dates{};
+  EXPECT_TRUE(GetFileDates((folder / "none").string(), dates, true));
+}
+
+TEST(LocalDates, AreDatesOfTheCalendar) {
+  EXPECT_EQ(SplitLocalDateTime(*MakeLocalDateTime({2026, 11, 14, 23, 59, 58, 0})).weekday, 7) << "a Saturday";
+  EXPECT_EQ(SplitLocalDateTime(*MakeLocalDateTime({1969, 12, 31, 1, 2, 3, 0})).hour, 1);
+  for (const LocalDateTimeParts& parts : {LocalDateTimeParts{2026, 2, 29, 0, 0, 0, 0},
+                                          {2026, 13, 1, 0, 0, 0, 0},
+                                          {2026, 1, 1, 24, 0, 0, 0},
+                                          {0, 1, 1, 0, 0, 0, 0}}) {
+    EXPECT_FALSE(MakeLocalDateTime(parts));
+  }
+}
+
+}  // namespace
+}  // namespace quillmoor
