@@ -254,7 +254,8 @@ bool FtpTransfer::takeReplies(Reception& state) {
       }
     }
   } catch (const FtpError& error) {
-    if (error.number() != static_cast<int>(FtpErrorNumber::connectionLost) || !data_.socket.is_open()) throw;
+    const bool dataCame = state.dataEnded || data_.socket.is_open();
+    if (error.number() != static_cast<int>(FtpErrorNumber::connectionLost) || !dataCame) throw;
     state.controlLost = any = true;
   }
   return any;
