@@ -1,0 +1,87 @@
+#!/usr/bin/env bash
+# programs_test.sh PROGRAMS   what quillmoor-run and quillmoor-config answer, refuse and exit with.
+set -euo pipefail
+work=$(mktemp -d -t quillmoor-programs.XXXXXX)
+helper=""
+trap '[ -z "$helper" ] || kill "$helper" 2>/dev/null || true; rm -rf "$work"' EXIT
+export XDG_CONFIG_HOME=$work/config
+mkdir "$work/program"
+cp "$1/quillmoor-run" "$1/quillmoor-config" "$work/program/"
+run=$work/program/quillmoor-run config=$work/program/quillmoor-config
+failed=0
+fail() { echo "FAILED: $*" >&2; sed 's/^/    /' "$work/out" >&2; failed=1; }
+expect() {                                        # STATUS TEXT COMMAND...: status, and a text in what it says
+  local status=$1 text=$2 got=0
+  shift 2
+  "$@" >"$work/out" 2>&1 </dev/null || got=$?
+  [ "$got" = "$status" ] || fail "status $got instead of $status: $*"
+  [ -z "$text" ] || grep -qF -- "$text" "$work/out" || fail "no \"$text\" from: $*"
+}
+
+expect 0 "Usage: quillmoor-run" "$run" --help
+expect 0 "quillmoor-run 0." "$run" --version
+expect 2 "--what" "$run" --what
+expect 2 "$work/program/Profiles.ini" "$run"
+expect 0 "Usage: quillmoor-config" "$config" --help
+expect 0 "quillmoor-config 0." "$config" --version
+expect 2 "--help" "$config"
+expect 2 "--help" "$config" profile fetch
+
+# Profiles
+new=("$config" profile set "My site" Host=localhost UserID=joe Folder=/a)
+expect 1 "needs a Password" "${new[@]}"
+expect 1 "no line on standard input" "${new[@]}" Password=-
+expect 2 "no key Colour" "${new[@]}" Password=x Colour=red
+expect 2 "from 0 to 7" "${new[@]}" Password=x ProxyType=8
+[ ! -e "$work/program/Profiles.ini" ] || fail "a refused profile was written"
+expect 0 "" "${new[@]}" "Password=s3cret word" Folder=/b Folder=/a Port=99999 Timeout=x
+expect 0 "My site  joe@localhost:21  enabled" "$config" profile list
+expect 0 "Timeout=60" "$config" profile show "my SITE"
+grep -qF "s3cret" "$work/out" "$work/program/Profiles.ini" && fail "a password is shown"
+[ "$(grep -c '^Folder=' "$work/out")" = 2 ] || fail "not two folders"
+expect 0 "" "$config" profile set "My site" Status=0
+expect 0 "disabled" "$config" profile list
+expect 0 "Good Bye." "$run" --assume-network             # nothing enabled: nothing is left undone
+expect 1 "no profile Other" "$config" profile delete Other
+
+# Settings
+expect 0 "AutoDial=1" "$config" setting list
+expect 2 "takes a number" "$config" setting set AutoDial no
+expect 2 "no setting Colour" "$config" setting set Colour red
+expect 0 "" "$config" setting set ZipPassword "s3cret word"
+expect 0 "(hidden)" "$config" setting get ZipPassword
+grep -rqF "s3cret" "$work/config" && fail "a password is stored in clear"
+for setting in AutoDial AutoHangUp CreateZip ConnectionDelay; do expect 0 "" "$config" setting set "$setting" 0; done
+expect 0 "0" "$config" setting get AutoDial
+
+# Ctrl-C: a server that takes the connection and says nothing keeps a login waiting.
+/usr/bin/python3 -c '
+import socket, sys
+s = socket.socket(); s.bind(("127.0.0.1", 0)); s.listen(); print(s.getsockname()[1], flush=True)
+while True: c = s.accept()[0]; sys.modules.setdefault(str(id(c)), c)' >"$work/port" &
+helper=$!
+until [ -s "$work/port" ]; do read -rt 0.02 <> <(:) || true; done
+expect 0 "" "$config" profile set "My site" Status=1 Host=127.0.0.1 Port="$(cat "$work/port")"
+interrupted() {                                   # TIMES: the status of a run that gets as many Ctrl-C
+  local status=0 pid
+  setsid "$run" --assume-network >"$work/out" 2>&1 &
+  pid=$!
+  until grep -q "Connecting" "$work/out"; do kill -0 "$pid" 2>/dev/null || break; read -rt 0.02 <> <(:) || true; done
+  for ((i = 0; i < $1; i++)); do kill -INT "$pid"; done
+  wait "$pid" || status=$?
+  echo "$status"
+}
+[ "$(interrupted 1)" = 1 ] || fail "a stopped run does not end with 1"
+grep -q "Error: Unable to login" "$work/out" && grep -q "Good Bye." "$work/out" || fail "a stopped run does not unwind"
+second=$(interrupted 2)                           # both may arrive as one
+[ "$second" = 130 ] || [ "$second" = 1 ] || fail "a second Ctrl-C ends with $second"
+
+# A settings file that is no settings file
+echo "rubbish" >"$work/config/quillmoor/registry.reg"
+expect 2 "$work/config/quillmoor/registry.reg" "$run" --assume-network
+expect 1 "line 2" "$config" setting get AutoDial
+expect 1 "registry.reg" "$config" setting set AutoDial 0
+[ "$(cat "$work/config/quillmoor/registry.reg")" = rubbish ] || fail "a damaged settings file was written over"
+
+[ "$failed" = 0 ] && echo ok
+exit "$failed"
