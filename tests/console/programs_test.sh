@@ -41,7 +41,6 @@ grep -qF "s3cret" "$work/out" "$work/program/Profiles.ini" && fail "a password i
 [ "$(grep -c '^Folder=' "$work/out")" = 2 ] || fail "not two folders"
 expect 0 "" "$config" profile set "My site" Status=0
 expect 0 "disabled" "$config" profile list
-expect 0 "Good Bye." "$run" --assume-network             # nothing enabled: nothing is left undone
 expect 1 "no profile Other" "$config" profile delete Other
 
 # Settings
@@ -53,6 +52,7 @@ expect 0 "(hidden)" "$config" setting get ZipPassword
 grep -rqF "s3cret" "$work/config" && fail "a password is stored in clear"
 for setting in AutoDial AutoHangUp CreateZip ConnectionDelay; do expect 0 "" "$config" setting set "$setting" 0; done
 expect 0 "0" "$config" setting get AutoDial
+expect 0 "Good Bye." "$run" --assume-network             # nothing enabled: nothing is left undone
 
 # Ctrl-C: a server that takes the connection and says nothing keeps a login waiting.
 /usr/bin/python3 -c '
