@@ -112,7 +112,7 @@ class FtpClient {
   FtpClient(const FtpClient&) = delete;
   FtpClient& operator=(const FtpClient&) = delete;
 
-  // --- properties -------------------------------------------------------------------------------------
+  // --- properties
 
   Pump pump;
 
@@ -142,13 +142,13 @@ class FtpClient {
   FtpState state() const;
   bool busy() const;
 
-  // --- events (any may be empty) ----------------------------------------------------------------------
+  // --- events (any may be empty)
 
   std::function<void(int number, const std::string& description)> onError;
   std::function<void(FtpState)> onState;
   std::function<void(const FtpProgress&)> onProgress;
 
-  // --- operations, blocking ---------------------------------------------------------------------------
+  // --- operations, blocking
 
   /// Connects and logs in (USER, then PASS and ACCT as the server asks). A session that is still open is
   /// closed first. After a failure the state is `closed`. A proxy type that is not built raises
@@ -178,7 +178,7 @@ class FtpClient {
   /// give as size, 0: the size that the server mentions, if any.
   void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t expectedSize = 0);
 
-  // --- any time ---------------------------------------------------------------------------------------
+  // --- any time
 
   /// Cancels the operation in progress, which then raises `aborted`; a transfer is ended with ABOR and its
   /// unfinished file removed. With no operation in progress it closes the connection at once. Returns

@@ -15,12 +15,11 @@
 namespace quillmoor {
 namespace {
 
-using testing::contentsOf;
+using namespace testing;  // of this project
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
-using testing::writeFile;
 using Session = testing::ScriptedFtpServer::Session;
 namespace fs = std::filesystem;
 
@@ -138,7 +137,6 @@ TEST_F(RunTest, AFailingStageEndsNothingButItself) {
 }
 
 // --- incremental
-// --------------------------------------------------------------------------------------------
 
 TEST_F(RunTest, FetchesWhatTheRuleForDatesSaysAndNothingElse) {
   settings.BackupMode = 2;
@@ -191,7 +189,6 @@ TEST_F(RunTest, ASecondIncrementalRunFetchesNothing) {
 }
 
 // --- what the session is told
-// -------------------------------------------------------------------------------
 
 TEST_F(RunTest, SendsTheTypeBeforeEachListingAndFile) {
   server.addFile("/a.html", "x");
@@ -236,7 +233,6 @@ TEST_F(RunTest, LogsInWithAnEmptyPasswordWhenTheStoredOneCannotBeRead) {
 }
 
 // --- logins
-// -------------------------------------------------------------------------------------------------
 
 TEST_F(RunTest, TriesToLogInUntilItWorks) {
   int refusals = 3;
@@ -253,7 +249,7 @@ TEST_F(RunTest, TriesToLogInUntilItWorks) {
 }
 
 TEST_F(RunTest, AStopEndsTheLoginLoopAndTheProfile) {
-  server.on("PASS", [](Session& s) { s.reply("530 Never."); });
+  server.on("PASS", replies("530 Never."));
   pump = [this] {
     if (display.count("Waiting 0 Seconds") == 2) controller->Stop();
   };
@@ -268,7 +264,6 @@ TEST_F(RunTest, AStopEndsTheLoginLoopAndTheProfile) {
 }
 
 // --- networks
-// -----------------------------------------------------------------------------------------------
 
 TEST_F(RunTest, WaitsForALanWhateverTheUserSays) {
   int asked = 0;
@@ -322,7 +317,6 @@ TEST_F(RunTest, HangsUpOnlyWhatIsUp) {
 }
 
 // --- stop
-// ---------------------------------------------------------------------------------------------------
 
 TEST_F(RunTest, AStopInTheMiddleOfAFileUnwindsTheRun) {
   server.addFile("/a.bin", "x");
@@ -365,7 +359,6 @@ TEST_F(RunTest, AStopInTheMiddleOfAFileUnwindsTheRun) {
 }
 
 // --- faults
-// -------------------------------------------------------------------------------------------------
 
 TEST_F(RunTest, RetriesAFileAndGoesOnWithTheNext) {
   settings.FtpRetryCount = 3;
@@ -377,10 +370,7 @@ TEST_F(RunTest, RetriesAFileAndGoesOnWithTheNext) {
     s.closeDataPort();
     s.reply("450 Busy.");
   });
-  server.on("RETR /b.bin", [](Session& s) {
-    s.closeDataPort();
-    s.reply("550 Forbidden.");
-  });
+  server.on("RETR /b.bin", refusesData("550 Forbidden."));
   server.addFile("/c.bin", "c");
   EXPECT_TRUE(run().at(0).completed);
   EXPECT_THAT(treeOf(target()), ElementsAre("a.bin", "c.bin"));
@@ -402,29 +392,14 @@ TEST_F(RunTest, SurvivesTheLossOfTheConnectionAnywhere) {
     const char* command;
     std::function<void(Session&)> action;
   } cases[] = {
-      {"idle", "TYPE A", [](Session& s) { s.drop(); }},
-      {"entering a folder", "CWD /www", [](Session& s) { s.drop(); }},
-      {"asking where it is", "PWD", [](Session& s) { s.drop(); }},
+      {"idle", "TYPE A", drops()},
+      {"entering a folder", "CWD /www", drops()},
+      {"asking where it is", "PWD", drops()},
       {"in the middle of a listing", "LIST",
-       [](Session& s) {
-         s.openData();
-         s.reply("150 Here.");
-         s.sendData("-rw-r--r-- 1 o g 1 Jan 1 2020 half a li");
-         s.drop();
-       }},
-      {"before a file", "TYPE I", [](Session& s) { s.drop(); }},
-      {"in the middle of a file", "RETR",
-       [](Session& s) {
-         s.openData();
-         s.reply("150 Here (4 bytes).");
-         s.sendData("ha");
-         s.drop();
-       }},
-      {"told so", "RETR",
-       [](Session& s) {
-         s.closeDataPort();
-         s.reply("421 Restarting.");
-       }},
+       dropsInTransfer("150 Here.", "-rw-r--r-- 1 o g 1 Jan 1 2020 half a li")},
+      {"before a file", "TYPE I", drops()},
+      {"in the middle of a file", "RETR", dropsInTransfer("150 Here (4 bytes).", "ha")},
+      {"told so", "RETR", refusesData("421 Restarting.")},
   };
   profile.Folders = {"/www"};
   server.addFile("/unselected.bin", "x");
@@ -485,7 +460,7 @@ TEST_F(RunTest, ATreeThatContainsItselfHasAnEnd) {
   server.setListing("/loop",
                     "drwxr-xr-x 1 o g 1 Jan  1  2020 again\r\n-rw-r--r-- 1 o g 1 Jan  1  2020 a.bin\r\n");
   server.addFile("/loop/a.bin", "x");
-  server.on("CWD /loop/again", [](Session& s) { s.reply("250 You are there."); });
+  server.on("CWD /loop/again", replies("250 You are there."));
   profile.Folders = {"/loop"};
   EXPECT_TRUE(run().at(0).completed);
   EXPECT_THAT(treeOf(target()), ElementsAre("loop/", "loop/a.bin"));
@@ -527,7 +502,6 @@ TEST_F(RunTest, RemovesWhatAKilledRunLeftUnfinished) {
 }
 
 // --- progress
-// -----------------------------------------------------------------------------------------------
 
 TEST_F(RunTest, ShowsSizeAndProgressOfAFile) {
   server.addFile("/a.bin", std::string(4 << 20, 'x'));

@@ -211,7 +211,6 @@ std::string ScriptedFtpServer::listingOf(const std::string& folder) const {
 }
 
 // --- a session
-// ----------------------------------------------------------------------------------------------
 
 void ScriptedFtpServer::Session::sendControl(std::string_view bytes) {
   if (!sendAll(control_, bytes, server_.wake_[0])) open_ = false;
@@ -383,6 +382,47 @@ void ScriptedFtpServer::Session::sendFile() {
   const bool sent = sendData(ascii_ ? withCrLf(bytes) : bytes);
   closeData();
   reply(sent ? "226 Sent." : "426 The data connection was closed.");
+}
+
+// --- actions
+
+ScriptedFtpServer::Action replies(const std::string& text) {
+  return [=](ScriptedFtpServer::Session& s) { s.reply(text); };
+}
+
+ScriptedFtpServer::Action refusesData(const std::string& text) {
+  return [=](ScriptedFtpServer::Session& s) {
+    s.closeDataPort();
+    s.reply(text);
+  };
+}
+
+ScriptedFtpServer::Action transfers(const std::string& preliminary, const std::string& bytes,
+                                    const std::string& final) {
+  return [=](ScriptedFtpServer::Session& s) {
+    s.openData();
+    if (!preliminary.empty()) s.reply(preliminary);
+    s.sendData(bytes);
+    s.closeData();
+    if (!final.empty()) s.reply(final);
+  };
+}
+
+ScriptedFtpServer::Action dropsInTransfer(const std::string& preliminary, const std::string& bytes) {
+  return [=](ScriptedFtpServer::Session& s) {
+    s.openData();
+    s.reply(preliminary);
+    s.sendData(bytes);
+    s.drop();
+  };
+}
+
+ScriptedFtpServer::Action drops() {
+  return [](ScriptedFtpServer::Session& s) { s.drop(); };
+}
+
+ScriptedFtpServer::Action staysSilent() {
+  return [](ScriptedFtpServer::Session& s) { s.waitForClient(); };
 }
 
 }  // namespace quillmoor::testing

@@ -135,4 +135,20 @@ class ScriptedFtpServer {
   std::thread thread_;
 };
 
+// Actions for rules.
+
+/// One reply and nothing else.
+ScriptedFtpServer::Action replies(const std::string& text);
+/// A refusal of a transfer: the data port that was asked for is closed.
+ScriptedFtpServer::Action refusesData(const std::string& text);
+/// A transfer: the preliminary reply, bytes, the end of the data, the final reply; an empty reply is left
+/// out.
+ScriptedFtpServer::Action transfers(const std::string& preliminary, const std::string& bytes,
+                                    const std::string& final);
+/// The same, but the control connection is dropped where the data should end.
+ScriptedFtpServer::Action dropsInTransfer(const std::string& preliminary, const std::string& bytes);
+ScriptedFtpServer::Action drops();
+/// No answer until the client does something.
+ScriptedFtpServer::Action staysSilent();
+
 }  // namespace quillmoor::testing

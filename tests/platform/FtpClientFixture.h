@@ -1,0 +1,68 @@
+// What the tests of the FTP client share: a client whose events are noted, and a server to talk to.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/FtpClient.h"
+#include "support/ScriptedFtpServer.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor {
+
+using Clock = std::chrono::steady_clock;
+using Session = testing::ScriptedFtpServer::Session;
+
+inline constexpr std::int32_t kShortMs = 300;  // for what is to time out
+
+inline int number(FtpErrorNumber n) {
+  return static_cast<int>(n);
+}
+
+class FtpClientTest : public ::testing::Test {
+ protected:
+  FtpClientTest() {
+    client.timeoutMs = 10'000;
+    client.onError = [this](int, const std::string& text) { errors.push_back(text); };
+    client.onState = [this](FtpState state) { states.push_back(static_cast<int>(state)); };
+    client.onProgress = [this](const FtpProgress& event) { events.push_back(event); };
+  }
+
+  void login() { client.login("127.0.0.1", "joe", "hunter22", "", server.port()); }
+
+  /// The error an operation raises; its number is 0 when it raises none.
+  FtpError errorOf(const std::function<void()>& operation) {
+    try {
+      operation();
+    } catch (const FtpError& error) {
+      return error;
+    }
+    return {0, ""};
+  }
+
+  std::string shownTexts() const {
+    std::string all;
+    for (const auto& event : events) all += event.text;
+    for (const auto& error : errors) all += error;
+    return all;
+  }
+
+  std::size_t filesIn(const std::filesystem::path& path) const {
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator()));
+  }
+
+  testing::ScriptedFtpServer server;
+  FtpClient client;
+  testing::TemporaryFolder folder;
+  std::vector<std::string> errors;
+  std::vector<int> states;
+  std::vector<FtpProgress> events;
+};
+
+}  // namespace quillmoor
