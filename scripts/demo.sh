@@ -42,7 +42,7 @@ diff -r "$work/site" "$target/Sample site" && echo "The backup is identical to t
 step "Backing it up again, only what is new"
 "$program/quillmoor-config" setting set BackupMode 2
 "$program/quillmoor-run" --assume-network >"$work/log"
-grep -A2 '^Retriving' "$work/log" | head -n 8
+grep -m 3 -A 2 --no-group-separator '^Retriving' "$work/log"
 echo "..."
 tail -n 3 "$work/log"
 fetched=$(grep -c '^Retriving' "$work/log") skipped=$(grep -c '^Skipped: File upto date' "$work/log")

@@ -13,15 +13,13 @@ printf 'Grüße aus dem Süden\n' >"www/grüße/straße.txt"
 printf 'shouting\n' >www/SHOUT.TXT
 : >www/downloads/nothing.bin
 # Binary files hold every byte, line ends of all kinds included.
+bytes=$(printf '\\x%02x' {0..255})
 for file in www/images/logo.png www/images/2019/photo.jpg www/downloads/archive.tar.gz; do
-  for _ in 1 2 3 4 5 6 7 8; do
-    for ((byte = 0; byte < 256; byte++)); do printf "\\x$(printf %02x "$byte")"; done
-    printf '\r\n\n\r\r\n'
-  done >"$file"
+  for _ in {1..8}; do printf '%b\r\n\n\r\r\n' "$bytes"; done >"$file"
 done
 head -c 3000000 /dev/zero >www/downloads/big.iso
 ln -s index.html www/start.html
-# Dates of last year show in a listing without a time of day, a recent one with.
+# A listing shows old dates without a time of day, which a backup takes for noon, and those of the last months with it.
 find . -type f -exec touch -d '2019-06-05 12:00' {} +
-touch -d "$(date +%Y)-01-02 03:04" www/index.html
+touch -d '03:04 40 days ago' www/index.html
 chmod -R a+rX .

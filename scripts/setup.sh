@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Installs what Debian 12 has and the build, the tests and the demo need. Asks for root only when something is
-# missing. No service is started.
+# setup.sh [PACKAGE...]   installs what Debian 12 has and the build, the tests and the demo need, and the packages named.
+# Asks for root only when something is missing. No service is started.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libasio-dev libgtest-dev libgmock-dev python3-minimal python3-pyftpdlib diffutils)
+packages=("$@" g++ cmake ninja-build libasio-dev libgtest-dev libgmock-dev python3-minimal python3-pyftpdlib diffutils)
 # What the unpacked FTP daemons of the tests are linked to (tests/servers/serve.sh fetches the daemons).
 packages+=(openssl libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libmemcached11 libmemcachedutil2 libpam0g
   libpcre2-posix3 libsodium23 libssl3 libwrap0)
@@ -11,7 +11,7 @@ packages+=(openssl libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libmemcach
 missing=()
 installed=$(dpkg-query -W -f='${db:Status-Abbrev}${Package}\n' "${packages[@]}" 2>/dev/null || true)
 for package in "${packages[@]}"; do
-  grep -qx "ii $package" <<<"$installed" || missing+=("$package")
+  grep -qxF "ii $package" <<<"$installed" || missing+=("$package")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 

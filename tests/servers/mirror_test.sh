@@ -3,6 +3,7 @@
 # once more incrementally. PROGRAMS is the folder of quillmoor-run and quillmoor-config.
 set -euo pipefail
 programs=$(realpath "$1") server=$2 mode=$3
+export TZ=UTC                                     # some servers list UTC, which is local time then
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d -t quillmoor-mirror.XXXXXX)
 trap '"$here/serve.sh" stop "$work/server"; rm -rf "$work"' EXIT
@@ -19,20 +20,20 @@ cp "$programs/quillmoor-run" "$programs/quillmoor-config" "$work/program/"
 config=$work/program/quillmoor-config
 for setting in AutoDial AutoHangUp CreateZip; do "$config" setting set "$setting" 0; done
 "$config" profile set site Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- SaveTo="$work/backup/" \
-  Folder=/ Timeout=20 PASV="$([ "$mode" = passive ] && echo 1 || echo 0)" <<<"$FTP_PASSWORD"
+  Folder="$FTP_ROOT" Timeout=20 PASV="$([ "$mode" = passive ] && echo 1 || echo 0)" <<<"$FTP_PASSWORD"
 
 run() { "$work/program/quillmoor-run" --assume-network >"$work/log" || fail "quillmoor-run ended with status $?"; }
-state() { (cd "$work/backup/site" && find . -printf '%p %i %T@ %s\n' | sort); }
+copy=$work/backup/site${FTP_ROOT%/}
+state() { (cd "$copy" && find . -printf '%p %i %T@ %s\n' | sort); }
+dates() { (cd "$1" && find . -type f -printf '%TF %TH:%TM %p\n' | sort -k3); }
 
 run
 grep -qF "$FTP_PASSWORD" "$work/log" && fail "the password is in the log"
 grep -q 'Completed' "$work/log" || fail "the report does not say Completed"
 # The link alone is not part of a backup.
 mv "$work/site/www/start.html" "$work/start.html"
-diff -r "$work/site" "$work/backup/site" || fail "the backup differs from the site"
-[ -d "$work/backup/site/www/empty" ] || fail "the empty folder is missing"
-# A listing gives last year's dates without a time of day: noon, as the site has it.
-[ "$(date -r "$work/backup/site/www/SHOUT.TXT" '+%F %R')" = "2019-06-05 12:00" ] || fail "the date of a file is wrong"
+diff -r "$work/site" "$copy" || fail "the backup differs from the site"
+diff <(dates "$work/site") <(dates "$copy") || fail "the dates of files differ from the site's"
 
 "$config" setting set BackupMode 2
 before=$(state)
@@ -43,9 +44,9 @@ files=$(find "$work/site" -type f | wc -l)
 "$config" setting set BackupMode 1
 
 # A site that has lost nothing and a copy that has: the next run brings back just that.
-rm "$work/backup/site/www/index.html"
+rm "$copy/www/index.html"
 "$config" setting set BackupMode 2
 run
-diff -r "$work/site" "$work/backup/site" || fail "a missing file was not fetched again"
+diff -r "$work/site" "$copy" || fail "a missing file was not fetched again"
 [ "$(grep -c '^Skipped: File upto date$' "$work/log")" = "$((files - 1))" ] || fail "more than the missing file was fetched"
 echo "ok: $server, $mode, $files files"

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # serve.sh start SERVER DIR STATE   serves DIR on a free loopback port; STATE gets configuration, log and pid.
-#                                   Prints FTP_HOST= FTP_PORT= FTP_USER= FTP_PASSWORD= lines, fit for eval.
-# serve.sh stop STATE               ends that server
+#                                   Prints FTP_HOST= FTP_PORT= FTP_USER= FTP_PASSWORD= FTP_ROOT= lines, fit for
+#                                   eval; FTP_ROOT is DIR as a client sees it.
+# serve.sh stop STATE               ends that server and waits until it is gone
 # SERVER: pyftpdlib, pure-ftpd, vsftpd or proftpd. Exit status 77 when that server cannot be had here.
 #
 # The three daemons conflict as Debian packages, so they are fetched without being installed and started from a
@@ -12,38 +13,54 @@ unavailable() { echo "serve.sh: $*" >&2; exit 77; }
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/quillmoor/servers
 
 unpack() {                                        # PACKAGE: prints the folder it is unpacked into
-  local version folder
+  local version folder fetch
   version=$(apt-cache policy "$1" 2>/dev/null | sed -n 's/^ *Candidate: //p')
-  if [ -z "$version" ] || [ "$version" = "(none)" ]; then
-    folder=$(find "$cache" -maxdepth 1 -name "$1_*" 2>/dev/null | head -n 1)   # fetched earlier, no package lists now
-    [ -n "$folder" ] || unavailable "$1 is not known to the package manager"
-    echo "$folder"
-    return
-  fi
   folder=$cache/$1_${version//[:\/]/_}
   if [ ! -d "$folder" ]; then
     mkdir -p "$cache"
-    local fetch
     fetch=$(mktemp -d "$cache/fetch.XXXXXX")
-    (cd "$fetch" && apt-get download -qq "$1" >/dev/null 2>&1 && dpkg -x ./*.deb unpacked) ||
-      { rm -rf "$fetch"; unavailable "$1 could not be fetched"; }
-    mv -T "$fetch/unpacked" "$folder" 2>/dev/null || true      # another test may have been faster
+    if (cd "$fetch" && apt-get download -qq "$1" && dpkg -x ./*.deb unpacked) >/dev/null 2>&1; then
+      mv -T "$fetch/unpacked" "$folder" 2>/dev/null || true    # another test may have been faster
+    else                                          # no package lists or no network: what was fetched earlier
+      folder=$(find "$cache" -maxdepth 1 -name "$1_*" -print -quit)
+    fi
     rm -rf "$fetch"
+    [ -n "$folder" ] || unavailable "$1 could not be fetched"
   fi
   echo "$folder"
 }
 
 if [ "${1:-}" = stop ]; then
-  pid=$(cat "$2/pid" 2>/dev/null) || exit 0
-  kill -- "-$pid" 2>/dev/null || kill "$pid" 2>/dev/null || true     # its own process group, sessions included
+  pid=$(cat "${2:?usage: serve.sh stop STATE}/pid" 2>/dev/null) || exit 0
+  kill -- "-$pid" 2>/dev/null || exit 0           # its own process group, sessions included
+  for _ in {1..100}; do
+    kill -0 -- "-$pid" 2>/dev/null || exit 0
+    sleep 0.05
+  done
+  kill -KILL -- "-$pid" 2>/dev/null || true
   exit 0
 fi
-[ "${1:-}" = start ] && [ $# = 4 ] || { echo "usage: serve.sh start SERVER DIR STATE | stop STATE" >&2; exit 2; }
+if [ "${1:-}" != start ] || [ $# != 4 ]; then
+  echo "usage: serve.sh start SERVER DIR STATE | stop STATE" >&2
+  exit 2
+fi
 
 server=$2; dir=$(realpath "$3"); mkdir -p "$4"; state=$(realpath "$4")
-user=keeper password="correct horse"
-port=$(/usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
-uid=$(id -u nobody) gid=$(id -g nobody)           # the daemons refuse to serve as root; the site is world-readable
+user=keeper password="correct horse" root=/
+# A free port, and below the range from which other tests' connections are given theirs meanwhile.
+port=$(/usr/bin/python3 - <<'PY'
+import random, socket
+for port in random.sample(range(20000, 32000), 100):
+    with socket.socket() as s:
+        if s.connect_ex(("127.0.0.1", port)) != 0:
+            print(port)
+            break
+PY
+)
+# As root, the daemons serve under another user and shut themselves into the site, which is world-readable. As anyone
+# else, vsftpd and proftpd serve under that user, and a client sees the site with its whole path.
+as_user=nobody as_group=nogroup
+if [ "$(id -u)" != 0 ]; then as_user=$(id -un) as_group=$(id -gn); fi
 hash() { openssl passwd -1 -salt quillmoo "$password"; }
 
 case $server in
@@ -52,15 +69,16 @@ pyftpdlib)
 pure-ftpd)
   [ "$(id -u)" = 0 ] || unavailable "pure-ftpd needs root"
   daemon=$(unpack pure-ftpd)
-  printf '%s:%s:%s:%s::%s/./::::::::::::\n' "$user" "$(hash)" "$uid" "$gid" "$dir" >"$state/passwd"
+  printf '%s:%s:%s:%s::%s/./::::::::::::\n' "$user" "$(hash)" "$(id -u nobody)" "$(id -g nobody)" "$dir" \
+    >"$state/passwd"
   "$daemon/usr/bin/pure-pw" mkdb "$state/users.pdb" -f "$state/passwd"
   # -l users, -E no anonymous, -A chroot, -H no name look-ups, -f none: no syslog, -u lowest user id
   command=("$daemon/usr/sbin/pure-ftpd" -4 -S "127.0.0.1,$port" -l "puredb:$state/users.pdb" -E -A -H -f none -u 1
     -L 100000:50 -g "$state/server.pid") ;;
 vsftpd)
-  [ "$(id -u)" = 0 ] || unavailable "vsftpd needs root"
   daemon=$(unpack vsftpd)
-  user=anonymous
+  user=anonymous launching=NO
+  if [ "$(id -u)" != 0 ]; then launching=YES root=$dir; fi
   mkdir -p "$state/empty"
   cat >"$state/vsftpd.conf" <<CONF
 listen=YES
@@ -71,6 +89,8 @@ anonymous_enable=YES
 local_enable=NO
 anon_root=$dir
 ftp_username=games
+run_as_launching_user=$launching
+use_localtime=YES
 anon_world_readable_only=NO
 secure_chroot_dir=$state/empty
 ascii_download_enable=YES
@@ -84,9 +104,11 @@ isolate_network=NO
 CONF
   command=("$daemon/usr/sbin/vsftpd" "$state/vsftpd.conf") ;;
 proftpd)
-  [ "$(id -u)" = 0 ] || unavailable "proftpd needs root"
   daemon=$(unpack proftpd-core)
-  printf '%s:%s:%s:%s::%s:/bin/false\n' "$user" "$(hash)" "$uid" "$gid" "$dir" >"$state/passwd"
+  jail="DefaultRoot ~"
+  if [ "$(id -u)" != 0 ]; then jail="" root=$dir; fi
+  printf '%s:%s:%s:%s::%s:/bin/false\n' "$user" "$(hash)" "$(id -u "$as_user")" "$(id -g "$as_user")" "$dir" \
+    >"$state/passwd"
   chmod 600 "$state/passwd"
   cat >"$state/proftpd.conf" <<CONF
 ServerType standalone
@@ -94,12 +116,14 @@ DefaultServer on
 DefaultAddress 127.0.0.1
 UseIPv6 off
 Port $port
-User nobody
-Group nogroup
+User $as_user
+Group $as_group
 AuthOrder mod_auth_file.c
 AuthUserFile $state/passwd
 RequireValidShell off
-DefaultRoot ~
+$jail
+ControlsEngine off
+DelayEngine off
 UseReverseDNS off
 UseFtpUsers off
 PidFile $state/server.pid
@@ -117,7 +141,8 @@ if ! ldd "${command[0]}" >"$state/libraries" 2>&1 || grep -q "not found" "$state
   grep "not found" "$state/libraries" >&2 || true
   unavailable "$server lacks libraries; scripts/setup.sh installs them"
 fi
-setsid "${command[@]}" >"$state/server.log" 2>&1 </dev/null &
+# The hour ends a server whose test was killed before it could.
+setsid timeout 3600 "${command[@]}" >"$state/server.log" 2>&1 </dev/null &
 echo $! >"$state/pid"
 ready() {
   /usr/bin/python3 - "$port" "$user" "$password" <<'PY'
@@ -133,7 +158,8 @@ PY
 }
 for _ in $(seq 100); do
   if ready; then
-    printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\n' "$port" "$user" "$password"
+    printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\nFTP_ROOT=%q\n' \
+      "$port" "$user" "$password" "$root"
     exit 0
   fi
   kill -0 "$(cat "$state/pid")" 2>/dev/null || break
