@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "engine/mCreatePath.h"
+
 namespace quillmoor {
 namespace {
 
@@ -19,8 +21,35 @@ bool isDeviceName(std::string_view name) {
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
   constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
   if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;
-  return stem.size() == 4 && (stem.starts_with("COM") || stem.starts_with("LPT")) && stem[3] >= '1' &&
-         stem[3] <= '9';
+  if (!stem.starts_with("COM") && !stem.starts_with("LPT")) return false;
+  // Raised digits count as digits there.
+  constexpr std::array<std::string_view, 12> kPorts = {"1", "2", "3", "4", "5", "6",
+                                                       "7", "8", "9", "¹", "²", "³"};
+  return std::find(kPorts.begin(), kPorts.end(), std::string_view(stem).substr(3)) != kPorts.end();
+}
+
+char separatorOf(LocalNameRules rules) {
+  return rules == LocalNameRules::windows ? '\\' : '/';
+}
+
+std::optional<std::string> componentsRefusal(std::string_view path, char separator, LocalNameRules rules) {
+  while (!path.empty()) {
+    const std::string_view component = path.substr(0, path.find(separator));
+    path.remove_prefix(std::min(component.size() + 1, path.size()));
+    if (component.empty()) continue;
+    if (auto reason = ListedNameRefusal(component, rules)) return reason;
+  }
+  return std::nullopt;
+}
+
+/// Judges the local folder itself, after all that is done to a path on the way there.
+std::optional<std::string> mirroredRefusal(const std::string& target, const std::string& currentDir,
+                                           LocalNameRules rules) {
+  const char separator = separatorOf(rules);
+  const std::string root = LocalFolderFor(target, "/", separator);
+  const std::string folder = LocalFolderFor(target, currentDir, separator);
+  if (!folder.starts_with(root)) return "it leads out of the local folder";
+  return componentsRefusal(std::string_view(folder).substr(root.size()), separator, rules);
 }
 
 }  // namespace
@@ -42,13 +71,14 @@ std::optional<std::string> ListedNameRefusal(std::string_view name, LocalNameRul
 }
 
 std::optional<std::string> RemotePathRefusal(std::string_view path, LocalNameRules rules) {
-  while (!path.empty()) {
-    const std::string_view component = path.substr(0, path.find('/'));
-    path.remove_prefix(std::min(component.size() + 1, path.size()));
-    if (component.empty()) continue;
-    if (auto reason = ListedNameRefusal(component, rules)) return reason;
-  }
-  return std::nullopt;
+  if (auto reason = componentsRefusal(path, '/', rules)) return reason;
+  return mirroredRefusal("target", std::string(path), rules);
+}
+
+std::optional<std::string> LocalFolderRefusal(const std::string& target, const std::string& currentDir,
+                                              LocalNameRules rules) {
+  if (auto reason = RemotePathRefusal(currentDir, rules)) return reason;
+  return mirroredRefusal(target, currentDir, rules);
 }
 
 std::string PrintableName(std::string_view name) {

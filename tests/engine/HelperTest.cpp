@@ -100,6 +100,9 @@ TEST(SafeName, RefusesWhatCouldLeadOutOfAFolder) {
     EXPECT_FALSE(ListedNameRefusal(name, LocalNameRules::posix)) << name;
     EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::windows)) << name;
   }
+  for (const char* name : {"COM\u00B9", "lpt\u00B2.txt"}) {
+    EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::windows)) << name;
+  }
   for (const char* name :
        {".htaccess", "...", "..a", "a b", "grüße", "COM", "COM0", "CONSOLE", "a.con", "[x]", "~"}) {
     EXPECT_FALSE(ListedNameRefusal(name, LocalNameRules::posix)) << name;
@@ -110,6 +113,39 @@ TEST(SafeName, RefusesWhatCouldLeadOutOfAFolder) {
     EXPECT_TRUE(RemotePathRefusal(path)) << path;
   for (const char* path : {"/", "", "//a//b/", "/a b/c"}) EXPECT_FALSE(RemotePathRefusal(path)) << path;
   EXPECT_EQ(PrintableName("a\x1b[31m\r\n\xc2\x9b\xc3\xbc"), "a?[31m???\xc3\xbc");
+}
+
+TEST(SafeName, RefusesFoldersThatWouldLieOutsideTheTarget) {
+  const struct {
+    const char *target, *currentDir;
+    LocalNameRules rules;
+    bool refused;
+  } cases[] = {
+      {"/backup/site", "/www/a b", LocalNameRules::posix, false},
+      {"/backup/site", "/", LocalNameRules::posix, false},
+      {"/backup/site", "///www", LocalNameRules::posix, false},
+      {"/backup/site", "/a[1]/b", LocalNameRules::posix, false},
+      {"/backup/site", "/a/ ..", LocalNameRules::posix, false},
+      {"/backup/[old] [x] site", "/a]b", LocalNameRules::posix, false},
+      {"/backup/site", "/.. ", LocalNameRules::posix, true},
+      {"/backup/site", "/a/..  ", LocalNameRules::posix, true},
+      {"/backup/site", "/.[x].", LocalNameRules::posix, true},
+      {"/backup/site", "/.[a/b]./c", LocalNameRules::posix, true},
+      {"/backup/[site", "/a]../c", LocalNameRules::posix, true},
+      {"/backup/[site", "/a]c", LocalNameRules::posix, true},
+      {"C:\\backup", "/www", LocalNameRules::windows, false},
+      {"\\\\server\\share", "/www", LocalNameRules::windows, false},
+      {"C:\\backup", "/C[x]ON", LocalNameRules::windows, true},
+      {"C:\\backup", "/a\\..\\b", LocalNameRules::windows, true},
+  };
+  for (const auto& c : cases) {
+    const auto refusal = LocalFolderRefusal(c.target, c.currentDir, c.rules);
+    EXPECT_EQ(refusal.has_value(), c.refused) << c.target << " and " << c.currentDir;
+    // The path alone tells, unless the target leaves a bracket open.
+    if (std::string_view(c.target).find('[') == std::string_view::npos) {
+      EXPECT_EQ(RemotePathRefusal(c.currentDir, c.rules).has_value(), c.refused) << c.currentDir;
+    }
+  }
 }
 
 TEST(Texts, ForSizes) {
