@@ -117,7 +117,7 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
 
 /// May the folder that the server has reported be walked? Asked before anything local is touched.
 bool TreeWalk::mayWalk(const std::string& currentDir) {
-  if (const auto reason = RemotePathRefusal(currentDir)) {
+  if (const auto reason = LocalFolderRefusal(state_.LocalTargetFolder, currentDir)) {
     logError("Refused folder (" + *reason + "): ", currentDir);
     return false;
   }

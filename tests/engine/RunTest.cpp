@@ -441,12 +441,12 @@ TEST_F(RunTest, NothingThatAServerListsLeavesTheTargetFolder) {
 }
 
 TEST_F(RunTest, NoFolderThatAServerReportsLeavesTheTargetFolder) {
-  for (const char* path : {"/../../outside", "/a/../..", "/a\x1b[2J"}) {
+  for (const char* path : {"/../../outside", "/a/../..", "/a\x1b[2J", "/.[x].", "/.. "}) {
     server.on("PWD", [=](Session& s) { s.reply(std::string("257 \"") + path + "\" is where you are."); });
     EXPECT_TRUE(run().at(0).completed);
     EXPECT_THAT(treeOf(folder.path()), ElementsAre("Profiles.ini"));
   }
-  EXPECT_EQ(display.count("Error: Refused folder"), 3);
+  EXPECT_EQ(display.count("Error: Refused folder"), 5);
 }
 
 TEST_F(RunTest, AProfileWhoseNameIsNoFolderNameIsNotRun) {
