@@ -133,7 +133,7 @@ bool RunController::prepareTarget(const std::string& profileId) {
     logError("Error: " + state_.profile.unreadable + "\r\n");
     return false;
   }
-  if (const auto reason = ListedNameRefusal(profileId)) {
+  if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId)) {
     // The name becomes a folder below SaveTo; this one could lead out of it.
     logError("Error: The profile's name cannot be the name of a folder: " + PrintableName(profileId) +
              "\r\n");

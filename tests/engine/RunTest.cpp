@@ -450,10 +450,13 @@ TEST_F(RunTest, NoFolderThatAServerReportsLeavesTheTargetFolder) {
 }
 
 TEST_F(RunTest, AProfileWhoseNameIsNoFolderNameIsNotRun) {
-  profile.name = "a/../../b";
-  EXPECT_FALSE(run().at(0).completed);
-  EXPECT_THAT(treeOf(folder.path()), ElementsAre("Profiles.ini"));
-  EXPECT_TRUE(display.logged("cannot be the name of a folder"));
+  for (const char* name : {"a/../../b", "..", ".[x]."}) {
+    fs::remove(profilesFile());
+    profile.name = name;
+    EXPECT_FALSE(run().at(0).completed) << name;
+    EXPECT_THAT(treeOf(folder.path()), ElementsAre("Profiles.ini")) << name;
+  }
+  EXPECT_EQ(display.count("cannot be the name of a folder"), 3);
 }
 
 TEST_F(RunTest, ATreeThatContainsItselfHasAnEnd) {
