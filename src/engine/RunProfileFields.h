@@ -8,7 +8,7 @@
 namespace quillmoor {
 
 /// Named after the keys of the profile's section. Differs from the editor's SiteProfile: numbers are numbers
-/// here, the password is in clear, and the folders are as stored, doubles included.
+/// here, the password is in clear.
 struct RunProfileFields {
   std::string Host;
   std::string UserID;

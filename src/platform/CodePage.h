@@ -6,8 +6,8 @@
 
 namespace quillmoor {
 
-/// UTF-8 to the system's ANSI code page (Windows-1252 on Linux). A character outside the page becomes its
-/// nearest likeness or "?"; bytes that are no UTF-8 are passed on as they are.
+/// UTF-8 to the system's ANSI code page (Windows-1252 on Linux). A character outside the page becomes "?"
+/// or, on Windows, its nearest likeness; bytes that are no UTF-8 are passed on as they are.
 std::string ToAnsi(std::string_view utf8);
 
 /// ANSI to UTF-8. Every byte has a character, so nothing is lost.

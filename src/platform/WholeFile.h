@@ -16,9 +16,14 @@ class WholeFile {
   /// the machine loses power (the data is flushed to the disk first, which costs milliseconds).
   enum class Survives { process, power };
 
+  /// Who may read a new file. `owner`: nobody else, for files that hold passwords; one that replaces a file
+  /// then keeps that file's permissions, and a link stays a link to what is replaced.
+  enum class Readers { everyone, owner };
+
   /// Creates the temporary file in the folder of `target`, which must exist. A temporary file left there by a
   /// killed run is overwritten: the name depends on the folder alone.
-  explicit WholeFile(std::filesystem::path target, Survives survives = Survives::process);
+  explicit WholeFile(std::filesystem::path target, Survives survives = Survives::process,
+                     Readers readers = Readers::everyone);
   /// Removes the temporary file unless it was committed.
   ~WholeFile();
   WholeFile(const WholeFile&) = delete;

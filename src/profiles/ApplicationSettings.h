@@ -15,7 +15,7 @@ struct ApplicationSettings {
   double MainWidth = 11685;
   double MainHeight = 8085;
   std::int32_t TransferType = 1;  // kept for stored settings; nothing reads it
-  bool Passive = true;            // nothing reads it, nor the two below: each profile has its own
+  bool Passive = true;            // nothing reads it, nor RemotePort: each profile has its own
   std::int32_t Timeout = 30;      // seconds; the remote browser's
   std::int32_t RemotePort = 21;
   std::int32_t ScheduleHour = 12;

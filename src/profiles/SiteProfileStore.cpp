@@ -31,8 +31,16 @@ std::int16_t flagOf(const std::string& text) {
   }
 }
 
+/// Of several sections of one name only the first is ever seen, but each would come to light in its turn.
+bool deleteSections(const std::string& name, const std::string& file) {
+  for (std::size_t most = mIni::ListSections(file).size(); most > 0 && ProfileExists(name, file); --most) {
+    if (!mIni::DeleteSection(name, file)) return false;
+  }
+  return true;
+}
+
 bool writeSection(const SiteProfile& profile, const std::string& file) {
-  if (!mIni::DeleteSection(profile.name, file)) return false;
+  if (!deleteSections(profile.name, file)) return false;
   bool written = true;
   const auto write = [&](const char* key, const std::string& value) {
     written = written && mIni::WriteValue(profile.name, key, value, file);
@@ -73,6 +81,12 @@ std::vector<std::string> LoadSitesInfo(const std::string& file) {
   std::erase(names, "");
   SortNames(names);
   return names;
+}
+
+std::string TrimmedName(const std::string& name) {
+  const auto first = name.find_first_not_of(" \t");
+  if (first == std::string::npos) return "";
+  return name.substr(first, name.find_last_not_of(" \t") - first + 1);
 }
 
 bool ProfileExists(const std::string& name, const std::string& file) {
@@ -127,8 +141,20 @@ bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTim
   return mIni::EditWhole(file, [&](const std::string& copy) { return writeSection(profile, copy); });
 }
 
+void CorrectNumbers(SiteProfile& profile) {
+  const auto isPort = [](double number) { return number >= 1 && number <= 65535; };
+  if (!isPort(Val(profile.Port))) profile.Port = "21";
+  if (profile.ManualPort == 1) {
+    if (!isPort(Val(profile.MinData))) profile.MinData = "1";
+    const double highest = Val(profile.MaxData);
+    if (Val(profile.MinData) > highest || highest > 65535) profile.MaxData = profile.MinData;
+  }
+  const double timeout = Val(profile.Timeout);
+  if (timeout < 1 || timeout > 9999) profile.Timeout = "60";
+}
+
 bool DeleteSiteProfile(const std::string& name, const std::string& file) {
-  return mIni::EditWhole(file, [&](const std::string& copy) { return mIni::DeleteSection(name, copy); });
+  return mIni::EditWhole(file, [&](const std::string& copy) { return deleteSections(name, copy); });
 }
 
 std::string JoinFolders(const std::vector<std::string>& folders) {
@@ -145,7 +171,8 @@ std::vector<std::string> SplitFolders(std::string_view stored) {
   if (stored.empty()) return folders;
   for (;;) {
     const std::size_t end = stored.find(kFolderSeparator);
-    folders.emplace_back(stored.substr(0, end));
+    const std::string_view folder = stored.substr(0, end);
+    if (std::find(folders.begin(), folders.end(), folder) == folders.end()) folders.emplace_back(folder);
     if (end == std::string_view::npos) return folders;
     stored.remove_prefix(end + kFolderSeparator.size());
   }

@@ -80,10 +80,11 @@ void cRegistry::SetValue(const RegistryValue& value) {
   switch (data.type) {
     case RegistryType::text:
     case RegistryType::expandText: {
-      const auto* text = std::get_if<std::string>(&value);
-      if (!text) raise(failed, "type mismatch: text is expected");
+      if (std::holds_alternative<std::vector<std::uint8_t>>(value))
+        raise(failed, "type mismatch: text is expected");
+      const std::string text = shown(value);  // a number is stored as its decimal text
       // What an ANSI text with its terminating zero cannot hold is cut there.
-      data.bytes = text->substr(0, text->find('\0'));
+      data.bytes = text.substr(0, text.find('\0'));
       data.type = holdsEnvironmentReference(data.bytes) ? RegistryType::expandText : RegistryType::text;
       break;
     }

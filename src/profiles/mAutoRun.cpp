@@ -20,7 +20,12 @@ cRegistry entryIn(const char* section) {
 
 void remove(const char* section) {
   cRegistry entry = entryIn(section);
-  if (entry.KeyExists()) entry.DeleteValue();
+  const bool hasKey = entry.KeyExists();
+  try {
+    entry.DeleteValue();  // asked for in any case: the desktop's entry may be there without the key
+  } catch (const RegistryError&) {
+    if (hasKey) throw;
+  }
 }
 
 void write(const char* section) {

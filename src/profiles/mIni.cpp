@@ -4,6 +4,21 @@
 #include "platform/PrivateProfile.h"
 
 namespace quillmoor::mIni {
+namespace {
+
+bool isBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+
+/// Reading takes blanks and one pair of quotes off a value: one that would lose its own gets a pair to lose.
+std::string guarded(const std::string& value) {
+  if (value.empty()) return value;
+  const bool quoted =
+      value.size() > 1 && value.front() == value.back() && (value.front() == '"' || value.front() == '\'');
+  return quoted || isBlank(value.front()) || isBlank(value.back()) ? '"' + value + '"' : value;
+}
+
+}  // namespace
 
 std::string ReadValue(const std::string& section, const std::string& key, const std::string& file) {
   return FromAnsi(GetPrivateProfileString(ToAnsi(section), ToAnsi(key), file));
@@ -11,7 +26,7 @@ std::string ReadValue(const std::string& section, const std::string& key, const 
 
 bool WriteValue(const std::string& section, const std::string& key, const std::string& value,
                 const std::string& file) {
-  return WritePrivateProfileString(ToAnsi(section), ToAnsi(key), ToAnsi(value), file);
+  return WritePrivateProfileString(ToAnsi(section), ToAnsi(key), ToAnsi(guarded(value)), file);
 }
 
 std::vector<std::string> ListSections(const std::string& file) {

@@ -79,7 +79,7 @@ second=$(interrupted 2)                           # both may arrive as one
 # A settings file that is no settings file
 echo "rubbish" >"$work/config/quillmoor/registry.reg"
 expect 2 "$work/config/quillmoor/registry.reg" "$run" --assume-network
-expect 1 "line 2" "$config" setting get AutoDial
+expect 1 "line 1" "$config" setting get AutoDial
 expect 1 "registry.reg" "$config" setting set AutoDial 0
 [ "$(cat "$work/config/quillmoor/registry.reg")" = rubbish ] || fail "a damaged settings file was written over"
 

@@ -1,6 +1,8 @@
 #include "platform/posix/AutostartEntry.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 #include <string_view>
 
 #include "platform/WholeFile.h"
@@ -34,6 +36,10 @@ std::string execArgument(std::string_view path) {
 }  // namespace
 
 void WriteAutostartEntry(const std::string& name, const std::string& program) {
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
+  if (name.find('/') != std::string::npos || std::any_of(program.begin(), program.end(), isControl)) {
+    throw std::invalid_argument("\"" + name + "\" cannot be started with the session");
+  }
   const std::filesystem::path file = entryFile(name);
   std::filesystem::create_directories(file.parent_path());
   WholeFile entry(file);

@@ -1,5 +1,6 @@
 #include "platform/NetworkAlive.h"
 
+#include <arpa/inet.h>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netinet/in.h>
@@ -12,7 +13,10 @@ namespace quillmoor {
 namespace {
 
 bool isRoutable(const sockaddr& address) {
-  if (address.sa_family == AF_INET) return true;
+  if (address.sa_family == AF_INET) {
+    const auto host = ntohl(reinterpret_cast<const sockaddr_in&>(address).sin_addr.s_addr);
+    return (host >> 16) != 0xA9FE;  // 169.254.x.x: what a machine gives itself when nobody answers
+  }
   if (address.sa_family != AF_INET6) return false;
   const auto& ipv6 = reinterpret_cast<const sockaddr_in6&>(address).sin6_addr;
   // Every interface gives itself a link-local address, cable or not.

@@ -12,6 +12,7 @@
 
 #include "platform/CodePage.h"
 #include "platform/WholeFile.h"
+#include "platform/posix/FolderLock.h"
 
 namespace quillmoor {
 namespace {
@@ -100,7 +101,7 @@ bool writeWhole(const std::string& file, std::string_view before, std::string_vi
   try {
     // A file that the user may not write stays, although its folder would let it be replaced.
     if (::access(file.c_str(), F_OK) == 0 && ::access(file.c_str(), W_OK) != 0) return false;
-    WholeFile whole(file, survives);
+    WholeFile whole(file, survives, WholeFile::Readers::owner);
     whole.write(after);
     whole.commit();
     return true;
@@ -187,6 +188,12 @@ bool DeletePrivateProfileSection(std::string_view section, const std::string& fi
 }
 
 bool EditPrivateProfile(const std::string& file, const std::function<bool(const std::string& copy)>& edit) {
+  std::optional<FolderLock> lock;  // another program's edit would end with its own idea of the other profiles
+  try {
+    lock.emplace(std::filesystem::path(file).parent_path());
+  } catch (const std::system_error&) {
+    return false;
+  }
   const auto before = readWhole(file);
   if (!before) return false;
   struct Copy {

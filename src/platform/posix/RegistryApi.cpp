@@ -1,12 +1,8 @@
 #include "platform/RegistryApi.h"
 
-#include <fcntl.h>
 #include <strings.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +12,7 @@
 
 #include "platform/WholeFile.h"
 #include "platform/posix/AutostartEntry.h"
+#include "platform/posix/FolderLock.h"
 #include "platform/posix/RegistryFile.h"
 #include "platform/posix/UserFolders.h"
 
@@ -69,39 +66,16 @@ Keys load() {
   }
 }
 
-/// One writer at a time, across programs: from reading the file to having replaced it.
-class Lock {
- public:
-  explicit Lock(const std::filesystem::path& file) {
-    std::error_code error;
-    std::filesystem::create_directories(file.parent_path(), error);
-    auto lock = file;
-    lock += ".lock";
-    number_ = ::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (number_ < 0 || ::flock(number_, LOCK_EX) != 0) {
-      const int reason = errno;
-      if (number_ >= 0) ::close(number_);
-      throw RegistryStoreError("The settings cannot be written: " + lock.string() + ": " +
-                               std::generic_category().message(reason) + ".");
-    }
-  }
-  ~Lock() { ::close(number_); }
-  Lock(const Lock&) = delete;
-  Lock& operator=(const Lock&) = delete;
-
- private:
-  int number_ = -1;
-};
-
 /// Loads, lets `change` work on the keys, and writes them if it says that they have changed.
 template <class Change>
 void modify(Change change) {
   const std::filesystem::path file = storeFile();
-  const Lock lock(file);
-  Keys keys = load();
-  if (!change(keys)) return;
   try {
-    WholeFile whole(file, WholeFile::Survives::power);
+    std::filesystem::create_directories(file.parent_path());
+    const FolderLock lock(file.parent_path());  // from reading the file to having replaced it
+    Keys keys = load();
+    if (!change(keys)) return;
+    WholeFile whole(file, WholeFile::Survives::power, WholeFile::Readers::owner);
     whole.write(formatRegistryFile(keys));
     whole.commit();
   } catch (const std::system_error& error) {
@@ -216,16 +190,22 @@ void setValue(std::uint32_t root, const std::string& path, const std::string& na
     }
     return true;
   });
-  if (sameName(full, kRunKey)) WriteAutostartEntry(name, data.bytes);
+  if (!sameName(full, kRunKey) || data.type != RegistryType::text) return;
+  try {
+    WriteAutostartEntry(name, data.bytes);
+  } catch (const std::exception& error) {
+    throw RegistryStoreError(std::string("The entry is stored, but the desktop cannot be told: ") +
+                             error.what() + ".");
+  }
 }
 
 bool deleteValue(std::uint32_t root, const std::string& path, const std::string& name) {
   const std::string full = fullPath(root, path);
   bool hasKey = false;
   modify([&](Keys& keys) {
+    hasKey = exists(keys, full);
     const auto key = findKey(keys, full);
-    hasKey = key != keys.end();
-    if (!hasKey) return false;
+    if (key == keys.end()) return false;
     const auto value = findValue(*key, name);
     if (value == key->values.end()) return false;
     key->values.erase(value);

@@ -89,7 +89,10 @@ class Parser {
   std::vector<RegistryFileKey> parse() {
     skipBlankLines();
     if (atEnd()) return {};
-    if (restOfLine() != kHeader) fail("the first line is not \"" + std::string(kHeader) + "\"");
+    const std::size_t number = line_;
+    if (restOfLine() != kHeader) {
+      throw RegistryFileError(number, "the first line is not \"" + std::string(kHeader) + "\"");
+    }
     for (skipBlankLines(); !atEnd(); skipBlankLines()) {
       if (peek() == '[') {
         parseKey();
@@ -140,16 +143,22 @@ class Parser {
   }
 
   void parseKey() {
+    const std::size_t number = line_;
     const std::string_view line = restOfLine();
-    if (line.size() < 3 || !line.ends_with(']')) fail("the key has no closing bracket");
+    if (line.size() < 3 || !line.ends_with(']'))
+      throw RegistryFileError(number, "the key has no closing bracket");
     std::string_view path = line.substr(1, line.size() - 2);
     const bool removed = path.starts_with('-');
     if (removed) path.remove_prefix(1);
     auto found = std::find_if(keys_.begin(), keys_.end(), [&](const RegistryFileKey& key) {
       return key.path.size() == path.size() && ::strncasecmp(key.path.data(), path.data(), path.size()) == 0;
     });
-    if (removed) {
-      if (found != keys_.end()) keys_.erase(found);
+    if (removed) {  // with all below it
+      std::erase_if(keys_, [&](const RegistryFileKey& key) {
+        const bool within = key.path.size() == path.size() ||
+                            (key.path.size() > path.size() && key.path[path.size()] == '\\');
+        return within && ::strncasecmp(key.path.data(), path.data(), path.size()) == 0;
+      });
       current_.reset();
       return;
     }
@@ -176,10 +185,8 @@ class Parser {
       value.data = parseData();
       values.push_back(std::move(value));
     }
-    if (!restOfLine().empty()) {
-      --line_;
-      fail("something stands behind the value");
-    }
+    const std::size_t number = line_;
+    if (!restOfLine().empty()) throw RegistryFileError(number, "something stands behind the value");
   }
 
   std::string quotedText() {

@@ -1,6 +1,7 @@
 #include "platform/WholeFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,8 +10,6 @@
 
 namespace quillmoor {
 namespace {
-
-constexpr mode_t kMode = 0666;  // the user's umask decides
 
 [[noreturn]] void fail(const char* what, const std::filesystem::path& path) {
   throw std::system_error(errno, std::generic_category(), std::string(what) + " " + path.string());
@@ -22,14 +21,26 @@ std::filesystem::path WholeFile::temporaryName(const std::filesystem::path& fold
   return folder / ".quillmoor-unfinished.tmp";
 }
 
-WholeFile::WholeFile(std::filesystem::path target, Survives survives)
-    : target_(std::move(target)), temporary_(temporaryName(target_.parent_path())), survives_(survives) {
+WholeFile::WholeFile(std::filesystem::path target, Survives survives, Readers readers)
+    : target_(std::move(target)), survives_(survives) {
+  mode_t mode = 0666;  // the user's umask decides
+  bool keepMode = false;
+  if (readers == Readers::owner) {
+    std::error_code ignored;
+    if (std::filesystem::is_symlink(target_, ignored)) target_ = std::filesystem::weakly_canonical(target_);
+    struct stat before {};
+    keepMode = ::stat(target_.c_str(), &before) == 0;
+    mode = keepMode ? before.st_mode & 07777 : 0600;
+  }
+  temporary_ = temporaryName(target_.parent_path());
   // A file that is itself called like the temporary one must not be renamed onto itself half written.
   if (temporary_ == target_) temporary_ += "2";
   // O_NOFOLLOW: a link planted under the temporary name must not lead the bytes elsewhere.
   const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
-  handle_ = ::open(temporary_.c_str(), flags, kMode);
+  handle_ = ::open(temporary_.c_str(), flags, mode);
   if (handle_ < 0) fail("cannot create", temporary_);
+  // One that a killed program left behind has permissions of its own.
+  if (readers == Readers::owner) ::fchmod(static_cast<int>(handle_), mode);
 }
 
 WholeFile::~WholeFile() {
