@@ -1,14 +1,16 @@
 // quillmoor-config: site profiles and settings on a terminal, for a machine without a screen.
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "profiles/LenientNumber.h"
+#include "platform/CodePage.h"
+#include "platform/Terminal.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mRC4.h"
@@ -76,20 +78,24 @@ bool isSecret(std::string_view key) {
   return key.ends_with("Password");
 }
 
-std::string lineOfInput() {
-  std::string line;
-  if (!std::getline(std::cin, line)) throw std::runtime_error("there is no line on standard input");
-  if (line.ends_with('\r')) line.pop_back();
-  return line;
+/// The profile file is ANSI text of one line a value: what it cannot hold would come back as something else.
+std::string storable(const std::string& key, const std::string& value) {
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
+  if (std::any_of(value.begin(), value.end(), isControl)) {
+    throw UsageError(key + " cannot hold a line break or another control character.");
+  }
+  if (FromAnsi(ToAnsi(value)) != value) {
+    throw UsageError(key + " holds a character that the profile file cannot keep" +
+                     (isSecret(key) ? "." : ": " + value));
+  }
+  return value;
 }
 
 void setField(SiteProfile& profile, std::string_view key, const std::string& value) {
   for (const TextField& known : kTextFields) {
     if (known.key != key) continue;
-    // In the file a line break would begin another line.
-    if (value.find_first_of("\r\n") != std::string::npos)
-      throw UsageError("A value cannot hold a line break.");
-    profile.*known.field = value == "-" && isSecret(key) ? lineOfInput() : value;
+    const bool typed = value == "-" && isSecret(key);
+    profile.*known.field = storable(std::string(key), typed ? ReadSecretLine() : value);
     if (key == "Password") profile.passwordUnreadable = false;
     return;
   }
@@ -112,16 +118,15 @@ void checkProfile(SiteProfile& profile) {
   const auto require = [](bool condition, const char* what) {
     if (!condition) throw std::runtime_error(what);
   };
-  require(!profile.Host.empty(), "the profile needs a Host");
-  require(!profile.UserID.empty(), "the profile needs a UserID");
+  const auto given = [](const std::string& text) { return !TrimmedName(text).empty(); };
+  require(given(profile.Host), "the profile needs a Host");
+  require(given(profile.UserID), "the profile needs a UserID");
   require(!profile.passwordUnreadable, "the stored password cannot be read: give it anew with Password=-");
-  require(!profile.Password.empty(), "the profile needs a Password");
-  require(!profile.SaveTo.empty(), "the profile needs a folder to save to (SaveTo)");
+  require(given(profile.Password), "the profile needs a Password");
+  require(given(profile.Port), "the profile needs a Port");
+  require(given(profile.SaveTo), "the profile needs a folder to save to (SaveTo)");
   require(!profile.Folders.empty(), "the profile needs at least one remote folder (Folder=/path)");
-  const double port = Val(profile.Port);
-  if (port < 1 || port > 65535) profile.Port = "21";
-  const double timeout = Val(profile.Timeout);
-  if (timeout < 1 || timeout > 9999) profile.Timeout = "60";
+  CorrectNumbers(profile);
 }
 
 int listProfiles() {
@@ -153,10 +158,9 @@ int showProfile(const std::string& name) {
   return kDone;
 }
 
-int setProfile(const std::string& name, const std::vector<std::string>& assignments) {
-  if (name.empty() || name.find_first_of("\r\n") != std::string::npos) {
-    throw UsageError("\"" + name + "\" cannot be the name of a profile.");
-  }
+int setProfile(const std::string& given, const std::vector<std::string>& assignments) {
+  const std::string name = storable("A name", TrimmedName(given));
+  if (name.empty()) throw UsageError("A profile needs a name.");
   const std::string file = ProfilesFilePath();
   SiteProfile profile = ProfileExists(name, file) ? LoadSiteProfile(name, file) : LoadSiteProfile("", file);
   profile.name = name;
@@ -167,9 +171,11 @@ int setProfile(const std::string& name, const std::vector<std::string>& assignme
     const std::string key = assignment.substr(0, equals);
     const std::string value = assignment.substr(equals + 1);
     if (key == "Folder") {
-      if (value.find_first_of("\r\n") != std::string::npos)
-        throw UsageError("A folder cannot hold a line break.");
-      if (std::find(folders.begin(), folders.end(), value) == folders.end()) folders.push_back(value);
+      const std::string folder = storable(key, TrimmedName(value));
+      // The separator of the stored list would make two of it.
+      if (SplitFolders(folder) != std::vector{folder})
+        throw UsageError("\"" + value + "\" cannot be a folder.");
+      if (std::find(folders.begin(), folders.end(), folder) == folders.end()) folders.push_back(folder);
     } else {
       setField(profile, key, value);
     }
@@ -209,11 +215,12 @@ int listSettings() {
 int setSetting(const std::string& key, const std::string& value) {
   const SettingDefinition& setting = settingOf(key);
   if (setting.kind == SettingDefinition::Kind::number) {
-    const bool digits = !value.empty() && value.find_first_not_of("-0123456789") == std::string::npos;
-    if (!digits) throw UsageError(key + " takes a number.");
-    ToLong(value);
+    std::int32_t number = 0;
+    const auto [rest, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+    if (error != std::errc() || rest != value.data() + value.size())
+      throw UsageError(key + " takes a number.");
   }
-  WriteSetting(key, isSecret(key) ? mRC4::Encipher(value == "-" ? lineOfInput() : value) : value);
+  WriteSetting(key, isSecret(key) ? mRC4::Encipher(value == "-" ? ReadSecretLine() : value) : value);
   return kDone;
 }
 

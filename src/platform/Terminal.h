@@ -1,6 +1,8 @@
 // The terminal a console program talks to, and the user's wish to stop it.
 #pragma once
 
+#include <string>
+
 namespace quillmoor {
 
 /// Is standard output a terminal that understands colours (not a file, not a pipe, not a "dumb" one)? On
@@ -16,5 +18,9 @@ void catchStopSignals();
 
 /// How many requests to stop have come.
 int stopSignals();
+
+/// One line of standard input without its end, not shown while it is typed. Raises std::runtime_error when
+/// there is none or it is longer than 1,000 bytes.
+std::string ReadSecretLine();
 
 }  // namespace quillmoor

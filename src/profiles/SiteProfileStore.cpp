@@ -91,8 +91,9 @@ std::string TrimmedName(const std::string& name) {
 
 bool ProfileExists(const std::string& name, const std::string& file) {
   const auto names = mIni::ListSections(file);
+  const std::string wanted = TrimmedName(name);
   return std::any_of(names.begin(), names.end(),
-                     [&](const std::string& other) { return SameName(other, name); });
+                     [&](const std::string& other) { return SameName(other, wanted); });
 }
 
 SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {

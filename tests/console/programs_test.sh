@@ -42,10 +42,19 @@ grep -qF "s3cret" "$work/out" "$work/program/Profiles.ini" && fail "a password i
 expect 0 "" "$config" profile set "My site" Status=0
 expect 0 "disabled" "$config" profile list
 expect 1 "no profile Other" "$config" profile delete Other
+expect 0 "" "$config" profile set " My site " Account="\"quoted\""     # the same profile
+expect 0 "Account=\"quoted\"" "$config" profile show "My site"
+[ "$(grep -c '^\[' "$work/program/Profiles.ini")" = 1 ] || fail "not one profile"
+[ "$(stat -c %a "$work/program/Profiles.ini")" = 600 ] || fail "others may read the passwords"
+expect 2 "cannot be a folder" "$config" profile set "My site" Folder=
+expect 2 "cannot be a folder" "$config" profile set "My site" "Folder=/a~|~/b"
+expect 2 "cannot keep" "$config" profile set "My site" SaveTo=/日本
+expect 2 "needs a name" "$config" profile set " " Host=x
+expect 1 "needs a Host" "$config" profile set "My site" Host=" "
 
 # Settings
 expect 0 "AutoDial=1" "$config" setting list
-expect 2 "takes a number" "$config" setting set AutoDial no
+for number in no 1-2 "" 99999999999; do expect 2 "takes a number" "$config" setting set AutoDial "$number"; done
 expect 2 "no setting Colour" "$config" setting set Colour red
 expect 0 "" "$config" setting set ZipPassword "s3cret word"
 expect 0 "(hidden)" "$config" setting get ZipPassword

@@ -4,6 +4,7 @@
 
 #include <random>
 #include <string>
+#include <thread>
 
 #include "platform/CodePage.h"
 #include "platform/PrivateProfile.h"
@@ -136,6 +137,54 @@ TEST_F(ProfileFile, LoadsWhatOthersHaveWritten) {
   EXPECT_EQ(p.Password, "");
   EXPECT_TRUE(LoadSiteProfile("q", file).Folders.empty());
   EXPECT_EQ(LoadSiteProfile("", file).Port, "21") << "a new profile";
+}
+
+TEST_F(ProfileFile, KeepsValuesThatLookLikeQuotedOnes) {
+  for (const char* value : {"\"a\"", "'a'", " a ", "\"a b\" \"c\"", "a\"", "\"", "plain"}) {
+    EXPECT_TRUE(mIni::WriteValue("s", "k", value, file));
+    EXPECT_EQ(mIni::ReadValue("s", "k", file), value);
+  }
+}
+
+TEST_F(ProfileFile, LosesNoProfileToTwoSaversAtOnce) {
+  const auto saveMany = [this](const std::string& prefix) {
+    for (int i = 0; i < 10; ++i) {
+      SiteProfile profile;
+      profile.name = prefix + std::to_string(i);
+      EXPECT_TRUE(SaveSiteProfile(profile, file));
+    }
+  };
+  std::thread other(saveMany, "a");
+  saveMany("b");
+  other.join();
+  EXPECT_EQ(LoadSitesInfo(file).size(), 20U);
+}
+
+TEST_F(ProfileFile, DeletesEverySectionOfAName) {
+  writeFile(file, "[p]\r\nk=1\r\n[q]\r\n[P]\r\nk=2\r\n");
+  EXPECT_TRUE(DeleteSiteProfile(" p", file));
+  EXPECT_EQ(contentsOf(file), "[q]\r\n");
+}
+
+TEST_F(ProfileFile, CorrectsItsNumbers) {
+  const struct {
+    const char *port, *timeout, *low, *high;
+    std::int16_t manual;
+    const char* corrected;
+  } cases[] = {{"abc", "10000", "0", "", 0, "21 60 0 "},
+               {"65536", "0", "5000", "4000", 1, "21 60 5000 5000"},
+               {"2121", "9999", "0", "70000", 1, "2121 9999 1 1"},
+               {"1", "1", "5", "6", 1, "1 1 5 6"}};
+  for (const auto& c : cases) {
+    SiteProfile p;
+    p.Port = c.port;
+    p.Timeout = c.timeout;
+    p.MinData = c.low;
+    p.MaxData = c.high;
+    p.ManualPort = c.manual;
+    CorrectNumbers(p);
+    EXPECT_EQ(p.Port + " " + p.Timeout + " " + p.MinData + " " + p.MaxData, c.corrected);
+  }
 }
 
 TEST_F(ProfileFile, SortsNamesWithoutRegardToCase) {

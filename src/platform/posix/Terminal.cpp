@@ -1,11 +1,15 @@
 #include "platform/Terminal.h"
 
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <stdexcept>
+#include <string>
 
 namespace quillmoor {
 namespace {
@@ -42,6 +46,32 @@ void catchStopSignals() {
 
 int stopSignals() {
   return stopCount;
+}
+
+std::string ReadSecretLine() {
+  struct Quiet {
+    termios before{};
+    bool changed = ::tcgetattr(STDIN_FILENO, &before) == 0;
+    Quiet() {
+      if (!changed) return;
+      termios quiet = before;
+      quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+      ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
+    }
+    ~Quiet() {
+      if (changed) ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
+    }
+  } const quiet;
+  constexpr std::size_t kLongest = 1000;
+  std::string line;
+  int c = 0;
+  while ((c = std::getchar()) != EOF && c != '\n') {
+    if (line.size() == kLongest) throw std::runtime_error("the line on standard input is too long");
+    line += static_cast<char>(c);
+  }
+  if (c == EOF && line.empty()) throw std::runtime_error("there is no line on standard input");
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
 }
 
 }  // namespace quillmoor
