@@ -11,23 +11,26 @@ namespace {
 constexpr std::array<const char*, 12> kEnglish = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
-struct MonthName {
-  std::string_view name;  // lower case, without a final dot
-  int month;
+// What `ls` writes in place of the English names, without a final dot: German, French, Spanish, Italian,
+// Dutch, Portuguese, Scandinavian, Finnish, Polish, Czech, Hungarian, Romanian, Turkish, Greek, Russian,
+// Ukrainian, and in Latin-1 where that differs. ASCII letters are small, others as they occur. A blank on
+// either side of each.
+constexpr std::array<std::string_view, 12> kOtherNames = {
+    " janv ene gen tammi sty led ian oca Ιαν янв Янв січ Січ ",
+    " févr fév fev helmi lut úno febr Şub Φεβ фев Фев лют Лют f\xE9vr ",
+    " mär mrz märz mars mrt maa maalis bře márc Μαρ Μάρ мар Мар бер Бер m\xE4r m\xE4rz ",
+    " avr avril abr huhti kwi dub ápr nis Απρ апр Апр кві Кві ",
+    " mai mag mei maj touko kvě máj Μαΐ Μάι май мая Май тра Тра ",
+    " juin giu juni kesä cze čen čer jún iun haz Ιουν Ιούν июн Июн чер Чер ",
+    " juil lug juli heinä lip čec júl iul tem Ιουλ Ιούλ июл Июл лип Лип ",
+    " août aoû ago elo sie srp ağu Αυγ Αύγ авг Авг сер Сер ao\xFBt ao\xFB ",
+    " sept set syys wrz zář szept eyl Σεπ сен Сен вер Вер ",
+    " okt ott out loka paź říj eki Οκτ окт Окт жов Жов ",
+    " marras lis noi kas Νοε Νοέ ноя Ноя лис Лис ",
+    " dez déc dic des joulu gru pro ara Δεκ дек Дек гру Гру d\xE9\x63 ",
 };
 
-// What `ls` writes in German, French, Spanish, Italian, Dutch, Portuguese, Swedish, Danish, Polish and
-// Russian where that differs from English.
-constexpr MonthName kMonthNames[] = {
-    {"janv", 1}, {"ene", 1},  {"gen", 1},  {"sty", 1},  {"янв", 1},  {"févr", 2}, {"fév", 2},  {"fev", 2},
-    {"lut", 2},  {"фев", 2},  {"mär", 3},  {"mrz", 3},  {"märz", 3}, {"mars", 3}, {"mrt", 3},  {"maa", 3},
-    {"мар", 3},  {"avr", 4},  {"abr", 4},  {"kwi", 4},  {"апр", 4},  {"mai", 5},  {"mag", 5},  {"mei", 5},
-    {"maj", 5},  {"май", 5},  {"мая", 5},  {"juin", 6}, {"giu", 6},  {"juni", 6}, {"cze", 6},  {"июн", 6},
-    {"juil", 7}, {"lug", 7},  {"juli", 7}, {"lip", 7},  {"июл", 7},  {"août", 8}, {"aoû", 8},  {"ago", 8},
-    {"sie", 8},  {"авг", 8},  {"sept", 9}, {"set", 9},  {"wrz", 9},  {"сен", 9},  {"okt", 10}, {"ott", 10},
-    {"out", 10}, {"paź", 10}, {"окт", 10}, {"lis", 11}, {"ноя", 11}, {"dez", 12}, {"déc", 12}, {"dic", 12},
-    {"gru", 12}, {"дек", 12},
-};
+constexpr std::size_t kLongestMonthName = 16;  // bytes
 
 std::string lowered(std::string_view text) {
   std::string lower(text);
@@ -50,6 +53,26 @@ std::optional<int> number(std::string_view text) {
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || rest != text.data() + text.size() || value < 0) return std::nullopt;
   return value;
+}
+
+/// Of one or two digits, as all parts of a date but the year.
+std::optional<int> shortNumber(std::string_view text) {
+  return text.size() <= 2 ? number(text) : std::nullopt;
+}
+
+/// Puts "12:34" or "12:34:56" into the parts.
+bool readTimeOfDay(std::string_view text, LocalDateTimeParts& parts) {
+  const std::size_t colon = text.find(':');
+  const std::string_view behind = text.substr(colon + 1);
+  const std::size_t second = behind.find(':');
+  const auto hour = shortNumber(text.substr(0, colon));
+  const auto minute = shortNumber(behind.substr(0, second));
+  const auto seconds = second == std::string_view::npos ? 0 : shortNumber(behind.substr(second + 1));
+  if (!hour || !minute || !seconds) return false;
+  parts.hour = *hour;
+  parts.minute = *minute;
+  parts.second = *seconds;
+  return true;
 }
 
 std::string withSingleBlanks(std::string_view text) {
@@ -79,16 +102,18 @@ const char* EnglishMonth(int month) {
 }
 
 std::optional<int> MonthOfName(std::string_view name) {
+  if (name.size() > kLongestMonthName) return std::nullopt;
   if (const auto month = englishMonth(name)) return month;
   std::string lower = lowered(name);
   if (lower.ends_with('.')) lower.pop_back();
   if (const auto month = englishMonth(lower)) return month;
-  for (const MonthName& known : kMonthNames) {
-    if (lower == known.name) return known.month;
+  const std::string listed = ' ' + lower + ' ';
+  for (std::size_t i = 0; i < kOtherNames.size(); ++i) {
+    if (kOtherNames[i].find(listed) != std::string_view::npos) return static_cast<int>(i) + 1;
   }
-  constexpr std::string_view kEastAsian = "月";  // "1月" is January
-  if (lower.ends_with(kEastAsian)) {
-    const auto month = number(std::string_view(lower).substr(0, lower.size() - kEastAsian.size()));
+  for (const std::string_view monthSign : {"月", "월"}) {  // "1月" is January
+    if (!lower.ends_with(monthSign)) continue;
+    const auto month = shortNumber(std::string_view(lower).substr(0, lower.size() - monthSign.size()));
     if (month && *month >= 1 && *month <= 12) return month;
   }
   return std::nullopt;
@@ -99,25 +124,20 @@ LocalDateTime ParseListingDate(std::string_view text, LocalDateTime now) {
   const auto fields = splitAtBlanks(single);
   if (fields.size() < 3) return now;
   auto month = englishMonth(fields[0]);
-  if (!month) month = number(fields[0]);
-  const auto day = number(fields[1]);
+  if (!month) month = shortNumber(fields[0]);
+  const auto day = shortNumber(fields[1]);
   if (!month || !day) return now;
 
   LocalDateTimeParts parts{.month = *month, .day = *day, .hour = 12};
   const std::string_view last = fields[2];
-  const std::size_t colon = last.find(':');
-  if (colon == std::string_view::npos) {
+  if (last.find(':') == std::string_view::npos) {
     const auto year = number(last);
     if (!year || last.size() != 4) return now;
     parts.year = *year;
   } else {
     // A date ahead of now stays ahead, on purpose.
     parts.year = SplitLocalDateTime(now).year;
-    const auto hour = number(last.substr(0, colon));
-    const auto minute = number(last.substr(colon + 1));
-    if (!hour || !minute) return now;
-    parts.hour = *hour;
-    parts.minute = *minute;
+    if (!readTimeOfDay(last, parts)) return now;
   }
   return MakeLocalDateTime(parts).value_or(now);
 }

@@ -13,8 +13,8 @@ namespace quillmoor {
 /// lies in the future, "Jan 15 2009" is noon of that day. Whatever cannot be read means `now`.
 LocalDateTime ParseListingDate(std::string_view text, LocalDateTime now);
 
-/// 1 to 12 for a month's name as listings abbreviate it in English and a dozen other languages, whatever the
-/// case of its ASCII letters.
+/// 1 to 12 for a month's name as listings abbreviate it in English and a score of other languages, whatever
+/// the case of its ASCII letters.
 std::optional<int> MonthOfName(std::string_view name);
 
 /// "Jan" to "Dec" for 1 to 12.

@@ -19,7 +19,8 @@ struct RemoteEntry {
   std::string group;
   std::int32_t size = 0;  // bytes; a larger one shows as the largest that fits
   std::int64_t sizeBytes = 0;
-  std::string dateText;  // "Jan 5 12:34" or "Jan 5 2009", for ParseListingDate
+  /// "Jan 5 12:34" or "Jan 5 2009", for ParseListingDate; a month in a language unknown here stays as it is.
+  std::string dateText;
   std::string linkTarget;
 };
 

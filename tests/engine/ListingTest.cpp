@@ -49,15 +49,33 @@ const std::vector<LineCase>& lineCases() {
       {"beyond 2^32", "-rw-r--r-- 1 a b 5000000000 Jan 15 12:34 iso", '-', "iso", 5000000000, "Jan 15 12:34"},
       {"beyond 2^63", "-rw-r--r-- 1 a b 99999999999999999999 Jan 15 12:34 x", '-', "x", INT64_MAX,
        "Jan 15 12:34"},
+      {"owner like a date of this century", "-rw-r--r-- 1 jan 10 2048 Feb 3 12:34 a", '-', "a", 2048,
+       "Feb 3 12:34"},
+      {"NetWare, glued", "d[RWCEAFMS]  joe  512 Jan 15 12:34 sys", 'd', "sys", 512, "Jan 15 12:34"},
+      {"leading blank", " -rw-r--r-- 1 a b 1 Jan 15 12:34 a", '-', "a", 1, "Jan 15 12:34"},
+      {"counted in 32 bits", "-rw-r--r-- 1 a b -2147483647 Jan 15 12:34 x", '-', "x", 2147483649,
+       "Jan 15 12:34"},
+      {"thousands", "-rw-r--r-- 1 a b 1,024 Jan 15 12:34 x", '-', "x", 1024, "Jan 15 12:34"},
+      {"seconds", "-rw-r--r-- 1 a b 1 Jan 15 12:34:56 a", '-', "a", 1, "Jan 15 12:34"},
+      {"afternoon", "-rw-r--r-- 1 a b 1 Jan 15 9:05PM a", '-', "a", 1, "Jan 15 21:05"},
+      {"hour of one digit", "-rw-r--r-- 1 a b 1 Jan 15 9:05 a", '-', "a", 1, "Jan 15 09:05"},
       {"day first", "-rw-r--r-- 1 a b 1 15 Jan 12:34 a", '-', "a", 1, "Jan 15 12:34"},
       {"day first, year", "-rw-r--r-- 1 a b 1 15 Jan 2009 a", '-', "a", 1, "Jan 15 2009"},
       {"ISO, old", "-rw-r--r-- 1 a b 1 2009-01-15 12:34 a", '-', "a", 1, "Jan 15 2009"},
       {"ISO, this year", "-rw-r--r-- 1 a b 1 2026-01-15 12:34 a", '-', "a", 1, "Jan 15 12:34"},
       {"full ISO", "-rw-r--r-- 1 a b 1 2026-01-15 12:34:56.000000000 +0100 a", '-', "a", 1, "Jan 15 12:34"},
+      {"ISO, short, old", "-rw-r--r-- 1 a b 1 2009-01-15  a", '-', "a", 1, "Jan 15 2009"},
+      {"ISO, short, old, unpadded", "-rw-r--r-- 1 a b 1 2009-01-15 a", '-', "a", 1, "Jan 15 2009"},
+      {"ISO, short, recent", "-rw-r--r-- 1 a b 1 01-15 12:34 a", '-', "a", 1, "Jan 15 12:34"},
       {"German", "-rw-r--r-- 1 a b 1 Mär 15 12:34 a", '-', "a", 1, "Mar 15 12:34"},
       {"German, day first", "-rw-r--r-- 1 a b 1 15. Dez 2009 a", '-', "a", 1, "Dec 15 2009"},
       {"French", "-rw-r--r-- 1 a b 1 août 15 12:34 a", '-', "a", 1, "Aug 15 12:34"},
       {"Russian", "-rw-r--r-- 1 a b 1 янв 15 12:34 a", '-', "a", 1, "Jan 15 12:34"},
+      {"Russian, capital", "-rw-r--r-- 1 a b 1 Дек 15 12:34 a", '-', "a", 1, "Dec 15 12:34"},
+      {"French in Latin-1", "-rw-r--r-- 1 a b 1 d\xE9\x63. 15 12:34 a", '-', "a", 1, "Dec 15 12:34"},
+      {"Czech, day first", "-rw-r--r-- 1 a b 1 15. čec 2009 a", '-', "a", 1, "Jul 15 2009"},
+      {"Korean", "-rw-r--r-- 1 a b 1 1월 15일 12:34 a", '-', "a", 1, "Jan 15 12:34"},
+      {"a language unknown here", "-rw-r--r-- 1 a b 1 eanáir 15 12:34 a", '-', "a", 1, "eanáir 15 12:34"},
       {"East Asian", "-rw-r--r-- 1 a b 1 12月 15 12:34 a", '-', "a", 1, "Dec 15 12:34"},
       {"name with blanks", "-rw-r--r-- 1 a b 1 Jan 15 12:34   two  blanks ", '-', "  two  blanks ", 1,
        "Jan 15 12:34"},
@@ -76,6 +94,8 @@ const std::vector<LineCase>& lineCases() {
       {"IIS, thousands", "01-15-09  10:30AM            1,234,567 a", '-', "a", 1234567, "Jan 15 2009"},
       {"IIS folder with leading blank", "01-15-09  10:30AM       <DIR>           images", 'd', " images", 0,
        "Jan 15 2009"},
+      {"DOS, day first", "15-01-09  10:30                 1 a", '-', "a", 1, "Jan 15 2009"},
+      {"DOS, ISO", "2009-01-15  10:30AM       <DIR>          a", 'd', "a", 0, "Jan 15 2009"},
       {"IIS junction", "01-15-09  10:30AM       <JUNCTION>     j", 'l', "j", 0, "Jan 15 2009"},
   };
   return cases;
@@ -109,6 +129,9 @@ TEST(ListingParser, ReadsOwnersAndPermissions) {
                {"drwxrwxrwt 1 joe 1 Jan 15 12:34 a", "joe", "", 01777},
                {"-rw------- 1 joe Domain Users 1 Jan 15 12:34 a", "joe", "Domain Users", 0600},
                {"- [RWCE] joe 1 Jan 15 12:34 a", "joe", "", 0},
+               {"-rw-r--r-- 1000joe staff 1 Jan 15 12:34 a", "joe", "staff", 0644},
+               {"-rw-r--r--1000 3com staff 1 Jan 15 12:34 a", "3com", "staff", 0644},
+               {"crw-rw-rw- 1 root sys 1,   3 Jan 15 12:34 null", "root", "sys", 0666},
                {"01-15-09  10:30AM 1 a", "", "", 0}};
   for (const auto& c : cases) {
     const auto listing = ParseListing(c.line, kNow);
@@ -126,6 +149,8 @@ TEST(ListingParser, FindsTheArrowOfALink) {
                {"lrwxrwxrwx 1 0 0 6 Jan 15 12:34 a -> b -> target", "a -> b", "target"},
                {"lrwxrwxrwx 1 0 0 11 Jan 15 12:34 a -> b -> target", "a", "b -> target"},
                {"lrwxrwxrwx 1 0 0 0 Jan 15 12:34 a -> b -> target", "a", "b -> target"},
+               {"lrwxrwxrwx 1 0 0 1 Jan 15 12:34  -> b", " -> b", ""},
+               {"lrwxrwxrwx 1 0 0 99999999999999999999 Jan 15 12:34 a -> b", "a", "b"},
                {"lrwxrwxrwx 1 0 0 3 Jan 15 12:34 no arrow", "no arrow", ""}};
   for (const auto& c : cases) {
     const auto listing = ParseListing(c.line, kNow);
@@ -146,6 +171,14 @@ TEST(ListingParser, PassesOverNoiseAndSaysWhenItUnderstoodNothing) {
       {"blank lines and headings", "\r\n.:\r\nsub dir:\r\n", 0, ListingFormat::unixStyle},
       {"banner before lines", "Welcome\r\ntotal 4\r\n-rw-r--r-- 1 a b 1 Jan 15 12:34 a\r\n", 1,
        ListingFormat::unixStyle},
+      {"total in German", "insgesamt 12\r\n", 0, ListingFormat::unixStyle},
+      {"headings between lines",
+       "-rw-r--r-- 1 a b 1 Jan 15 12:34 a\nfolder:\n-rw-r--r-- 1 a b 1 Jan 15 12:34 b\n", 2,
+       ListingFormat::unixStyle},
+      {"recursive",
+       ".:\ntotal 4\ndrwxr-xr-x 1 a b 1 Jan 15 12:34 sub\n-rw-r--r-- 1 a b 1 Jan 15 12:34 a\n\n"
+       "./sub:\ntotal 4\n-rw-r--r-- 1 a b 1 Jan 15 12:34 inner\n",
+       2, ListingFormat::unixStyle},
       {"neither", "0 07/11/09 A.TXT\r\nVolume full\r\n", 0, ListingFormat::neither},
       {"half lines", "-rw-r--r--\r\n-rw-r--r-- 1 a b\r\n-rw-r--r-- 1 a b 1 Jan 15 12:34\r\n", 0,
        ListingFormat::neither},
@@ -203,13 +236,37 @@ TEST(ListingDate, ReadsTheDatesOfListings) {
       {"Dec 31 10:00", "2026-12-31 10:00:00"},
       {"1 15 2009", "2009-01-15 12:00:00"},
       {"Feb 29 2008", "2008-02-29 12:00:00"},
+      {"Jan 05 2009", "2009-01-05 12:00:00"},
+      {"Jan 15 12:34:56", "2026-01-15 12:34:56"},
       {"Jan 15 2009 and more", "2009-01-15 12:00:00"},
   };
   for (const auto& c : cases) EXPECT_EQ(GeneralDateText(ParseListingDate(c.text, kNow)), c.meaning) << c.text;
-  for (const char* text :
-       {"", "Jan", "Jan 15", "Jan   5 2009", "01-15-09 10:30AM", "Feb 30 2009", "Feb 29 2009", "Jan x 2009",
-        "Jan 15 20x9", "Jan 15 24:00", "Jan 15 12:60", "Jan 0 2009", "Foo 15 2009", "13 15 2009",
-        "Jan 15 :", "Jan -5 2009", " Jan 15 2009"}) {
+  for (const char* text : {"",
+                           "Jan",
+                           "Jan 15",
+                           "Jan   5 2009",
+                           "01-15-09 10:30AM",
+                           "Feb 30 2009",
+                           "Feb 29 2009",
+                           "Jan x 2009",
+                           "Jan 15 20x9",
+                           "Jan 15 24:00",
+                           "Jan 15 12:60",
+                           "Jan 0 2009",
+                           "Foo 15 2009",
+                           "13 15 2009",
+                           "Jan 15 :",
+                           "Jan 15 12:",
+                           "Jan 15 :34",
+                           "Jan 15 12:34:",
+                           "Jan 15 12:34:60",
+                           "Jan 15 012:34",
+                           "Jan 015 2009",
+                           "Jan 15 09",
+                           "Jan 15 2009.",
+                           "Mär 15 2009",
+                           "Jan -5 2009",
+                           " Jan 15 2009"}) {
     EXPECT_EQ(ParseListingDate(text, kNow), kNow) << text;
   }
 }
