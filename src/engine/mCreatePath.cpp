@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace quillmoor {
@@ -55,15 +56,17 @@ bool CreatePath(const std::string& path) {
 bool CreatePath(const std::string& path, char separator, const FolderSystem& system) {
   if (path.empty()) return false;
   if (system.exists(path)) return true;
-  const std::string network(2, separator);
-  std::size_t at = path.starts_with(network) ? network.size() : 0;
+  constexpr std::string_view kNetwork = "\\\\";
+  const bool onNetwork = separator == '\\' && path.starts_with(kNetwork);
+  std::size_t at = onNetwork ? kNetwork.size() : 0;
   const auto nextComponent = [&] {
     const std::size_t end = std::min(path.find(separator, at), path.size());
     std::string component = path.substr(at, end - at);
     at = end + 1;
     return component;
   };
-  std::string built = path.starts_with(network) ? network + nextComponent() : nextComponent();
+  std::string built(onNetwork ? kNetwork : std::string_view());
+  built += nextComponent();  // a drive or a server: there, or not to be made
   bool missing = false;
   while (at < path.size()) {
     const std::string component = nextComponent();

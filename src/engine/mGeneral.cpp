@@ -1,6 +1,7 @@
 #include "engine/mGeneral.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -16,6 +17,13 @@ std::string formatted(const char* pattern, Values... values) {
   return text;
 }
 
+/// With a point whatever the locale of the program is: a window system sets it to the user's.
+std::string withDecimals(double value, int decimals) {
+  char text[512];  // the largest double has 309 digits
+  const auto result = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+  return {text, result.ptr};
+}
+
 std::string withThousands(std::string number) {
   for (auto at = static_cast<std::ptrdiff_t>(number.find('.')) - 3; at > 0; at -= 3) {
     number.insert(static_cast<std::size_t>(at), 1, ',');
@@ -26,9 +34,10 @@ std::string withThousands(std::string number) {
 }  // namespace
 
 std::string FormatSize(double bytes) {
+  if (!std::isfinite(bytes)) return "";
   for (std::size_t unit = kUnits.size(); unit-- > 0;) {
     const double power = std::pow(1024.0, static_cast<double>(unit));
-    if (power <= bytes) return withThousands(formatted("%.3f", bytes / power)) + " " + kUnits[unit];
+    if (power <= bytes) return withThousands(withDecimals(bytes / power, 3)) + " " + kUnits[unit];
   }
   return "";
 }
@@ -37,9 +46,11 @@ std::string FormatRate(std::int64_t bytes, std::int64_t elapsedMs) {
   if (elapsedMs <= 0) return "";
   const double rate = std::nearbyint(static_cast<double>(bytes) * 1000 / static_cast<double>(elapsedMs));
   if (rate <= 0) return "";
-  if (rate <= 1000) return formatted("%.0f Bytes/sec", rate);
-  if (rate <= 1048576) return formatted("%.1f KB/sec", rate / 1024);
-  return formatted("%.1f MB/sec", rate / 1048576);
+  if (rate <= 1000) return withDecimals(rate, 0) + " Bytes/sec";
+  // Halves are rounded up here: 1280 is 1.3 KB.
+  const auto tenths = [rate](double unit) { return withDecimals(std::round(rate / unit * 10) / 10, 1); };
+  if (rate <= 1048576) return tenths(1024) + " KB/sec";
+  return tenths(1048576) + " MB/sec";
 }
 
 std::string TimeText(LocalDateTime time) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 #include <set>
 #include <string>
 #include <vector>
@@ -83,6 +84,16 @@ TEST(LocalPaths, AreCreatedLevelByLevel) {
     EXPECT_EQ(CreatePath(c.path, '\\', system), c.result) << c.path;
     EXPECT_EQ(created, c.created) << c.path;
   }
+  // Two slashes name no server.
+  std::vector<std::string> created;
+  const FolderSystem nothing{[](const std::string&) { return false; },
+                             [&](const std::string& path) {
+                               created.push_back(path);
+                               return true;
+                             }};
+  EXPECT_TRUE(CreatePath("//srv//site", '/', nothing));
+  EXPECT_THAT(created, ElementsAre("/srv", "/srv/site"));
+
   const testing::TemporaryFolder folder;
   EXPECT_TRUE(CreatePath((folder / "a/b/c").string()));
   EXPECT_TRUE(std::filesystem::is_directory(folder / "a/b/c"));
@@ -158,6 +169,9 @@ TEST(Texts, ForSizes) {
                {1023, "1,023.000 Bytes"},
                {1024, "1.000 KB"},
                {1536, "1.500 KB"},
+               {1088, "1.062 KB"},
+               {std::numeric_limits<double>::infinity(), ""},
+               {std::numeric_limits<double>::quiet_NaN(), ""},
                {1048575, "1,023.999 KB"},
                {1048576, "1.000 MB"},
                {5e9, "4.657 GB"},
@@ -173,6 +187,9 @@ TEST(Texts, ForRates) {
   } cases[] = {{1000, 1000, "1000 Bytes/sec"},
                {1001, 1000, "1.0 KB/sec"},
                {2048, 1000, "2.0 KB/sec"},
+               {1280, 1000, "1.3 KB/sec"},
+               {5, 2000, "2 Bytes/sec"},
+               {7, 2000, "4 Bytes/sec"},
                {1048576, 1000, "1024.0 KB/sec"},
                {1048577, 1000, "1.0 MB/sec"},
                {3145728, 2000, "1.5 MB/sec"},

@@ -23,7 +23,7 @@ class Descriptor {
   int number_;
 };
 
-std::chrono::sys_seconds seconds(const timespec& time) {
+std::chrono::sys_seconds seconds(const statx_timestamp& time) {
   return std::chrono::sys_seconds(std::chrono::seconds(time.tv_sec));
 }
 
@@ -31,10 +31,14 @@ std::chrono::sys_seconds seconds(const timespec& time) {
 
 std::optional<FileTimes> ReadFileTimes(const std::string& path) {
   const Descriptor file(path, O_RDONLY);
-  struct stat status {};
-  if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || S_ISDIR(status.st_mode))
+  struct statx status {};
+  constexpr unsigned kWanted = STATX_BASIC_STATS | STATX_BTIME;
+  if (file.number() < 0 || ::statx(file.number(), "", AT_EMPTY_PATH, kWanted, &status) != 0)
     return std::nullopt;
-  return FileTimes{seconds(status.st_ctim), seconds(status.st_atim), seconds(status.st_mtim)};
+  if (S_ISDIR(status.stx_mode)) return std::nullopt;
+  const bool hasCreated = (status.stx_mask & STATX_BTIME) != 0;
+  return FileTimes{seconds(hasCreated ? status.stx_btime : status.stx_mtime), seconds(status.stx_atime),
+                   seconds(status.stx_mtime)};
 }
 
 bool WriteModifiedTime(const std::string& path, std::chrono::sys_seconds modified) {

@@ -49,6 +49,7 @@ std::chrono::sys_seconds LocalToUtc(LocalDateTime time) {
 }
 
 LocalDateTime UtcToLocal(std::chrono::sys_seconds time) {
+  ::tzset();  // localtime_r need not: a machine that travels would keep the zone the program began in
   const std::time_t seconds = time.time_since_epoch().count();
   std::tm broken{};
   if (!::localtime_r(&seconds, &broken)) return LocalDateTime(time.time_since_epoch());
