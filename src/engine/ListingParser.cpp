@@ -289,7 +289,7 @@ std::optional<RemoteEntry> parseUnixLine(std::string_view line, int yearNow) {
     return std::nullopt;
   const Words words(line);
   RemoteEntry entry;
-  entry.type = line.substr(0, 1);
+  entry.type.assign(1, line.front());
   const std::size_t first = readMode(words, entry.permissions);
   if (first == 0) return std::nullopt;
   auto found = findDate(words, first, yearNow, false);
@@ -354,7 +354,7 @@ std::optional<RemoteEntry> parseDosLine(std::string_view line, int yearNow) {
   RemoteEntry entry;
   std::string_view name;
   if (words[kind].starts_with('<') && words[kind].ends_with('>')) {
-    entry.type = words[kind] == "<DIR>" ? "d" : "l";  // junctions and links lead elsewhere
+    entry.type.assign(1, words[kind] == "<DIR>" ? 'd' : 'l');  // junctions and links lead elsewhere
     const auto behind = static_cast<std::size_t>(words[kind].data() + words[kind].size() - line.data());
     // The column is padded to a width of its own: that much is not the name's.
     constexpr std::size_t kColumn = 15;
@@ -362,7 +362,7 @@ std::optional<RemoteEntry> parseDosLine(std::string_view line, int yearNow) {
     const std::size_t blanks = std::min(line.find_first_not_of(' ', behind), line.size()) - behind;
     name = line.substr(behind + std::min(padding, blanks));
   } else {
-    entry.type = "-";
+    entry.type.assign(1, '-');
     if (!isSize(words[kind])) return std::nullopt;
     setSize(entry, sizeOf(words[kind]));
     name = nameBehind(line, words[kind]);
