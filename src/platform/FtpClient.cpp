@@ -65,7 +65,8 @@ bool saysNoFiles(const FtpReply& reply) {
   std::string text = reply.text;
   std::transform(text.begin(), text.end(), text.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  for (const char* phrase : {"no files", "no file found", "0 files", "empty"}) {
+  for (const char* phrase :
+       {"no files", "no file found", " 0 files", "directory is empty", "directory empty"}) {
     if (text.find(phrase) != std::string::npos) return true;
   }
   return false;
@@ -294,8 +295,9 @@ FtpReply FtpClient::Impl::command(const std::string& line) {
 std::string FtpClient::Impl::currentDirectory() {
   return perform(FtpMethod::currentDirectory, true, [&] {
     const FtpReply reply = require("PWD");
-    auto path = pwdPath(reply.text);
-    if (!path) throw Refused("The server's answer names no folder: " + reply.text, reply);
+    // Anything but 257 is the answer to something else: this session has lost its step.
+    auto path = reply.code == 257 ? pwdPath(reply.text) : std::nullopt;
+    if (!path) throw FtpError(FtpErrorNumber::badReply, "The server's answer names no folder: " + reply.text);
     progress(FtpStatus::done, reply.text);
     return *std::move(path);
   });
@@ -389,6 +391,7 @@ void FtpClient::Impl::abort() {
 
 void FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnection) {
   if (busy || state != FtpState::connected || !control_.takesCommandsAhead()) return;
+  io_.clearAbort();
   try {
     if (dataConnection) lines.push_back(transfer_.request(client_.dataPortRange));
     control_.sendAhead(lines);

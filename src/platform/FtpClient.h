@@ -137,7 +137,7 @@ class FtpClient {
   std::string dataPortRange = "0";
 
   /// Upper bound of one listing in bytes; a longer one is an error.
-  std::size_t maxListingBytes = std::size_t{256} << 20;
+  std::size_t maxListingBytes = std::size_t{128} << 20;
 
   FtpState state() const;
   bool busy() const;

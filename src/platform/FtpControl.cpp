@@ -28,6 +28,10 @@ bool isTimeOut(const FtpError& error) {
   throw FtpError(reply.code, "The server closed the session: " + printableReply(reply.text, ""));
 }
 
+[[noreturn]] void raiseFlood() {
+  throw FtpError(FtpErrorNumber::badReply, "The server sends replies that answer nothing, without end.");
+}
+
 /// RFC 854: a byte 255 inside a line is doubled, else it would begin a Telnet command.
 std::string wireForm(std::string_view line) {
   std::string wire;
@@ -127,6 +131,9 @@ std::optional<FtpReply> FtpControl::pollReply() {
 }
 
 FtpReply FtpControl::readReply(Deadline deadline) {
+  // Replies that are there already are no reason to forget the pump, or the time: they may be without end.
+  io_.pumpIfDue();
+  if (std::chrono::steady_clock::now() >= deadline) raiseSilent();
   std::optional<FtpReply> reply = reader_.next();
   // Behind a command the reply is never there yet, so the first thing is to wait: that saves a vain read.
   const auto arrived = [&] {
@@ -140,7 +147,8 @@ FtpReply FtpControl::readReply(Deadline deadline) {
 }
 
 FtpReply FtpControl::readFinalReply(Deadline deadline) {
-  for (;;) {
+  for (std::size_t passed = 0;; ++passed) {
+    if (passed == kMostReplies) raiseFlood();
     FtpReply reply = readReply(deadline);
     if (reply.code == 421) raiseClosedByServer(reply);
     if (!reply.preliminary()) return reply;
@@ -149,7 +157,8 @@ FtpReply FtpControl::readFinalReply(Deadline deadline) {
 }
 
 void FtpControl::passStrayReplies() {
-  for (;;) {
+  for (std::size_t passed = 0;; ++passed) {
+    if (passed == kMostReplies) raiseFlood();
     auto reply = pollReply();
     if (!reply) return;
     if (reply->code == 421) raiseClosedByServer(*reply);
@@ -176,7 +185,9 @@ FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
 }
 
 void FtpControl::sendAhead(const std::vector<std::string>& lines) {
-  if (!takesAhead_ || ended_) return;
+  // With replies outstanding from before, an old answer could be taken for a new one of the same line.
+  if (!takesAhead_ || ended_ || !ahead_.empty()) return;
+  passStrayReplies();
   std::string wire;
   for (const auto& line : lines) {
     checkLine(line);
@@ -186,7 +197,7 @@ void FtpControl::sendAhead(const std::vector<std::string>& lines) {
   asio::error_code error;
   const std::size_t sent = channel_.socket.write_some(asio::buffer(wire), error);
   if (error) return;
-  if (sent != wire.size()) write(wire.substr(sent), kAheadPatience);
+  if (sent != wire.size()) return close();  // half a command is on its way
   ahead_.insert(ahead_.end(), lines.begin(), lines.end());
 }
 
@@ -234,12 +245,12 @@ std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
 void FtpControl::sendAbort() {
   // The urgent pointer makes a server look up from its data; the data mark then ends the interruption.
   constexpr char interrupt[] = {'\xFF', '\xF4', '\xFF'};
+  const std::string commands =
+      "\xF2"
+      "ABOR\r\nSYST\r\n";
   asio::error_code ignored;
   channel_.socket.send(asio::buffer(interrupt), asio::socket_base::message_out_of_band, ignored);
-  channel_.socket.send(asio::buffer("\xF2"
-                                    "ABOR\r\n",
-                                    7),
-                       0, ignored);
+  channel_.socket.send(asio::buffer(commands), 0, ignored);
 }
 
 }  // namespace quillmoor

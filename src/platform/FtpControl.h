@@ -50,11 +50,15 @@ class FtpControl {
   bool takesCommandsAhead() const { return takesAhead_; }
   bool hasSentAhead() const { return !ahead_.empty(); }
 
-  /// The Telnet "interrupt process" and "synch" of RFC 959 §4.1.3 (RFC 854), then ABOR.
+  /// The Telnet "interrupt process" and "synch" of RFC 959 §4.1.3 (RFC 854), then ABOR, and SYST as a mark
+  /// behind its replies.
   void sendAbort();
 
   /// Refuses what cannot be one command: a CR, LF or NUL inside would make it two. Raises badArgument.
   static void checkLine(std::string_view line);
+
+  /// So many replies may come in a row that end no command; more are a flood and raise badReply.
+  static constexpr std::size_t kMostReplies = 100;
 
  private:
   void write(const std::string& bytes, std::chrono::milliseconds timeout);

@@ -13,8 +13,6 @@ using std::chrono::steady_clock;
 
 // How long the farewell to a transfer that was broken off may take before the connection is given up.
 constexpr milliseconds kFarewell{2000};
-// A second reply to ABOR comes on the heels of the first or not at all.
-constexpr milliseconds kSecondReply{500};
 constexpr milliseconds kProgressInterval{100};
 
 asio::ip::address plainAddress(const asio::ip::address& address) {
@@ -69,6 +67,7 @@ struct FtpTransfer::Reception {
   bool dataEnded = false;
   bool dataBroken = false;
   std::int64_t count = 0;
+  std::size_t preliminaries = 0;
   steady_clock::time_point lastEvent = steady_clock::now();
   steady_clock::time_point lastProgress = lastEvent;
   steady_clock::time_point windowStart =
@@ -245,10 +244,18 @@ bool FtpTransfer::takeReplies(Reception& state) {
       auto reply = control_.pollReply();
       if (!reply) break;
       any = true;
-      state.lastEvent = steady_clock::now();
       if (!reply->preliminary()) {
+        state.lastEvent = steady_clock::now();
         state.finalReply = std::move(reply);
-      } else if (const auto size = announcedSize(reply->text)) {
+        break;
+      }
+      // Only the first one buys time.
+      if (state.preliminaries++ == 0) state.lastEvent = steady_clock::now();
+      if (state.preliminaries == FtpControl::kMostReplies) {
+        throw FtpError(FtpErrorNumber::badReply,
+                       "The server sends replies that answer nothing, without end.");
+      }
+      if (const auto size = announcedSize(reply->text)) {
         state.announced = *size;
         state.sizeAnnounced = true;
       }
@@ -292,6 +299,7 @@ bool FtpTransfer::readData(const Order& order, Reception& state) {
       state.dataEnded = true;
       return true;
     }
+    if (state.count == 0) state.windowStart = now;  // a late beginning is not a slow one
     state.count += static_cast<std::int64_t>(size);
     state.windowCount += static_cast<std::int64_t>(size);
     try {
@@ -334,21 +342,18 @@ void FtpTransfer::wait(const Order& order, Reception& state) {
                                                : "The server did not open the data connection in time.");
 }
 
-/// Ends a transfer whose reply is outstanding (RFC 959 §4.1.3, ABOR): servers answer it with 426 and 226,
-/// with 226 or 225 alone, or not at all. In the last case the connection is closed.
+/// Ends a transfer whose reply is outstanding (RFC 959 §4.1.3, ABOR). Servers answer it with 426 and 226,
+/// with 226 or 225 alone, or not at all, and the transfer's own reply may be on its way too: the answer to
+/// SYST, which has a code of its own, tells when all of them are in. Without it the connection is closed.
 void FtpTransfer::endInOrder(milliseconds timeout) {
   const PumpedIo::Shield shield(io_);
   try {
     control_.sendAbort();
     closeData();  // a server that is stuck in sending wakes up by this
     const auto deadline = steady_clock::now() + std::min(timeout, kFarewell);
-    FtpReply first = control_.readReply(deadline);
-    while (first.preliminary()) first = control_.readReply(deadline);
-    if (first.code == 421) throw Aborted{};
-    try {
-      control_.readReply(first.refusal() ? deadline : std::min(deadline, steady_clock::now() + kSecondReply));
-    } catch (const FtpError& error) {
-      if (error.number() != static_cast<int>(FtpErrorNumber::timedOut)) throw;
+    for (int code = 0; code != 215;) {
+      code = control_.readReply(deadline).code;
+      if (code == 421) return control_.close();
     }
   } catch (...) {
     control_.close();

@@ -218,6 +218,27 @@ TEST_F(FtpClientTest, EndsASessionWhoseAnswersCannotBeTrusted) {
   }
 }
 
+TEST_F(FtpClientTest, IsNotHeldUpByAFloodOfReplies) {
+  for (const char* reply : {"150 On my way.\r\n", "200 Stray.\r\n"}) {
+    login();
+    server.once("NOOP", [&](Session& s) {
+      s.sendControl("200 Fine.\r\n");
+      for (int i = 0; i < 10'000; ++i) s.sendControl(reply);
+    });
+    client.command("NOOP");
+    EXPECT_EQ(errorOf([&] { client.currentRemoteDirectory(); }).number(), number(FtpErrorNumber::badReply))
+        << reply;
+    EXPECT_EQ(client.state(), FtpState::closed);
+  }
+}
+
+TEST_F(FtpClientTest, TakesNoOtherReplyForTheFolder) {
+  login();
+  server.once("PWD", replies("250 Directory changed."));
+  EXPECT_EQ(errorOf([&] { client.currentRemoteDirectory(); }).number(), number(FtpErrorNumber::badReply));
+  EXPECT_EQ(client.state(), FtpState::closed);
+}
+
 TEST_F(FtpClientTest, PassesOverRepliesThatAnswerNothing) {
   login();
   server.once("NOOP", [](Session& s) { s.sendControl("200 Fine.\r\n226 A late one.\r\n"); });

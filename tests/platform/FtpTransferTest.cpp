@@ -322,7 +322,7 @@ TEST_F(FtpTransferTest, AnAbortEndsATransferWithoutAHangOrAHalfFile) {
   for (const bool answers : {true, false}) {
     if (client.state() == FtpState::closed) login();
     client.command("TYPE I");
-    if (!answers) server.on("ABOR", staysSilent());
+    if (!answers) server.on("SYST", staysSilent());
     const auto start = Clock::now();
     server.once("RETR", [&](Session& s) {
       s.openData();
