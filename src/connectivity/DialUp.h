@@ -24,6 +24,7 @@ class DialUp {
   virtual std::vector<std::string> Entries() const = 0;
   /// Starts dialling the entry and returns at once; progress shows in State.
   virtual void Dial(const std::string& entry) = 0;
+  /// Ends the connection, if any, and makes the component ready to dial; in any state.
   virtual void HangUp() = 0;
   /// Cancels a dial in progress.
   virtual void Abort() = 0;

@@ -77,11 +77,11 @@ int run(const Options& options) {
     return kCouldNotStart;
   }
   ApplicationSettings settings = LoadApplicationSettings();
-  if (settings.AutoDial == 1 && settings.AutoDialUpConnection.empty()) {
+  if (settings.AutoDial == 1) {
     std::fputs(
-        "quillmoor-run: the setting AutoDial is 1 and no dial-up entry is chosen, so the run waits until a\n"
-        "dial-up connection is up. On a machine with a network of its own: quillmoor-config setting set "
-        "AutoDial 0\n",
+        "quillmoor-run: the setting AutoDial is 1, so the run waits for a dial-up connection, which this "
+        "build\n"
+        "cannot make. On a machine with a network of its own: quillmoor-config setting set AutoDial 0\n",
         stderr);
   }
 

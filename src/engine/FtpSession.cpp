@@ -44,6 +44,7 @@ void FtpSession::ConnectAndLogin() {
 }
 
 void FtpSession::loginOverLan() {
+  IsNetworkAvailable(services_.network);  // asked once and not used: the system refreshes its answer
   while (!connected() && !state_.StopRequested) {
     log_.AppendLog("Trying to connect and login through LAN connection.\r\n", log_colour::kWaiting, false);
     TryLogin();
@@ -130,13 +131,11 @@ void FtpSession::sendAhead(const std::vector<std::string>& commandLines, bool da
 }
 
 void FtpSession::showError(const std::string& description) {
-  if (muted_) return;
-  log_.AppendLog("Ftp Error: " + description + "\r\n", log_colour::kError, true);
   state_.TransferOutcome = TransferOutcomes::failedOrStopped;
+  if (!muted_) log_.AppendLog("Ftp Error: " + description + "\r\n", log_colour::kError, true);
 }
 
 void FtpSession::showState(FtpState state) {
-  if (muted_) return;
   switch (state) {
     case FtpState::connecting:
       return log_.AppendLog("Connecting... \r\n", log_colour::kConnection, true);

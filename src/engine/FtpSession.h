@@ -52,7 +52,7 @@ class FtpSession {
   /// A hint that saves round trips: the next operations will send just these.
   void sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
 
-  /// While one exists, the client's events write nothing.
+  /// While one exists, replies and errors are not written; what becomes of the connection is.
   class Mute {
    public:
     explicit Mute(FtpSession& session) : muted_(session.muted_), before_(session.muted_) { muted_ = true; }

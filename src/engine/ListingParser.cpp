@@ -386,14 +386,16 @@ bool isCustomaryNoise(std::string_view line) {
 
 }  // namespace
 
-RemoteListing ParseListing(std::string text, LocalDateTime now) {
+RemoteListing ParseListing(std::string text, LocalDateTime now, const Pump& pump) {
   RemoteListing listing;
   listing.text = std::move(text);
   const int yearNow = SplitLocalDateTime(now).year;
   bool unreadable = false;
   bool afterBlank = false;
   std::string_view rest = listing.text;
-  while (!rest.empty()) {
+  for (std::size_t lines = 1; !rest.empty(); ++lines) {
+    constexpr std::size_t kLinesBetweenPumps = 4096;  // some two milliseconds
+    if (pump && lines % kLinesBetweenPumps == 0) pump();
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     std::string_view line = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));

@@ -55,10 +55,8 @@ void NetworkWait::dialUntilConnected() {
     const std::string& entry = services_.settings.AutoDialUpConnection;
     log_.AppendLog("Dialing the connection " + entry + "\r\n", log_colour::kDialling, false);
     if (!entry.empty()) {
-      Guarded([&] {
-        services_.dialUp.HangUp();
-        services_.dialUp.Dial(entry);
-      });
+      Guarded([&] { services_.dialUp.HangUp(); });
+      Guarded([&] { services_.dialUp.Dial(entry); });
     }
     if (state_.StopRequested) break;
     // Asks for both on purpose, where the loop is content with either.
@@ -87,7 +85,11 @@ void NetworkWait::WaitSeconds(std::int32_t seconds) {
   for (;;) {
     if (services_.pump) services_.pump();
     const std::int64_t left = end - services_.tick();
-    if (left < 0) return;
+    if (left < 0) {
+      // A delay below nothing must not make the loops that wait with it spin.
+      if (seconds < 0) services_.sleep(std::chrono::milliseconds(kSliceMs));
+      return;
+    }
     services_.sleep(std::chrono::milliseconds(std::clamp<std::int64_t>(left, 1, kSliceMs)));
   }
 }

@@ -88,7 +88,7 @@ void RunController::RunAllProfiles() {
     const BusyCursor hourglass(services_.display);
     Guarded([&] { services_.actions.RunAfterActions(log_); });
   }
-  network_.HangUpDialUp();
+  Guarded([&] { network_.HangUpDialUp(); });
   log_.AppendLog("Finished all at: " + FinishedText(services_.now()) + "\r\n", log_colour::kEndOfRun, true);
   log_.AppendLog("Good Bye.\r\n", log_colour::kEndOfRun, true);
 }
@@ -131,6 +131,11 @@ void RunController::logFrameHeader(const std::string& profileId) {
 bool RunController::prepareTarget(const std::string& profileId) {
   if (!state_.profile.unreadable.empty()) {
     logError("Error: " + state_.profile.unreadable + "\r\n");
+    return false;
+  }
+  if (state_.profile.ProxyType != static_cast<std::int32_t>(FtpProxyType::none)) {
+    // The login would be refused, and tried again without end.
+    logError("Error: This build does not connect through a proxy.\r\n");
     return false;
   }
   if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId)) {

@@ -9,6 +9,13 @@
 #include "profiles/mRC4.h"
 
 namespace quillmoor {
+namespace {
+
+// Seconds that make more milliseconds than the client takes: setting them would fail at every login, without
+// end.
+constexpr std::int32_t kLongestTimeout = 2'147'483;
+
+}  // namespace
 RunProfileFields LoadProfileForRun(const std::string& profileId, const std::string& profilesFile) {
   RunProfileFields fields;
   const auto text = [&](const char* key) { return mIni::ReadValue(profileId, key, profilesFile); };
@@ -35,10 +42,13 @@ RunProfileFields LoadProfileForRun(const std::string& profileId, const std::stri
   fields.Status = number("Status");
   fields.DefaultDir = text("DefaultDir");
   fields.Timeout = number("Timeout");
+  if (fields.Timeout > kLongestTimeout) fields.unreadable = "The number Timeout is too large";
   fields.PASV = number("PASV") != 0;
   fields.ManualPort = number("ManualPort") != 0;
+  const std::string runnable = fields.unreadable;
   fields.MinData = number("MinData");
   fields.MaxData = number("MaxData");
+  fields.unreadable = runnable;  // no run depends on these two
   fields.ProxyType = number("ProxyType");
   fields.ProxyHost = text("ProxyHost");
   fields.ProxyPort = number("ProxyPort");

@@ -45,15 +45,16 @@ bool TreeWalk::isUpToDate(const std::string& localFile, LocalDateTime remoteDate
 void TreeWalk::download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
                         LocalDateTime remoteDate) {
   const std::string type = std::string("TYPE ") + ChooseTransferType(entry.name, services_.AsciiExtensions);
-  for (std::int32_t round = 0; round <= services_.settings.FtpRetryCount; ++round) {
+  std::int32_t attempts = 0;
+  for (std::int32_t round = 0; round < rounds() && !state_.StopRequested; ++round) {
     session_.ConnectAndLogin();
     if (!session_.connected()) break;
     session_.SetFtpProperties();
     session_.sendAhead({type}, true);
     retried([&] { session_.command(type); });
     if (!session_.connected()) continue;
-    retried([&] { session_.getFile(remoteFile, localFile, entry.sizeBytes); });
-    if (session_.connected()) break;
+    const bool fetched = retried([&] { session_.getFile(remoteFile, localFile, entry.sizeBytes); }, attempts);
+    if (fetched || session_.connected() || attempts >= services_.settings.FtpRetryCount) break;
   }
   // Also when the file could not be fetched: an older copy then bears the listed time.
   SetFileModifiedTime(localFile, remoteDate, true);

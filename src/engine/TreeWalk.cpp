@@ -61,13 +61,18 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   const std::string localDir = LocalFolderFor(state_.LocalTargetFolder, folder.currentDir);
   if (!prepareLocalFolder(localDir, folderDate)) return;
 
-  const RemoteListing listing = ParseListing(std::move(folder.listing), services_.now());
+  RemoteListing listing = ParseListing(std::move(folder.listing), services_.now(), services_.pump);
   if (listing.text.empty() || listing.format == ListingFormat::neither) return;
+  std::string().swap(listing.text);  // the levels below have theirs
   std::string remoteItem;
   std::string localFile;
   for (const RemoteEntry& entry : listing.entries) {
     if (state_.StopRequested) return;
-    if (entry.name == "." || entry.name == ".." || !acceptName(entry.name)) continue;
+    if (entry.name == "." || entry.name == "..") continue;
+    if (!acceptName(entry.name)) {
+      pump();
+      continue;
+    }
     remoteItem.assign(remoteBase).append(entry.name);
     if (isType(entry, 'd')) {
       log_.AppendLog("Directory: " + PrintableName(remoteItem) + "\r\n", log_colour::kDirectory, true);
@@ -89,7 +94,7 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
 bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
   const auto typeA = [&] { session_.command("TYPE A"); };
   const auto lost = [&] { return !session_.connected(); };
-  for (std::int32_t round = 0; round <= services_.settings.FtpRetryCount; ++round) {
+  for (std::int32_t round = 0; round < rounds(); ++round) {
     session_.ConnectAndLogin();
     if (lost()) break;
     session_.SetFtpProperties();

@@ -1,6 +1,7 @@
 // The tree walk: mirrors a remote folder and all below it into the profile's local folder.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -53,6 +54,11 @@ class TreeWalk {
 
   template <class Operation>
   bool retried(Operation&& operation);
+  /// The same, counting on from `attempts`.
+  template <class Operation>
+  bool retried(Operation&& operation, std::int32_t& attempts);
+  /// How often an operation is begun again after the connection was lost under it.
+  std::int32_t rounds() const { return std::max(services_.settings.FtpRetryCount, std::int32_t{1}) + 1; }
   void pump() const;
   void logError(std::string_view what, std::string_view name);
 
@@ -68,7 +74,14 @@ class TreeWalk {
 /// The last failure is not told here: the client has done so.
 template <class Operation>
 bool TreeWalk::retried(Operation&& operation) {
-  for (std::int32_t attempts = 1;; ++attempts) {
+  std::int32_t attempts = 0;
+  return retried(operation, attempts);
+}
+
+template <class Operation>
+bool TreeWalk::retried(Operation&& operation, std::int32_t& attempts) {
+  for (;;) {
+    ++attempts;
     if (Guarded(operation)) return true;
     if (state_.StopRequested || attempts >= services_.settings.FtpRetryCount || !session_.connected())
       return false;

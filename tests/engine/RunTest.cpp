@@ -382,8 +382,27 @@ TEST_F(RunTest, RetriesAFileAndGoesOnWithTheNext) {
 TEST_F(RunTest, MakesOneAttemptEvenWhenNoneIsAskedFor) {
   settings.FtpRetryCount = 0;
   server.addFile("/a.bin", "a");
+  server.once("TYPE I", drops());  // which is no attempt at the file
   run();
   EXPECT_EQ(contentsOf(target() / "a.bin"), "a");
+}
+
+TEST_F(RunTest, CountsAttemptsAcrossLostConnections) {
+  settings.FtpRetryCount = 3;
+  server.addFile("/a.bin", "a");
+  server.on("RETR", drops());
+  EXPECT_TRUE(run().at(0).completed);
+  EXPECT_EQ(server.count("RETR"), 3U);
+}
+
+TEST_F(RunTest, DoesNotStartWhatWouldNeverEnd) {
+  profile.ProxyType = 2;
+  EXPECT_FALSE(run().at(0).completed);
+  EXPECT_TRUE(display.logged("does not connect through a proxy"));
+  profile.ProxyType = 0;
+  profile.Timeout = "2147484";
+  EXPECT_FALSE(run().at(0).completed);
+  EXPECT_TRUE(display.logged("Timeout is too large"));
 }
 
 TEST_F(RunTest, SurvivesTheLossOfTheConnectionAnywhere) {
@@ -486,12 +505,12 @@ TEST_F(RunTest, AListingInNeitherStyleIsPassedOverInSilence) {
 }
 
 TEST_F(RunTest, AFolderThatCannotBeMadeIsOneLineInTheLog) {
-  server.addFile("/blocked/a.bin", "x");
+  server.addFile("/blocked/deep/a.bin", "x");
   server.addFile("/fine/b.bin", "x");
   fs::create_directories(target());
   writeFile(target() / "blocked", "a file in the way of a folder");
-  // What exists under the name is not asked for its kind when it is created, only when it is used.
   EXPECT_TRUE(run().at(0).completed);
+  EXPECT_EQ(display.count("Error: Unable to create directory: " + (target() / "blocked/deep/").string()), 1);
   EXPECT_EQ(contentsOf(target() / "fine/b.bin"), "x");
   EXPECT_EQ(contentsOf(target() / "blocked"), "a file in the way of a folder");
 }
