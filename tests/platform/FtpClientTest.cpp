@@ -221,7 +221,7 @@ TEST_F(FtpClientTest, EndsASessionWhoseAnswersCannotBeTrusted) {
 TEST_F(FtpClientTest, IsNotHeldUpByAFloodOfReplies) {
   for (const char* reply : {"150 On my way.\r\n", "200 Stray.\r\n"}) {
     login();
-    server.once("NOOP", [&](Session& s) {
+    server.once("NOOP", [=](Session& s) {
       s.sendControl("200 Fine.\r\n");
       for (int i = 0; i < 10'000; ++i) s.sendControl(reply);
     });

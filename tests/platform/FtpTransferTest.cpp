@@ -324,7 +324,7 @@ TEST_F(FtpTransferTest, AnAbortEndsATransferWithoutAHangOrAHalfFile) {
     client.command("TYPE I");
     if (!answers) server.on("SYST", staysSilent());
     const auto start = Clock::now();
-    server.once("RETR", [&](Session& s) {
+    server.once("RETR", [=](Session& s) {
       s.openData();
       s.reply("150 Here it comes.");
       s.sendData("some");
