@@ -1,0 +1,28 @@
+#include "shell/Scheduler.h"
+
+#include <utility>
+
+#include "engine/BackupRunning.h"
+
+namespace quillmoor {
+
+Scheduler::Scheduler(const ApplicationSettings& settings, std::function<LocalDateTime()> now,
+                     std::function<void()> startBackup)
+    : settings_(settings),
+      now_(std::move(now)),
+      startBackup_(std::move(startBackup)),
+      ScheduleDays_(settings.ScheduleDays) {}
+
+void Scheduler::tick() {
+  if (BackupRunning) return;
+  const LocalDateTimeParts time = SplitLocalDateTime(now_());
+  // The whole guard, and deliberately no more than a weekday: a date would widen it.
+  if (time.weekday == LastScheduledWeekday_) return;
+  if (ScheduleDays_.at(static_cast<std::size_t>(time.weekday)) != 1) return;
+  if (time.hour != settings_.ScheduleHour || time.minute != settings_.ScheduleMinute) return;
+  BackupRunning = true;
+  LastScheduledWeekday_ = time.weekday;
+  startBackup_();
+}
+
+}  // namespace quillmoor

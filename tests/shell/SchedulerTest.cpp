@@ -1,0 +1,187 @@
+// The weekly schedule, second by second through whole weeks.
+#include "shell/Scheduler.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/BackupRunning.h"
+#include "engine/mGeneral.h"
+
+namespace quillmoor {
+namespace {
+
+using std::chrono::days;
+using std::chrono::hours;
+using std::chrono::minutes;
+using std::chrono::seconds;
+
+enum Day { kSunday = 1, kMonday, kTuesday, kWednesday, kThursday, kFriday, kSaturday };
+
+/// Sunday, 1 November 2026.
+const LocalDateTime kFirstSunday = *MakeLocalDateTime({2026, 11, 1, 0, 0, 0, 0});
+
+LocalDateTime on(int day, int hour, int minute, int second = 0) {
+  return kFirstSunday + days(day - kSunday) + hours(hour) + minutes(minute) + seconds(second);
+}
+
+class SchedulerTest : public ::testing::Test {
+ protected:
+  SchedulerTest() { BackupRunning = false; }
+  ~SchedulerTest() override { BackupRunning = false; }
+
+  /// Opens the program at `now`.
+  void open(LocalDateTime now) {
+    clock = now;
+    scheduler = std::make_unique<Scheduler>(
+        settings, [this] { return clock; },
+        [this] {
+          EXPECT_TRUE(BackupRunning) << "a second tick could start the run again";
+          started.push_back(ReportTimeText(clock));
+          runEnds = clock + length;
+        });
+  }
+
+  void tick() {
+    if (BackupRunning && clock >= runEnds) BackupRunning = false;
+    scheduler->tick();
+  }
+
+  void runUntil(LocalDateTime end) {
+    for (; clock < end; clock += seconds(1)) tick();
+  }
+
+  ApplicationSettings settings;
+  LocalDateTime clock;
+  seconds length{5};  // of every run
+  LocalDateTime runEnds{};
+  std::unique_ptr<Scheduler> scheduler;
+  std::vector<std::string> started;
+};
+
+using Starts = std::vector<std::string>;
+
+TEST_F(SchedulerTest, SelectsADayByExactlyOne) {
+  for (const std::int32_t flag : {0, -1, 2, 256 + 1}) {
+    settings.ScheduleDays.fill(flag);
+    open(on(kSunday, 0, 0));
+    runUntil(on(kSunday + 7, 0, 0));
+    EXPECT_EQ(started, Starts{}) << flag;
+  }
+}
+
+TEST_F(SchedulerTest, ServesEveryDayAtItsOwnFlag) {
+  for (int day = kSunday; day <= kSaturday; ++day) {
+    settings.ScheduleDays = {1};  // index 0 is no day
+    settings.ScheduleDays[static_cast<std::size_t>(day)] = 1;
+    started.clear();
+    open(on(kSunday, 0, 0));
+    runUntil(on(kSunday + 7, 0, 0));
+    EXPECT_EQ(started, Starts{ReportTimeText(on(day, 12, 30))});
+    EXPECT_EQ(scheduler->LastScheduledWeekday(), day);
+  }
+}
+
+TEST_F(SchedulerTest, ServesASingleDayOnceUntilTheNextStart) {
+  settings.ScheduleDays[kMonday] = 1;
+  open(on(kSunday, 0, 0));
+  runUntil(on(kSunday + 14, 0, 0));
+  EXPECT_EQ(started, Starts{"11-02-2026 12:30"});
+  open(on(kSunday + 14, 0, 0));
+  runUntil(on(kSunday + 21, 0, 0));
+  EXPECT_EQ(started, (Starts{"11-02-2026 12:30", "11-16-2026 12:30"}));
+}
+
+TEST_F(SchedulerTest, LetsTwoDaysUnlockEachOther) {
+  settings.ScheduleDays[kMonday] = settings.ScheduleDays[kThursday] = 1;
+  open(on(kSunday, 0, 0));
+  runUntil(on(kSunday + 14, 0, 0));
+  EXPECT_EQ(started,
+            (Starts{"11-02-2026 12:30", "11-05-2026 12:30", "11-09-2026 12:30", "11-12-2026 12:30"}));
+}
+
+TEST_F(SchedulerTest, StartsAtTheFirstTickInsideTheMinute) {
+  settings.ScheduleDays[kFriday] = 1;
+  const struct {
+    LocalDateTime opened;
+    bool starts;
+  } cases[] = {{on(kFriday, 12, 29, 59), false},
+               {on(kFriday, 12, 30, 0), true},
+               {on(kFriday, 12, 30, 59), true},
+               {on(kFriday, 12, 31, 0), false}};
+  for (const auto& one : cases) {
+    BackupRunning = false;
+    started.clear();
+    open(one.opened);
+    tick();
+    EXPECT_EQ(started.size(), one.starts ? 1u : 0u) << TimeText(one.opened);
+  }
+}
+
+TEST_F(SchedulerTest, MissesAMinuteThatPassesDuringARunAndLeavesTheDayUnserved) {
+  settings.ScheduleDays[kMonday] = 1;
+  open(on(kMonday, 12, 29, 30));
+  BackupRunning = true;  // by hand
+  runEnds = on(kMonday, 12, 31);
+  runUntil(on(kMonday + 1, 0, 0));
+  EXPECT_EQ(started, Starts{});
+  EXPECT_EQ(scheduler->LastScheduledWeekday(), 0);
+  runUntil(on(kMonday + 7, 13, 0));
+  EXPECT_EQ(started, Starts{"11-09-2026 12:30"});
+}
+
+TEST_F(SchedulerTest, StillStartsWhenARunEndsInsideTheMinute) {
+  settings.ScheduleDays[kMonday] = 1;
+  open(on(kMonday, 12, 29, 30));
+  BackupRunning = true;
+  runEnds = on(kMonday, 12, 30, 40);
+  runUntil(on(kMonday, 13, 0));
+  EXPECT_EQ(started, Starts{"11-02-2026 12:30"});
+}
+
+TEST_F(SchedulerTest, DoesNotStartAgainWhenARunIsShorterThanItsMinute) {
+  settings.ScheduleDays[kMonday] = 1;
+  length = seconds(1);
+  open(on(kMonday, 12, 0));
+  runUntil(on(kMonday, 13, 0));
+  EXPECT_EQ(started.size(), 1u);
+}
+
+TEST_F(SchedulerTest, TakesANewTimeAtOnceAndANewDayAtTheNextStart) {
+  settings.ScheduleDays[kMonday] = 1;
+  open(on(kMonday, 9, 0));
+  settings.ScheduleDays[kTuesday] = 1;
+  runUntil(on(kMonday, 9, 5));
+  settings.ScheduleHour = 9;
+  settings.ScheduleMinute = 7;
+  runUntil(on(kMonday + 2, 0, 0));
+  EXPECT_EQ(started, Starts{"11-02-2026 09:07"});
+  open(on(kMonday + 7, 9, 0));
+  runUntil(on(kMonday + 9, 0, 0));
+  EXPECT_EQ(started, (Starts{"11-02-2026 09:07", "11-09-2026 09:07", "11-10-2026 09:07"}));
+}
+
+// A local clock that goes from 02:00 to 03:00 never shows the time between; one that goes back from 03:00 to
+// 02:00 shows it twice.
+TEST_F(SchedulerTest, FollowsTheClockThroughDaylightSaving) {
+  settings.ScheduleDays[kSunday] = 1;
+  settings.ScheduleHour = 2;
+  const LocalDateTime two = on(kSunday, 2, 0);
+
+  open(on(kSunday, 0, 0));
+  runUntil(two);
+  clock = two + hours(1);
+  runUntil(on(kMonday, 0, 0));
+  EXPECT_EQ(started, Starts{}) << "the hour was skipped";
+
+  open(on(kSunday, 0, 0));
+  runUntil(two + hours(1));
+  clock = two;
+  runUntil(on(kMonday, 0, 0));
+  EXPECT_EQ(started, Starts{"11-01-2026 02:30"}) << "the hour came twice";
+}
+
+}  // namespace
+}  // namespace quillmoor
