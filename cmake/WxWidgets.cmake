@@ -1,0 +1,18 @@
+# wx: the wxWidgets that the windows are built on, as one target. Where there is none, the target is missing and the
+# programs without windows are built all the same.
+if(WIN32)
+  find_package(wxWidgets 3.2 CONFIG QUIET COMPONENTS aui core base)
+  if(wxWidgets_FOUND)
+    add_library(wx INTERFACE)
+    target_link_libraries(wx INTERFACE wx::aui wx::core wx::base)
+  endif()
+else()
+  find_package(wxWidgets 3.2 QUIET COMPONENTS aui core base)
+  if(wxWidgets_FOUND)
+    add_library(wx INTERFACE)
+    target_include_directories(wx SYSTEM INTERFACE ${wxWidgets_INCLUDE_DIRS})
+    target_compile_definitions(wx INTERFACE ${wxWidgets_DEFINITIONS})
+    target_compile_options(wx INTERFACE ${wxWidgets_CXX_FLAGS})
+    target_link_libraries(wx INTERFACE ${wxWidgets_LIBRARIES})
+  endif()
+endif()
