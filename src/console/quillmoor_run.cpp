@@ -6,14 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "connectivity/DialUp.h"
 #include "console/ConsoleDisplay.h"
-#include "engine/ArchiveStage.h"
-#include "engine/RunActions.h"
+#include "engine/MachineServices.h"
 #include "engine/RunController.h"
-#include "engine/TransferType.h"
 #include "platform/LocalTime.h"
-#include "platform/NetworkAlive.h"
 #include "platform/Terminal.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/SiteProfileStore.h"
@@ -90,30 +86,18 @@ int run(const Options& options) {
   ConsoleDisplay display(
       {[&](std::string_view bytes) { output.write(bytes); }, prepareTerminal(), terminalWidth, TickCountMs});
   StopSwitch stopSwitch;
-  NetworkSource network = IsNetworkAlive;
+  MachineServices services(settings, profilesFile, [&] {
+    stopSwitch.look();
+    display.refresh();
+    output.flush();
+  });
   if (options.assumeNetwork) {
-    network = [](std::uint32_t& flags) {
+    services.network = [](std::uint32_t& flags) {
       flags = 1;
       return true;
     };
   }
-  NoDialUp dialUp;
-  NoRunActions actions(settings);
-  NoArchiveStage archive(settings);
-  RunController controller({.display = display,
-                            .pump =
-                                [&] {
-                                  stopSwitch.look();
-                                  display.refresh();
-                                  output.flush();
-                                },
-                            .settings = settings,
-                            .AsciiExtensions = LoadAsciiFilesTypes(LoadAsciiExtensions()),
-                            .profilesFile = profilesFile,
-                            .network = network,
-                            .dialUp = dialUp,
-                            .actions = actions,
-                            .archive = archive});
+  RunController controller(services.forRun(display));
   stopSwitch.attach(controller);
 
   const auto results = controller.RunBackup();

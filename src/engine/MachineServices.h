@@ -1,0 +1,45 @@
+// What a run is handed on this machine: the one place where it is chosen, for the console and the window.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "connectivity/DialUp.h"
+#include "connectivity/mNetworkConnection.h"
+#include "engine/ArchiveStage.h"
+#include "engine/RunActions.h"
+#include "engine/RunServices.h"
+#include "platform/LocalTime.h"
+#include "platform/Pump.h"
+#include "profiles/ApplicationSettings.h"
+
+namespace quillmoor {
+
+class MachineServices {
+ public:
+  /// `settings` must outlive this. `pump` is called by whatever blocks.
+  MachineServices(ApplicationSettings& settings, std::string profilesFile, Pump pump);
+  MachineServices(const MachineServices&) = delete;
+  MachineServices& operator=(const MachineServices&) = delete;
+
+  /// For one controller; `display` and this must outlive it.
+  RunServices forRun(RunDisplay& display);
+
+  ApplicationSettings& settings;
+  const std::string profilesFile;
+  const Pump pump;
+  /// These may be replaced before `forRun`.
+  NetworkSource network;
+  std::function<LocalDateTime()> now = LocalNow;
+
+  /// The component that the run dials with.
+  DialUp& dialUp() { return *dialUp_; }
+
+ private:
+  std::unique_ptr<DialUp> dialUp_;
+  std::unique_ptr<RunActions> actions_;
+  std::unique_ptr<ArchiveStage> archive_;
+};
+
+}  // namespace quillmoor
