@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "connectivity/modProcessPriority.h"
 #include "console/ConsoleDisplay.h"
 #include "engine/MachineServices.h"
 #include "engine/RunController.h"
@@ -79,6 +80,11 @@ int run(const Options& options) {
         "build\n"
         "cannot make. On a machine with a network of its own: quillmoor-config setting set AutoDial 0\n",
         stderr);
+  }
+
+  // Normal, as it comes, leaves the class in which the program was started: by nice, say.
+  if (settings.ProcessPriority != modProcessPriority::kNormalClass) {
+    modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);
   }
 
   catchStopSignals();

@@ -71,11 +71,14 @@ while True: c = s.accept()[0]; sys.modules.setdefault(str(id(c)), c)' >"$work/po
 helper=$!
 until [ -s "$work/port" ]; do read -rt 0.02 <> <(:) || true; done
 expect 0 "" "$config" profile set "My site" Status=1 Host=127.0.0.1 Port="$(cat "$work/port")"
-interrupted() {                                   # TIMES: the status of a run that gets as many Ctrl-C
-  local status=0 pid
-  setsid "$run" --assume-network >"$work/out" 2>&1 &
+interrupted() {                                   # TIMES [PREFIX...]: the status of a run that gets as many Ctrl-C
+  local status=0 pid stat
+  : >"$work/out"
+  (exec "${@:2}" setsid "$run" --assume-network >"$work/out" 2>&1) &
   pid=$!
   until grep -q "Connecting" "$work/out"; do kill -0 "$pid" 2>/dev/null || break; read -rt 0.02 <> <(:) || true; done
+  read -ra stat <"/proc/$pid/stat"
+  echo "${stat[18]}" >"$work/nice"
   for ((i = 0; i < $1; i++)); do kill -INT "$pid"; done
   wait "$pid" || status=$?
   echo "$status"
@@ -84,6 +87,13 @@ interrupted() {                                   # TIMES: the status of a run t
 grep -q "Error: Unable to login" "$work/out" && grep -q "Good Bye." "$work/out" || fail "a stopped run does not unwind"
 second=$(interrupted 2)                           # both may arrive as one
 [ "$second" = 130 ] || [ "$second" = 1 ] || fail "a second Ctrl-C ends with $second"
+
+# The run takes the priority that is set; a normal one leaves it as it was started.
+interrupted 1 nice -n 3 >/dev/null
+[ "$(cat "$work/nice")" = "$(nice -n 3 nice)" ] || fail "a run that was started nicely has the nice value $(cat "$work/nice")"
+expect 0 "" "$config" setting set ProcessPriority 64
+interrupted 1 >/dev/null
+[ "$(cat "$work/nice")" = 19 ] || fail "an idle run has the nice value $(cat "$work/nice")"
 
 # A settings file that is no settings file
 echo "rubbish" >"$work/config/quillmoor/registry.reg"

@@ -1,0 +1,11 @@
+// network_state: what this machine's network is, as a run and the status label are told.
+#include <cstdio>
+
+#include "connectivity/mNetworkConnection.h"
+#include "platform/NetworkAlive.h"
+
+int main() {
+  const quillmoor::NetworkSource machine = quillmoor::IsNetworkAlive;
+  std::printf("network:%s lan:%s\n", quillmoor::IsNetworkAvailable(machine) ? "yes" : "no",
+              quillmoor::IsLanConnected(machine) ? "yes" : "no");
+}
