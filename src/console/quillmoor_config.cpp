@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/CodePage.h"
+#include "platform/ProgramArguments.h"
 #include "platform/Terminal.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"
@@ -245,9 +246,10 @@ int execute(const std::vector<std::string>& arguments) {
   throw UsageError("Try quillmoor-config --help.");
 }
 
-int main(int argc, char** argv) {
+int main(const std::vector<std::string>& arguments) {
+  prepareTerminal();
   try {
-    return execute({argv + 1, argv + argc});
+    return execute(arguments);
   } catch (const UsageError& error) {
     std::fprintf(stderr, "quillmoor-config: %s\n", error.what());
     return kUsage;
@@ -261,5 +263,5 @@ int main(int argc, char** argv) {
 }  // namespace quillmoor
 
 int main(int argc, char** argv) {
-  return quillmoor::main(argc, argv);
+  return quillmoor::main(quillmoor::ProgramArguments(argc, argv));
 }

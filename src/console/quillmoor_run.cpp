@@ -5,12 +5,15 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "connectivity/modProcessPriority.h"
 #include "console/ConsoleDisplay.h"
 #include "engine/MachineServices.h"
 #include "engine/RunController.h"
+#include "platform/LocalPath.h"
 #include "platform/LocalTime.h"
+#include "platform/ProgramArguments.h"
 #include "platform/Terminal.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/SiteProfileStore.h"
@@ -69,7 +72,7 @@ class StopSwitch {
 
 int run(const Options& options) {
   const std::string profilesFile = ProfilesFilePath();
-  if (!std::ifstream(profilesFile)) {
+  if (!std::ifstream(LocalPath(profilesFile))) {
     std::fprintf(stderr, "quillmoor-run: cannot read the site profiles: %s\n", profilesFile.c_str());
     return kCouldNotStart;
   }
@@ -116,10 +119,9 @@ int run(const Options& options) {
   return stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
 }
 
-int main(int argc, char** argv) {
+int main(const std::vector<std::string>& arguments) {
   Options options;
-  for (int i = 1; i < argc; ++i) {
-    const std::string_view argument = argv[i];
+  for (const std::string& argument : arguments) {
     if (argument == "--help") {
       std::fputs(kHelp, stdout);
       return kAllCompleted;
@@ -132,7 +134,7 @@ int main(int argc, char** argv) {
       options.assumeNetwork = true;
       continue;
     }
-    std::fprintf(stderr, "quillmoor-run: what is \"%s\"? Try quillmoor-run --help.\n", argv[i]);
+    std::fprintf(stderr, "quillmoor-run: what is \"%s\"? Try quillmoor-run --help.\n", argument.c_str());
     return kCouldNotStart;
   }
   try {
@@ -147,5 +149,5 @@ int main(int argc, char** argv) {
 }  // namespace quillmoor
 
 int main(int argc, char** argv) {
-  return quillmoor::main(argc, argv);
+  return quillmoor::main(quillmoor::ProgramArguments(argc, argv));
 }

@@ -1,8 +1,6 @@
 #include "engine/TreeWalk.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 #include "engine/ListingDate.h"
 #include "engine/ListingParser.h"
@@ -11,6 +9,8 @@
 #include "engine/mCreatePath.h"
 #include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
+#include "platform/LocalFiles.h"
+#include "platform/LocalPath.h"
 #include "platform/WholeFile.h"
 
 namespace quillmoor {
@@ -134,12 +134,12 @@ bool TreeWalk::mayWalk(const std::string& currentDir) {
 }
 
 bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate) {
-  std::error_code error;
-  if (!std::filesystem::is_directory(localDir, error) && !CreatePath(localDir)) {
+  if (!LocalFolderExists(localDir) && !CreatePath(localDir)) {
     log_.AppendLog("Error: Unable to create directory: " + PrintableName(localDir), log_colour::kError, true);
     return false;
   }
-  std::filesystem::remove(WholeFile::temporaryName(localDir), error);  // of a run that was killed
+  // Of a run that was killed.
+  RemoveLocalFile(LocalPathText(WholeFile::temporaryName(LocalPath(localDir))));
   SetFileModifiedTime(localDir, folderDate, true);
   return true;
 }

@@ -1,9 +1,9 @@
 #include "engine/mCreatePath.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
+
+#include "platform/LocalFiles.h"
 
 namespace quillmoor {
 namespace {
@@ -42,15 +42,9 @@ std::string LocalFolderFor(const std::string& target, const std::string& current
 }
 
 bool CreatePath(const std::string& path) {
-  const FolderSystem system{[](const std::string& folder) {
-                              std::error_code ignored;
-                              return std::filesystem::exists(folder, ignored);
-                            },
-                            [](const std::string& folder) {
-                              std::error_code ignored;
-                              return std::filesystem::create_directory(folder, ignored);
-                            }};
-  return CreatePath(path, kLocalSeparator, system);
+  // A user of Windows may have typed slashes.
+  const std::string native = LocalPathText(LocalPath(path).make_preferred());
+  return CreatePath(native, kLocalSeparator, {LocalPathExists, CreateLocalFolder});
 }
 
 bool CreatePath(const std::string& path, char separator, const FolderSystem& system) {

@@ -1,12 +1,12 @@
 #include "platform/FtpClient.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "platform/FtpControl.h"
 #include "platform/FtpTransfer.h"
+#include "platform/LocalPath.h"
 #include "platform/NvtText.h"
 #include "platform/WholeFile.h"
 
@@ -353,7 +353,7 @@ std::string FtpClient::Impl::list() {
 void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& localPath,
                               std::int64_t expectedSize) {
   perform(FtpMethod::getFile, true, [&] {
-    WholeFile file{std::filesystem::path(localPath)};
+    WholeFile file{LocalPath(localPath)};
     NvtText text(platformLineEnd());
     FtpTransfer::Order order;
     order.command = "RETR " + remotePath;

@@ -1,5 +1,8 @@
-// How local paths are written on this platform.
+// How local paths are written on this platform, and how they are handed to the system.
 #pragma once
+
+#include <filesystem>
+#include <string>
 
 namespace quillmoor {
 
@@ -9,5 +12,13 @@ extern const char kLocalSeparator;
 /// Rules for what may be a file's name.
 enum class LocalNameRules { posix, windows };
 extern const LocalNameRules kLocalNameRules;
+
+/// The path that a text names. On Windows the text is UTF-8, and bytes that are none are read in the ANSI
+/// code page; elsewhere the bytes are the path's own. The one way from text to path: the standard library's
+/// own reads text as Windows does not write it.
+std::filesystem::path LocalPath(const std::string& text);
+
+/// The text of a path; the reverse of LocalPath.
+std::string LocalPathText(const std::filesystem::path& path);
 
 }  // namespace quillmoor

@@ -17,7 +17,8 @@ class WholeFile {
   enum class Survives { process, power };
 
   /// Who may read a new file. `owner`: nobody else, for files that hold passwords; one that replaces a file
-  /// then keeps that file's permissions, and a link stays a link to what is replaced.
+  /// then keeps that file's permissions, and a link stays a link to what is replaced. On Windows the
+  /// permissions of a new file are those that its folder hands down.
   enum class Readers { everyone, owner };
 
   /// Creates the temporary file in the folder of `target`, which must exist. A temporary file left there by a
@@ -42,6 +43,7 @@ class WholeFile {
   std::filesystem::path temporary_;
   std::intptr_t handle_ = -1;
   Survives survives_;
+  Readers readers_;
 };
 
 }  // namespace quillmoor

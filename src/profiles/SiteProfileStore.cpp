@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <stdexcept>
 
 #include "profiles/LenientNumber.h"
@@ -31,10 +32,22 @@ std::int16_t flagOf(const std::string& text) {
   }
 }
 
+/// The name under which the file has the profile: systems differ in which letters they take for the same when
+/// they look a section up. Nothing when it has none.
+std::optional<std::string> storedName(const std::string& name, const std::string& file) {
+  const std::string wanted = TrimmedName(name);
+  for (std::string& stored : mIni::ListSections(file)) {
+    if (SameName(stored, wanted)) return std::move(stored);
+  }
+  return std::nullopt;
+}
+
 /// Of several sections of one name only the first is ever seen, but each would come to light in its turn.
 bool deleteSections(const std::string& name, const std::string& file) {
-  for (std::size_t most = mIni::ListSections(file).size(); most > 0 && ProfileExists(name, file); --most) {
-    if (!mIni::DeleteSection(name, file)) return false;
+  for (std::size_t most = mIni::ListSections(file).size(); most > 0; --most) {
+    const auto stored = storedName(name, file);
+    if (!stored) return true;
+    if (!mIni::DeleteSection(*stored, file)) return false;
   }
   return true;
 }
@@ -90,16 +103,14 @@ std::string TrimmedName(const std::string& name) {
 }
 
 bool ProfileExists(const std::string& name, const std::string& file) {
-  const auto names = mIni::ListSections(file);
-  const std::string wanted = TrimmedName(name);
-  return std::any_of(names.begin(), names.end(),
-                     [&](const std::string& other) { return SameName(other, wanted); });
+  return storedName(name, file).has_value();
 }
 
 SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
   SiteProfile profile;
   if (name.empty()) return profile;
-  const auto text = [&](const char* key) { return mIni::ReadValue(name, key, file); };
+  const std::string section = storedName(name, file).value_or(name);
+  const auto text = [&](const char* key) { return mIni::ReadValue(section, key, file); };
   const auto flag = [&](const char* key) { return flagOf(text(key)); };
   profile.name = name;
   profile.ID = text("ID");

@@ -196,8 +196,9 @@ TEST_F(FtpClientTest, EndsASessionWhoseAnswersCannotBeTrusted) {
        number(FtpErrorNumber::tooLong)},
       {"reply without end",
        [](Session& s) {
-         s.sendControl("200-begin\r\n");
-         for (int i = 0; i < 100'000; ++i) s.sendControl("200-and on\r\n");
+         std::string reply = "200-begin\r\n";
+         for (int i = 0; i < 100'000; ++i) reply += "200-and on\r\n";
+         s.sendControl(reply);
        },
        number(FtpErrorNumber::tooLong)},
       {"silence", staysSilent(), number(FtpErrorNumber::timedOut)},

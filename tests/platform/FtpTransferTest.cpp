@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/FtpClientFixture.h"
+#include "platform/NvtText.h"
 
 namespace quillmoor {
 namespace {
@@ -147,7 +148,8 @@ TEST_F(FtpTransferTest, ConvertsTextAndNothingElse) {
   server.addFile("/f", "one\ntwo\r\nthree\rfour");
   client.command("TYPE A");
   client.getFile("/f", (folder / "a").string());
-  EXPECT_EQ(contentsOf(folder / "a"), "one\ntwo\r\nthree\rfour");
+  EXPECT_EQ(contentsOf(folder / "a"),
+            platformLineEnd() == LineEnd::lf ? "one\ntwo\r\nthree\rfour" : "one\r\ntwo\r\r\nthree\rfour");
   server.on("RETR", [](Session& s) {
     s.openData();
     s.reply("150 Here.");
@@ -156,7 +158,8 @@ TEST_F(FtpTransferTest, ConvertsTextAndNothingElse) {
     s.reply("226 Sent.");
   });
   client.getFile("/f", (folder / "a").string());
-  EXPECT_EQ(contentsOf(folder / "a"), "a\nb\nc\r\nd\r");
+  EXPECT_EQ(contentsOf(folder / "a"),
+            platformLineEnd() == LineEnd::lf ? "a\nb\nc\r\nd\r" : "a\r\nb\r\nc\r\r\nd\r");
   client.command("TYPE I");
   client.getFile("/f", (folder / "i").string());
   EXPECT_EQ(contentsOf(folder / "i"), "a\r\nb\r\nc\r\r\nd\r");
@@ -245,6 +248,8 @@ TEST_F(FtpTransferTest, LeavesTheOldFileWhenTheNewOneCannotBeFetchedWhole) {
   };
   writeFile(folder / "f", "the old file");
   for (const auto& c : cases) {
+    if (std::string_view(c.name).starts_with("data connection reset") && !testing::tellsResetFromEnd())
+      continue;
     client.timeoutMs = 10'000;
     if (client.state() == FtpState::closed) login();
     client.command("TYPE I");

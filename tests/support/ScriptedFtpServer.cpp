@@ -1,12 +1,5 @@
 #include "support/ScriptedFtpServer.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -16,9 +9,9 @@
 namespace quillmoor::testing {
 namespace {
 
-void closeSocket(int& socket) {
-  if (socket >= 0) ::close(socket);
-  socket = -1;
+void closeSocket(SocketNumber& socket) {
+  if (socket != kNoSocket) closeSocketNumber(socket);
+  socket = kNoSocket;
 }
 
 struct Address {
@@ -45,11 +38,12 @@ Address addressOf(const std::string& host, std::uint16_t port) {
   return address;
 }
 
-std::pair<int, std::uint16_t> listenOn(const std::string& host) {
+std::pair<SocketNumber, std::uint16_t> listenOn(const std::string& host) {
   Address address = addressOf(host, 0);
-  const int listener = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (listener < 0 || ::bind(listener, address.get(), address.size) != 0 || ::listen(listener, 8) != 0) {
-    if (listener >= 0) ::close(listener);
+  SocketNumber listener = newSocket(address.storage.ss_family);
+  if (listener == kNoSocket || ::bind(listener, address.get(), address.size) != 0 ||
+      ::listen(listener, 8) != 0) {
+    closeSocket(listener);
     throw std::runtime_error("cannot listen on " + host);
   }
   ::getsockname(listener, address.get(), &address.size);
@@ -60,23 +54,21 @@ std::pair<int, std::uint16_t> listenOn(const std::string& host) {
 }
 
 /// False when the other end is gone or the server is being stopped.
-bool sendAll(int socket, std::string_view bytes, int wake) {
+bool sendAll(SocketNumber socket, std::string_view bytes, SocketNumber wake) {
   while (!bytes.empty()) {
-    std::array<pollfd, 2> polled = {{{socket, POLLOUT, 0}, {wake, POLLIN, 0}}};
-    ::poll(polled.data(), polled.size(), -1);
+    std::array<PolledSocket, 2> polled = {{{socket, POLLOUT, 0}, {wake, POLLIN, 0}}};
+    pollSockets(polled.data(), polled.size());
     if (polled[1].revents != 0) return false;
-    const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    if (sent < 0 && errno == EAGAIN) continue;
-    if (sent <= 0) return false;
+    const std::ptrdiff_t sent = sendNow(socket, bytes);
+    if (sent < 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(sent));
   }
   return true;
 }
 
-bool waitReadable(int socket, int wake) {
-  std::array<pollfd, 2> polled = {{{socket, POLLIN, 0}, {wake, POLLIN, 0}}};
-  while (::poll(polled.data(), polled.size(), -1) < 0 && errno == EINTR) {
-  }
+bool waitReadable(SocketNumber socket, SocketNumber wake) {
+  std::array<PolledSocket, 2> polled = {{{socket, POLLIN, 0}, {wake, POLLIN, 0}}};
+  pollSockets(polled.data(), polled.size());
   return polled[1].revents == 0;
 }
 
@@ -99,18 +91,27 @@ std::string withCrLf(const std::string& text) {
 ScriptedFtpServer::ScriptedFtpServer(bool ipv6) : ipv6_(ipv6) {
   folders_["/"];
   std::tie(listener_, port_) = listenOn(ipv6 ? "::1" : "127.0.0.1");
-  if (::pipe(wake_) != 0) throw std::runtime_error("cannot make a pipe");
+  connectToItself();
   thread_ = std::thread([this] { serve(); });
 }
 
 ScriptedFtpServer::~ScriptedFtpServer() {
-  // The pipe is never emptied: every wait of the server's thread ends by it.
-  const ssize_t written = ::write(wake_[1], "x", 1);
-  static_cast<void>(written);
+  // It is never received: every wait of the server's thread ends by it.
+  sendNow(wake_[1], "x");
   thread_.join();
   closeSocket(listener_);
   closeSocket(wake_[0]);
   closeSocket(wake_[1]);
+}
+
+/// A connection with both ends here: what is sent into one ends a wait on the other.
+void ScriptedFtpServer::connectToItself() {
+  auto [listener, port] = listenOn("127.0.0.1");
+  Address address = addressOf("127.0.0.1", port);
+  wake_[1] = newSocket(AF_INET);
+  if (::connect(wake_[1], address.get(), address.size) == 0) wake_[0] = ::accept(listener, nullptr, nullptr);
+  closeSocket(listener);
+  if (wake_[0] == kNoSocket) throw std::runtime_error("cannot connect to this machine itself");
 }
 
 void ScriptedFtpServer::addFolder(const std::string& path) {
@@ -159,11 +160,10 @@ std::size_t ScriptedFtpServer::commandsSentAhead() const {
 
 void ScriptedFtpServer::serve() {
   while (waitReadable(listener_, wake_[0])) {
-    const int control = ::accept(listener_, nullptr, nullptr);
-    if (control < 0) continue;
+    const SocketNumber control = ::accept(listener_, nullptr, nullptr);
+    if (control == kNoSocket) continue;
     // Replies go out one by one: held back until the one before is acknowledged, each would cost 40 ms.
-    const int on = 1;
-    ::setsockopt(control, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    setSocketOption(control, IPPROTO_TCP, TCP_NODELAY, int{1});
     Session session(*this, control);
     for (perform(session); session.open_ && session.nextLine();) perform(session);
     session.drop();
@@ -236,12 +236,12 @@ void ScriptedFtpServer::Session::closeDataPort() {
 
 void ScriptedFtpServer::Session::resetData() {
   const linger reset{1, 0};
-  ::setsockopt(data_, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+  setSocketOption(data_, SOL_SOCKET, SO_LINGER, reset);
   closeSocket(data_);
 }
 
 bool ScriptedFtpServer::Session::sendData(std::string_view bytes) {
-  return data_ >= 0 && sendAll(data_, bytes, server_.wake_[0]);
+  return data_ != kNoSocket && sendAll(data_, bytes, server_.wake_[0]);
 }
 
 void ScriptedFtpServer::Session::waitForClient() {
@@ -251,15 +251,15 @@ void ScriptedFtpServer::Session::waitForClient() {
 bool ScriptedFtpServer::Session::openData() {
   if (activePort_ != 0) {
     Address address = addressOf(activeHost_, std::exchange(activePort_, std::uint16_t{0}));
-    data_ = ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    data_ = newSocket(address.storage.ss_family);
     if (::connect(data_, address.get(), address.size) == 0) return true;
     closeSocket(data_);
     return false;
   }
-  if (listening_ < 0 || !waitReadable(listening_, server_.wake_[0])) return false;
+  if (listening_ == kNoSocket || !waitReadable(listening_, server_.wake_[0])) return false;
   data_ = ::accept(listening_, nullptr, nullptr);
   closeSocket(listening_);
-  return data_ >= 0;
+  return data_ != kNoSocket;
 }
 
 bool ScriptedFtpServer::Session::nextLine() {
@@ -268,7 +268,7 @@ bool ScriptedFtpServer::Session::nextLine() {
   while ((end = input_.find('\n')) == std::string::npos) {
     char bytes[4096];
     if (!waitReadable(control_, server_.wake_[0])) return false;
-    const ssize_t size = ::recv(control_, bytes, sizeof bytes, 0);
+    const std::ptrdiff_t size = receive(control_, bytes, sizeof bytes);
     if (size <= 0) return false;
     input_.append(bytes, static_cast<std::size_t>(size));
     waited = true;

@@ -19,6 +19,8 @@
 #include <thread>
 #include <vector>
 
+#include "SocketApi.h"
+
 namespace quillmoor::testing {
 
 class ScriptedFtpServer {
@@ -88,7 +90,7 @@ class ScriptedFtpServer {
 
    private:
     friend class ScriptedFtpServer;
-    explicit Session(ScriptedFtpServer& server, int control) : server_(server), control_(control) {}
+    explicit Session(ScriptedFtpServer& server, SocketNumber control) : server_(server), control_(control) {}
 
     bool nextLine();
     void usual();
@@ -98,7 +100,7 @@ class ScriptedFtpServer {
     void adoptPort(const std::string& text);
 
     ScriptedFtpServer& server_;
-    int control_, data_ = -1, listening_ = -1;
+    SocketNumber control_, data_ = kNoSocket, listening_ = kNoSocket;
     std::uint16_t activePort_ = 0;
     std::string activeHost_;
     std::string input_, folder_ = "/";
@@ -116,6 +118,7 @@ class ScriptedFtpServer {
   };
 
   void addRule(const std::string& prefix, Action action, int uses);
+  void connectToItself();
   void serve();
   void perform(Session& session);
   std::string listingOf(const std::string& folder) const;
@@ -130,7 +133,7 @@ class ScriptedFtpServer {
   bool discards_ = false;
   bool ipv6_;
   bool stopping_ = false;
-  int listener_ = -1, wake_[2] = {-1, -1};
+  SocketNumber listener_ = kNoSocket, wake_[2] = {kNoSocket, kNoSocket};
   std::uint16_t port_ = 0;
   std::thread thread_;
 };

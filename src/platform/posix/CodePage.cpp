@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
+
+#include "platform/Utf8.h"
 
 namespace quillmoor {
 namespace {
@@ -14,28 +15,6 @@ constexpr std::array<char16_t, 32> kUpper = {0x20AC, 0x0081, 0x201A, 0x0192, 0x2
                                              0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                              0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                              0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-struct Decoded {
-  char32_t character = 0;
-  std::size_t length = 0;  // 0: no UTF-8
-};
-
-/// RFC 3629: no overlong forms, no surrogates.
-Decoded decode(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return {lead, 1};
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return {};
-  char32_t character = lead & (0xFFU >> (length + 1));
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return {};
-    character = (character << 6) | (byte(i) & 0x3F);
-  }
-  const bool overlong = (length == 3 && character < 0x800) || (length == 4 && character < 0x10000);
-  if (overlong || (character >= 0xD800 && character < 0xE000) || character > 0x10FFFF) return {};
-  return {character, length};
-}
 
 char ansiOf(char32_t character) {
   if (character < 0x80 || (character >= 0xA0 && character < 0x100)) return static_cast<char>(character);
@@ -50,7 +29,7 @@ std::string ToAnsi(std::string_view utf8) {
   std::string ansi;
   ansi.reserve(utf8.size());
   while (!utf8.empty()) {
-    const Decoded next = decode(utf8);
+    const Utf8Character next = DecodeUtf8(utf8);
     ansi += next.length == 0 ? utf8[0] : ansiOf(next.character);
     utf8.remove_prefix(std::max<std::size_t>(next.length, 1));
   }
@@ -62,17 +41,7 @@ std::string FromAnsi(std::string_view ansi) {
   utf8.reserve(ansi.size());
   for (const char c : ansi) {
     const auto byte = static_cast<unsigned char>(c);
-    const std::uint32_t character = byte >= 0x80 && byte < 0xA0 ? kUpper[byte - 0x80U] : byte;
-    if (character < 0x80) {
-      utf8 += c;
-    } else if (character < 0x800) {
-      utf8 += static_cast<char>(0xC0 | (character >> 6));
-      utf8 += static_cast<char>(0x80 | (character & 0x3F));
-    } else {
-      utf8 += static_cast<char>(0xE0 | (character >> 12));
-      utf8 += static_cast<char>(0x80 | ((character >> 6) & 0x3F));
-      utf8 += static_cast<char>(0x80 | (character & 0x3F));
-    }
+    AppendUtf8(utf8, byte >= 0x80 && byte < 0xA0 ? kUpper[byte - 0x80U] : byte);
   }
   return utf8;
 }

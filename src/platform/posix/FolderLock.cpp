@@ -1,4 +1,4 @@
-#include "platform/posix/FolderLock.h"
+#include "platform/FolderLock.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -10,18 +10,19 @@
 namespace quillmoor {
 
 FolderLock::FolderLock(const std::filesystem::path& folder)
-    : number_(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    : handle_(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  const int number = static_cast<int>(handle_);
   int locked = -1;
-  while (number_ >= 0 && (locked = ::flock(number_, LOCK_EX)) != 0 && errno == EINTR) {
+  while (number >= 0 && (locked = ::flock(number, LOCK_EX)) != 0 && errno == EINTR) {
   }
   if (locked == 0) return;
   const int reason = errno;
-  if (number_ >= 0) ::close(number_);
+  if (number >= 0) ::close(number);
   throw std::system_error(reason, std::generic_category(), "cannot lock " + folder.string());
 }
 
 FolderLock::~FolderLock() {
-  ::close(number_);
+  ::close(static_cast<int>(handle_));
 }
 
 }  // namespace quillmoor

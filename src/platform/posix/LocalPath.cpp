@@ -5,4 +5,12 @@ namespace quillmoor {
 const char kLocalSeparator = '/';
 const LocalNameRules kLocalNameRules = LocalNameRules::posix;
 
+std::filesystem::path LocalPath(const std::string& text) {
+  return text;
+}
+
+std::string LocalPathText(const std::filesystem::path& path) {
+  return path.native();
+}
+
 }  // namespace quillmoor

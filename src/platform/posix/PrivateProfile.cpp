@@ -1,26 +1,16 @@
 #include "platform/PrivateProfile.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <exception>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
-#include <system_error>
 
 #include "platform/CodePage.h"
-#include "platform/WholeFile.h"
-#include "platform/posix/FolderLock.h"
+#include "platform/PrivateProfileFile.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\v\f";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-// No profile file comes near this; something else that bears its name is not read into memory.
-constexpr std::uintmax_t kLargestFile = std::uintmax_t{64} << 20;
 
 std::string_view trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(kBlanks);
@@ -58,17 +48,6 @@ struct Line {
   std::string_view value() const { return unquoted(trimmed(text.substr(text.find('=') + 1))); }
 };
 
-/// The bytes of the file; "" for a missing one, nothing for one that cannot be read.
-std::optional<std::string> readWhole(const std::string& file) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(file, error);
-  if (error)
-    return error == std::errc::no_such_file_or_directory ? std::optional<std::string>("") : std::nullopt;
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream || size > kLargestFile) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(stream), {});
-}
-
 std::vector<Line> linesOf(std::string_view text) {
   std::vector<Line> lines;
   std::size_t at = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
@@ -95,25 +74,10 @@ SectionRange findSection(const std::vector<Line>& lines, std::string_view name) 
   return {static_cast<std::size_t>(header - lines.begin()), static_cast<std::size_t>(end - lines.begin())};
 }
 
-bool writeWhole(const std::string& file, std::string_view before, std::string_view after,
-                WholeFile::Survives survives = WholeFile::Survives::process) {
-  if (before == after) return ::access(file.c_str(), W_OK) == 0 || after.empty();
-  try {
-    // A file that the user may not write stays, although its folder would let it be replaced.
-    if (::access(file.c_str(), F_OK) == 0 && ::access(file.c_str(), W_OK) != 0) return false;
-    WholeFile whole(file, survives, WholeFile::Readers::owner);
-    whole.write(after);
-    whole.commit();
-    return true;
-  } catch (const std::exception&) {
-    return false;
-  }
-}
-
 }  // namespace
 
 std::string GetPrivateProfileString(std::string_view section, std::string_view key, const std::string& file) {
-  const auto text = readWhole(file);
+  const auto text = ReadProfileFile(file);
   if (!text) return "";
   const auto lines = linesOf(*text);
   const SectionRange range = findSection(lines, section);
@@ -128,7 +92,7 @@ std::string GetPrivateProfileString(std::string_view section, std::string_view k
 
 std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file) {
   std::vector<std::string> names;
-  const auto text = readWhole(file);
+  const auto text = ReadProfileFile(file);
   if (!text) return names;
   std::size_t left = kPrivateProfileBuffer - 2;  // each name with its terminator, and one at the end
   for (const Line& line : linesOf(*text)) {
@@ -143,7 +107,7 @@ std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file) 
 
 bool WritePrivateProfileString(std::string_view section, std::string_view key, std::string_view value,
                                const std::string& file) {
-  const auto text = readWhole(file);
+  const auto text = ReadProfileFile(file);
   if (!text) return false;
   std::string entry(trimmed(key));
   entry.append("=").append(value).append("\r\n");
@@ -159,56 +123,32 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key, s
     std::string changed = *text;
     if (!changed.empty() && changed.back() != '\n') changed += "\r\n";
     changed.append("[").append(trimmed(section)).append("]\r\n").append(entry);
-    return writeWhole(file, *text, changed);
+    return WriteProfileFile(file, *text, changed);
   }
   std::size_t behind = lines[range.header].end;
   for (std::size_t i = range.header + 1; i < range.end; ++i) {
     const auto name = lines[i].key();
     if (name && SameAnsiName(*name, trimmed(key))) {
       std::string changed = text->substr(0, lines[i].begin);
-      return writeWhole(file, *text, changed.append(entry).append(*text, lines[i].end));
+      return WriteProfileFile(file, *text, changed.append(entry).append(*text, lines[i].end));
     }
     // Blank lines at the end of a section stay between it and the next.
     if (!trimmed(lines[i].text).empty()) behind = lines[i].end;
   }
   std::string changed = text->substr(0, behind);
   if (changed.back() != '\n') changed += "\r\n";
-  return writeWhole(file, *text, changed.append(entry).append(*text, behind));
+  return WriteProfileFile(file, *text, changed.append(entry).append(*text, behind));
 }
 
 bool DeletePrivateProfileSection(std::string_view section, const std::string& file) {
-  const auto text = readWhole(file);
+  const auto text = ReadProfileFile(file);
   if (!text) return false;
   const auto lines = linesOf(*text);
   const SectionRange range = findSection(lines, section);
   if (range.header == lines.size()) return true;
   std::string changed = text->substr(0, lines[range.header].begin);
   if (range.end < lines.size()) changed.append(*text, lines[range.end].begin);
-  return writeWhole(file, *text, changed);
-}
-
-bool EditPrivateProfile(const std::string& file, const std::function<bool(const std::string& copy)>& edit) {
-  std::optional<FolderLock> lock;  // another program's edit would end with its own idea of the other profiles
-  try {
-    lock.emplace(std::filesystem::path(file).parent_path());
-  } catch (const std::system_error&) {
-    return false;
-  }
-  const auto before = readWhole(file);
-  if (!before) return false;
-  struct Copy {
-    std::string path;
-    ~Copy() {
-      std::error_code ignored;
-      std::filesystem::remove(path, ignored);
-    }
-  } const copy{file + ".edit"};
-  std::error_code ignored;
-  std::filesystem::remove(copy.path, ignored);  // of a program that was killed
-  if (!before->empty() && !writeWhole(copy.path, "", *before)) return false;
-  if (!edit(copy.path)) return false;
-  const auto after = readWhole(copy.path);
-  return after && writeWhole(file, *before, *after, WholeFile::Survives::power);
+  return WriteProfileFile(file, *text, changed);
 }
 
 }  // namespace quillmoor

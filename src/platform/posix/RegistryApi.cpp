@@ -10,9 +10,9 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/FolderLock.h"
 #include "platform/WholeFile.h"
 #include "platform/posix/AutostartEntry.h"
-#include "platform/posix/FolderLock.h"
 #include "platform/posix/RegistryFile.h"
 #include "platform/posix/UserFolders.h"
 
@@ -118,23 +118,6 @@ std::vector<RegistryFileValue>::iterator findValue(RegistryFileKey& key, const s
 }
 
 }  // namespace
-
-std::string RegistryRootName(std::uint32_t root) {
-  switch (root) {
-    case HKEY_CLASSES_ROOT_VALUE:
-      return "HKEY_CLASSES_ROOT";
-    case HKEY_CURRENT_USER_VALUE:
-      return "HKEY_CURRENT_USER";
-    case HKEY_LOCAL_MACHINE_VALUE:
-      return "HKEY_LOCAL_MACHINE";
-    case HKEY_USERS_VALUE:
-      return "HKEY_USERS";
-    case HKEY_CURRENT_CONFIG_VALUE:
-      return "HKEY_CURRENT_CONFIG";
-    default:
-      return "";
-  }
-}
 
 namespace RegistryApi {
 

@@ -22,7 +22,7 @@ std::filesystem::path WholeFile::temporaryName(const std::filesystem::path& fold
 }
 
 WholeFile::WholeFile(std::filesystem::path target, Survives survives, Readers readers)
-    : target_(std::move(target)), survives_(survives) {
+    : target_(std::move(target)), survives_(survives), readers_(readers) {
   mode_t mode = 0666;  // the user's umask decides
   bool keepMode = false;
   if (readers == Readers::owner) {

@@ -1,6 +1,7 @@
 // One writer at a time in a folder, across programs.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 
 namespace quillmoor {
@@ -15,7 +16,7 @@ class FolderLock {
   FolderLock& operator=(const FolderLock&) = delete;
 
  private:
-  int number_;
+  std::intptr_t handle_;
 };
 
 }  // namespace quillmoor

@@ -1,15 +1,10 @@
-// Local times and the times of files, in zones whose clocks change.
+// Local times in zones whose clocks change.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <ctime>
-#include <string>
 
-#include "platform/FileTimes.h"
+#include "TestPlatform.h"
 #include "platform/LocalTime.h"
-#include "support/TemporaryFolder.h"
 
 namespace quillmoor {
 namespace {
@@ -18,21 +13,7 @@ using std::chrono::hours;
 using std::chrono::minutes;
 using std::chrono::seconds;
 using std::chrono::sys_seconds;
-
-/// A time zone for as long as this lives; nobody is told of it but the environment.
-class TimeZone {
- public:
-  explicit TimeZone(const char* name) : before_(std::getenv("TZ") ? std::getenv("TZ") : "") {
-    ::setenv("TZ", name, 1);
-  }
-  ~TimeZone() {
-    before_.empty() ? ::unsetenv("TZ") : ::setenv("TZ", before_.c_str(), 1);
-    ::tzset();
-  }
-
- private:
-  std::string before_;
-};
+using testing::TimeZone;
 
 LocalDateTime at(int month, int day, int hour, int minute) {
   return *MakeLocalDateTime({2026, month, day, hour, minute, 0, 0});
@@ -80,36 +61,6 @@ TEST(LocalTime, FollowsTheMachineIntoAnotherZone) {
   EXPECT_EQ(SplitLocalDateTime(UtcToLocal(noon)).hour, 12);
   const TimeZone abroad("XYZ-3");
   EXPECT_EQ(SplitLocalDateTime(UtcToLocal(noon)).hour, 15);
-}
-
-TEST(FileTimes, AreReadAndSetToTheSecond) {
-  const testing::TemporaryFolder folder;
-  const std::string file = (folder / "f").string();
-  const auto start = std::chrono::floor<seconds>(std::chrono::system_clock::now());
-  testing::writeFile(file, "kept");
-  const sys_seconds before1970{seconds(-86400)};
-  for (const sys_seconds time :
-       {sys_seconds{seconds(1231981200)}, sys_seconds{seconds(4102444800)}, before1970}) {
-    ASSERT_TRUE(WriteModifiedTime(file, time));
-    const auto times = ReadFileTimes(file);
-    ASSERT_TRUE(times);
-    EXPECT_EQ(times->modified, time);
-    EXPECT_GE(times->accessed, start - seconds(1)) << "of no concern to the writer";
-  }
-  EXPECT_EQ(testing::contentsOf(file), "kept");
-}
-
-TEST(FileTimes, LeaveAloneWhatIsNoFile) {
-  const testing::TemporaryFolder folder;
-  const std::string pipe = (folder / "pipe").string();
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  const sys_seconds time{seconds(1231981200)};
-  EXPECT_FALSE(WriteModifiedTime(pipe, time)) << "and without waiting for a reader";
-  EXPECT_FALSE(WriteModifiedTime(folder.path().string(), time));
-  EXPECT_FALSE(ReadFileTimes(folder.path().string()));
-  EXPECT_FALSE(WriteModifiedTime((folder / "none").string(), time));
-  EXPECT_FALSE(std::filesystem::exists(folder / "none"));
-  EXPECT_FALSE(ReadFileTimes((folder / "none").string()));
 }
 
 }  // namespace

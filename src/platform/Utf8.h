@@ -1,0 +1,21 @@
+// UTF-8, character by character (RFC 3629).
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quillmoor {
+
+struct Utf8Character {
+  char32_t character = 0;
+  std::size_t length = 0;  // bytes; 0 when the text begins with what is no UTF-8
+};
+
+/// The first character of a text that is not empty. Overlong forms and surrogates are no UTF-8.
+Utf8Character DecodeUtf8(std::string_view text);
+
+/// Appends a character up to U+10FFFF.
+void AppendUtf8(std::string& text, char32_t character);
+
+}  // namespace quillmoor

@@ -1,0 +1,49 @@
+#include "platform/CodePage.h"
+
+#include "platform/windows/WideText.h"
+#include "platform/windows/WindowsApi.h"
+
+namespace quillmoor {
+
+// The system's conversions take lengths of 32 bits; no text here comes near.
+
+std::string ToAnsi(std::string_view utf8) {
+  // Bytes that are no UTF-8 were widened by the code page, and so come back as they were.
+  const std::wstring wide = Widen(utf8);
+  const int length = static_cast<int>(wide.size());
+  const int size = ::WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+  std::string ansi(static_cast<std::size_t>(size), '\0');
+  ::WideCharToMultiByte(CP_ACP, 0, wide.data(), length, ansi.data(), size, nullptr, nullptr);
+  return ansi;
+}
+
+namespace {
+
+std::wstring wideFromAnsi(std::string_view ansi) {
+  const int length = static_cast<int>(ansi.size());
+  const int size = ::MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(size), L'\0');
+  ::MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, wide.data(), size);
+  return wide;
+}
+
+}  // namespace
+
+std::string FromAnsi(std::string_view ansi) {
+  return Narrow(wideFromAnsi(ansi));
+}
+
+char AnsiUpper(char c) {
+  // Given a number in place of a pointer, the function converts this one character.
+  const auto code = static_cast<ULONG_PTR>(static_cast<unsigned char>(c));
+  return static_cast<char>(reinterpret_cast<ULONG_PTR>(::CharUpperA(reinterpret_cast<LPSTR>(code))));
+}
+
+bool SameAnsiName(std::string_view a, std::string_view b) {
+  const std::wstring x = wideFromAnsi(a);
+  const std::wstring y = wideFromAnsi(b);
+  return ::CompareStringOrdinal(x.data(), static_cast<int>(x.size()), y.data(), static_cast<int>(y.size()),
+                                TRUE) == CSTR_EQUAL;
+}
+
+}  // namespace quillmoor

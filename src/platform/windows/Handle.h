@@ -1,0 +1,31 @@
+// A handle of the system that is closed with its owner.
+#pragma once
+
+#include <windows.h>
+
+#include <utility>
+
+namespace quillmoor {
+
+class Handle {
+ public:
+  Handle() = default;
+  /// Takes what CreateFile and the like return: INVALID_HANDLE_VALUE and null are no handles.
+  explicit Handle(HANDLE handle) : handle_(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
+  ~Handle() {
+    if (handle_) ::CloseHandle(handle_);
+  }
+  Handle(Handle&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Handle& operator=(Handle&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+
+  explicit operator bool() const { return handle_ != nullptr; }
+  HANDLE get() const { return handle_; }
+
+ private:
+  HANDLE handle_ = nullptr;
+};
+
+}  // namespace quillmoor

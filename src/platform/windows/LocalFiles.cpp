@@ -1,0 +1,40 @@
+#include "platform/LocalFiles.h"
+
+#include "platform/windows/Handle.h"
+#include "platform/windows/WideText.h"
+
+namespace quillmoor {
+namespace {
+
+DWORD attributesOf(const std::string& path) {
+  return ::GetFileAttributesW(WidePath(path).c_str());
+}
+
+}  // namespace
+
+bool LocalPathExists(const std::string& path) {
+  return attributesOf(path) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool LocalFolderExists(const std::string& path) {
+  const DWORD attributes = attributesOf(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool CreateLocalFolder(const std::string& path) {
+  return ::CreateDirectoryW(WidePath(path).c_str(), nullptr) != FALSE;
+}
+
+bool RemoveLocalFile(const std::string& path) {
+  const std::wstring name = WidePath(path);
+  return ::DeleteFileW(name.c_str()) != FALSE || ::RemoveDirectoryW(name.c_str()) != FALSE;
+}
+
+bool LocalFileIsWritable(const std::string& path) {
+  const Handle file(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  return static_cast<bool>(file);
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,88 @@
+#include "platform/windows/WideText.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <system_error>
+
+#include "platform/LocalPath.h"
+#include "platform/Utf8.h"
+
+namespace quillmoor {
+namespace {
+
+// A folder's name must leave room for a file "8.3" in it: 260 - 12.
+constexpr std::size_t kPlainLength = 240;
+constexpr std::wstring_view kUnlimited = L"\\\\?\\";
+
+std::wstring fullPath(const std::wstring& path) {
+  std::wstring full(1000, L'\0');
+  for (;;) {
+    const DWORD length =
+        ::GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    if (length == 0) return path;
+    const bool fits = length < full.size();
+    full.resize(length);
+    if (fits) return full;
+  }
+}
+
+}  // namespace
+
+std::wstring Widen(std::string_view utf8) {
+  std::wstring wide;
+  wide.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const Utf8Character next = DecodeUtf8(utf8);
+    if (next.length == 0) {
+      wchar_t character = L'?';
+      ::MultiByteToWideChar(CP_ACP, 0, utf8.data(), 1, &character, 1);
+      wide += character;
+    } else if (next.character < 0x10000) {
+      wide += static_cast<wchar_t>(next.character);
+    } else {
+      wide += static_cast<wchar_t>(0xD800 + ((next.character - 0x10000) >> 10));
+      wide += static_cast<wchar_t>(0xDC00 + ((next.character - 0x10000) & 0x3FF));
+    }
+    utf8.remove_prefix(std::max<std::size_t>(next.length, 1));
+  }
+  return wide;
+}
+
+std::string Narrow(std::wstring_view wide) {
+  const auto isHigh = [](wchar_t c) { return c >= 0xD800 && c < 0xDC00; };
+  const auto isLow = [](wchar_t c) { return c >= 0xDC00 && c < 0xE000; };
+  std::string utf8;
+  utf8.reserve(wide.size());
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    char32_t character = wide[i];
+    if (isHigh(wide[i]) && i + 1 < wide.size() && isLow(wide[i + 1])) {
+      character = 0x10000 + ((character - 0xD800) << 10) + (static_cast<char32_t>(wide[++i]) - 0xDC00);
+    } else if (isHigh(wide[i]) || isLow(wide[i])) {
+      character = 0xFFFD;
+    }
+    AppendUtf8(utf8, character);
+  }
+  return utf8;
+}
+
+std::wstring WidePath(const std::filesystem::path& path) {
+  const std::wstring& plain = path.native();
+  if (plain.size() < kPlainLength || plain.starts_with(kUnlimited)) return plain;
+  const std::wstring full = fullPath(plain);
+  if (full.starts_with(kUnlimited)) return full;
+  if (full.starts_with(L"\\\\")) return std::wstring(kUnlimited) + L"UNC" + full.substr(1);
+  return std::wstring(kUnlimited) + full;
+}
+
+std::wstring WidePath(const std::string& text) {
+  return WidePath(LocalPath(text));
+}
+
+void RaiseLastError(const char* what, const std::filesystem::path& path) {
+  const DWORD error = ::GetLastError();
+  throw std::system_error(static_cast<int>(error), std::system_category(),
+                          std::string(what) + " " + LocalPathText(path));
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,10 @@
+// The system's header, without the macros that would rename functions of this program.
+#pragma once
+
+#include <windows.h>
+
+#undef AnsiUpper
+#undef CopyFile
+#undef GetPrivateProfileSectionNames
+#undef GetPrivateProfileString
+#undef WritePrivateProfileString

@@ -1,0 +1,34 @@
+// What else may stand where a file is expected: a pipe, a link.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <system_error>
+
+#include "platform/FileTimes.h"
+#include "platform/WholeFile.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor {
+namespace {
+
+using testing::contentsOf;
+using testing::TemporaryFolder;
+using testing::writeFile;
+
+TEST(FileTimes, LeaveAPipeAloneWithoutWaitingForAReader) {
+  const testing::TemporaryFolder folder;
+  const std::string pipe = (folder / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_FALSE(WriteModifiedTime(pipe, std::chrono::sys_seconds{}));
+}
+
+TEST(WholeFile, DoesNotWriteThroughALinkUnderTheTemporaryName) {
+  const TemporaryFolder folder;
+  writeFile(folder / "victim", "untouched");
+  std::filesystem::create_symlink(folder / "victim", WholeFile::temporaryName(folder.path()));
+  EXPECT_THROW(WholeFile(folder / "a"), std::system_error);
+  EXPECT_EQ(contentsOf(folder / "victim"), "untouched");
+}
+
+}  // namespace
+}  // namespace quillmoor

@@ -1,0 +1,73 @@
+// Text on its way to the system and back, and files that the plain form of a path cannot reach.
+#include "platform/windows/WideText.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/FileTimes.h"
+#include "platform/LocalFiles.h"
+#include "platform/LocalPath.h"
+#include "platform/WholeFile.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor {
+namespace {
+
+TEST(WideText, GoesThereAndBack) {
+  const struct {
+    const char* utf8;
+    std::wstring wide;
+  } cases[] = {{"", L""},
+               {"abc", L"abc"},
+               {"gr\xC3\xBC\xC3\x9F"
+                "e",
+                L"gr\u00FC\u00DFe"},
+               {"\xE6\x97\xA5", L"\u65E5"},
+               {"\xF0\x9F\x98\x80", {0xD83D, 0xDE00}}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(Widen(c.utf8), c.wide) << c.utf8;
+    EXPECT_EQ(Narrow(c.wide), c.utf8);
+  }
+  EXPECT_EQ(Widen("\xE4x\xFF"), L"\u00E4x\u00FF") << "in the code page, which is 1252 where the tests run";
+  EXPECT_EQ(Narrow(std::wstring{0xD83D, L'x'}), "\xEF\xBF\xBDx");
+}
+
+TEST(WidePath, LiftsTheLimitOfLength) {
+  EXPECT_EQ(WidePath(std::string("C:\\short")), L"C:\\short");
+  const std::string name(200, 'n');
+  EXPECT_EQ(WidePath("C:\\" + name + "/" + name), Widen("\\\\?\\C:\\" + name + "\\" + name));
+  EXPECT_EQ(WidePath("\\\\server\\share\\" + name + "\\" + name),
+            Widen("\\\\?\\UNC\\server\\share\\" + name + "\\" + name));
+  EXPECT_EQ(WidePath("\\\\?\\C:\\" + name + "\\" + name), Widen("\\\\?\\C:\\" + name + "\\" + name))
+      << "once";
+}
+
+TEST(WidePath, ReachesDeepFilesWithNamesOutsideTheCodePage) {
+  const testing::TemporaryFolder folder;
+  std::string deep = LocalPathText(folder.path());
+  for (int i = 0; i < 5; ++i) {
+    deep += "\\\xE6\x97\xA5\xE6\x9C\xAC-" + std::string(100, static_cast<char>('a' + i));
+    ASSERT_TRUE(CreateLocalFolder(deep)) << deep;
+  }
+  EXPECT_TRUE(LocalFolderExists(deep));
+  const std::string file = deep + "\\\xD0\x9F.txt";
+  {
+    WholeFile whole{LocalPath(file)};
+    whole.write("x");
+    whole.commit();
+  }
+  EXPECT_TRUE(LocalPathExists(file));
+  EXPECT_FALSE(LocalFolderExists(file));
+  const std::chrono::sys_seconds time{std::chrono::seconds(1231981200)};
+  EXPECT_TRUE(WriteModifiedTime(file, time));
+  ASSERT_TRUE(ReadFileTimes(file));
+  EXPECT_EQ(ReadFileTimes(file)->modified, time);
+  // What made them must take them away: the folder's own removal does not reach so deep.
+  EXPECT_TRUE(RemoveLocalFile(file));
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_TRUE(RemoveLocalFile(deep));
+    deep.resize(deep.rfind('\\'));
+  }
+}
+
+}  // namespace
+}  // namespace quillmoor

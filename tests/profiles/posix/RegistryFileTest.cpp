@@ -1,0 +1,154 @@
+// The file that the registry is on this platform, and what keeps in step with it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "TestPlatform.h"
+#include "platform/ProgramFolder.h"
+#include "platform/RegistryApi.h"
+#include "platform/posix/RegistryFile.h"
+#include "profiles/ApplicationSettings.h"
+#include "profiles/SettingsStore.h"
+#include "profiles/cRegistry.h"
+#include "profiles/mAutoRun.h"
+
+namespace quillmoor {
+namespace {
+
+using testing::contentsOf;
+using ::testing::HasSubstr;
+using testing::writeFile;
+using Bytes = std::vector<std::uint8_t>;
+
+class RegistryStore : public ::testing::Test {
+ protected:
+  static cRegistry value(const std::string& name, std::uint32_t type = 1) {
+    cRegistry registry;
+    registry.ClassKey = HKEY_LOCAL_MACHINE_VALUE;
+    registry.SectionKey = "Software\\Test";
+    registry.ValueKey = name;
+    registry.ValueType = type;
+    return registry;
+  }
+
+  testing::OwnRegistry own;
+};
+
+TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
+  value("text").SetValue(std::string("a\\b \"c\""));
+  value("more").SetValue(std::string("ü"));
+  value("number", 4).SetValue(std::int32_t{42});
+  value("bytes", 3).SetValue(Bytes(30, 0xAB));
+  value("ref").SetValue(std::string("%A%"));
+  const std::string abs = [] {
+    std::string text;
+    for (int i = 0; i < 21; ++i) text += "ab,";
+    return text;
+  }();
+  EXPECT_EQ(contentsOf(own.store),
+            "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n"
+            "\"text\"=\"a\\\\b \\\"c\\\"\"\r\n"
+            "\"more\"=hex(1):fc,00,00,00\r\n"
+            "\"number\"=dword:0000002a\r\n"
+            "\"bytes\"=hex:" +
+                abs +
+                "\\\r\n  ab,ab,ab,ab,ab,ab,ab,ab,ab\r\n"
+                "\"ref\"=hex(2):25,00,41,00,25,00,00,00\r\n");
+}
+
+TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
+  const std::string text =
+      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n@=\"default\"\r\n"
+      "\"text\"=\"two\r\nlines\"\r\n\"bytes\"=hex:01,\\\r\n  "
+      "02,03\r\n\"n\"=dword:FFFFFFFE\r\n\"gone\"=\"x\"\r\n"
+      "\"gone\"=-\r\n; a comment\r\n[HKEY_CURRENT_USER\\X]\r\n[-HKEY_CURRENT_USER\\X]\r\n";
+  std::string utf16 = "\xFF\xFE";
+  for (const char c : text) utf16.append({c, '\0'});
+  for (const std::string& bytes : {text, "\xEF\xBB\xBF" + text, utf16}) {
+    std::filesystem::create_directories(own.store.parent_path());
+    writeFile(own.store, bytes);
+    EXPECT_EQ(value("").Value(), RegistryValue(std::string("default")));
+    EXPECT_EQ(value("text").Value(), RegistryValue(std::string("two\r\nlines")));
+    EXPECT_EQ(value("bytes").Value(), RegistryValue(Bytes{1, 2, 3}));
+    EXPECT_EQ(value("n").Value(), RegistryValue(std::int32_t{-2}));
+    EXPECT_EQ(value("gone").Value(), RegistryValue());
+    EXPECT_FALSE(RegistryApi::keyExists(HKEY_CURRENT_USER_VALUE, "X"));
+  }
+}
+
+TEST_F(RegistryStore, LeavesADamagedFileAlone) {
+  const std::string head =
+      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n";
+  const struct {
+    std::string bytes;
+    const char* line;
+  } cases[] = {{"REGEDIT9\r\n", "line 1"},
+               {head + "\"a\"=\"never closed\r\n", "line"},
+               {head + "\"a\"=dword:x\r\n", "line 4"},
+               {head + "[no bracket\r\n", "line"},
+               {head + "\"a\"=hex:0g\r\n", "line 4"},
+               {head + "rubbish\r\n", "line 4"},
+               {head + "\"a\"=\"b\" c\r\n", "line 4"},
+               {std::string("\0\x01\x02", 3), "line 1"}};
+  std::filesystem::create_directories(own.store.parent_path());
+  for (const auto& c : cases) {
+    std::filesystem::remove(own.store.string() + ".damaged");
+    writeFile(own.store, c.bytes);
+    try {
+      LoadApplicationSettings();
+      FAIL() << "not raised: " << c.bytes;
+    } catch (const RegistryStoreError& error) {
+      EXPECT_THAT(error.what(), HasSubstr(own.store.string()));
+      EXPECT_THAT(error.what(), HasSubstr(c.line));
+    }
+    EXPECT_THROW(WriteSetting("AutoDial", "0"), RegistryError);
+    EXPECT_EQ(contentsOf(own.store), c.bytes);
+    EXPECT_EQ(contentsOf(own.store.string() + ".damaged"), c.bytes);
+  }
+}
+
+TEST_F(RegistryStore, SurvivesRubbish) {
+  std::mt19937 random(815);
+  const std::string good = formatRegistryFile({{"HKEY_CURRENT_USER\\A",
+                                                {{"t", {RegistryType::text, "x\\\"y"}},
+                                                 {"e", {RegistryType::expandText, "%a%"}},
+                                                 {"b", {RegistryType::binary, "0123"}}}}});
+  int readable = 0;
+  for (int round = 0; round < 20'000; ++round) {
+    std::string bytes = good;
+    for (unsigned changes = random() % 4; changes > 0; --changes) {
+      bytes[random() % bytes.size()] = "\"\\[]=:,-@;\r\n\0a"[random() % 14];
+    }
+    try {
+      const auto keys = parseRegistryFile(bytes);
+      parseRegistryFile(formatRegistryFile(keys));  // what was understood can be written
+      ++readable;
+    } catch (const RegistryFileError& error) {
+      EXPECT_GE(error.line(), 1U);
+    }
+  }
+  EXPECT_GT(readable, 1000);
+}
+
+TEST_F(RegistryStore, SaysWhenItCannotBeMade) {
+  writeFile(own.folder / "blocked", "");
+  testing::setEnvironment("XDG_CONFIG_HOME", (own.folder / "blocked").string());
+  EXPECT_THROW(value("V").CreateKey(), RegistryError);
+}
+
+TEST_F(RegistryStore, KeepsTheDesktopsEntryInStep) {
+  using mAutoRun::Mode;
+  const auto desktopEntry = own.folder / "autostart" / (ProgramName() + ".desktop");
+  for (const Mode mode : {Mode::off, Mode::always, Mode::once, Mode::always, Mode::off}) {
+    mAutoRun::SetAutoRun(mode);
+    EXPECT_EQ(std::filesystem::exists(desktopEntry), mode == Mode::always);
+  }
+  mAutoRun::SetAutoRun(Mode::always);
+  EXPECT_THAT(contentsOf(desktopEntry), HasSubstr("\nExec=\"" + ProgramFolder() + ProgramName() + "\"\n"));
+}
+
+}  // namespace
+}  // namespace quillmoor

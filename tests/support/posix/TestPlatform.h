@@ -1,0 +1,46 @@
+// What a test changes around itself for a while, as this system does it.
+#pragma once
+
+#include <cstdlib>
+#include <ctime>
+#include <string>
+
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor::testing {
+
+inline void setEnvironment(const char* name, const std::string& value) {
+  ::setenv(name, value.c_str(), 1);
+}
+inline void unsetEnvironment(const char* name) {
+  ::unsetenv(name);
+}
+
+/// A time zone for as long as this lives; nobody is told of it but the environment.
+class TimeZone {
+ public:
+  explicit TimeZone(const char* name) : before_(std::getenv("TZ") ? std::getenv("TZ") : "") {
+    ::setenv("TZ", name, 1);
+  }
+  ~TimeZone() {
+    before_.empty() ? ::unsetenv("TZ") : ::setenv("TZ", before_.c_str(), 1);
+    ::tzset();
+  }
+  TimeZone(const TimeZone&) = delete;
+  TimeZone& operator=(const TimeZone&) = delete;
+
+ private:
+  std::string before_;
+};
+
+/// An empty registry in place of the user's own. It stays turned away from that when this is gone: no later
+/// test must ever reach it.
+class OwnRegistry {
+ public:
+  OwnRegistry() { setEnvironment("XDG_CONFIG_HOME", folder.path().string()); }
+
+  TemporaryFolder folder;
+  std::filesystem::path store = folder / "quillmoor" / "registry.reg";
+};
+
+}  // namespace quillmoor::testing

@@ -1,0 +1,41 @@
+// What a test changes around itself for a while, as this system does it.
+#pragma once
+
+#include <windows.h>
+
+#include <random>
+#include <string>
+
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor::testing {
+
+inline void setEnvironment(const char* name, const std::string& value) {
+  ::SetEnvironmentVariableA(name, value.c_str());
+}
+inline void unsetEnvironment(const char* name) {
+  ::SetEnvironmentVariableA(name, nullptr);
+}
+
+/// An empty key in place of the machine's registry, for this process alone.
+class OwnRegistry {
+ public:
+  OwnRegistry() {
+    ::RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key_,
+                      nullptr);
+    EXPECT_EQ(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, key_), ERROR_SUCCESS);
+  }
+  ~OwnRegistry() {
+    ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    ::RegCloseKey(key_);
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+  }
+  OwnRegistry(const OwnRegistry&) = delete;
+  OwnRegistry& operator=(const OwnRegistry&) = delete;
+
+ private:
+  std::wstring path_ = L"Software\\QuillmoorTest-" + std::to_wstring(std::random_device{}());
+  HKEY key_ = nullptr;
+};
+
+}  // namespace quillmoor::testing
