@@ -1,0 +1,36 @@
+// Shows rich text to be read, selected, copied and searched, not changed.
+#pragma once
+
+#include <wx/textctrl.h>
+
+#include <string>
+
+#include "controls/RtfReader.h"
+
+namespace quillmoor {
+
+/// A multi-line text control, so that keys, selection, copying and screen readers work as everywhere. Text
+/// that has no colour of its own takes the system's; colours that could not be read on the system's
+/// background are shaded until they can, also when the user changes the theme. The name for screen readers is
+/// the label given.
+class RichTextView : public wxTextCtrl {
+ public:
+  RichTextView(wxWindow* parent, wxWindowID id, const wxString& label);
+
+  /// Shows a document from its beginning.
+  void Show(RtfDocument document);
+  using wxTextCtrl::Show;
+
+  /// Shows a file (a UTF-8 path). One that is not there leaves the view empty; of one that cannot be read the
+  /// view says what is wrong. Returns whether the file is shown.
+  bool LoadFile(const std::string& path);
+
+ private:
+  void fill();
+  void appendSpace(int twips);
+  void append(const RtfParagraph& paragraph);
+
+  RtfDocument document_;
+};
+
+}  // namespace quillmoor
