@@ -21,7 +21,7 @@ class AnimationPlayer : public wxControl {
   explicit AnimationPlayer(wxWindow* parent, wxWindowID id = wxID_ANY,
                            const wxPoint& position = wxDefaultPosition, const wxSize& size = wxDefaultSize);
 
-  /// Stops, loads a file (a UTF-8 path) and shows its first frame; returns whether it could. A missing or
+  /// Stops, loads a file and shows its first frame; returns whether it could. A missing or
   /// damaged file shows nothing and raises nothing: what is wrong is in `error()`.
   bool Open(const std::string& path);
   /// Plays from the first frame, again and again. Nothing without a file.

@@ -35,7 +35,7 @@ inline constexpr std::size_t kMaxAviPixelBytes = std::size_t{64} << 20;  // of a
 /// before. Raises AviError for anything else, for damage, and beyond the bounds above.
 AviAnimation ReadAvi(std::string_view file);
 
-/// Reads a file. The errors name it; one that cannot be opened or read is an AviError too. `path` is UTF-8.
+/// Reads a file. The errors name it; one that cannot be opened or read is an AviError too.
 AviAnimation LoadAvi(const std::string& path);
 
 }  // namespace quillmoor

@@ -1,13 +1,14 @@
 #include "controls/BoundedFile.h"
 
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
+
+#include "platform/LocalPath.h"
 
 namespace quillmoor {
 
 std::string ReadBoundedFile(const std::string& path, std::size_t limit) {
-  std::ifstream stream(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
+  std::ifstream stream(LocalPath(path), std::ios::binary);
   if (!stream) throw std::runtime_error("cannot be opened");
   std::string content(limit + 1, '\0');
   stream.read(content.data(), static_cast<std::streamsize>(content.size()));

@@ -6,7 +6,7 @@
 
 namespace quillmoor {
 
-/// Raises std::runtime_error when the file cannot be read or holds more than `limit` bytes. `path` is UTF-8.
+/// Raises std::runtime_error when the file cannot be read or holds more than `limit` bytes.
 std::string ReadBoundedFile(const std::string& path, std::size_t limit);
 
 }  // namespace quillmoor

@@ -7,10 +7,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <utility>
 
 #include "controls/WxColours.h"
+#include "platform/LocalFiles.h"
 
 namespace quillmoor {
 namespace {
@@ -18,12 +18,7 @@ namespace {
 constexpr int kMargin = 200;  // twips around the text
 constexpr double kTenthsOfMillimetrePerTwip = 254.0 / 1440;
 
-int tenthsOfMillimetre(int twips) {
-  return static_cast<int>(std::lround(twips * kTenthsOfMillimetrePerTwip));
-}
-
-/// GTK counts tabs from where the first line begins, Windows from the margin.
-bool tabsBeginAtFirstLine() {
+bool isGtk() {
   return wxPlatformInfo::Get().GetPortId() == wxPORT_GTK;
 }
 
@@ -97,8 +92,7 @@ void RichTextView::Show(RtfDocument document) {
 bool RichTextView::LoadFile(const std::string& path) {
   RtfDocument document;
   bool shown = false;
-  std::error_code ignored;
-  if (std::filesystem::exists(std::filesystem::path(std::u8string(path.begin(), path.end())), ignored)) {
+  if (LocalPathExists(path)) {
     try {
       document = LoadRtf(path);
       shown = true;

@@ -21,7 +21,7 @@ class RichTextView : public wxTextCtrl {
   void Show(RtfDocument document);
   using wxTextCtrl::Show;
 
-  /// Shows a file (a UTF-8 path). One that is not there leaves the view empty; of one that cannot be read the
+  /// Shows a file. One that is not there leaves the view empty; of one that cannot be read the
   /// view says what is wrong. Returns whether the file is shown.
   bool LoadFile(const std::string& path);
 

@@ -62,7 +62,7 @@ inline constexpr std::size_t kMaxRtfRuns = 200'000;
 /// beyond the bounds above.
 RtfDocument ReadRtf(std::string_view text);
 
-/// Reads a file. The errors name it; one that cannot be opened or read is an RtfError too. `path` is UTF-8.
+/// Reads a file. The errors name it; one that cannot be opened or read is an RtfError too.
 RtfDocument LoadRtf(const std::string& path);
 
 }  // namespace quillmoor

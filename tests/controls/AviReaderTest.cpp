@@ -10,6 +10,7 @@
 #include "controls/ColourMath.h"
 #include "controls/Mutations.h"
 #include "controls/Rle8.h"
+#include "platform/LocalPath.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
@@ -212,7 +213,7 @@ TEST(AviReader, NamesTheFileThatCannotBeRead) {
   for (const auto& [name, message] : {std::pair{"Broken.avi", "Broken.avi: byte 0: no AVI file"},
                                       std::pair{"Missing.avi", "Missing.avi: cannot be opened"}}) {
     try {
-      LoadAvi((folder / name).string());
+      LoadAvi(LocalPathText(folder / name));
       ADD_FAILURE() << name;
     } catch (const AviError& error) {
       EXPECT_THAT(error.what(), HasSubstr(message));

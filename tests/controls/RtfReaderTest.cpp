@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "controls/Mutations.h"
+#include "platform/LocalPath.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
@@ -159,7 +160,7 @@ TEST(RtfReader, NamesTheFileThatCannotBeRead) {
   const testing::TemporaryFolder folder;
   testing::writeFile(folder / "Help.rtf", "{\\rtf1");
   try {
-    LoadRtf((folder / "Help.rtf").string());
+    LoadRtf(LocalPathText(folder / "Help.rtf"));
     ADD_FAILURE();
   } catch (const RtfError& error) {
     EXPECT_THAT(error.what(), HasSubstr("Help.rtf: byte 6: the text ends"));
