@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
+#include <vector>
 
 #include "controls/WxColours.h"
 #include "platform/LocalFiles.h"
@@ -22,8 +24,8 @@ bool isGtk() {
   return wxPlatformInfo::Get().GetPortId() == wxPORT_GTK;
 }
 
-/// The document's font, or the user's own in its place.
-wxFont fontOf(const RtfFormat& format) {
+/// The document's font, or the user's own in its place. To ask the system whether it has a font takes long.
+wxFont madeFor(const RtfFormat& format) {
   wxFont font = *wxNORMAL_FONT;
   if (!format.font.empty() && wxFontEnumerator::IsValidFacename(wxString::FromUTF8(format.font))) {
     font.SetFaceName(wxString::FromUTF8(format.font));
@@ -36,6 +38,20 @@ wxFont fontOf(const RtfFormat& format) {
   font.SetUnderlined(format.underline);
   return font;
 }
+
+/// Each font of a document, asked for once.
+class Fonts {
+ public:
+  const wxFont& of(const RtfFormat& format) {
+    const auto known =
+        std::find_if(fonts_.begin(), fonts_.end(), [&](const auto& font) { return font.first == format; });
+    if (known != fonts_.end()) return known->second;
+    return fonts_.emplace_back(format, madeFor(format)).second;
+  }
+
+ private:
+  std::vector<std::pair<RtfFormat, wxFont>> fonts_;
+};
 
 wxTextAttrAlignment alignmentOf(RtfAlignment alignment) {
   switch (alignment) {
@@ -79,14 +95,20 @@ RichTextView::RichTextView(wxWindow* parent, wxWindowID id, const wxString& labe
   SetName(label);
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
     event.Skip();
-    CallAfter([this] { fill(); });  // when the control has taken the new colours
+    toFill_ = true;  // when the control has taken the new colours
   });
 }
 
 void RichTextView::Show(RtfDocument document) {
   document_ = std::move(document);
-  fill();
-  SetInsertionPoint(0);
+  Clear();
+  toFill_ = true;
+  if (IsShownOnScreen()) fill();
+}
+
+void RichTextView::OnInternalIdle() {
+  wxTextCtrl::OnInternalIdle();
+  if (toFill_ && IsShownOnScreen()) fill();
 }
 
 bool RichTextView::LoadFile(const std::string& path) {
@@ -105,16 +127,29 @@ bool RichTextView::LoadFile(const std::string& path) {
 }
 
 void RichTextView::fill() {
+  toFill_ = false;
   const wxWindowUpdateLocker lock(this);
   const long reading = GetInsertionPoint();
+  const Rgb background = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
+  const Rgb ink = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
+  const double scale = GetContentScaleFactor();
+  Fonts fonts;
   Clear();
   int space = kMargin;
   for (const RtfParagraph& paragraph : document_.paragraphs) {
     appendSpace(space + paragraph.layout.spaceBefore);
-    append(paragraph);
     space = paragraph.layout.spaceAfter;
+    wxTextAttr attributes = layoutOf(paragraph.layout, scale);
+    for (std::size_t i = 0; i < paragraph.runs.size(); ++i) {
+      const RtfRun& run = paragraph.runs[i];
+      attributes.SetFont(fonts.of(run.format));
+      attributes.SetTextColour(ToWx(run.format.colour ? ReadableOn(*run.format.colour, background) : ink));
+      SetDefaultStyle(attributes);
+      AppendText(wxString::FromUTF8(run.text) + (i + 1 == paragraph.runs.size() ? "\n" : ""));
+    }
+    if (paragraph.runs.empty()) AppendText("\n");
   }
-  SetInsertionPoint(reading);
+  SetInsertionPoint(std::min(reading, GetLastPosition()));
   DiscardEdits();
 }
 
@@ -127,20 +162,6 @@ void RichTextView::appendSpace(int twips) {
   wxTextAttr attributes;
   attributes.SetFont(font);
   SetDefaultStyle(attributes);
-  AppendText("\n");
-}
-
-void RichTextView::append(const RtfParagraph& paragraph) {
-  const Rgb background = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
-  const Rgb ink = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
-  wxTextAttr attributes = layoutOf(paragraph.layout, GetContentScaleFactor());
-  for (const RtfRun& run : paragraph.runs) {
-    const RtfFormat& format = run.format;
-    attributes.SetFont(fontOf(format));
-    attributes.SetTextColour(ToWx(format.colour ? ReadableOn(*format.colour, background) : ink));
-    SetDefaultStyle(attributes);
-    AppendText(wxString::FromUTF8(run.text));
-  }
   AppendText("\n");
 }
 

@@ -17,7 +17,8 @@ class RichTextView : public wxTextCtrl {
  public:
   RichTextView(wxWindow* parent, wxWindowID id, const wxString& label);
 
-  /// Shows a document from its beginning.
+  /// Shows a document from its beginning. While the view is not on the screen, as in a tab behind others, its
+  /// text is not made yet: that would take its share of the program's start.
   void Show(RtfDocument document);
   using wxTextCtrl::Show;
 
@@ -25,12 +26,14 @@ class RichTextView : public wxTextCtrl {
   /// view says what is wrong. Returns whether the file is shown.
   bool LoadFile(const std::string& path);
 
+  void OnInternalIdle() override;
+
  private:
   void fill();
   void appendSpace(int twips);
-  void append(const RtfParagraph& paragraph);
 
   RtfDocument document_;
+  bool toFill_ = false;
 };
 
 }  // namespace quillmoor
