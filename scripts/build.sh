@@ -5,8 +5,14 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 preset=${1:?usage: build.sh PRESET [TARGET...]}
 shift
-scripts/setup.sh
 read -ra options <<<"${QUILLMOOR_CMAKE_OPTIONS:-}"
+if [ "$preset" = windows ]; then
+  scripts/setup.sh g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev libgcrypt-mingw-w64-dev \
+    libgpg-error-mingw-w64-dev googletest dpkg-dev
+  options+=("-DQUILLMOOR_WINDOWS_LIBRARIES=$(packaging/windows/deps/build.sh)" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
+else
+  scripts/setup.sh
+fi
 command -v ccache >/dev/null && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT

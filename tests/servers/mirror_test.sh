@@ -5,6 +5,7 @@ set -euo pipefail
 programs=$(realpath "$1") server=$2 mode=$3
 export TZ=UTC                                     # some servers list UTC, which is local time then
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+. "$here/../support/programs.sh"
 work=$(mktemp -d -t quillmoor-mirror.XXXXXX)
 trap '"$here/serve.sh" stop "$work/server"; rm -rf "$work"' EXIT
 chmod 755 "$work"
@@ -14,39 +15,44 @@ fail() { echo "FAILED: $*" >&2; [ ! -e "$work/log" ] || tail -n 40 "$work/log" >
 settings=$("$here/serve.sh" start "$server" "$work/site" "$work/server") || exit $?
 eval "$settings"
 
-export XDG_CONFIG_HOME=$work/config
-mkdir "$work/program" "$work/backup"
-cp "$programs/quillmoor-run" "$programs/quillmoor-config" "$work/program/"
-config=$work/program/quillmoor-config
+mkdir "$work/backup"
+lay_out "$programs" "$work"
 for setting in AutoDial AutoHangUp CreateZip; do "$config" setting set "$setting" 0; done
-"$config" profile set site Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- SaveTo="$work/backup/" \
+"$config" profile set site Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- SaveTo="$(native "$work/backup/")" \
   Folder="$FTP_ROOT" Timeout=20 PASV="$([ "$mode" = passive ] && echo 1 || echo 0)" <<<"$FTP_PASSWORD"
 
-run() { "$work/program/quillmoor-run" --assume-network >"$work/log" || fail "quillmoor-run ended with status $?"; }
+backup() { "$run" --assume-network >"$work/log" || fail "quillmoor-run ended with status $?"; }
 copy=$work/backup/site${FTP_ROOT%/}
 state() { (cd "$copy" && find . -printf '%p %i %T@ %s\n' | sort); }
 dates() { (cd "$1" && find . -type f -printf '%TF %TH:%TM %p\n' | sort -k3); }
 
-run
+backup
 grep -qF "$FTP_PASSWORD" "$work/log" && fail "the password is in the log"
 grep -q 'Completed' "$work/log" || fail "the report does not say Completed"
-# The link alone is not part of a backup.
-mv "$work/site/www/start.html" "$work/start.html"
-diff -r "$work/site" "$copy" || fail "the backup differs from the site"
-diff <(dates "$work/site") <(dates "$copy") || fail "the dates of files differ from the site's"
+# What a backup of the site is: all but the link, with the platform's line ends in what is fetched as text.
+cp -a "$work/site" "$work/expected"
+rm "$work/expected/www/start.html"
+if [ $windows = yes ]; then
+  while read -rd '' text; do
+    sed -i 's/$/\r/' "$text"
+    touch -r "$work/site/${text#"$work/expected/"}" "$text"
+  done < <(find "$work/expected" -type f \( -iname '*.html' -o -iname '*.txt' -o -iname '*.cgi' \) -size +0 -print0)
+fi
+diff -r "$work/expected" "$copy" || fail "the backup differs from the site"
+diff <(dates "$work/expected") <(dates "$copy") || fail "the dates of files differ from the site's"
 
 "$config" setting set BackupMode 2
 before=$(state)
-run
+backup
 [ "$before" = "$(state)" ] || fail "the second run has changed files"
-files=$(find "$work/site" -type f | wc -l)
+files=$(find "$work/expected" -type f | wc -l)
 [ "$(grep -c '^Skipped: File upto date$' "$work/log")" = "$files" ] || fail "the second run did not skip every file"
 "$config" setting set BackupMode 1
 
 # A site that has lost nothing and a copy that has: the next run brings back just that.
 rm "$copy/www/index.html"
 "$config" setting set BackupMode 2
-run
-diff -r "$work/site" "$copy" || fail "a missing file was not fetched again"
+backup
+diff -r "$work/expected" "$copy" || fail "a missing file was not fetched again"
 [ "$(grep -c '^Skipped: File upto date$' "$work/log")" = "$((files - 1))" ] || fail "more than the missing file was fetched"
 echo "ok: $server, $mode, $files files"
