@@ -1,7 +1,7 @@
 // The registry: keys below a few roots, each with named and typed values. Names are compared without regard
 // to case and keep the case they were made with; paths are separated by backslashes. Text is UTF-8.
 //
-// On Linux the registry is one file in the registry editor's export format: see posix/RegistryFile.h.
+// On Linux the registry is one file in the registry editor's export format: see RegistryFile.h.
 #pragma once
 
 #include <cstdint>

@@ -56,6 +56,9 @@ for number in no 1-2 "" 99999999999; do expect 2 "takes a number" "$config" sett
 expect 2 "no setting Colour" "$config" setting set Colour red
 expect 0 "" "$config" setting set ZipPassword "s3cret word"
 expect 0 "(hidden)" "$config" setting get ZipPassword
+
+expect 0 "" "$config" setting set ConnectBefore "sought"
+settings_hold sought || fail "a setting is not found"
 settings_hold "s3cret" && fail "a password is stored in clear"
 for setting in AutoDial AutoHangUp CreateZip ConnectionDelay; do expect 0 "" "$config" setting set "$setting" 0; done
 expect 0 "0" "$config" setting get AutoDial

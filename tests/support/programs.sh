@@ -24,7 +24,10 @@ lay_out() {
     cat >"$2/bin/$name" <<WRAPPER
 #!/usr/bin/env bash
 set -o pipefail
-wine "$2/program/$name.exe" "\$@" 2> >(grep -vi wine >&2) | tr -d '\r'
+status=0
+wine "$2/program/$name.exe" "\$@" 2>"$2/bin/errors" | tr -d '\r' || status=\$?
+grep -vi wine "$2/bin/errors" | tr -d '\r' >&2
+exit \$status
 WRAPPER
     chmod +x "$2/bin/$name"
   done
@@ -38,7 +41,7 @@ native() {
 
 settings_hold() {
   if [ $windows = no ]; then
-    grep -rqF -- "$1" "$programs_work/config"
+    tr -d '\0' <"$programs_work/config/quillmoor/registry.reg" | grep -qF -- "$1"    # it may be UTF-16
   else
     wine reg query 'HKLM\Software\Tarnick' /s 2>/dev/null | grep -qF -- "$1"
   fi

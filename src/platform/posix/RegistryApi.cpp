@@ -11,9 +11,9 @@
 #include <system_error>
 
 #include "platform/FolderLock.h"
+#include "platform/RegistryFile.h"
 #include "platform/WholeFile.h"
 #include "platform/posix/AutostartEntry.h"
-#include "platform/posix/RegistryFile.h"
 #include "platform/posix/UserFolders.h"
 
 namespace quillmoor {

@@ -9,8 +9,9 @@
 #include "TestPlatform.h"
 #include "platform/ProgramFolder.h"
 #include "platform/RegistryApi.h"
-#include "platform/posix/RegistryFile.h"
+#include "platform/RegistryFile.h"
 #include "profiles/ApplicationSettings.h"
+#include "profiles/RegistryExchange.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/cRegistry.h"
 #include "profiles/mAutoRun.h"
@@ -39,24 +40,28 @@ class RegistryStore : public ::testing::Test {
 
 TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
   value("text").SetValue(std::string("a\\b \"c\""));
-  value("more").SetValue(std::string("ü"));
   value("number", 4).SetValue(std::int32_t{42});
   value("bytes", 3).SetValue(Bytes(30, 0xAB));
-  value("ref").SetValue(std::string("%A%"));
   const std::string abs = [] {
     std::string text;
     for (int i = 0; i < 21; ++i) text += "ab,";
     return text;
   }();
-  EXPECT_EQ(contentsOf(own.store),
-            "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n"
-            "\"text\"=\"a\\\\b \\\"c\\\"\"\r\n"
-            "\"more\"=hex(1):fc,00,00,00\r\n"
-            "\"number\"=dword:0000002a\r\n"
-            "\"bytes\"=hex:" +
-                abs +
-                "\\\r\n  ab,ab,ab,ab,ab,ab,ab,ab,ab\r\n"
-                "\"ref\"=hex(2):25,00,41,00,25,00,00,00\r\n");
+  const std::string ascii =
+      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n"
+      "\"text\"=\"a\\\\b \\\"c\\\"\"\r\n"
+      "\"number\"=dword:0000002a\r\n"
+      "\"bytes\"=hex:" +
+      abs + "\\\r\n  ab,ab,ab,ab,ab,ab,ab,ab,ab\r\n";
+  EXPECT_EQ(contentsOf(own.store), ascii);
+
+  value("ref").SetValue(std::string("%A%"));
+  std::string utf16 = "\xFF\xFE";
+  for (const char c : ascii + "\"ref\"=hex(2):25,00,41,00,25,00,00,00\r\n") utf16.append({c, '\0'});
+  EXPECT_EQ(contentsOf(own.store), utf16);
+  value("ref").DeleteValue();
+  value("text").SetValue(std::string("\xC3\xBC"));
+  EXPECT_NE(contentsOf(own.store).find(std::string("\"\0\xFC\0\"\0", 6)), std::string::npos);
 }
 
 TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
@@ -131,6 +136,21 @@ TEST_F(RegistryStore, SurvivesRubbish) {
     }
   }
   EXPECT_GT(readable, 1000);
+}
+
+TEST_F(RegistryStore, GivesBackWhatTheOtherPlatformExchanges) {
+  for (const RegistryFileValue& v : testing::exchangedValues()) {
+    RegistryApi::setValue(HKEY_CURRENT_USER_VALUE, testing::kExchangePath, v.name, v.data);
+  }
+  EXPECT_EQ(contentsOf(own.store),
+            formatRegistryFile(
+                {{std::string("HKEY_CURRENT_USER\\") + testing::kExchangePath, testing::exchangedValues()}}));
+  for (const RegistryFileValue& v : testing::exchangedValues()) {
+    const auto data = RegistryApi::queryValue(HKEY_CURRENT_USER_VALUE, testing::kExchangePath, v.name);
+    ASSERT_TRUE(data) << v.name;
+    EXPECT_EQ(data->type, v.data.type) << v.name;
+    EXPECT_EQ(data->bytes, v.data.bytes) << v.name;
+  }
 }
 
 TEST_F(RegistryStore, SaysWhenItCannotBeMade) {

@@ -1,4 +1,4 @@
-#include "platform/posix/RegistryFile.h"
+#include "platform/RegistryFile.h"
 
 #include <strings.h>
 
@@ -6,29 +6,14 @@
 #include <charconv>
 #include <optional>
 
+#include "platform/Utf8.h"
+
 namespace quillmoor {
 namespace {
 
 constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00";
+constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 constexpr std::size_t kLineLength = 77;  // of hex lines, without the backslash that continues them
-
-void appendUtf8(std::string& text, char32_t c) {
-  if (c < 0x80) {
-    text += static_cast<char>(c);
-  } else if (c < 0x800) {
-    text += static_cast<char>(0xC0 | (c >> 6));
-    text += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    text += static_cast<char>(0xE0 | (c >> 12));
-    text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    text += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    text += static_cast<char>(0xF0 | (c >> 18));
-    text += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    text += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
 
 /// Unpaired surrogates become U+FFFD.
 std::string fromUtf16(std::string_view bytes) {
@@ -48,7 +33,7 @@ std::string fromUtf16(std::string_view bytes) {
         c = 0xFFFD;
       }
     }
-    appendUtf8(text, c);
+    AppendUtf8(text, c);
   }
   return text;
 }
@@ -61,17 +46,9 @@ std::string toUtf16(std::string_view text) {
     bytes += static_cast<char>(unit >> 8);
   };
   while (!text.empty()) {
-    const auto lead = static_cast<unsigned char>(text[0]);
-    std::size_t length = lead < 0xC2 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 1;
-    const auto continues = [&](std::size_t i) {
-      return (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
-    };
-    for (std::size_t i = 1; i < length; ++i) {
-      if (i >= text.size() || !continues(i)) length = 1;
-    }
-    char32_t c = length == 1 ? lead : lead & (0xFFU >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i) c = (c << 6) | (static_cast<unsigned char>(text[i]) & 0x3F);
-    text.remove_prefix(length);
+    const Utf8Character next = DecodeUtf8(text);
+    const char32_t c = next.length == 0 ? static_cast<unsigned char>(text[0]) : next.character;
+    text.remove_prefix(std::max<std::size_t>(next.length, 1));
     if (c < 0x10000) {
       append(c);
     } else {
@@ -195,9 +172,12 @@ class Parser {
     for (;;) {
       const char c = next();
       if (c == '"') return text;
-      text += c == '\\' ? next() : c;
+      text += c == '\\' ? escaped(next()) : c;
     }
   }
+
+  /// The editor leaves line breaks as they are; others that write its format escape them.
+  static char escaped(char c) { return c == 'n' ? '\n' : c == 'r' ? '\r' : c; }
 
   RegistryData parseData() {
     if (peek() == '"') return {RegistryType::text, quotedText()};
@@ -258,8 +238,24 @@ class Parser {
   std::optional<std::size_t> current_;
 };
 
-bool isPlain(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
+bool isAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+/// Text that stands between quotes as it is; a line break, say, does not in every editor.
+bool isQuotable(std::string_view text) {
+  return std::none_of(text.begin(), text.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7F;
+  });
+}
+
+bool isText(const RegistryData& data) {
+  return data.type == RegistryType::text || data.type == RegistryType::expandText;
+}
+
+bool isQuoted(const RegistryData& data) {
+  return data.type == RegistryType::text && isQuotable(data.bytes);
 }
 
 std::string quoted(std::string_view text) {
@@ -291,7 +287,7 @@ std::string hexLines(std::string start, std::string_view bytes) {
 
 std::string formatData(std::string name, const RegistryData& data) {
   name += '=';
-  if (data.type == RegistryType::text && isPlain(data.bytes)) return name + quoted(data.bytes);
+  if (isQuoted(data)) return name + quoted(data.bytes);
   if (data.type == RegistryType::dword && data.bytes.size() == 4) {
     std::uint32_t number = 0;
     for (std::size_t i = 4; i-- > 0;) number = (number << 8) | static_cast<unsigned char>(data.bytes[i]);
@@ -302,16 +298,15 @@ std::string formatData(std::string name, const RegistryData& data) {
   if (data.type == RegistryType::binary) return hexLines(name + "hex:", data.bytes);
   char type[9] = {};
   std::to_chars(type, type + 8, static_cast<std::uint32_t>(data.type), 16);
-  const bool isText = data.type == RegistryType::text || data.type == RegistryType::expandText;
-  const std::string bytes = isText ? toUtf16(data.bytes) + std::string(2, '\0') : data.bytes;
+  const std::string bytes = isText(data) ? toUtf16(data.bytes) + std::string(2, '\0') : data.bytes;
   return hexLines(name + "hex(" + type + "):", bytes);
 }
 
 }  // namespace
 
 std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes) {
-  if (bytes.starts_with("\xFF\xFE")) {
-    const std::string text = fromUtf16(bytes.substr(2));
+  if (bytes.starts_with(kUtf16Mark)) {
+    const std::string text = fromUtf16(bytes.substr(kUtf16Mark.size()));
     return Parser(text).parse();
   }
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
@@ -320,13 +315,15 @@ std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes) {
 
 std::string formatRegistryFile(const std::vector<RegistryFileKey>& keys) {
   std::string text = std::string(kHeader) + "\r\n";
+  bool inUtf16 = false;
   for (const RegistryFileKey& key : keys) {
     text += "\r\n[" + key.path + "]\r\n";
     for (const RegistryFileValue& value : key.values) {
+      inUtf16 = inUtf16 || (isText(value.data) && !isQuoted(value.data));
       text += formatData(value.name.empty() ? "@" : quoted(value.name), value.data) + "\r\n";
     }
   }
-  return text;
+  return inUtf16 || !isAscii(text) ? std::string(kUtf16Mark) + toUtf16(text) : text;
 }
 
 }  // namespace quillmoor

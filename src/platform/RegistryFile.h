@@ -42,8 +42,8 @@ class RegistryFileError : public std::runtime_error {
 /// order mark, which is what the registry editor writes. "" has no keys.
 std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes);
 
-/// The file's bytes: plain ASCII, since the registry editor takes a file without a byte order mark for ANSI.
-/// Text that ASCII cannot hold is written as hex(1).
+/// The file's bytes: plain ASCII as long as that holds everything, else UTF-16LE with a byte order mark. A
+/// file without one is ANSI to the registry editor, also where it has text as hex.
 std::string formatRegistryFile(const std::vector<RegistryFileKey>& keys);
 
 }  // namespace quillmoor
