@@ -75,10 +75,8 @@ TEST_F(FtpTransferTest, FetchesFilesEveryWayADataConnectionCanBeOpened) {
        [](auto& s) { s.on("EPSV", [](Session& x) { x.reply("229 Entering."); }); }, "PASV"},
       {"EPSV to a closed port", true, false,
        [](auto& s) {
-         s.on("EPSV", [](Session& x) {
-           x.answerAsUsual();
-           x.closeDataPort();
-         });
+         const auto closed = ScriptedFtpServer().port();
+         s.on("EPSV", replies("229 Come in (|||" + std::to_string(closed) + "|)"));
        },
        "PASV"},
       {"active", false, false, [](ScriptedFtpServer&) {}, "PORT"},
