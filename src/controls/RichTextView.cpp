@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "controls/AccessibleName.h"
 #include "controls/WxColours.h"
 #include "platform/LocalFiles.h"
 
@@ -92,7 +93,7 @@ wxTextAttr layoutOf(const RtfLayout& layout, double scale) {
 RichTextView::RichTextView(wxWindow* parent, wxWindowID id, const wxString& label)
     : wxTextCtrl(parent, id, "", wxDefaultPosition, wxDefaultSize,
                  wxTE_MULTILINE | wxTE_READONLY | wxTE_RICH2 | wxBORDER_NONE) {
-  SetName(label);
+  SetAccessibleName(*this, label);
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
     event.Skip();
     toFill_ = true;  // when the control has taken the new colours

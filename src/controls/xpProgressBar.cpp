@@ -1,9 +1,9 @@
 #include "controls/xpProgressBar.h"
 
-#include <wx/access.h>
 #include <wx/dcclient.h>
 #include <wx/settings.h>
 
+#include "controls/AccessibleName.h"
 #include "controls/WxColours.h"
 
 namespace quillmoor {
@@ -16,36 +16,13 @@ constexpr int kBlockLength = 9;
 constexpr int kBlockGap = 2;
 constexpr int kRadius = 3;
 
-#if wxUSE_ACCESSIBILITY
-class BarAccessible : public wxWindowAccessible {
- public:
-  explicit BarAccessible(xpProgressBar* bar) : wxWindowAccessible(bar), bar_(bar) {}
-
-  wxAccStatus GetRole(int, wxAccRole* role) override {
-    *role = wxROLE_SYSTEM_PROGRESSBAR;
-    return wxACC_OK;
-  }
-  wxAccStatus GetName(int, wxString* name) override {
-    *name = bar_->GetLabel();
-    return wxACC_OK;
-  }
-  wxAccStatus GetValue(int, wxString* value) override {
-    *value = bar_->GetText();
-    return wxACC_OK;
-  }
-
- private:
-  xpProgressBar* bar_;
-};
-#endif
-
 }  // namespace
 
 xpProgressBar::xpProgressBar(wxWindow* parent, wxWindowID id, const wxPoint& position, const wxSize& size) {
   Create(parent, id, position, size, wxBORDER_NONE | wxFULL_REPAINT_ON_RESIZE, wxDefaultValidator,
          "xpProgressBar");
   SetDoubleBuffered(true);
-  SetLabel("Progress");
+  SetAccessibleName(*this, "Progress", AccessibleRole::progressBar, [this] { return GetText(); });
   Bind(wxEVT_PAINT, [this](wxPaintEvent&) { paint(); });
 }
 
@@ -148,11 +125,5 @@ void xpProgressBar::paint() {
   dc.SetTextForeground(ToWx(InkOn(GradientAt(stops, 0.5))));
   dc.DrawText(text, at);
 }
-
-#if wxUSE_ACCESSIBILITY
-wxAccessible* xpProgressBar::CreateAccessible() {
-  return new BarAccessible(this);
-}
-#endif
 
 }  // namespace quillmoor

@@ -38,9 +38,6 @@ class xpProgressBar : public wxControl {
 
  protected:
   wxSize DoGetBestClientSize() const override;
-#if wxUSE_ACCESSIBILITY
-  wxAccessible* CreateAccessible() override;
-#endif
 
  private:
   void changed();
