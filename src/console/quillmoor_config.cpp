@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "connectivity/DialUp.h"
 #include "platform/CodePage.h"
 #include "platform/ProgramArguments.h"
 #include "platform/Terminal.h"
@@ -29,6 +30,7 @@ constexpr const char* kHelp =
     "       quillmoor-config setting list\n"
     "       quillmoor-config setting get KEY\n"
     "       quillmoor-config setting set KEY VALUE\n"
+    "       quillmoor-config dialup list\n"
     "       quillmoor-config --help | --version\n"
     "\n"
     "Site profiles lie in Profiles.ini in this program's folder. Keys: Status Host UserID Password Port "
@@ -37,7 +39,7 @@ constexpr const char* kHelp =
     "ProxyUsername\n"
     "ProxyPassword DefaultDir, and Folder, which may be given several times and replaces the list of remote\n"
     "folders. Password=- and ProxyPassword=- read a line of standard input; so does the setting "
-    "ZipPassword.\n";
+    "ZipPassword. \"dialup list\" names the entries that AutoDialUpConnection can be.\n";
 
 class UsageError : public std::runtime_error {
  public:
@@ -225,6 +227,11 @@ int setSetting(const std::string& key, const std::string& value) {
   return kDone;
 }
 
+int listDialUpEntries() {
+  for (const std::string& name : MakeDialUp({})->Entries()) std::printf("%s\n", name.c_str());
+  return kDone;
+}
+
 int execute(const std::vector<std::string>& arguments) {
   const auto is = [&](std::size_t count, std::string_view noun, std::string_view verb) {
     return arguments.size() >= 2 && arguments.size() == count && arguments[0] == noun && arguments[1] == verb;
@@ -243,6 +250,7 @@ int execute(const std::vector<std::string>& arguments) {
   if (is(3, "setting", "get"))
     return std::puts(shownSetting(settingOf(arguments[2])).c_str()) < 0 ? kFailed : kDone;
   if (is(4, "setting", "set")) return setSetting(arguments[2], arguments[3]);
+  if (is(2, "dialup", "list")) return listDialUpEntries();
   throw UsageError("Try quillmoor-config --help.");
 }
 

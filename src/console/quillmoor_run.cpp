@@ -1,4 +1,5 @@
 // quillmoor-run: the backup run on a terminal, for a machine without a screen.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -7,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "connectivity/DialUp.h"
 #include "connectivity/modProcessPriority.h"
 #include "console/ConsoleDisplay.h"
 #include "engine/MachineServices.h"
@@ -70,6 +72,21 @@ class StopSwitch {
   bool done_ = false;
 };
 
+/// A run that dials has no end but a connection: say beforehand when there will be none.
+void tellWhatKeepsFromDialling(const std::string& entry, DialUp& dialUp) {
+  const auto entries = dialUp.Entries();
+  if (std::find(entries.begin(), entries.end(), entry) != entries.end()) return;
+  const std::string what = entry.empty() ? "no dial-up entry is chosen (AutoDialUpConnection)"
+                                         : "this machine has no dial-up entry \"" + entry + "\"";
+  std::fprintf(
+      stderr,
+      "quillmoor-run: the setting AutoDial is 1, but %s: the run waits until a dial-up connection is "
+      "up.\n"
+      "The entries: quillmoor-config dialup list. On a machine with a network of its own: "
+      "quillmoor-config setting set AutoDial 0\n",
+      what.c_str());
+}
+
 int run(const Options& options) {
   const std::string profilesFile = ProfilesFilePath();
   if (!std::ifstream(LocalPath(profilesFile))) {
@@ -77,14 +94,6 @@ int run(const Options& options) {
     return kCouldNotStart;
   }
   ApplicationSettings settings = LoadApplicationSettings();
-  if (settings.AutoDial == 1) {
-    std::fputs(
-        "quillmoor-run: the setting AutoDial is 1, so the run waits for a dial-up connection, which this "
-        "build\n"
-        "cannot make. On a machine with a network of its own: quillmoor-config setting set AutoDial 0\n",
-        stderr);
-  }
-
   // Normal, as it comes, leaves the class in which the program was started: by nice, say.
   if (settings.ProcessPriority != modProcessPriority::kNormalClass) {
     modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);
@@ -106,6 +115,7 @@ int run(const Options& options) {
       return true;
     };
   }
+  if (settings.AutoDial == 1) tellWhatKeepsFromDialling(settings.AutoDialUpConnection, services.dialUp());
   RunController controller(services.forRun(display));
   stopSwitch.attach(controller);
 

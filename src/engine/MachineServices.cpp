@@ -12,7 +12,7 @@ MachineServices::MachineServices(ApplicationSettings& settings_, std::string pro
       profilesFile(std::move(profilesFile_)),
       pump(std::move(pump_)),
       network(IsNetworkAlive),
-      dialUp_(std::make_unique<NoDialUp>()),
+      dialUp_(MakeDialUp(pump)),
       actions_(std::make_unique<NoRunActions>(settings)),
       archive_(std::make_unique<NoArchiveStage>(settings)) {}
 

@@ -62,6 +62,14 @@ void NetworkWait::dialUntilConnected() {
     // Asks for both on purpose, where the loop is content with either.
     if (!dialledConnectionIsUp()) waitBeforeRetry();
   }
+  // Nobody wants the connection any more that a dial in progress would make.
+  if (state_.StopRequested) abortDial();
+}
+
+void NetworkWait::abortDial() {
+  Guarded([&] {
+    if (services_.dialUp.Busy()) services_.dialUp.Abort();
+  });
 }
 
 void NetworkWait::HangUpDialUp() {
@@ -69,6 +77,7 @@ void NetworkWait::HangUpDialUp() {
   log_.AppendLog("Disconnecting Dial-up connection.\r\n", log_colour::kDialling, true);
   if (anyConnectionIsUp()) {
     Guarded([&] { services_.dialUp.HangUpDialUp(); });
+    abortDial();
     Guarded([&] { services_.dialUp.HangUp(); });
   }
   log_.AppendLog("Disconnected.\r\n", log_colour::kWaiting, true);

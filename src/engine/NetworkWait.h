@@ -40,6 +40,7 @@ class NetworkWait {
 
  private:
   bool anyConnectionIsUp() const;
+  void abortDial();
   void waitForLan();
 
   const RunServices& services_;

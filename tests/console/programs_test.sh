@@ -64,11 +64,29 @@ for setting in AutoDial AutoHangUp CreateZip ConnectionDelay; do expect 0 "" "$c
 expect 0 "0" "$config" setting get AutoDial
 expect 0 "Good Bye." "$run" --assume-network             # nothing enabled: nothing is left undone
 
+expect 0 "" "$config" dialup list
+
 # What follows is done to the programs from outside, in ways that Wine has no equal of.
 if [ $windows = yes ]; then
   [ "$failed" = 0 ] && echo ok
   exit "$failed"
 fi
+
+# Dial-up, with a system of the test's own that has one entry, and that connected.
+mkdir "$work/bin"
+printf '#!/bin/sh\necho "u1:gsm:activated:modem:Office\\\\: 2"\n' >"$work/bin/nmcli"
+chmod +x "$work/bin/nmcli"
+expect 0 "Office: 2" env PATH="$work/bin:$PATH" "$config" dialup list
+expect 0 "" env PATH=/nonexistent "$config" dialup list
+[ ! -s "$work/out" ] || fail "entries without a system that dials"
+expect 0 "" "$config" setting set AutoDial 1
+expect 0 "no dial-up entry is chosen" env PATH="$work/bin:$PATH" "$run"
+expect 0 "" "$config" setting set AutoDialUpConnection office
+expect 0 "no dial-up entry \"office\"" env PATH="$work/bin:$PATH" "$run"
+expect 0 "" "$config" setting set AutoDialUpConnection "Office: 2"
+expect 0 "Good Bye." env PATH="$work/bin:$PATH" "$run"
+grep -q "quillmoor-run:" "$work/out" && fail "a warning of what is right"
+expect 0 "" "$config" setting set AutoDial 0
 
 # Ctrl-C: a server that takes the connection and says nothing keeps a login waiting.
 /usr/bin/python3 -c '

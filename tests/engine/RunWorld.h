@@ -36,14 +36,15 @@ class Script {
 
 class ScriptedDialUp final : public DialUp {
  public:
-  mutable Script<std::int32_t> states{kDialUpDisconnected};
-  mutable Script<bool> systemUp{false};
+  Script<std::int32_t> states{kDialUpDisconnected};
+  Script<bool> systemUp{false};
   std::vector<std::string> calls;
+  bool busy = false;
   bool dialThrows = false;
 
-  bool Busy() const override { return false; }
-  std::int32_t State() const override { return states.next(); }
-  std::vector<std::string> Entries() const override { return {}; }
+  bool Busy() override { return busy; }
+  std::int32_t State() override { return states.next(); }
+  std::vector<std::string> Entries() override { return {}; }
   void Dial(const std::string& entry) override {
     calls.push_back("dial " + entry);
     if (dialThrows) throw std::runtime_error("no such entry");
@@ -51,7 +52,7 @@ class ScriptedDialUp final : public DialUp {
   }
   void HangUp() override { calls.push_back("hang up"); }
   void Abort() override { calls.push_back("abort"); }
-  bool IsDialUpConnected() const override { return systemUp.next(); }
+  bool IsDialUpConnected() override { return systemUp.next(); }
   bool HangUpDialUp() override {
     calls.push_back("hang up system");
     return false;

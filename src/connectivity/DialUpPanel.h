@@ -1,0 +1,55 @@
+// What the dial-up part of the settings form shows and does, without the form.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "connectivity/DialUp.h"
+#include "profiles/ApplicationSettings.h"
+
+namespace quillmoor {
+
+/// The form calls a member for each of its events and then shows what the public fields say. Nothing is
+/// raised for a dial that fails: the label tells.
+class DialUpPanel {
+ public:
+  /// Both must outlive this. Takes the component's state-change event.
+  DialUpPanel(DialUp& dialUp, ApplicationSettings& settings);
+  ~DialUpPanel();
+  DialUpPanel(const DialUpPanel&) = delete;
+  DialUpPanel& operator=(const DialUpPanel&) = delete;
+
+  bool cmdDialEnabled = true;
+  bool cmdHangUpEnabled = false;
+  std::string lblRasStatus;
+
+  /// What cboConnections gets when the form is loaded, and which of it is selected: the entry with exactly
+  /// the stored name. An entry that has left the phonebook stays stored and is merely not selected.
+  struct EntryList {
+    std::vector<std::string> names;
+    std::optional<std::size_t> selected;
+  };
+  EntryList LoadEntries();
+
+  /// Click on cboConnections with this text in it.
+  void ChooseEntry(const std::string& text);
+  /// Click on cmdDial.
+  void Dial();
+  /// Click on cmdHangUp.
+  void HangUp();
+  /// Tick of tmrOnlineStatus, every 100 ms while the form is loaded.
+  void RefreshStatus();
+  /// Clicks on the check boxes chkAutoDial and chkAutoHangUp, with their new state.
+  void SetAutoDial(bool checked);
+  void SetAutoHangUp(bool checked);
+
+ private:
+  void showButtons(bool dial, bool hangUp);
+
+  DialUp& dialUp_;
+  ApplicationSettings& settings_;
+};
+
+}  // namespace quillmoor

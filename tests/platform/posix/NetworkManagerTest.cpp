@@ -1,0 +1,224 @@
+// Dial-up through an nmcli of the test's own, first on the PATH.
+#include "platform/posix/NetworkManager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "TestPlatform.h"
+#include "platform/LocalTime.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor {
+namespace {
+
+using namespace testing;  // of this project
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Fields = std::vector<std::string>;
+
+TEST(TerseOutput, PartsFieldsAtColonsThatAreTheirEnds) {
+  const struct {
+    const char* output;
+    std::vector<Fields> lines;
+  } cases[] = {{"", {}},
+               {"a:b\n", {{"a", "b"}}},
+               {"a:b\n\nc:d", {{"a", "b"}, {"c", "d"}}},
+               {"::\n", {{"", "", ""}}},
+               {"a\\:b:c\\\\:d\n", {{"a:b", "c\\", "d"}}},
+               {"a\\\\\\:b\n", {{"a\\:b"}}},
+               {"a\\\nb\\", {{"a\\"}, {"b\\"}}}};
+  for (const auto& c : cases) EXPECT_EQ(ParseTerseOutput(c.output), c.lines) << c.output;
+}
+
+constexpr const char* kScript = R"sh(#!/bin/sh
+cd "${0%/*}" || exit 99
+case "$*" in
+*"connection show")
+  [ ! -p answer ] || read -r go <answer
+  cat shown
+  exit "$(cat status)" ;;
+*"connection up"*)
+  echo "${*##* connection } $LC_ALL" >>calls
+  read -r status <dialled
+  exit "$status" ;;
+*"connection down"*)
+  echo "${*##* connection }" >>calls
+  : >shown
+  exit "$(cat status)" ;;
+esac
+exit 98
+)sh";
+
+class NmcliTest : public ::testing::Test {
+ protected:
+  NmcliTest() {
+    writeFile(folder / "nmcli", kScript);
+    ::chmod((folder / "nmcli").c_str(), 0755);
+    ::mkfifo((folder / "dialled").c_str(), 0600);
+    writeFile(folder / "calls", "");
+    writeFile(folder / "status", "0");
+    shows("u1:gsm:::Mobile\n");
+    setEnvironment("PATH", folder.path().string() + ":" + path);
+  }
+  ~NmcliTest() override {
+    system.reset();
+    setEnvironment("PATH", path);
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a program is left";
+    EXPECT_EQ(errno, ECHILD);
+  }
+
+  /// Lines of UUID, type, state, device and name.
+  void shows(const std::string& lines) { writeFile(folder / "shown", lines); }
+  /// The nmcli that dials ends with this status.
+  void dialEnds(int status) { std::ofstream(folder / "dialled") << status << '\n'; }
+  Fields calls() const {
+    std::istringstream lines(contentsOf(folder / "calls"));
+    Fields all;
+    for (std::string line; std::getline(lines, line);) all.push_back(line);
+    return all;
+  }
+  template <class Condition>
+  bool comesTrue(Condition condition) {
+    const std::int64_t end = TickCountMs() + 20'000;
+    while (!condition()) {
+      if (TickCountMs() > end) return false;
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+  }
+  bool reaches(std::int32_t state) {
+    return comesTrue([&] {
+      for (const std::int32_t one : system->takeStates()) states.push_back(one);
+      return std::find(states.begin(), states.end(), state) != states.end();
+    });
+  }
+  void dialMobile() {
+    system->dial("Mobile");
+    ASSERT_TRUE(comesTrue([&] { return !calls().empty(); }));
+  }
+
+  std::string path = std::getenv("PATH");
+  TemporaryFolder folder;
+  Pump pump;
+  std::unique_ptr<RemoteAccess> system = MakeRemoteAccess([this] {
+    if (pump) pump();
+  });
+  std::vector<std::int32_t> states;
+};
+
+TEST_F(NmcliTest, OffersTheEntriesThatDial) {
+  shows(
+      "u1:gsm:activated:ttyUSB0:Mobile\n"
+      "u2:802-3-ethernet:activated:eth0:Wired\n"
+      "u3:pppoe:::Caf\xC3\xA9\\: \\\\ upstairs\n"
+      "u4:cdma:::C\nu5:adsl:::A\nu6:bluetooth:::B\nu7:vpn:::V\nu8:802-11-wireless:::W\n"
+      "u9:gsm:::Mobile\n"
+      "a line of something else\n");
+  EXPECT_THAT(system->entries(), ElementsAre("Mobile", "Café: \\ upstairs", "C", "A", "B"));
+}
+
+TEST_F(NmcliTest, HasNoEntriesWithoutNetworkManager) {
+  const struct {
+    const char* name;
+    const char* status;
+    std::string shown;
+    const char* path;
+  } cases[] = {{"it does not run", "8", "u1:gsm:::Mobile\n", nullptr},
+               {"it says too much", "0", "u1:gsm:::Mobile\n" + std::string(2 << 20, 'x'), nullptr},
+               {"there is no nmcli", "0", "", "/nonexistent"}};
+  for (const auto& c : cases) {
+    shows(c.shown);
+    writeFile(folder / "status", c.status);
+    if (c.path) setEnvironment("PATH", c.path);
+    const auto other = MakeRemoteAccess({});
+    EXPECT_THAT(other->entries(), IsEmpty()) << c.name;
+    EXPECT_THAT(other->activeConnections(), IsEmpty()) << c.name;
+    EXPECT_THROW(other->dial("Mobile"), std::runtime_error) << c.name;
+    EXPECT_THAT(other->takeStates(), IsEmpty()) << c.name;
+  }
+}
+
+TEST_F(NmcliTest, DialsUntilConnectedAndNoticesTheEnd) {
+  dialMobile();
+  EXPECT_THAT(calls(), ElementsAre("up uuid u1 C.UTF-8"));
+  shows("u1:gsm:activating:ttyUSB0:Mobile\n");
+  EXPECT_TRUE(reaches(2));
+  shows("u1:gsm:activated:ttyUSB0:Mobile\n");
+  dialEnds(0);
+  EXPECT_TRUE(reaches(kDialUpConnected));
+  const auto active = system->activeConnections();
+  ASSERT_EQ(active.size(), 1U) << "at once, not when an older answer has grown old";
+  EXPECT_EQ(active[0].entryName + active[0].deviceType + active[0].deviceName, "MobilegsmttyUSB0");
+  EXPECT_EQ(system->stateOf(active[0]), kDialUpConnected);
+  EXPECT_THAT(system->takeStates(), IsEmpty());
+  shows("u1:gsm:::Mobile\n");
+  EXPECT_TRUE(reaches(kDialUpDisconnected));
+  EXPECT_THAT(states, ElementsAre(2, kDialUpConnected, kDialUpDisconnected));
+}
+
+TEST_F(NmcliTest, TellsAFailedDial) {
+  dialMobile();
+  dialEnds(4);
+  EXPECT_TRUE(reaches(kDialUpDisconnected));
+  EXPECT_THAT(states, ElementsAre(kDialUpDisconnected));
+}
+
+TEST_F(NmcliTest, ClosesADialInProgress) {
+  dialMobile();
+  system->close();
+  EXPECT_TRUE(reaches(kDialUpDisconnected));
+  EXPECT_THAT(calls(), ElementsAre("up uuid u1 C.UTF-8", "down uuid u1"));
+}
+
+TEST_F(NmcliTest, LeavesNoDialBehind) {
+  dialMobile();
+  system.reset();
+  EXPECT_THAT(calls(), ElementsAre("up uuid u1 C.UTF-8", "down uuid u1"));
+}
+
+TEST_F(NmcliTest, LeavesAConnectionUp) {
+  dialMobile();
+  shows("u1:gsm:activated:ttyUSB0:Mobile\n");
+  dialEnds(0);
+  EXPECT_TRUE(reaches(kDialUpConnected));
+  system.reset();
+  EXPECT_EQ(calls().size(), 1U);
+}
+
+TEST_F(NmcliTest, HangsUpWhatOthersHaveMade) {
+  shows("u1:gsm:activated:ttyUSB0:Mobile\nu3:pppoe:deactivating:ppp0:Other\n");
+  const auto active = system->activeConnections();
+  ASSERT_EQ(active.size(), 2U);
+  EXPECT_EQ(system->stateOf(active[1]), 8198);
+  writeFile(folder / "status", "3");
+  EXPECT_EQ(system->hangUp(active[0]), 3U);
+  writeFile(folder / "status", "0");
+  EXPECT_EQ(system->hangUp(active[0]), 0U);
+  EXPECT_THAT(system->activeConnections(), IsEmpty());
+  EXPECT_EQ(system->stateOf(active[0]), kDialUpDisconnected);
+  EXPECT_THAT(calls(), ElementsAre("down uuid u1", "down uuid u1"));
+}
+
+TEST_F(NmcliTest, PumpsWhileTheAnswerTakesItsTime) {
+  ::mkfifo((folder / "answer").c_str(), 0600);
+  int turns = 0;
+  pump = [&] {
+    EXPECT_THAT(system->activeConnections(), IsEmpty()) << "what was known before";
+    if (++turns == 3) std::ofstream(folder / "answer") << "now\n";
+  };
+  EXPECT_THAT(system->entries(), ElementsAre("Mobile"));
+  EXPECT_GE(turns, 3);
+}
+
+}  // namespace
+}  // namespace quillmoor
