@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""make_help.py   makes Help.rtf, which the help pane shows, from Help.md.
+"""make_help.py [TARGET]   makes Help.rtf, which the help pane shows, from Help.md.
 
 Of Markdown it knows what that file uses: headings of three levels, paragraphs, bulleted and numbered lists, **bold** and
 `fixed pitch`. Every block stands on one line.
 """
 import pathlib
 import re
+import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
 
@@ -68,7 +69,8 @@ def block(line, next_line):
 def main():
     lines = [line for line in (HERE / "Help.md").read_text(encoding="utf-8").splitlines() if line]
     blocks = [block(line, next_line) + "\\par\n" for line, next_line in zip(lines, lines[1:] + [""])]
-    (HERE / "Help.rtf").write_bytes((HEAD + "\n" + "".join(blocks) + "}\n").encode("ascii"))
+    target = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else HERE / "Help.rtf"
+    target.write_bytes((HEAD + "\n" + "".join(blocks) + "}\n").encode("ascii"))
 
 
 if __name__ == "__main__":

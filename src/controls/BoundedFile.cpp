@@ -1,5 +1,6 @@
 #include "controls/BoundedFile.h"
 
+#include <array>
 #include <fstream>
 #include <stdexcept>
 
@@ -10,13 +11,14 @@ namespace quillmoor {
 std::string ReadBoundedFile(const std::string& path, std::size_t limit) {
   std::ifstream stream(LocalPath(path), std::ios::binary);
   if (!stream) throw std::runtime_error("cannot be opened");
-  std::string content(limit + 1, '\0');
-  stream.read(content.data(), static_cast<std::streamsize>(content.size()));
-  const auto got = static_cast<std::size_t>(stream.gcount());
-  if (stream.bad() || (!stream.eof() && got <= limit)) throw std::runtime_error("cannot be read");
-  if (got > limit) throw std::runtime_error("is larger than " + std::to_string(limit) + " bytes");
-  content.resize(got);
-  content.shrink_to_fit();
+  std::string content;
+  std::array<char, 64 * 1024> piece{};
+  while (stream.read(piece.data(), piece.size()) || stream.gcount() > 0) {
+    content.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
+    if (content.size() > limit)
+      throw std::runtime_error("is larger than " + std::to_string(limit) + " bytes");
+  }
+  if (stream.bad()) throw std::runtime_error("cannot be read");
   return content;
 }
 

@@ -156,6 +156,19 @@ TEST(RtfReader, SaysWhatIsWrongAndWhere) {
   }
 }
 
+TEST(RtfReader, ReadsTheUsersGuide) {
+  const RtfDocument guide = LoadRtf(QUILLMOOR_ASSETS "/Help.rtf");
+  const std::string text = plain(guide);
+  EXPECT_GT(guide.paragraphs.size(), 100U);
+  EXPECT_EQ(text.find("\uFFFD"), std::string::npos);
+  EXPECT_EQ(text.find("**"), std::string::npos) << "a mark of the source that was not understood";
+  EXPECT_EQ(text.find('`'), std::string::npos);
+  const RtfRun& title = guide.paragraphs.at(0).runs.at(0);
+  EXPECT_EQ(title.text, "Quillmoor");
+  EXPECT_EQ(title.format.halfPoints, 40);
+  EXPECT_TRUE(title.format.bold && title.format.colour);
+}
+
 TEST(RtfReader, NamesTheFileThatCannotBeRead) {
   const testing::TemporaryFolder folder;
   testing::writeFile(folder / "Help.rtf", "{\\rtf1");
