@@ -100,7 +100,7 @@ RichTextView::RichTextView(wxWindow* parent, wxWindowID id, const wxString& labe
   });
 }
 
-void RichTextView::ShowDocument(RtfDocument document) {
+void RichTextView::Show(RtfDocument document) {
   document_ = std::move(document);
   Clear();
   toFill_ = true;
@@ -123,7 +123,7 @@ bool RichTextView::LoadFile(const std::string& path) {
       document.paragraphs = {{{}, {{error.what(), {}}}}};
     }
   }
-  ShowDocument(std::move(document));
+  Show(std::move(document));
   return shown;
 }
 

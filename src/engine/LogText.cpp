@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/CodePage.h"
+#include "platform/Utf8.h"
 
 namespace quillmoor {
 namespace {
@@ -11,26 +12,8 @@ bool continues(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
-/// Bytes of the UTF-8 character that `text` begins with; 0 when it begins with none.
-std::size_t characterBytes(std::string_view text) {
-  const auto first = static_cast<unsigned char>(text[0]);
-  if (first < 0x80) return 1;
-  const std::size_t bytes = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  if (first < 0xC2 || first > 0xF4 || text.size() < bytes) return 0;
-  for (std::size_t i = 1; i < bytes; ++i) {
-    if (!continues(text[i])) return 0;
-  }
-  const auto second = static_cast<unsigned char>(text[1]);
-  const bool tooLong = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
-  const bool surrogate = first == 0xED && second >= 0xA0;
-  const bool tooLarge = first == 0xF4 && second >= 0x90;
-  return tooLong || surrogate || tooLarge ? 0 : bytes;
-}
-
-bool isControl(std::string_view character) {
-  const auto first = static_cast<unsigned char>(character[0]);
-  if (first < 0x20 || first == 0x7F) return true;
-  return first == 0xC2 && static_cast<unsigned char>(character[1]) < 0xA0;  // C1
+bool isControl(char32_t character) {
+  return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
 }  // namespace
@@ -56,18 +39,18 @@ void LogText::appendToLine(std::string_view text) {
   }
   std::size_t characters = 0;
   while (!text.empty()) {
-    const std::size_t bytes = characterBytes(text);
-    const std::string_view character = text.substr(0, std::max<std::size_t>(bytes, 1));
-    if (bytes == 0) {
-      const std::string ansi = FromAnsi(character);
-      line.text += isControl(ansi) ? "?" : ansi;
-    } else if (isControl(character)) {
+    const Utf8Character one = DecodeUtf8(text);
+    const std::size_t bytes = std::max<std::size_t>(one.length, 1);
+    if (one.length == 0) {
+      const std::string ansi = FromAnsi(text.substr(0, 1));
+      line.text += isControl(DecodeUtf8(ansi).character) ? "?" : ansi;
+    } else if (isControl(one.character)) {
       line.text += '?';
     } else {
-      line.text += character;
+      line.text += text.substr(0, bytes);
     }
     ++characters;
-    text.remove_prefix(character.size());
+    text.remove_prefix(bytes);
   }
   line.characters += characters;
   length_ += characters;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <system_error>
 
-#include "platform/ErrorText.h"
-
 namespace quillmoor {
 namespace {
 
@@ -67,8 +65,7 @@ void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, 
     if (!error) break;
   }
   if (error) {
-    throw FtpError(FtpErrorNumber::connectFailed,
-                   "Cannot connect to " + host + ": " + ErrorText(error) + ".");
+    throw FtpError(FtpErrorNumber::connectFailed, "Cannot connect to " + host + ": " + error.message() + ".");
   }
   asio::error_code ignored;
   channel_.socket.set_option(asio::ip::tcp::no_delay(true), ignored);
@@ -107,7 +104,7 @@ void FtpControl::write(const std::string& bytes, milliseconds timeout) {
     if (error == asio::error::timed_out) raiseSilent();
     if (error) {
       throw FtpError(FtpErrorNumber::connectionLost,
-                     "The connection to the server is lost: " + ErrorText(error) + ".");
+                     "The connection to the server is lost: " + error.message() + ".");
     }
   }
 }

@@ -5,8 +5,6 @@
 #include <exception>
 #include <utility>
 
-#include "platform/ErrorText.h"
-
 namespace quillmoor {
 namespace {
 
@@ -116,7 +114,7 @@ void FtpTransfer::listenForServer(const std::string& dataPortRange) {
   if (error) {
     acceptor_.close();
     throw FtpError(FtpErrorNumber::dataConnectionFailed, "Cannot listen for a data connection (ports " +
-                                                             dataPortRange + "): " + ErrorText(error) + ".");
+                                                             dataPortRange + "): " + error.message() + ".");
   }
   listeningRequest_ = portCommand(address, acceptor_.socket.local_endpoint().port());
 }
@@ -141,7 +139,7 @@ bool FtpTransfer::openPassive(const Order& order, bool extended) {
   if (extended) return false;
   throw FtpError(
       FtpErrorNumber::dataConnectionFailed,
-      "Cannot open the data connection to port " + std::to_string(*port) + ": " + ErrorText(error) + ".");
+      "Cannot open the data connection to port " + std::to_string(*port) + ": " + error.message() + ".");
 }
 
 void FtpTransfer::open(const Order& order) {

@@ -5,7 +5,6 @@
 #include <functional>
 #include <string>
 
-#include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 
 namespace quillmoor {

@@ -6,7 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 
 namespace quillmoor {

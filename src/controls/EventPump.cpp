@@ -1,0 +1,28 @@
+#include "controls/EventPump.h"
+
+#include <wx/evtloop.h>
+
+#include <exception>
+
+namespace quillmoor {
+namespace {
+
+constexpr std::chrono::milliseconds kShortestPause{8};
+
+}  // namespace
+
+void EventPump::turn() {
+  raiseIfEnding();
+  const auto now = std::chrono::steady_clock::now();
+  if (now - last_ < kShortestPause) return;
+  if (wxEventLoopBase* const loop = wxEventLoopBase::GetActive()) loop->YieldFor(wxEVT_CATEGORY_ALL);
+  // Counted from the end: drawing that takes long must not leave the run no time at all.
+  last_ = std::chrono::steady_clock::now();
+  raiseIfEnding();
+}
+
+void EventPump::raiseIfEnding() const {
+  if (ending_ && std::uncaught_exceptions() == 0) throw ProgramEnding{};
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,70 @@
+// Shows the run log: coloured lines that can be scrolled, selected and copied.
+//
+// It draws what is in view and nothing else, because a run of small files writes tens of thousands of lines a
+// second, which no rich-text control of the toolkits keeps up with.
+#pragma once
+
+#include <wx/scrolwin.h>
+#include <wx/timer.h>
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+#include "controls/ColourMath.h"
+#include "engine/LogText.h"
+
+namespace quillmoor {
+
+class LogView : public wxScrolled<wxWindow> {
+ public:
+  /// `log` must outlive this.
+  LogView(wxWindow* parent, const LogText& log);
+
+  /// The log has grown: the newest line comes into view within kShowEvery. May be called for every line.
+  void logChanged();
+  /// The same, at once.
+  void showNewest();
+
+  bool hasSelection() const { return anchor_ != caret_; }
+  std::string selectedText() const;
+  void selectAll();
+  void copy() const;
+
+  static constexpr int kShowEvery = 80;  // milliseconds
+
+ private:
+  /// A place between two characters. Lines are counted from the first ever appended, so that a place stays
+  /// valid when the start of the log is dropped.
+  struct Place {
+    std::size_t line = 0;
+    std::size_t byte = 0;
+    auto operator<=>(const Place&) const = default;
+  };
+
+  void measure();
+  void updateExtent();
+  void paint();
+  void drawLine(wxDC& dc, std::size_t index, int y, int left);
+  void drawText(wxDC& dc, const LogLine& line, std::size_t begin, std::size_t end, int x, int y,
+                const wxColour* ink);
+  std::pair<Place, Place> selection() const;
+  Place placeAt(wxPoint point) const;
+  Place end() const;
+  int widthOf(const LogLine& line, std::size_t bytes) const;
+  void onMouse(wxMouseEvent& event);
+  void onKey(wxKeyEvent& event);
+  void showMenu();
+
+  const LogText& log_;
+  wxTimer timer_;
+  Place anchor_, caret_;
+  bool selecting_ = false;
+  bool follow_ = false;  // the newest line is to come into view
+  int lineHeight_ = 1;
+  int characterWidth_ = 1;
+  int margin_ = 0;
+  std::size_t widest_ = 0;  // bytes of the widest line drawn so far
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,287 @@
+#include "engine/frmProcess.h"
+
+#include <wx/msgdlg.h>
+#include <wx/settings.h>
+#include <wx/sizer.h>
+#include <wx/splitter.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <utility>
+
+#include "controls/AccessibleName.h"
+#include "controls/Pictures.h"
+#include "engine/BackupRunning.h"
+#include "platform/ProgramFolder.h"
+
+namespace quillmoor {
+namespace {
+
+constexpr int kGap = 6;                // device-independent pixels, between controls
+constexpr int kShowFiguresEvery = 80;  // milliseconds
+constexpr double kLogsShare = 0.7;     // of the height, beside the report
+
+const std::vector<ReportControl::Column>& reportColumns() {
+  static const std::vector<ReportControl::Column> columns = [] {
+    constexpr int widths[kReportColumns] = {150, 130, 130, 90, 70, 60, 90};
+    constexpr bool right[kReportColumns] = {false, false, false, false, true, true, true};
+    std::vector<ReportControl::Column> all;
+    for (std::size_t i = 0; i < kReportColumns; ++i) all.push_back({kReportCaptions[i], widths[i], right[i]});
+    return all;
+  }();
+  return columns;
+}
+
+/// The number that a text with thousands separators holds; 0 for one without digits.
+double countIn(const std::string& text) {
+  std::string digits;
+  std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
+               [](unsigned char c) { return std::isdigit(c) != 0; });
+  return std::strtod(digits.c_str(), nullptr);
+}
+
+wxString shownName(const std::string& name) {
+  const wxString shown = wxString::FromUTF8(name);
+  return shown.empty() ? wxString(name.c_str(), wxConvISO8859_1) : shown;
+}
+
+void setText(wxStaticText* label, const wxString& text) {
+  const wxString plain = wxControl::EscapeMnemonics(text);
+  if (label->GetLabel() != plain) label->SetLabel(plain);
+}
+
+}  // namespace
+
+frmProcess::frmProcess(wxWindow* parent, MachineServices& services, EventPump& pump)
+    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "frmProcess"),
+      services_(services),
+      pump_(pump) {
+  layOut();
+  cmdStop->Disable();
+  cmdStart->Enable();
+  pbProgress->SetMin(0);
+  pbProgress->SetMax(100);
+  controller_ = std::make_unique<RunController>(services_.forRun(*this));
+  Animation1->Open(ProgramFolder() + "Server.avi");
+
+  cmdStart->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStart_Click(); });
+  cmdStop->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStop_Click(); });
+  TimerStartBackup.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { TimerStartBackup_Timer(); });
+  tmrFtpStatus.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { tmrFtpStatus_Timer(); });
+  tmrFigures_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { showFigures(); });
+  tmrFtpStatus.Start(kTmrFtpStatus);
+}
+
+frmProcess::~frmProcess() = default;
+
+void frmProcess::layOut() {
+  auto* const all = new wxBoxSizer(wxVERTICAL);
+  const int gap = FromDIP(kGap);
+  all->Add(layOutHead(), wxSizerFlags().Expand().Border(wxALL, gap));
+  pbProgress = new xpProgressBar(this);
+  pbProgress->SetShowText(true);
+  all->Add(pbProgress, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT, gap));
+  all->Add(layOutFigures(), wxSizerFlags().Expand().Border(wxALL, gap));
+
+  auto* const halves = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                            wxSP_LIVE_UPDATE | wxSP_NO_XP_THEME);
+  halves->SetMinimumPaneSize(FromDIP(50));
+  halves->SetSashGravity(kLogsShare);
+  rtfLog = new LogView(halves, log_);
+  wndReportControl = new ReportControl(halves, reportColumns(), "Profiles of the backup runs");
+  halves->SplitHorizontally(rtfLog, wndReportControl, FromDIP(210));
+  all->Add(halves, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
+  SetSizer(all);
+}
+
+wxSizer* frmProcess::layOutHead() {
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  const int gap = FromDIP(kGap);
+  cmdStart = new wxButton(this, wxID_ANY, "&Start Now", wxDefaultPosition, wxDefaultSize, 0,
+                          wxDefaultValidator, "cmdStart");
+  cmdStop = new wxButton(this, wxID_ANY, "S&top", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator,
+                         "cmdStop");
+  Animation1 = new AnimationPlayer(this);
+  picFtpConnected = new wxStaticBitmap(this, wxID_ANY, Picture("status/connected"));
+  picFtpConnected->SetToolTip("Connected to the FTP server");
+  picFtpConnected->Hide();
+  picFtpDisonnected = new wxStaticBitmap(this, wxID_ANY, Picture("status/disconnected"));
+  picFtpDisonnected->SetToolTip("Not connected to an FTP server");
+  for (wxStaticBitmap* picture : {picFtpConnected, picFtpDisonnected})
+    SetAccessibleName(*picture, picture->GetToolTipText(), AccessibleRole::picture);
+  const wxSizerFlags centred = wxSizerFlags().CenterVertical();
+  row->Add(cmdStart, centred);
+  row->Add(cmdStop, wxSizerFlags(centred).Border(wxLEFT, gap));
+  row->AddStretchSpacer();
+  row->Add(Animation1, wxSizerFlags(centred).Border(wxRIGHT, 2 * gap));
+  row->Add(picFtpConnected, centred);
+  row->Add(picFtpDisonnected, centred);
+  return row;
+}
+
+wxSizer* frmProcess::layOutFigures() {
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  const auto label = [&](const char* name, long style, int characters) {
+    auto* const text = new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
+                                        wxST_NO_AUTORESIZE | style, name);
+    text->SetMinSize({GetTextExtent("0").x * characters, -1});
+    return text;
+  };
+  lblFile = label("lblFile", wxST_ELLIPSIZE_MIDDLE, 8);
+  lblFileSize = label("lblFileSize", wxALIGN_RIGHT, 14);
+  lblRate = label("lblRate", wxALIGN_RIGHT, 16);
+  row->Add(lblFile, wxSizerFlags(1).CenterVertical());
+  row->Add(lblFileSize, wxSizerFlags().CenterVertical().Border(wxLEFT, FromDIP(kGap)));
+  row->Add(lblRate, wxSizerFlags().CenterVertical().Border(wxLEFT, FromDIP(kGap)));
+  return row;
+}
+
+void frmProcess::cmdStart_Click() {
+  cmdStart->Disable();
+  startBackup();
+  reopenAnimation();
+}
+
+void frmProcess::reopenAnimation() {
+  Animation1->Open(ProgramFolder() + "Server.avi");
+  Animation1->Play();
+}
+
+void frmProcess::cmdStop_Click() {
+  if (asking_) return;
+  asking_ = true;
+  wxMessageDialog box(this, "Are you sure you want to stop the current backup process", "Warrning",
+                      wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_ERROR);
+  const int answer = box.ShowModal();
+  asking_ = false;
+  if (answer != wxID_YES) return;
+  stopConfirmed_ = true;
+  controller_->Stop();
+  Animation1->Stop();
+}
+
+void frmProcess::TimerStartBackup_Timer() {
+  // A run that was stopped may still be unwinding below this very tick: the next one looks again.
+  if (controller_->active()) return;
+  TimerStartBackup.Stop();
+  stopConfirmed_ = false;
+  firstRow_ = wndReportControl->rowCount();
+  if (!Animation1->IsPlaying()) reopenAnimation();
+  std::vector<ProfileResult> results;
+  try {
+    results = controller_->RunBackup();
+  } catch (const ProgramEnding&) {
+    return;
+  }
+  Animation1->Stop();
+  figures_ = Figures();
+  figures_.changed = true;
+  showFigures();
+  if (onFinished) onFinished(outcome(std::move(results)));
+}
+
+frmProcess::Outcome frmProcess::outcome(std::vector<ProfileResult> results) const {
+  Outcome all{std::move(results), stopConfirmed_, 0};
+  for (std::size_t row = firstRow_; row < wndReportControl->rowCount(); ++row)
+    all.files += countIn(wndReportControl->item(row, static_cast<std::size_t>(ReportColumn::files)));
+  return all;
+}
+
+void frmProcess::tmrFtpStatus_Timer() {
+  const bool connected = controller_->ftpState() == FtpState::connected;
+  if (picFtpConnected->IsShown() == connected) return;
+  picFtpConnected->Show(connected);
+  picFtpDisonnected->Show(!connected);
+  Layout();
+}
+
+void frmProcess::unload() {
+  if (controller_->ftpState() == FtpState::connected) controller_->Stop();
+  Animation1->Stop();
+  TimerStartBackup.Stop();
+  tmrOnlineLogin.Stop();
+  tmrFtpStatus.Stop();
+  tmrFigures_.Stop();
+}
+
+void frmProcess::figuresChanged() {
+  figures_.changed = true;
+  if (!tmrFigures_.IsRunning()) tmrFigures_.StartOnce(kShowFiguresEvery);
+}
+
+void frmProcess::showFigures() {
+  if (!std::exchange(figures_.changed, false)) return;
+  pbProgress->SetValue(figures_.percent);
+  setText(lblFile, shownName(figures_.file));
+  setText(lblFileSize, wxString::FromUTF8(figures_.size));
+  setText(lblRate, wxString::FromUTF8(figures_.rate));
+  wndReportControl->populate();
+  if (onProgress && BackupRunning) {
+    const std::size_t rows = wndReportControl->rowCount();
+    onProgress({rows > firstRow_ ? wndReportControl->item(rows - 1, 0) : std::string(), figures_.percent});
+  }
+}
+
+void frmProcess::setLogColour(Colour colour) {
+  if (colour.buttonFace) {
+    const wxColour face = wxSystemSettings::GetColour(wxSYS_COLOUR_BTNFACE);
+    colour = {face.Red(), face.Green(), face.Blue()};
+  }
+  log_.setColour(colour);
+}
+
+void frmProcess::insertLogText(std::string_view text) {
+  log_.append(text);
+  rtfLog->logChanged();
+}
+
+void frmProcess::showCurrentFile(const std::string& remoteFile) {
+  figures_.file = remoteFile;
+  if (remoteFile.empty()) figures_.rate.clear();
+  figuresChanged();
+}
+
+void frmProcess::showProgress(int percent) {
+  figures_.percent = percent;
+  figuresChanged();
+}
+
+void frmProcess::showRate(const std::string& text) {
+  figures_.rate = text;
+  figuresChanged();
+}
+
+void frmProcess::showFileSize(const std::string& text) {
+  figures_.size = text;
+  figuresChanged();
+}
+
+std::size_t frmProcess::addReportRow() {
+  return wndReportControl->addRow();
+}
+
+void frmProcess::setReportItem(std::size_t row, ReportColumn column, const std::string& text) {
+  wndReportControl->setItem(row, static_cast<std::size_t>(column), text);
+  figuresChanged();
+}
+
+void frmProcess::setReportColour(std::size_t row, ReportColumn column, Colour colour) {
+  wndReportControl->setItemColour(row, static_cast<std::size_t>(column), colour);
+  figuresChanged();
+}
+
+void frmProcess::showBusyCursor(bool busy) {
+  SetCursor(busy ? *wxHOURGLASS_CURSOR : wxNullCursor);
+}
+
+void frmProcess::showRunning(bool running) {
+  // A button that has the focus and is disabled would leave the keyboard nowhere.
+  const wxWindow* const focus = FindFocus();
+  const bool moveFocus = focus == cmdStart || focus == cmdStop;
+  cmdStart->Enable(!running);
+  cmdStop->Enable(running);
+  if (moveFocus) (running ? cmdStop : cmdStart)->SetFocus();
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,19 @@
+// The schedule and the clock in words, side by side in the settings.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "platform/LocalTime.h"
+
+namespace quillmoor {
+
+/// "Every Monday and Thursday at 12:30", "Never: no weekday is selected". Flags 1 = Sunday .. 7 = Saturday, a
+/// day is selected by exactly 1.
+std::string ScheduleText(const std::array<std::int32_t, 8>& days, std::int32_t hour, std::int32_t minute);
+
+/// "03:05:09 PM"
+std::string ClockText(LocalDateTime time);
+
+}  // namespace quillmoor

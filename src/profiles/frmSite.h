@@ -1,0 +1,42 @@
+// The site profiles: which there are, and the way out of the program.
+#pragma once
+
+#include <wx/button.h>
+#include <wx/panel.h>
+#include <wx/stattext.h>
+#include <wx/timer.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "controls/ReportControl.h"
+
+namespace quillmoor {
+
+class frmSite : public wxPanel {
+ public:
+  frmSite(wxWindow* parent, std::string profilesFile);
+
+  /// Reads the profile file and shows what is in it. Happens by itself when the file changes.
+  void LoadSitesInfo();
+
+  void unload() { tmrProfiles_.Stop(); }
+
+  /// The exit item was chosen and confirmed.
+  std::function<void()> onExit;
+
+  ReportControl* lvwProfiles;
+  wxStaticText* lblProfiles;
+  wxButton* cmdExit;
+
+ private:
+  void exitItem();
+  void lookForChange();
+
+  const std::string profilesFile_;
+  wxTimer tmrProfiles_;
+  std::filesystem::file_time_type changed_{};
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,33 @@
+#include "shell/RunNotice.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "shell/TrayTip.h"
+
+namespace quillmoor {
+namespace {
+
+std::string counted(std::size_t count, const char* what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+std::string RunTip(const std::string& title, const std::string& profile, int percent) {
+  const std::string before = title + " - ";
+  const std::string after = ": " + std::to_string(percent) + "%";
+  return before + FirstCharacters(profile, kLongestTip - before.size() - after.size()) + after;
+}
+
+std::string RunNotice(const std::vector<ProfileResult>& results, bool stopped, double files) {
+  const auto completed = static_cast<std::size_t>(
+      std::count_if(results.begin(), results.end(), [](const ProfileResult& one) { return one.completed; }));
+  std::string text = stopped ? "The backup was stopped. " : "";
+  if (results.empty()) return text + "No profile is enabled.";
+  text += counted(completed, "profile") + " completed";
+  if (completed != results.size()) text += ", " + std::to_string(results.size() - completed) + " not";
+  return text + ". " + counted(static_cast<std::size_t>(files), "file") + ".";
+}
+
+}  // namespace quillmoor

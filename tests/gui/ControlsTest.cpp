@@ -1,0 +1,142 @@
+// The log's view under a flood of lines, and the tray's messages.
+#include <wx/frame.h>
+#include <wx/sizer.h>
+
+#include "GuiFixture.h"
+#include "controls/LogView.h"
+#include "engine/RunLog.h"
+
+namespace quillmoor {
+namespace {
+
+class LogViewTest : public ::testing::Test {
+ protected:
+  LogViewTest() {
+    frame = new wxFrame(nullptr, wxID_ANY, "log", wxDefaultPosition, wxSize(700, 400));
+    view = new LogView(frame, log);
+    frame->Show();
+    EXPECT_TRUE(waitUntil([&] { return view->IsShownOnScreen() && view->GetClientSize().y > 100; }));
+  }
+  ~LogViewTest() override {
+    bool gone = false;
+    frame->Bind(wxEVT_DESTROY, [&](wxWindowDestroyEvent& event) {
+      gone = gone || event.GetEventObject() == frame;
+      event.Skip();
+    });
+    frame->Destroy();
+    EXPECT_TRUE(waitUntil([&] { return gone; }));
+  }
+  void append(const std::string& text) {
+    if (log.length() > RunLog::kLongestLog) log.trim(RunLog::kTrimmed);
+    log.append(text);
+    view->logChanged();
+  }
+  bool newestIsInView() {
+    int unit = 0;
+    view->GetScrollPixelsPerUnit(nullptr, &unit);
+    const int last = view->GetViewStart().y + view->GetClientSize().y / unit;
+    return last >= static_cast<int>(log.lineCount()) - 1;
+  }
+
+  LogText log;
+  wxFrame* frame;
+  LogView* view;
+};
+
+TEST_F(LogViewTest, KeepsUpWithTenThousandLinesASecond) {
+  using Clock = std::chrono::steady_clock;
+  constexpr int kLines = 20'000;
+  constexpr std::chrono::microseconds kPerLine{100};
+  const auto begin = Clock::now();
+  std::chrono::duration<double, std::milli> worst{0};
+  for (int line = 0; line < kLines;) {
+    const auto due = std::min<std::int64_t>((Clock::now() - begin) / kPerLine + 1, kLines);
+    for (; line < due; ++line) append("Retriving: /www/a folder/file " + std::to_string(line) + ".html\r\n");
+    const auto turn = Clock::now();
+    wxEventLoopBase::GetActive()->YieldFor(wxEVT_CATEGORY_ALL);
+    worst = std::max<decltype(worst)>(worst, Clock::now() - turn);
+  }
+  const std::chrono::duration<double> took = Clock::now() - begin;
+  EXPECT_LT(took.count(), 2.0 * kLines / 10'000) << "lines come faster than they are shown";
+  RecordProperty("WorstTurnMs", std::to_string(worst.count()));
+  EXPECT_TRUE(waitUntil([&] { return newestIsInView(); }));
+  EXPECT_EQ(log.line(log.lineCount() - 2).text, "Retriving: /www/a folder/file 19999.html");
+}
+
+TEST_F(LogViewTest, CopiesWhatIsSelectedWholeLinesAndParts) {
+  append("one\r\ntwo\r\nthree");
+  view->showNewest();
+  EXPECT_FALSE(view->hasSelection());
+  EXPECT_EQ(view->selectedText(), "");
+  view->selectAll();
+  EXPECT_EQ(view->selectedText(), "one\ntwo\nthree");
+  log.trim(5);
+  EXPECT_EQ(view->selectedText(), "two\nthree") << "what is gone from the log is gone from the selection";
+  log.trim(1000);
+  EXPECT_EQ(view->selectedText(), "");
+}
+
+TEST_F(LogViewTest, IsMarkedByTheMouseAndFollowsTheLogAgain) {
+  append("first line\r\nsecond line\r\n");
+  view->showNewest();
+  wxUIActionSimulator hand;
+  int unit = 0;
+  view->GetScrollPixelsPerUnit(nullptr, &unit);
+  const wxPoint corner = view->ClientToScreen(wxPoint(0, 0));
+  hand.MouseMove(corner + wxPoint(1, unit / 2));
+  hand.MouseDown();
+  hand.MouseMove(corner + wxPoint(view->GetClientSize().x - 40, unit / 2));
+  ASSERT_TRUE(waitUntil([&] { return view->selectedText() == "first line"; })) << view->selectedText();
+  for (int i = 0; i < 100; ++i) append("more\r\n");
+  EXPECT_FALSE(
+      waitUntil([&] { return newestIsInView(); }, std::chrono::milliseconds(3 * LogView::kShowEvery)))
+      << "the log runs away under the pointer";
+  hand.MouseUp();
+  append("last\r\n");
+  EXPECT_TRUE(waitUntil([&] { return newestIsInView(); }));
+  EXPECT_EQ(view->selectedText(), "first line");
+}
+
+TEST(CTray, RaisesTheMoveAndThenTheEventButNothingInsideOne) {
+  CTray tray;
+  std::vector<std::string> events;
+  const auto note = [&](const char* name) { return [&events, name] { events.emplace_back(name); }; };
+  tray.MouseMove = [&](int, int, int, int) { events.emplace_back("move"); };
+  tray.LButtonDown = note("left down");
+  tray.LButtonUp = note("left up");
+  tray.LButtonDblClk = note("left double");
+  tray.RButtonDown = note("right down");
+  tray.RButtonDblClk = note("right double");
+  tray.RButtonUp = [&] {
+    events.emplace_back("right up");
+    tray.mouseMessage(517);  // again, while the menu is open
+    tray.mouseMessage(512);
+  };
+  const struct {
+    int message;
+    std::vector<std::string> raised;
+  } cases[] = {{511, {"move"}},
+               {512, {"move"}},
+               {513, {"move", "left down"}},
+               {514, {"move", "left up"}},
+               {515, {"move", "left double"}},
+               {516, {"move", "right down"}},
+               {517, {"move", "right up"}},
+               {518, {"move", "right double"}},
+               {519, {"move"}}};
+  for (const auto& one : cases) {
+    events.clear();
+    tray.mouseMessage(one.message);
+    EXPECT_EQ(events, one.raised) << one.message;
+  }
+}
+
+TEST(CTray, NeedsAHostToBeShownAndCutsItsTip) {
+  CTray tray;
+  EXPECT_FALSE(tray.Show());
+  tray.SetTip(std::string(80, 'x'));
+  EXPECT_EQ(tray.Tip(), std::string(63, 'x'));
+}
+
+}  // namespace
+}  // namespace quillmoor

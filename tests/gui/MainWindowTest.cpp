@@ -1,0 +1,262 @@
+// The program from its start to its end, through its windows.
+#include <cmath>
+
+#include "GuiFixture.h"
+#include "shell/WindowPlacement.h"
+
+namespace quillmoor {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::contentsOf;
+using Session = testing::ScriptedFtpServer::Session;
+
+constexpr long kStopBox = wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_ERROR;
+const char* const kStopText = "Are you sure you want to stop the current backup process";
+
+/// A file whose transfer does not end by itself.
+void sendsSomeAndWaits(Session& s) {
+  s.openData();
+  s.reply("150 Here it comes.");
+  s.sendData("some");
+  s.waitForClient();
+  s.closeData();
+  s.reply("426 Broken off.");
+}
+
+class MainWindowTest : public GuiTest {
+ protected:
+  void goIntoTheMiddleOfAFile() {
+    server.addFile("/a.bin", "x");
+    server.addFile("/b.bin", std::string(1 << 20, 'x'));
+    server.on("RETR /b.bin", sendsSomeAndWaits);
+    start();
+    stayOpen();
+    main->panes->activate(kBackupPane);
+    clickEvent(main->process->cmdStart);
+    steps.when([&] { return server.count("RETR /b.bin") == 1; });
+  }
+};
+
+TEST_F(MainWindowTest, StandsWhereItIsStoredAndHidesByItself) {
+  WriteSetting("MainLeft", "1500");
+  WriteSetting("MainTop", "2250");
+  WriteSetting("MainWidth", "9000");
+  WriteSetting("MainHeight", "7500");
+  start();
+  const double scale = main->FromDIP(9600) / 9600.0;
+  const auto at = [&](int dip) { return static_cast<int>(std::lround(dip * scale)); };
+  EXPECT_TRUE(waitUntil([&] { return main->GetPosition() == wxPoint(at(100), at(150)); }))
+      << main->GetPosition().x << "," << main->GetPosition().y;
+  EXPECT_EQ(main->GetSize(), wxSize(at(600), at(500)));
+  EXPECT_EQ(main->GetTitle(), "Quillmoor");
+  EXPECT_EQ(main->panes->activePane(), kProfilesPane);
+  EXPECT_TRUE(waitUntil([&] { return !main->IsShown() || main->IsIconized(); }));
+  EXPECT_FALSE(main->tmrHide.IsRunning());
+
+  main->restore();
+  EXPECT_TRUE(waitUntil([&] { return main->IsShownOnScreen() && !main->IsIconized(); }));
+  if (CTray::isAvailable()) {
+    EXPECT_TRUE(waitUntil([&] { return main->GetPosition() == wxPoint(at(100), at(150)); }))
+        << "moved by hiding";
+  }
+}
+
+TEST_F(MainWindowTest, IsHiddenByItsCloseBoxAndEndedByNothingButTheExitRoutine) {
+  start();
+  stayOpen();
+  main->Close();
+  EXPECT_TRUE(waitUntil([&] { return !main->IsShown() || main->IsIconized(); }));
+  main->hide();
+  main->restore();
+  EXPECT_TRUE(waitUntil([&] { return main->IsShownOnScreen() && !main->IsIconized(); }));
+  ASSERT_TRUE(main);
+  main->ExitRoutine();
+  EXPECT_TRUE(waitUntil([&] { return !main; }));
+}
+
+TEST_F(MainWindowTest, KeepsItsPlacementButNotOfAMinimisedWindow) {
+  WriteSetting("MainLeft", "1500");
+  WriteSetting("MainWidth", "9000");
+  start();
+  stayOpen();
+  main->Iconize();
+  ASSERT_TRUE(waitUntil([&] { return main->IsIconized(); }));
+  main->ExitRoutine();
+  ASSERT_TRUE(waitUntil([&] { return !main; }));
+  EXPECT_EQ(ReadSetting("MainLeft", ""), "1500");
+  EXPECT_EQ(ReadSetting("MainWidth", ""), "9000");
+
+  start();
+  stayOpen();
+  const double perInch = main->FromDIP(9600) / 100.0;
+  const wxPoint wanted = main->GetPosition() + wxPoint(30, 45);
+  ASSERT_TRUE(waitUntil([&] {
+    if (main->GetPosition() != wanted) main->Move(wanted);
+    return main->GetPosition() == wanted;
+  }));
+  main->ExitRoutine();
+  ASSERT_TRUE(waitUntil([&] { return !main; }));
+  EXPECT_EQ(ReadSetting("MainLeft", ""), std::to_string(std::lround(wanted.x * kTwipsPerInch / perInch)));
+}
+
+TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
+  server.addFile("/a.bin", "bytes");
+  server.addFile("/sub/b.bin", "more bytes");
+  start();
+  stayOpen();
+  main->panes->activate(kBackupPane);
+  frmProcess& form = *main->process;
+  EXPECT_TRUE(form.cmdStart->IsEnabled());
+  EXPECT_FALSE(form.cmdStop->IsEnabled());
+  ASSERT_TRUE(waitUntil([&] { return form.cmdStart->IsShownOnScreen(); }));
+  steps.when([&] { return true; }, [&] { click(form.cmdStart); })
+      .when([&] { return form.active(); },
+            [&] {
+              EXPECT_FALSE(form.cmdStart->IsEnabled());
+              EXPECT_TRUE(form.Animation1->IsPlaying() || !form.Animation1->error().empty());
+            })
+      .when([&] { return !form.active(); })
+      .take();
+  EXPECT_EQ(status(), "Completed");
+  EXPECT_EQ(form.wndReportControl->item(0, static_cast<std::size_t>(ReportColumn::files)), "2");
+  EXPECT_NE(logged().find("Good Bye.\n"), std::string::npos);
+  EXPECT_EQ(contentsOf(target() / "sub" / "b.bin"), "more bytes");
+  EXPECT_TRUE(form.cmdStart->IsEnabled());
+  EXPECT_FALSE(form.cmdStop->IsEnabled());
+  EXPECT_FALSE(form.Animation1->IsPlaying());
+  EXPECT_FALSE(BackupRunning);
+  EXPECT_EQ(main->tray().Tip(), "Quillmoor");
+}
+
+TEST_F(MainWindowTest, AsksBeforeItStopsInTheMiddleOfAFile) {
+  goIntoTheMiddleOfAFile();
+  frmProcess& form = *main->process;
+  const auto answer = [&](int button) {
+    wxTEST_DIALOG(clickEvent(form.cmdStop), ExpectBox("Warrning", kStopText, kStopBox, button));
+  };
+  steps
+      .when([&] { return form.picFtpConnected->IsShown() && !form.picFtpDisonnected->IsShown(); },
+            [&] {
+              EXPECT_EQ(status(), "Running");
+              for (const int no : {wxID_NO, wxID_CANCEL}) {
+                answer(no);
+                EXPECT_TRUE(BackupRunning);
+                EXPECT_TRUE(form.active());
+              }
+              answer(wxID_YES);
+              EXPECT_FALSE(BackupRunning);
+              EXPECT_TRUE(form.cmdStart->IsEnabled());
+            })
+      .when([&] { return !form.active(); })
+      .take();
+  EXPECT_EQ(status(), "Stoped");
+  EXPECT_NE(logged().find("Good Bye.\n"), std::string::npos);
+  EXPECT_FALSE(fs::exists(target() / "b.bin"));
+  EXPECT_TRUE(waitUntil([&] { return form.picFtpDisonnected->IsShown(); }));
+}
+
+TEST_F(MainWindowTest, StartsAgainOnceAStoppedRunHasUnwound) {
+  goIntoTheMiddleOfAFile();
+  frmProcess& form = *main->process;
+  steps
+      .when([] { return true; },
+            [&] {
+              server.on("RETR /b.bin", [](Session& s) { s.answerAsUsual(); });
+              wxTEST_DIALOG(clickEvent(form.cmdStop), ExpectBox("Warrning", kStopText, kStopBox, wxID_YES));
+              EXPECT_TRUE(form.active()) << "the stopped run is still below us";
+              clickEvent(form.cmdStart);
+            })
+      .when([&] { return status(1) == "Completed" && !form.active(); })
+      .take();
+  EXPECT_EQ(status(0), "Stoped");
+}
+
+TEST_F(MainWindowTest, EndsInTheMiddleOfARunAndLeavesNoHalfFile) {
+  goIntoTheMiddleOfAFile();
+  std::chrono::steady_clock::time_point begin;
+  steps
+      .when([] { return true; },
+            [&] {
+              begin = std::chrono::steady_clock::now();
+              main->ExitRoutine();
+            })
+      .when([&] { return !main; })
+      .take();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << "it waited for the run";
+  std::vector<std::string> left;
+  for (const auto& entry : fs::directory_iterator(target())) left.push_back(entry.path().filename().string());
+  EXPECT_EQ(left, std::vector<std::string>{"a.bin"});
+}
+
+TEST_F(MainWindowTest, EndsWhileARunWaitsForItsServer) {
+  server.on("PASS", [](Session& s) { s.reply("530 Never."); });
+  WriteSetting("ConnectionDelay", "3600");
+  start();
+  stayOpen();
+  clickEvent(main->process->cmdStart);
+  steps
+      .when([&] { return logged().find("Waiting 3600 Seconds") != std::string::npos; },
+            [&] { main->ExitRoutine(); })
+      .when([&] { return !main; })
+      .take();
+}
+
+TEST_F(MainWindowTest, ExitsFromTheProfilesPaneOnlyWhenThatIsConfirmed) {
+  start();
+  stayOpen();
+  constexpr long style = wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING;
+  const char* const text = "Are you sure you want to exit the application?.";
+  wxTEST_DIALOG(clickEvent(main->site->cmdExit), ExpectBox("Quillmoor", text, style, wxID_CANCEL));
+  EXPECT_FALSE(main->tmrEndProgram.IsRunning());
+  wxTEST_DIALOG(clickEvent(main->site->cmdExit), ExpectBox("Quillmoor", text, style, wxID_YES));
+  EXPECT_TRUE(waitUntil([&] { return !main; }));
+}
+
+TEST_F(MainWindowTest, BacksUpAtTheScheduledMinuteWhileItIsHidden) {
+  server.addFile("/a.bin", "bytes");
+  WriteSetting("SchedualHour", "12");
+  WriteSetting("SchedualMinute", "30");
+  WriteSetting("SchedualTusday", "1");
+  LocalDateTime clock = *MakeLocalDateTime({2026, 11, 24, 12, 29, 58, 0});  // a Tuesday
+  now = [&] { return clock; };
+  start();
+  main->hide();
+  ASSERT_TRUE(waitUntil([&] { return !main->TimerMain.IsRunning() || !main->tmrHide.IsRunning(); }));
+  EXPECT_FALSE(BackupRunning);
+  EXPECT_EQ(status(), "");
+  clock += std::chrono::seconds(2);
+  ASSERT_TRUE(waitUntil([&] { return status() == "Completed" && !main->process->active(); })) << status();
+  EXPECT_EQ(contentsOf(target() / "a.bin"), "bytes");
+  WriteSetting("SchedualTusday", "0");
+}
+
+TEST_F(MainWindowTest, ShowsTheProfilesThatTheFileHoldsNow) {
+  start();
+  stayOpen();
+  ReportControl& list = *main->site->lvwProfiles;
+  ASSERT_EQ(list.rowCount(), 1u);
+  EXPECT_EQ(list.item(0, 0), "site");
+  profile.name = "another";
+  profile.ID.clear();
+  profile.Status = 0;
+  ASSERT_TRUE(SaveSiteProfile(profile, profilesFile()));
+  ASSERT_TRUE(waitUntil([&] { return list.rowCount() == 2; }));
+  EXPECT_EQ(list.item(0, 0), "another");
+  EXPECT_EQ(list.item(0, 1), "Disabled");
+}
+
+TEST_F(MainWindowTest, ShowsNetworkAndClockWhileTheSettingsAreSeen) {
+  now = [] { return *MakeLocalDateTime({2026, 11, 24, 15, 5, 9, 0}); };
+  start();
+  stayOpen();
+  main->panes->activate(kSettingsPane);
+  frmSettings& form = *main->settingsForm;
+  EXPECT_TRUE(waitUntil([&] { return form.lblTimeNow->GetLabelText() == "03:05:09 PM"; }));
+  EXPECT_TRUE(waitUntil([&] { return form.lblLANstatus->GetLabelText() == "Connected"; }));
+  EXPECT_TRUE(waitUntil([&] { return form.lblRasStatus->GetLabelText() == "Not Connected"; }));
+  EXPECT_EQ(form.lblSchedule->GetLabelText(), "Never: no weekday is selected");
+}
+
+}  // namespace
+}  // namespace quillmoor

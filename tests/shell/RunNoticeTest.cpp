@@ -1,0 +1,34 @@
+#include "shell/RunNotice.h"
+
+#include <gtest/gtest.h>
+
+#include "shell/TrayTip.h"
+
+namespace quillmoor {
+namespace {
+
+TEST(TrayTip, IsCutToSixtyThreeCharacters) {
+  const std::string eighty(80, 'x');
+  EXPECT_EQ(FirstCharacters(eighty, kLongestTip), std::string(63, 'x'));
+  EXPECT_EQ(FirstCharacters("short", kLongestTip), "short");
+  EXPECT_EQ(FirstCharacters("\xC3\xA4\xC3\xB6\xC3\xBC", 2), "\xC3\xA4\xC3\xB6");
+}
+
+TEST(RunTip, KeepsThePercentageInView) {
+  EXPECT_EQ(RunTip("Quillmoor", "My site", 45), "Quillmoor - My site: 45%");
+  const std::string tip = RunTip("Quillmoor", std::string(100, 'n'), 100);
+  EXPECT_EQ(tip.size(), kLongestTip);
+  EXPECT_TRUE(tip.ends_with("n: 100%")) << tip;
+}
+
+TEST(RunNotice, CountsWhatBecameOfTheProfiles) {
+  EXPECT_EQ(RunNotice({{"a", true}}, false, 1), "1 profile completed. 1 file.");
+  EXPECT_EQ(RunNotice({{"a", true}, {"b", false}, {"c", true}}, false, 1204),
+            "2 profiles completed, 1 not. 1204 files.");
+  EXPECT_EQ(RunNotice({{"a", false}}, true, 3),
+            "The backup was stopped. 0 profiles completed, 1 not. 3 files.");
+  EXPECT_EQ(RunNotice({}, false, 0), "No profile is enabled.");
+}
+
+}  // namespace
+}  // namespace quillmoor
