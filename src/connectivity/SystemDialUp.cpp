@@ -89,19 +89,23 @@ void SystemDialUp::start(const std::string& entry) {
   entry_ = entry;
   diallingSince_ = tick_();
   show(kDialUpStarting);
+  starting_ = true;
   try {
     access_->dial(entry);
   } catch (...) {
+    starting_ = false;
     phase_ = Phase::idle;
     show(kDialUpDisconnected);
     throw;
   }
+  starting_ = false;
+  if (phase_ == Phase::closing) access_->close();  // aborted from inside the pump
 }
 
 void SystemDialUp::beginClosing(std::int32_t state) {
   phase_ = Phase::closing;
   show(state);
-  access_->close();
+  if (!starting_) access_->close();
 }
 
 void SystemDialUp::show(std::int32_t state) {

@@ -47,6 +47,7 @@ class SystemDialUp final : public DialUp {
   std::string next_;                // to be dialled when what is being closed is closed
   std::int64_t diallingSince_ = 0;  // ms of tick_
   bool takingIn_ = false;
+  bool starting_ = false;  // inside the system's dial, which may pump
 };
 
 }  // namespace quillmoor

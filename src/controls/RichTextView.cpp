@@ -100,7 +100,7 @@ RichTextView::RichTextView(wxWindow* parent, wxWindowID id, const wxString& labe
   });
 }
 
-void RichTextView::Show(RtfDocument document) {
+void RichTextView::ShowDocument(RtfDocument document) {
   document_ = std::move(document);
   Clear();
   toFill_ = true;
@@ -123,7 +123,7 @@ bool RichTextView::LoadFile(const std::string& path) {
       document.paragraphs = {{{}, {{error.what(), {}}}}};
     }
   }
-  Show(std::move(document));
+  ShowDocument(std::move(document));
   return shown;
 }
 

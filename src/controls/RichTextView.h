@@ -19,8 +19,7 @@ class RichTextView : public wxTextCtrl {
 
   /// Shows a document from its beginning. While the view is not on the screen, as in a tab behind others, its
   /// text is not made yet: that would take its share of the program's start.
-  void Show(RtfDocument document);
-  using wxTextCtrl::Show;
+  void ShowDocument(RtfDocument document);
 
   /// Shows a file. One that is not there leaves the view empty; of one that cannot be read the
   /// view says what is wrong. Returns whether the file is shown.

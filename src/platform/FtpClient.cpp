@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/ErrorText.h"
 #include "platform/FtpControl.h"
 #include "platform/FtpTransfer.h"
 #include "platform/LocalPath.h"
@@ -223,7 +224,7 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
                                 std::chrono::steady_clock::now() + timeout());
       } catch (const std::system_error& error) {
         throw FtpError(FtpErrorNumber::hostNotFound,
-                       "Cannot find the host " + host + ": " + error.code().message() + ".");
+                       "Cannot find the host " + host + ": " + ErrorText(error.code()) + ".");
       }
       control_.connect(endpoints, host, timeout());
       transfer_.reset(passive);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <system_error>
 
+#include "platform/ErrorText.h"
+
 namespace quillmoor {
 namespace {
 
@@ -65,7 +67,8 @@ void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, 
     if (!error) break;
   }
   if (error) {
-    throw FtpError(FtpErrorNumber::connectFailed, "Cannot connect to " + host + ": " + error.message() + ".");
+    throw FtpError(FtpErrorNumber::connectFailed,
+                   "Cannot connect to " + host + ": " + ErrorText(error) + ".");
   }
   asio::error_code ignored;
   channel_.socket.set_option(asio::ip::tcp::no_delay(true), ignored);
@@ -104,7 +107,7 @@ void FtpControl::write(const std::string& bytes, milliseconds timeout) {
     if (error == asio::error::timed_out) raiseSilent();
     if (error) {
       throw FtpError(FtpErrorNumber::connectionLost,
-                     "The connection to the server is lost: " + error.message() + ".");
+                     "The connection to the server is lost: " + ErrorText(error) + ".");
     }
   }
 }

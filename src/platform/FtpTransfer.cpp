@@ -5,6 +5,8 @@
 #include <exception>
 #include <utility>
 
+#include "platform/ErrorText.h"
+
 namespace quillmoor {
 namespace {
 
@@ -114,7 +116,7 @@ void FtpTransfer::listenForServer(const std::string& dataPortRange) {
   if (error) {
     acceptor_.close();
     throw FtpError(FtpErrorNumber::dataConnectionFailed, "Cannot listen for a data connection (ports " +
-                                                             dataPortRange + "): " + error.message() + ".");
+                                                             dataPortRange + "): " + ErrorText(error) + ".");
   }
   listeningRequest_ = portCommand(address, acceptor_.socket.local_endpoint().port());
 }
@@ -139,7 +141,7 @@ bool FtpTransfer::openPassive(const Order& order, bool extended) {
   if (extended) return false;
   throw FtpError(
       FtpErrorNumber::dataConnectionFailed,
-      "Cannot open the data connection to port " + std::to_string(*port) + ": " + error.message() + ".");
+      "Cannot open the data connection to port " + std::to_string(*port) + ": " + ErrorText(error) + ".");
 }
 
 void FtpTransfer::open(const Order& order) {

@@ -113,6 +113,14 @@ TEST_F(DialUpComponent, AbortsADial) {
   EXPECT_THAT(shown, ElementsAre(8195, 8199, 8193)) << "late news of what is being ended is none";
 }
 
+TEST_F(DialUpComponent, AbortsADialThatIsStillBeingStarted) {
+  system->pump = [this] { dialUp->Abort(); };
+  dialUp->Dial("Office");
+  EXPECT_THAT(system->calls, ElementsAre("dial Office", "close"));
+  reports({8193});
+  EXPECT_THAT(shown, ElementsAre(8195, 8199, 8193));
+}
+
 TEST_F(DialUpComponent, DialsWhenWhatWasThereHasBeenEnded) {
   const struct {
     const char* name;

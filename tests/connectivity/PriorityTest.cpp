@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "TestPlatform.h"
+#include "connectivity/PrioritySlider.h"
 #include "connectivity/modProcessPriority.h"
 #include "platform/ProcessPriority.h"
+#include "profiles/SettingsStore.h"
 
 namespace quillmoor::modProcessPriority {
 namespace {
@@ -33,6 +36,16 @@ TEST(ProcessPriority, TellsWhatIsInForceWhenNothingCouldBeSet) {
   EXPECT_EQ(SetPriority(CurrentProcessId(), 0, 12), own);
   EXPECT_EQ(SetPriority(0x7FFFFFF0, 0, 32), 0) << "there is no such process";
   EXPECT_EQ(SetPriority(0, 1, 32), 0) << "there is no such window";
+}
+
+TEST(ProcessPriority, FollowsTheSliderAndIsStored) {
+  const testing::OwnRegistry registry;
+  ApplicationSettings settings;
+  EXPECT_EQ(PrioritySliderMoved(2, settings), "Below Normal");
+  EXPECT_EQ(settings.ProcessPriority, 16384);
+  EXPECT_EQ(ReadSetting("ProcessPriority", ""), "16384");
+  const std::int32_t inForce = SetPriority(0, 0, 12);
+  EXPECT_TRUE(inForce == 16384 || inForce == 64) << inForce << ": idle when the test was started so";
 }
 
 }  // namespace

@@ -19,9 +19,11 @@ class ScriptedRemoteAccess final : public RemoteAccess {
   /// By handle, in the order of the map; each with its state.
   std::map<std::uint64_t, std::int32_t> connections;
   std::uint32_t hangUpError = 0;
+  Pump pump;  // called by dial
 
   std::vector<std::string> entries() override { return phonebook; }
   void dial(const std::string& entry) override {
+    if (pump) pump();
     calls.push_back("dial " + entry);
     for (const auto& known : phonebook) {
       if (known == entry) return;

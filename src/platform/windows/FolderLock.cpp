@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 
 namespace quillmoor {

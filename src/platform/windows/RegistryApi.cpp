@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 
 namespace quillmoor {
@@ -27,7 +28,7 @@ bool isMissing(LSTATUS status) {
 }
 
 [[noreturn]] void fail(const std::string& what, LSTATUS status) {
-  throw RegistryStoreError(what + ": " + std::system_category().message(status));
+  throw RegistryStoreError(what + ": " + SystemErrorText(static_cast<unsigned long>(status)));
 }
 
 class Key {

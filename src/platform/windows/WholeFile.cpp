@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 
 namespace quillmoor {

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <system_error>
 
 #include "platform/LocalPath.h"
 #include "platform/Utf8.h"
@@ -77,12 +76,6 @@ std::wstring WidePath(const std::filesystem::path& path) {
 
 std::wstring WidePath(const std::string& text) {
   return WidePath(LocalPath(text));
-}
-
-void RaiseLastError(const char* what, const std::filesystem::path& path) {
-  const DWORD error = ::GetLastError();
-  throw std::system_error(static_cast<int>(error), std::system_category(),
-                          std::string(what) + " " + LocalPathText(path));
 }
 
 }  // namespace quillmoor

@@ -18,7 +18,4 @@ std::string Narrow(std::wstring_view wide);
 std::wstring WidePath(const std::filesystem::path& path);
 std::wstring WidePath(const std::string& text);
 
-/// Raises std::system_error for the last error: "WHAT PATH: the system's own words".
-[[noreturn]] void RaiseLastError(const char* what, const std::filesystem::path& path);
-
 }  // namespace quillmoor
