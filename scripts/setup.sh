@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=("$@" g++ cmake ninja-build libasio-dev libwxgtk3.2-dev libgtk-3-dev pkgconf libgtest-dev libgmock-dev zlib1g-dev
-  libgcrypt20-dev python3-minimal python3-pyftpdlib diffutils iproute2)
+  libgcrypt20-dev libcurl4-openssl-dev ca-certificates python3-minimal python3-pyftpdlib diffutils iproute2)
 # A screen for the tests of the windows, with a window manager, a notification area, and hands.
 packages+=(xvfb xauth openbox trayer xdotool x11-utils)
 # What the unpacked FTP daemons of the tests are linked to (tests/servers/serve.sh fetches the daemons).
