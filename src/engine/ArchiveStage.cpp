@@ -1,12 +1,174 @@
 #include "engine/ArchiveStage.h"
 
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <utility>
+
+#include "engine/ErrorGuard.h"
 #include "engine/LogColours.h"
+#include "engine/SafeName.h"
+#include "engine/mGeneral.h"
+#include "platform/CopyFile.h"
+#include "platform/LocalPath.h"
+#include "profiles/LenientNumber.h"
+#include "profiles/NameOrder.h"
+#include "profiles/mBase64.h"
+#include "profiles/mRC4.h"
 
 namespace quillmoor {
+namespace {
 
-void NoArchiveStage::CreateArchive(const std::string&, const RunState&, RunLog& log) {
-  if (settings_.CreateZip != 1 && settings_.ZipCopies.empty()) return;
-  log.AppendLog("Error: This build makes no archives.\r\n", log_colour::kError, true);
+constexpr std::int32_t kSmallestSpanKB = 350;
+
+void logZipError(RunLog& log, const std::string& description) {
+  log.AppendLog("Zip Error: " + PrintableName(description) + "\r\n", log_colour::kError, true);
+}
+
+/// The bar, the size and the file shown while an archive is packed; all is taken back with this.
+class PackingDisplay {
+ public:
+  explicit PackingDisplay(RunDisplay& display) : display_(display) {}
+  ~PackingDisplay() {
+    display_.showCurrentFile("");
+    display_.showProgress(0);
+  }
+  PackingDisplay(const PackingDisplay&) = delete;
+  PackingDisplay& operator=(const PackingDisplay&) = delete;
+
+  void show(const ZipProgress& progress) {
+    if (progress.status == ZipStatus::done) return display_.showProgress(0);
+    if (progress.item != item_) {
+      item_ = progress.item;
+      display_.showCurrentFile(item_);
+    }
+    if (progress.size < 1) return;
+    // A file that grows is more than packed.
+    const double percent = static_cast<double>(progress.count) / static_cast<double>(progress.size) * 100;
+    display_.showProgress(static_cast<int>(std::lrint(std::min(percent, 100.0))));
+    display_.showFileSize(FormatSize(static_cast<double>(progress.size)));
+  }
+
+ private:
+  RunDisplay& display_;
+  std::string item_;
+};
+
+std::string fileNameOf(const std::string& path) {
+  return path.substr(path.rfind(kLocalSeparator) + 1);
+}
+
+/// Unlike the paths of a walk these are taken as they are, brackets and blanks included.
+std::string withSeparator(std::string folder) {
+  if (!folder.ends_with(kLocalSeparator)) folder += kLocalSeparator;
+  return folder;
+}
+
+/// In the order in which the copies are made.
+std::vector<std::string> destinationsOf(const std::string& ZipCopies) {
+  std::vector<std::string> destinations;
+  for (std::size_t at = 0; at <= ZipCopies.size();) {
+    const std::size_t end = std::min(ZipCopies.find('|', at), ZipCopies.size());
+    // An empty part names no folder; with a separator it would be the root of them all.
+    if (end > at) destinations.push_back(ZipCopies.substr(at, end - at));
+    at = end + 1;
+  }
+  SortNames(destinations);
+  return destinations;
+}
+
+}  // namespace
+
+ZipArchiveStage::ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& packer, std::string stubPath,
+                                 Pump pump)
+    : settings_(settings), packer_(packer), stubPath_(std::move(stubPath)), pump_(std::move(pump)) {}
+
+void ZipArchiveStage::abort() {
+  aborted_ = true;
+  packer_.abort();
+}
+
+void ZipArchiveStage::CreateArchive(const std::string&, const RunState& run, RunLog& log,
+                                    RunDisplay& display) {
+  aborted_ = false;
+  // Both whatever the other settings say: the correction stays for the rest of the program's life, and a size
+  // beyond 32 bits ends the stage.
+  settings_.ZipSpanSize = std::max(settings_.ZipSpanSize, kSmallestSpanKB);
+  const ZipSegmentOptions segments{MultiplyLong(settings_.ZipSpanSize, 1024)};
+
+  // Without an archive the copies are tried all the same: of the folder, which is no file, to no name.
+  Archive archive{run.LocalTargetFolder, "", {run.LocalTargetFolder}};
+  if (settings_.CreateZip == 1) archive = pack(run, segments, log, display);
+  for (const std::string& destination : destinationsOf(settings_.ZipCopies)) {
+    if (aborted_) return;
+    copyInto(destination, archive, log);
+  }
+}
+
+ZipArchiveStage::Archive ZipArchiveStage::pack(const RunState& run, const ZipSegmentOptions& segments,
+                                               RunLog& log, RunDisplay& display) {
+  PackingOrder order;
+  if (!settings_.ZipPassword.empty()) {
+    try {
+      order.password = password();
+    } catch (const std::exception& error) {
+      logZipError(log, error.what());
+      throw;
+    }
+  }
+  const bool selfExtracting = settings_.ZipSelfExtract != 0;
+  const char* const ending = selfExtracting ? ".exe" : ".zip";
+  order.path = run.LocalTargetFolder + ending;
+  // The doubled separator does no harm and is kept.
+  order.pattern = run.localTargetPath + kLocalSeparator + "*";
+  if (selfExtracting) order.stubPath = stubPath_;
+  if (settings_.SplitZip != 0) order.segments = segments;
+  PackingDisplay shown(display);
+  order.onProgress = [&](const ZipProgress& progress) { shown.show(progress); };
+  order.onError = [&](const std::string& description) { logZipError(log, description); };
+
+  // An archive of the same name goes when the new one is whole, and not before: the packer replaces it.
+  log.AppendLog(selfExtracting ? "\r\nCreating Self-Extract Zip File: " : "\r\nCreating Zip File: ",
+                log_colour::kArchive, true);
+  log.AppendLog(order.path + "\r\n", log_colour::kArchivePath, false);
+  ZipResult result = packer_.pack(order);
+  log.AppendLog(selfExtracting ? "Done Self-Extracting Zip File.\r\n" : "Done Zip File.\r\n",
+                log_colour::kArchiveDone, true);
+  return {order.path, run.localFolderName + ending, std::move(result.paths)};
+}
+
+/// The archive password in clear. Raises when it cannot be had: rather no archive than one without protection
+/// where protection was asked for.
+std::string ZipArchiveStage::password() const {
+  std::string text;
+  try {
+    text = mRC4::Decipher(settings_.ZipPassword);
+  } catch (const mBase64::DecodeError&) {
+  }
+  if (text.empty()) throw std::runtime_error("The setting ZipPassword cannot be deciphered. Set it again.");
+  return text;
+}
+
+void ZipArchiveStage::copyInto(const std::string& destination, const Archive& archive, RunLog& log) {
+  const std::string folder = withSeparator(destination);
+  log.AppendLog("Copy Zip file to: " + folder + archive.fileName + "\r\n", log_colour::kCopy, true);
+  const auto goOn = [this] {
+    if (pump_) pump_();
+    return !aborted_;
+  };
+  // Of an archive in segments all are copied, since each alone is worth nothing. The one that the archive is
+  // called by appears last: where it stands, the copy is complete.
+  std::vector<FileCopy> files;
+  for (const std::string& file : archive.files) {
+    if (file != archive.path) files.push_back({file, folder + fileNameOf(file)});
+  }
+  files.push_back({archive.path, folder + archive.fileName});
+  const bool copied = Guarded([&] { CopyWholeFiles(files, goOn); });
+  if (copied) {
+    log.AppendLog("Copy files success.\r\n", log_colour::kCopy, true);
+  } else {
+    log.AppendLog("Copy files failed.\r\n", log_colour::kError, true);
+  }
 }
 
 }  // namespace quillmoor

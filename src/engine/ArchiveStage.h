@@ -1,10 +1,15 @@
-// The stage that packs what a profile has downloaded.
+// The archive stage: what a profile has downloaded is packed into one archive beside it, and copies of that
+// go into further folders.
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "engine/ArchivePacker.h"
+#include "engine/RunDisplay.h"
 #include "engine/RunLog.h"
 #include "engine/RunState.h"
+#include "platform/Pump.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {
@@ -15,19 +20,43 @@ class ArchiveStage {
 
   /// Packs the local target folder that `run` names and copies the archive. Called once for each profile
   /// that logged in, after its report row is finished; after a Stop too. What it raises ends the stage only.
-  virtual void CreateArchive(const std::string& profileId, const RunState& run, RunLog& log) = 0;
+  virtual void CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
+                             RunDisplay& display) = 0;
+
+  /// To be called from the pump, by a program that goes away: ends the stage in progress soon, with nothing
+  /// half done left behind. Returns without waiting. A Stop of the run does not call it.
+  virtual void abort() {}
 };
 
-/// For a build that makes no archives: says so in the log when one, or a copy, is asked for.
-class NoArchiveStage final : public ArchiveStage {
+/// The real one, by the archive settings.
+class ZipArchiveStage final : public ArchiveStage {
  public:
-  /// The settings must outlive this.
-  explicit NoArchiveStage(const ApplicationSettings& settings) : settings_(settings) {}
+  /// The settings, which are read anew for every archive and where a segment size that is too small is
+  /// corrected, and the packer must outlive this. `stubPath` is the self-extractor's file; `pump` is called
+  /// while copies are made.
+  ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& packer, std::string stubPath, Pump pump);
 
-  void CreateArchive(const std::string& profileId, const RunState& run, RunLog& log) override;
+  void CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
+                     RunDisplay& display) override;
+  void abort() override;
 
  private:
-  const ApplicationSettings& settings_;
+  /// What the copies are made of: the files of the archive, `path` among them.
+  struct Archive {
+    std::string path;
+    std::string fileName;
+    std::vector<std::string> files;
+  };
+
+  Archive pack(const RunState& run, const ZipSegmentOptions& segments, RunLog& log, RunDisplay& display);
+  std::string password() const;
+  void copyInto(const std::string& destination, const Archive& archive, RunLog& log);
+
+  ApplicationSettings& settings_;
+  ArchivePacker& packer_;
+  std::string stubPath_;
+  Pump pump_;
+  bool aborted_ = false;
 };
 
 }  // namespace quillmoor

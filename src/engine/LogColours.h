@@ -24,6 +24,11 @@ inline constexpr Colour kDirectory{153, 0, 153};
 inline constexpr Colour kRetrieving{0, 0, 255};  // also the date line of the comparison
 inline constexpr Colour kRetrievedPath{0, 51, 204};
 inline constexpr Colour kUpToDate{0, 255, 0};
+inline constexpr Colour kAction{0, 0, 255};
+inline constexpr Colour kArchive{255, 0, 255};
+inline constexpr Colour kArchivePath{0, 0, 255};
+inline constexpr Colour kArchiveDone{51, 102, 102};
+inline constexpr Colour kCopy{0, 0, 255};
 }  // namespace log_colour
 
 /// A whole line of dashes.

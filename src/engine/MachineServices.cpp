@@ -4,17 +4,27 @@
 
 #include "engine/TransferType.h"
 #include "platform/NetworkAlive.h"
+#include "platform/ProgramFolder.h"
 
 namespace quillmoor {
+namespace {
+
+constexpr const char* kSelfExtractorFile = "MsSFX.bin";
+
+}  // namespace
 
 MachineServices::MachineServices(ApplicationSettings& settings_, std::string profilesFile_, Pump pump_)
     : settings(settings_),
       profilesFile(std::move(profilesFile_)),
       pump(std::move(pump_)),
       network(IsNetworkAlive),
+      packer_(pump),
       dialUp_(MakeDialUp(pump)),
-      actions_(std::make_unique<NoRunActions>(settings)),
-      archive_(std::make_unique<NoArchiveStage>(settings)) {}
+      actions_(std::make_unique<ConfiguredActions>(settings, webRequest_)),
+      archive_(
+          std::make_unique<ZipArchiveStage>(settings, packer_, ProgramFolder() + kSelfExtractorFile, pump)) {
+  webRequest_.pump = pump;
+}
 
 RunServices MachineServices::forRun(RunDisplay& display) {
   return {.display = display,

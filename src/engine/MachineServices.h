@@ -7,11 +7,13 @@
 
 #include "connectivity/DialUp.h"
 #include "connectivity/mNetworkConnection.h"
+#include "engine/ArchivePacker.h"
 #include "engine/ArchiveStage.h"
 #include "engine/RunActions.h"
 #include "engine/RunServices.h"
 #include "platform/LocalTime.h"
 #include "platform/Pump.h"
+#include "platform/WebRequest.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {
@@ -35,8 +37,13 @@ class MachineServices {
 
   /// The component that the run dials with.
   DialUp& dialUp() { return *dialUp_; }
+  /// The one that the run calls addresses with; aborted by a window that goes away in the middle of a run.
+  WebRequest& webRequest() { return webRequest_; }
+  ArchiveStage& archive() { return *archive_; }
 
  private:
+  HttpRequest webRequest_;
+  ZipPacker packer_;
   std::unique_ptr<DialUp> dialUp_;
   std::unique_ptr<RunActions> actions_;
   std::unique_ptr<ArchiveStage> archive_;

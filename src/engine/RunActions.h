@@ -1,8 +1,13 @@
 // What a run starts and calls before it, after it and before each profile.
 #pragma once
 
+#include <functional>
+#include <string>
+
 #include "engine/RunLog.h"
 #include "engine/RunProfileFields.h"
+#include "platform/ShellOpen.h"
+#include "platform/WebRequest.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {
@@ -20,18 +25,28 @@ class RunActions {
   virtual void RunProfileActions(const RunProfileFields& profile, RunLog& log) = 0;
 };
 
-/// For a build that can neither start programs nor call addresses: says so in the log when one is asked for.
-class NoRunActions final : public RunActions {
+/// The programs and addresses of the settings and of each profile, a program before an address; an empty text
+/// is no action. Programs are not waited for. An address has two minutes to answer and does not get a second
+/// try; a Stop lets it end by itself, so whoever goes away in the middle of a run aborts the web request.
+class ConfiguredActions final : public RunActions {
  public:
-  /// The settings must outlive this.
-  explicit NoRunActions(const ApplicationSettings& settings) : settings_(settings) {}
+  using ShellOpener = std::function<int(const std::string& target)>;
+
+  /// The settings, which are read anew at every action, and the web request must outlive this.
+  ConfiguredActions(const ApplicationSettings& settings, WebRequest& web, ShellOpener open = ShellOpen);
 
   void RunBeforeActions(RunLog& log) override;
   void RunAfterActions(RunLog& log) override;
   void RunProfileActions(const RunProfileFields& profile, RunLog& log) override;
 
  private:
+  void startProgram(const std::string& program, RunLog& log);
+  /// `subject` leads the line that tells how it went.
+  void callAddress(const std::string& address, const char* subject, RunLog& log);
+
   const ApplicationSettings& settings_;
+  WebRequest& web_;
+  ShellOpener open_;
 };
 
 }  // namespace quillmoor

@@ -102,7 +102,7 @@ void RunController::RunProfile(const std::string& profileId) {
   if (!prepareTarget(profileId) || !runSession()) return;
   finishReportRow();
   results_.back().completed = !state_.StopRequested;
-  Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_); });
+  Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_, services_.display); });
 }
 
 void RunController::addReportRow(const std::string& profileId) {

@@ -1,7 +1,7 @@
 #include "platform/ShellOpen.h"
 
-#include <windows.h>
-
+#include "platform/windows/WindowsApi.h"
+// These want the one above.
 #include <objbase.h>
 #include <shellapi.h>
 

@@ -1,9 +1,11 @@
-// What else may stand where a file is expected: a pipe, a link.
+// What else may stand where a file is expected: a pipe, a link, one that is being changed.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <system_error>
 
+#include "TestPlatform.h"
+#include "platform/CopyFile.h"
 #include "platform/FileTimes.h"
 #include "platform/WholeFile.h"
 #include "support/TemporaryFolder.h"
@@ -28,6 +30,19 @@ TEST(WholeFile, DoesNotWriteThroughALinkUnderTheTemporaryName) {
   std::filesystem::create_symlink(folder / "victim", WholeFile::temporaryName(folder.path()));
   EXPECT_THROW(WholeFile(folder / "a"), std::system_error);
   EXPECT_EQ(contentsOf(folder / "victim"), "untouched");
+}
+
+TEST(CopyWholeFiles, RefusesAFileThatChangesMeanwhile) {
+  const TemporaryFolder folder;
+  writeFile(folder / "a", "");
+  std::filesystem::resize_file(folder / "a", testing::kLongToCopy);
+  const auto shorten = [&] {
+    std::filesystem::resize_file(folder / "a", 1);
+    return true;
+  };
+  EXPECT_THROW(CopyWholeFiles({{(folder / "a").string(), (folder / "b").string()}}, shorten),
+               std::system_error);
+  EXPECT_FALSE(std::filesystem::exists(folder / "b"));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What a test changes around itself for a while, as this system does it.
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <string>
@@ -8,6 +9,9 @@
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor::testing {
+
+/// Bytes of a file, set by its size alone, that takes long to copy and holds next to nothing.
+inline constexpr std::uintmax_t kLongToCopy = std::uintmax_t{1} << 36;
 
 inline void setEnvironment(const char* name, const std::string& value) {
   ::setenv(name, value.c_str(), 1);

@@ -3,12 +3,16 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <random>
 #include <string>
 
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor::testing {
+
+/// Bytes of a file, set by its size alone, that takes a while to copy.
+inline constexpr std::uintmax_t kLongToCopy = std::uintmax_t{1} << 28;
 
 inline void setEnvironment(const char* name, const std::string& value) {
   ::SetEnvironmentVariableA(name, value.c_str());

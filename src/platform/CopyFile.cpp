@@ -1,0 +1,111 @@
+#include "platform/CopyFile.h"
+
+#include <condition_variable>
+#include <exception>
+#include <filesystem>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+#include "platform/LocalFiles.h"
+#include "platform/LocalPath.h"
+#include "platform/Pump.h"
+
+namespace quillmoor {
+namespace {
+
+/// Files under their temporary names, gone unless they were renamed.
+class Unfinished {
+ public:
+  explicit Unfinished(const std::vector<FileCopy>& files) {
+    for (std::size_t i = 0; i < files.size(); ++i) paths_.push_back(temporaryName(files[i].to, i + 1));
+    for (const std::string& path : paths_) RemoveLocalFile(path);
+    if (files.empty()) return;
+    for (std::size_t i = files.size() + 1; RemoveLocalFile(temporaryName(files.back().to, i)); ++i) {
+    }
+  }
+  ~Unfinished() {
+    for (const std::string& path : paths_) RemoveLocalFile(path);
+  }
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+
+  const std::string& operator[](std::size_t i) const { return paths_[i]; }
+
+ private:
+  static std::string temporaryName(const std::string& to, std::size_t number) {
+    return to.substr(0, to.rfind(kLocalSeparator) + 1) + ".quillmoor-unfinished-" + std::to_string(number) +
+           ".tmp";
+  }
+
+  std::vector<std::string> paths_;
+};
+
+void copyAll(const std::vector<FileCopy>& files, const std::atomic<bool>& ended) {
+  for (const FileCopy& file : files) {
+    std::error_code absent;
+    if (std::filesystem::equivalent(LocalPath(file.from), LocalPath(file.to), absent)) {
+      throw std::system_error(std::make_error_code(std::errc::file_exists),
+                              "this is the file itself: " + file.to);
+    }
+  }
+  const Unfinished unfinished(files);
+  for (std::size_t i = 0; i < files.size(); ++i) CopyFileTo(unfinished[i], files[i].from, ended);
+  for (std::size_t i = 0; i < files.size(); ++i) RenameFileOver(unfinished[i], files[i].to);
+}
+
+/// The copying, on a thread that a slow disk or network may hold up for long.
+class Copier {
+ public:
+  explicit Copier(const std::vector<FileCopy>& files) : thread_([this, &files] { run(files); }) {}
+  ~Copier() {
+    end();
+    if (thread_.joinable()) thread_.join();
+  }
+  Copier(const Copier&) = delete;
+  Copier& operator=(const Copier&) = delete;
+
+  void end() { ended_ = true; }
+
+  /// True when all is done or something has failed.
+  bool waitFor(std::chrono::milliseconds time) {
+    std::unique_lock lock(mutex_);
+    return finishing_.wait_for(lock, time, [this] { return finished_; });
+  }
+
+  void finish() {
+    thread_.join();
+    if (error_) std::rethrow_exception(error_);
+  }
+
+ private:
+  void run(const std::vector<FileCopy>& files) {
+    try {
+      copyAll(files, ended_);
+    } catch (...) {
+      error_ = std::current_exception();
+    }
+    const std::lock_guard lock(mutex_);
+    finished_ = true;
+    finishing_.notify_one();
+  }
+
+  std::atomic<bool> ended_{false};
+  std::exception_ptr error_;
+  std::mutex mutex_;
+  std::condition_variable finishing_;
+  bool finished_ = false;
+  std::thread thread_;  // last: it uses the others
+};
+
+}  // namespace
+
+void CopyWholeFiles(const std::vector<FileCopy>& files, const std::function<bool()>& goOn) {
+  Copier copier(files);
+  while (!copier.waitFor(kPumpInterval / 2)) {
+    if (goOn && !goOn()) copier.end();
+  }
+  copier.finish();
+}
+
+}  // namespace quillmoor
