@@ -28,6 +28,18 @@ std::vector<std::string> downCommand(const std::string& uuid) {
   return {"nmcli", "--wait", "10", "connection", "down", "uuid", uuid};
 }
 
+/// True for as long as this lives.
+class Waiting {
+ public:
+  explicit Waiting(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Waiting() { flag_ = false; }
+  Waiting(const Waiting&) = delete;
+  Waiting& operator=(const Waiting&) = delete;
+
+ private:
+  bool& flag_;
+};
+
 }  // namespace
 
 std::unique_ptr<RemoteAccess> MakeRemoteAccess(Pump pump) {
@@ -202,14 +214,10 @@ void NetworkManager::refresh(Answer wanted) {
     }
   }
   if (wanted == Answer::known && age < lasts + kStillGoodMs) return;
-  waiting_ = true;
-  try {
+  {
+    const Waiting waiting(waiting_);
     waitFor(*query_, kPatienceMs);
-  } catch (...) {
-    waiting_ = false;
-    throw;
   }
-  waiting_ = false;
   takeAnswer();
 }
 
