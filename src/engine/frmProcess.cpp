@@ -198,6 +198,7 @@ void frmProcess::tmrFtpStatus_Timer() {
 
 void frmProcess::unload() {
   if (controller_->ftpState() == FtpState::connected) controller_->Stop();
+  services_.webRequest().abort();
   Animation1->Stop();
   TimerStartBackup.Stop();
   tmrOnlineLogin.Stop();

@@ -34,8 +34,8 @@ class frmProcess : public wxPanel, private RunDisplay {
   /// Arms `TimerStartBackup`, from whose tick the run executes. For the scheduler.
   void startBackup() { TimerStartBackup.Start(kTimerStartBackup); }
 
-  /// Form unload: aborts the session, stops the animation and the timers. A run that is on the stack is left
-  /// to the pump, which unwinds it.
+  /// Form unload: aborts the session and a web request, stops the animation and the timers. A run that is on
+  /// the stack is left to the pump, which unwinds it.
   void unload();
 
   /// A run is on the stack: the form must not be destroyed.

@@ -2,8 +2,9 @@
 # programs_test.sh PROGRAMS   what quillmoor-run and quillmoor-config answer, refuse and exit with.
 set -euo pipefail
 work=$(mktemp -d -t quillmoor-programs.XXXXXX)
-helper=""
-trap '[ -z "$helper" ] || kill "$helper" 2>/dev/null || true; rm -rf "$work"' EXIT
+helpers=()
+export no_proxy="*"
+trap 'kill "${helpers[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
 . "$(dirname "${BASH_SOURCE[0]}")/../support/programs.sh"
 lay_out "$1" "$work"
 failed=0
@@ -88,12 +89,62 @@ expect 0 "Good Bye." env PATH="$work/bin:$PATH" "$run"
 grep -q "quillmoor-run:" "$work/out" && fail "a warning of what is right"
 expect 0 "" "$config" setting set AutoDial 0
 
+# Programs and addresses around a run. The server answers on one port, and proves itself by a certificate that nobody
+# knows on the other.
+openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=127.0.0.1 -addext subjectAltName=IP:127.0.0.1 \
+  -keyout "$work/key" -out "$work/certificate" >"$work/out" 2>&1 || fail "no certificate could be made"
+/usr/bin/python3 - "$work" <<'PY' &
+import socket, ssl, sys, threading
+work = sys.argv[1]
+tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+tls.load_cert_chain(work + "/certificate", work + "/key")
+plain, secure = socket.create_server(("127.0.0.1", 0)), socket.create_server(("127.0.0.1", 0))
+def answer(client):
+    client.recv(10000)
+    client.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n")
+    client.close()
+def serve_secure():
+    while True:
+        try:
+            answer(tls.wrap_socket(secure.accept()[0], server_side=True))
+            word = "trusted"
+        except ssl.SSLError as error:
+            word = error.reason
+        with open(work + "/tls", "a") as log:
+            print(word, file=log)
+threading.Thread(target=serve_secure, daemon=True).start()
+with open(work + "/ports", "w") as ports:
+    print(plain.getsockname()[1], secure.getsockname()[1], file=ports)
+while True:
+    answer(plain.accept()[0])
+PY
+helpers+=($!)
+mkfifo "$work/told"
+exec 7<>"$work/told"
+for name in before after; do
+  printf '#!/bin/sh\necho "%s $#" >"%s"\n' "$name" "$work/told" >"$work/bin/$name me"
+  chmod +x "$work/bin/$name me"
+done
+until read -r plain secure 2>/dev/null <"$work/ports"; do read -rt 0.02 <> <(:) || true; done
+for pair in "RunBefore=$work/bin/before me" "ConnectBefore=127.0.0.1:$plain/" "RunAfter=$work/bin/after me" \
+  "ConnectAfter=https://127.0.0.1:$secure/"; do expect 0 "" "$config" setting set "${pair%%=*}" "${pair#*=}"; done
+expect 0 "Running: $work/bin/before me...Done." "$run" --assume-network
+for line in "Connecting to: 127.0.0.1:$plain/" "Connection Status Success. " "Connecting to: https://127.0.0.1:$secure/" \
+  "Connection Status Failed. "; do grep -qxF "$line" "$work/out" || fail "no line \"$line\""; done
+grep -q "after me" "$work/out" && fail "the program after a run is in the log"
+for name in before after; do
+  read -rt 20 told <&7 && [ "$told" = "$name 0" ] || fail "the program $name the run was not started: $told"
+done
+exec 7<&-
+grep -q UNKNOWN_CA "$work/tls" || fail "the certificate was not what the secure address failed for: $(cat "$work/tls")"
+for setting in RunBefore ConnectBefore RunAfter ConnectAfter; do expect 0 "" "$config" setting set $setting ""; done
+
 # Ctrl-C: a server that takes the connection and says nothing keeps a login waiting.
 /usr/bin/python3 -c '
 import socket, sys
 s = socket.socket(); s.bind(("127.0.0.1", 0)); s.listen(); print(s.getsockname()[1], flush=True)
 while True: c = s.accept()[0]; sys.modules.setdefault(str(id(c)), c)' >"$work/port" &
-helper=$!
+helpers+=($!)
 until [ -s "$work/port" ]; do read -rt 0.02 <> <(:) || true; done
 expect 0 "" "$config" profile set "My site" Status=1 Host=127.0.0.1 Port="$(cat "$work/port")"
 interrupted() {                                   # TIMES [PREFIX...]: the status of a run that gets as many Ctrl-C
