@@ -2,8 +2,13 @@
 # From nothing to a finished backup: builds Quillmoor, serves a sample site with a real FTP server on this machine,
 # backs it up, and backs it up once more to show that nothing is fetched twice.
 # The backup stays (demo.sh DIR says where, else a temporary folder); everything else is cleaned up.
+#   demo.sh --desktop    the same in the program's window; without a screen, on one that nobody sees
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+if [ "${1:-}" = --desktop ]; then
+  shift
+  exec scripts/demo_desktop.sh "$@"
+fi
 target=${1:-}
 if [ -z "$target" ]; then target=$(mktemp -d -t quillmoor-demo.XXXXXX); else mkdir -p "$target"; fi
 target=$(realpath "$target")
@@ -14,7 +19,7 @@ step() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
 [ -t 1 ] || step() { printf '\n== %s\n' "$*"; }
 
 step "Building Quillmoor"
-scripts/build.sh linux quillmoor-run quillmoor-config
+scripts/build.sh linux quillmoor quillmoor-run quillmoor-config
 cmake --install build/linux --prefix "$work" >/dev/null
 program=$work/quillmoor
 

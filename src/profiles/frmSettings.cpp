@@ -3,6 +3,7 @@
 #include <wx/sizer.h>
 #include <wx/statbox.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "connectivity/modProcessPriority.h"
@@ -48,7 +49,7 @@ void frmSettings::layOut() {
   };
   const auto row = [&](auto where, const char* caption, const char* name) {
     auto* const text = new wxStaticText(where.first, wxID_ANY, caption);
-    text->SetMinSize({FromDIP(150), -1});
+    text->SetMinSize({std::max(text->GetBestSize().x, FromDIP(150)), -1});
     auto* const value = new wxStaticText(where.first, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
                                          wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END, name);
     where.second->Add(text);

@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# What demo.sh --desktop does: builds Quillmoor, serves a sample site on this machine, starts the program, and presses
+# "Start Now". Ends when the program is left by the "Exit" of its menu; on a screen that nobody sees, by itself.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+if [ -z "${DISPLAY:-}" ]; then
+  echo "There is no X screen here (DISPLAY is not set): the demo runs on one of its own, which nobody sees."
+  scripts/setup.sh
+  QUILLMOOR_DEMO_UNSEEN=1 exec tests/gui/with_screen.sh "scripts/$(basename "$0")" "$@"
+fi
+target=${1:-}
+if [ -z "$target" ]; then target=$(mktemp -d -t quillmoor-demo.XXXXXX); else mkdir -p "$target"; fi
+target=$(realpath "$target")
+work=$(mktemp -d -t quillmoor-demo-work.XXXXXX)
+pid=
+finish() {
+  if [ -n "$pid" ]; then kill "$pid" 2>/dev/null || true; fi
+  tests/servers/serve.sh stop "$work/server"
+  rm -rf "$work"
+}
+trap finish EXIT
+chmod 755 "$work"
+step() { printf '\n== %s\n' "$*"; }
+until_true() {                                    # SECONDS COMMAND...: false when it has not succeeded in that time
+  local end=$((SECONDS + $1))
+  shift
+  until "$@" >/dev/null 2>&1; do
+    [ "$SECONDS" -lt "$end" ] || return 1
+    read -rt 0.05 <> <(:) || true
+  done
+}
+
+step "Building Quillmoor"
+scripts/build.sh linux quillmoor quillmoor-run quillmoor-config
+cmake --install build/linux --prefix "$work" >/dev/null
+program=$work/quillmoor
+
+step "Serving a sample site on a port of this machine"
+scripts/sample_site.sh "$work/site"
+mkdir "$work/site/www/pages"
+for number in {1..1500}; do echo "<html>Page $number</html>" >"$work/site/www/pages/page$number.html"; done
+touch -d '2019-06-05 12:00' "$work"/site/www/pages/*
+eval "$(tests/servers/serve.sh start pyftpdlib "$work/site" "$work/server")"
+echo "ftp://$FTP_HOST:$FTP_PORT/ with $(find "$work/site" -type f | wc -l) files"
+
+step "Making its profile"
+export XDG_CONFIG_HOME=$work/config
+# This machine's own network needs no dial-up; nor should a demo start with the session.
+for setting in AutoDial AutoHangUp CreateZip AutoStartUp; do "$program/quillmoor-config" setting set "$setting" 0; done
+"$program/quillmoor-config" profile set "Sample site" Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- \
+  SaveTo="$target/" Folder=/www Folder=/cgi-bin <<<"$FTP_PASSWORD"
+
+step "Starting the program"
+# On a Wayland desktop as well by way of X, where a script may press keys.
+GDK_BACKEND=x11 "$program/quillmoor" 2>"$work/quillmoor.log" &
+pid=$!
+window() {                                        # its number; the icon in the notification area is one too
+  local id WIDTH=0
+  for id in $(xdotool search --onlyvisible --pid "$pid" --name '^Quillmoor$'); do
+    eval "$(xdotool getwindowgeometry --shell "$id" | grep '^WIDTH=')"
+    if [ "$WIDTH" -gt 300 ]; then echo "$id"; return; fi
+  done
+}
+shown() { [ -n "$(window)" ]; }
+until_true 20 shown || { cat "$work/quillmoor.log" >&2; echo "demo: the window did not appear" >&2; exit 1; }
+# To the pane "Backup", and "Start Now" by its key.
+begun() { [ -e "$target/Sample site" ]; }
+press() {
+  shown || return
+  xdotool mousemove --window "$(window)" 170 25 click 1 && xdotool key --delay 100 alt+s && until_true 1 begun
+}
+until_true 5 press || echo 'Click its icon in the notification area or the taskbar, then "Backup" and "Start Now".'
+complete() {
+  [ "$(find "$work/site" -type f | wc -l)" = "$(find "$target/Sample site" -type f -name '[!.]*' -o -name .htaccess | wc -l)" ]
+}
+until_true 600 complete || { echo "demo: the backup did not come to its end" >&2; exit 1; }
+step "The backup is complete"
+rm "$work/site/www/start.html"                    # a link is not part of a backup
+same() { diff -r "$work/site" "$target/Sample site"; }
+until_true 10 same || { same || true; exit 1; }
+echo "It lies in $target and is identical to the site."
+echo 'The program has gone to the notification area (without one, to the taskbar). A click on its icon brings it back.'
+if [ -z "${QUILLMOOR_DEMO_UNSEEN:-}" ]; then
+  echo 'Its menu, under the right button, has "Exit": that ends the demo.'
+  wait "$pid" || true
+else
+  hidden() { ! shown; }
+  until_true 10 hidden || { echo "demo: the window has not gone to the notification area" >&2; exit 1; }
+fi
