@@ -7,9 +7,10 @@ preset=${1:?usage: build.sh PRESET [TARGET...]}
 shift
 read -ra options <<<"${QUILLMOOR_CMAKE_OPTIONS:-}"
 if [ "$preset" = windows ]; then
-  scripts/setup.sh g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev libgcrypt-mingw-w64-dev \
-    libgpg-error-mingw-w64-dev googletest dpkg-dev
-  options+=("-DQUILLMOOR_WINDOWS_LIBRARIES=$(packaging/windows/deps/build.sh)" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
+  scripts/setup.sh g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev googletest \
+    dpkg-dev m4
+  libraries=$(packaging/windows/deps/build.sh asio googletest libpng curl wxwidgets nettle)
+  options+=("-DQUILLMOOR_WINDOWS_LIBRARIES=$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
 else
   scripts/setup.sh
 fi

@@ -4,9 +4,11 @@
 set -euo pipefail
 
 packages=("$@" g++ cmake ninja-build libasio-dev libwxgtk3.2-dev libgtk-3-dev pkgconf libgtest-dev libgmock-dev zlib1g-dev
-  libgcrypt20-dev libcurl4-openssl-dev ca-certificates python3-minimal python3-pyftpdlib diffutils iproute2)
+  nettle-dev libcurl4-openssl-dev ca-certificates python3-minimal python3-pyftpdlib diffutils iproute2)
 # A screen for the tests of the windows, with a window manager, a notification area, and hands.
 packages+=(xvfb xauth openbox trayer xdotool x11-utils)
+# Other programs for archives, which must read ours.
+packages+=(unzip p7zip-full libarchive-tools)
 # What the unpacked FTP daemons of the tests are linked to (tests/servers/serve.sh fetches the daemons).
 packages+=(openssl libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libmemcached11 libmemcachedutil2 libpam0g
   libpcre2-posix3 libsodium23 libssl3 libwrap0)

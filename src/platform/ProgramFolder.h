@@ -11,4 +11,7 @@ std::string ProgramFolder();
 /// The executable's file name without ".exe".
 std::string ProgramName();
 
+/// Folder and file name of the executable.
+std::string ProgramPath();
+
 }  // namespace quillmoor

@@ -9,6 +9,12 @@ namespace quillmoor {
 /// Windows this also switches the console to ANSI sequences and UTF-8.
 bool prepareTerminal();
 
+/// Does somebody sit at standard input?
+bool inputIsTerminal();
+
+/// The window goes away with this program: one that the system has opened for it alone, by a double click.
+bool terminalClosesAtEnd();
+
 /// Columns of the terminal at standard output now; 80 when it cannot be told.
 int terminalWidth();
 
@@ -18,6 +24,9 @@ void catchStopSignals();
 
 /// How many requests to stop have come.
 int stopSignals();
+
+/// One line of standard input without its end. Raises as `ReadSecretLine` does.
+std::string ReadLine();
 
 /// One line of standard input without its end, not shown while it is typed. Raises std::runtime_error when
 /// there is none or it is longer than 1,000 bytes.

@@ -134,6 +134,10 @@ class ZipArchive {
   void abort();
 
  private:
+  ZipResult write(const std::string& path, const std::optional<std::string>& stubPath,
+                  const std::optional<ZipSegmentOptions>& segments);
+  [[noreturn]] void fail(ZipErrorNumber number, const std::string& description) const;
+
   class Impl;
   std::unique_ptr<Impl> impl_;
 };

@@ -18,6 +18,10 @@ std::string ProgramFolder() {
   return folder;
 }
 
+std::string ProgramPath() {
+  return executable().string();
+}
+
 std::string ProgramName() {
   return executable().filename().string();
 }

@@ -48,6 +48,27 @@ int stopSignals() {
   return stopCount;
 }
 
+bool inputIsTerminal() {
+  return ::isatty(STDIN_FILENO) == 1;
+}
+
+bool terminalClosesAtEnd() {
+  return false;
+}
+
+std::string ReadLine() {
+  constexpr std::size_t kLongest = 1000;
+  std::string line;
+  int c = 0;
+  while ((c = std::getchar()) != EOF && c != '\n') {
+    if (line.size() == kLongest) throw std::runtime_error("the line on standard input is too long");
+    line += static_cast<char>(c);
+  }
+  if (c == EOF && line.empty()) throw std::runtime_error("there is no line on standard input");
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
 std::string ReadSecretLine() {
   struct Quiet {
     termios before{};
@@ -62,16 +83,7 @@ std::string ReadSecretLine() {
       if (changed) ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
     }
   } const quiet;
-  constexpr std::size_t kLongest = 1000;
-  std::string line;
-  int c = 0;
-  while ((c = std::getchar()) != EOF && c != '\n') {
-    if (line.size() == kLongest) throw std::runtime_error("the line on standard input is too long");
-    line += static_cast<char>(c);
-  }
-  if (c == EOF && line.empty()) throw std::runtime_error("there is no line on standard input");
-  if (line.ends_with('\r')) line.pop_back();
-  return line;
+  return ReadLine();
 }
 
 }  // namespace quillmoor

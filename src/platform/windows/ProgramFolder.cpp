@@ -23,6 +23,10 @@ std::string ProgramFolder() {
   return Narrow(path.substr(0, path.rfind(L'\\') + 1));
 }
 
+std::string ProgramPath() {
+  return Narrow(executable());
+}
+
 std::string ProgramName() {
   const std::wstring path = executable();
   std::string name = Narrow(path.substr(path.rfind(L'\\') + 1));

@@ -54,17 +54,7 @@ std::string readBytes() {
 }
 
 /// From the keyboard, in the system's own text, so that every character can be typed.
-std::string readConsole(HANDLE console, DWORD mode) {
-  struct Quiet {
-    HANDLE console;
-    DWORD before;
-    ~Quiet() {
-      ::SetConsoleMode(console, before);
-      std::fputs("\n", stderr);
-    }
-  } const quiet{console, mode};
-  ::SetConsoleMode(
-      console, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~static_cast<DWORD>(ENABLE_ECHO_INPUT));
+std::string readConsole(HANDLE console) {
   wchar_t typed[kLongestLine + 2];
   DWORD length = 0;
   if (::ReadConsoleW(console, typed, static_cast<DWORD>(std::size(typed)), &length, nullptr) == FALSE ||
@@ -75,6 +65,29 @@ std::string readConsole(HANDLE console, DWORD mode) {
   if (!line.ends_with(L'\n')) throw std::runtime_error(tooLong());
   line.remove_suffix(1);
   return Narrow(line);
+}
+
+std::string readSecretly(HANDLE console, DWORD mode) {
+  struct Quiet {
+    HANDLE console;
+    DWORD before;
+    ~Quiet() {
+      ::SetConsoleMode(console, before);
+      std::fputs("\n", stderr);
+    }
+  } const quiet{console, mode};
+  ::SetConsoleMode(
+      console, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~static_cast<DWORD>(ENABLE_ECHO_INPUT));
+  return readConsole(console);
+}
+
+std::string readInput(bool secret) {
+  const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+  DWORD mode = 0;
+  const bool console = ::GetConsoleMode(input, &mode) != FALSE;
+  std::string line = !console ? readBytes() : secret ? readSecretly(input, mode) : readConsole(input);
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
 }
 
 }  // namespace
@@ -108,12 +121,22 @@ int stopSignals() {
   return stopCount;
 }
 
-std::string ReadSecretLine() {
-  const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+bool inputIsTerminal() {
   DWORD mode = 0;
-  std::string line = ::GetConsoleMode(input, &mode) != FALSE ? readConsole(input, mode) : readBytes();
-  if (line.ends_with('\r')) line.pop_back();
-  return line;
+  return ::GetConsoleMode(::GetStdHandle(STD_INPUT_HANDLE), &mode) != FALSE;
+}
+
+bool terminalClosesAtEnd() {
+  DWORD processes[2];
+  return ::GetConsoleProcessList(processes, 2) == 1;
+}
+
+std::string ReadLine() {
+  return readInput(false);
+}
+
+std::string ReadSecretLine() {
+  return readInput(true);
 }
 
 }  // namespace quillmoor

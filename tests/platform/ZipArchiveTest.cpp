@@ -1,0 +1,416 @@
+#include "platform/ZipArchive.h"
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+
+#include "ZipArchiveFixture.h"
+#include "platform/FileTimes.h"
+#include "platform/LocalTime.h"
+#include "platform/ZipCrypto.h"
+#include "platform/ZipDeflate.h"
+#include "platform/ZipFormat.h"
+
+namespace quillmoor {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using testing::InspectedArchive;
+using testing::InspectedEntry;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using testing::ZipArchiveTest;
+
+constexpr ZipSegmentOptions kSmallest{ZipSegmentOptions::kMinimum};
+
+template <class Call>
+ZipErrorNumber numberOf(Call call) {
+  try {
+    call();
+  } catch (const ZipError& error) {
+    return error.number();
+  }
+  ADD_FAILURE() << "not raised";
+  return {};
+}
+
+TEST_F(ZipArchiveTest, KeepsContentsAroundTheSizesWhereItsWaysChange) {
+  constexpr std::size_t kB = zip::kBlock;
+  std::map<std::string, std::string> contents;
+  for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{2}, kB - 1, kB, kB + 1, 2 * kB,
+                                 2 * kB + 1, std::size_t{65'535}, std::size_t{65'536}}) {
+    contents["text" + std::to_string(size)] = text(size);
+    contents["noise" + std::to_string(size)] = noise(size);
+    // Beginning as what cannot be compressed and going on as what can, and the other way round.
+    contents["first-noise" + std::to_string(size)] = noise(size / 2) + text(size - size / 2);
+    contents["first-text" + std::to_string(size)] = text(size / 2) + noise(size - size / 2);
+  }
+  for (const auto& [name, bytes] : contents) put(name, bytes);
+  for (const std::optional<std::string>& password :
+       {std::optional<std::string>(), std::optional<std::string>("geheim")}) {
+    for (const std::optional<ZipSegmentOptions>& segments :
+         {std::optional<ZipSegmentOptions>(), std::optional(kSmallest)}) {
+      const InspectedArchive got = packed(segments, password);
+      EXPECT_THAT(got.entries, SizeIs(contents.size()));
+      for (const InspectedEntry& entry : got.entries) {
+        EXPECT_TRUE(entry.contents == contents[entry.name]) << entry.name;
+        EXPECT_EQ(entry.encrypted, password.has_value());
+        EXPECT_LE(entry.packedSize, entry.size + (password ? zip::kAesOverhead : 0) + entry.size / 4096 + 10)
+            << entry.name;
+        if (entry.name.starts_with("noise")) {
+          EXPECT_EQ(entry.method, zip::kStored) << entry.name;
+        }
+        if (entry.name.starts_with("text") && entry.size > 100) {
+          EXPECT_LT(entry.packedSize, entry.size / 2) << entry.name;
+        }
+      }
+    }
+  }
+  EXPECT_THAT(errors, IsEmpty());
+  EXPECT_THAT(filesOut(), ::testing::Contains("a.zip"));
+}
+
+TEST_F(ZipArchiveTest, EndsEverySegmentAtItsSizeAndNoRecordAcrossTwo) {
+  // Names of many lengths and contents of no length, so that headers meet the borders in many ways.
+  for (int i = 0; i < 600; ++i)
+    put(std::string(static_cast<std::size_t>(i % 200 + 1), 'n') + std::to_string(i), "");
+  put("z-large", noise(500'000));
+  for (const std::int64_t size : {65'536, 65'537, 65'600, 65'793, 70'001, 99'999, 131'072, 358'400}) {
+    const InspectedArchive got = packed(ZipSegmentOptions{size});
+    EXPECT_THAT(got.entries, SizeIs(601));
+    for (const std::string& path : result.paths)
+      EXPECT_LE(static_cast<std::int64_t>(std::filesystem::file_size(LocalPath(path))), size) << path;
+    const auto needed = static_cast<std::size_t>((result.outputBytes + size - 1) / size);
+    EXPECT_LE(result.paths.size(), needed + needed / 10 + 1) << size;
+  }
+}
+
+TEST_F(ZipArchiveTest, PutsTheDirectoryRightWhereverItMeetsABorder) {
+  // The data ends a little further towards the end of a segment each time.
+  for (int i = 0; i < 20; ++i) put("file" + std::to_string(i), "");
+  for (std::size_t rest = 0; rest <= 2400; rest += 40) {
+    put("z", noise(65'536 - 2'400 + rest - 20 * 50));
+    EXPECT_NO_THROW(packed(kSmallest)) << rest;
+    put("z", noise(65'536 * 2 - 2'400 + rest));
+    EXPECT_NO_THROW(packed(kSmallest)) << rest;
+  }
+}
+
+TEST_F(ZipArchiveTest, NamesTheSegmentsAndTakesAwayThoseOfALongerSet) {
+  put("noise", noise(200'000));
+  EXPECT_EQ(packed(kSmallest).directoryDisk, 3U);
+  EXPECT_THAT(filesOut(), ElementsAre("a.z01", "a.z02", "a.z03", "a.zip"));
+  EXPECT_EQ(result.paths.back(), out("a.zip"));
+  testing::writeFile(LocalPath(out("a.z05")), "a file that follows no set");
+  put("noise", noise(100'000));
+  packed(kSmallest);
+  EXPECT_THAT(filesOut(), ElementsAre("a.z01", "a.z05", "a.zip"));
+  put("noise", "x");
+  packed(kSmallest);
+  EXPECT_THAT(filesOut(), ElementsAre("a.z05", "a.zip")) << "a set that fits one segment is one file";
+  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.zip"))).substr(0, 4), "PK00");
+  packed();
+  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.zip"))).substr(0, 4), "PK\3\4");
+}
+
+TEST_F(ZipArchiveTest, PutsTheStubInFrontWhateverItsSize) {
+  put("noise", noise(150'000));
+  for (const std::size_t stubSize : {std::size_t{100}, std::size_t{65'531}, std::size_t{65'532},
+                                     std::size_t{65'533}, std::size_t{65'536}, std::size_t{90'000}}) {
+    const std::string stub = text(stubSize);
+    testing::writeFile(folder_ / "stub", stub);
+    add();
+    result = archive.writeSelfExtracting(out("a.exe"), LocalPathText(folder_ / "stub"), kSmallest);
+    EXPECT_EQ(result.paths.front(), out("a.exe"));
+    EXPECT_EQ(result.paths.back(), out("a.zip"));
+    EXPECT_EQ(testing::inspectArchive(result.paths, "", stubSize)["noise"].contents, noise(150'000))
+        << stubSize;
+    for (const std::string& path : result.paths) {
+      const std::size_t most =
+          path == result.paths.front() ? std::max<std::size_t>(65'536, stubSize + 4) : 65'536;
+      EXPECT_LE(std::filesystem::file_size(LocalPath(path)), most) << path;
+    }
+    EXPECT_EQ(testing::contentsOf(LocalPath(out("a.exe"))).substr(0, stubSize), stub);
+    EXPECT_FALSE(std::filesystem::exists(LocalPath(out("a.z01"))));
+
+    add();
+    result = archive.writeSelfExtracting(out("a.exe"), LocalPathText(folder_ / "stub"));
+    EXPECT_THAT(filesOut(), ElementsAre("a.exe")) << "the rest of the set must go";
+    EXPECT_EQ(testing::inspectArchive(result.paths, "", stubSize)["noise"].contents, noise(150'000));
+  }
+}
+
+TEST_F(ZipArchiveTest, LeavesAPlainSetBesideASelfExtractingArchiveAlone) {
+  put("noise", noise(150'000));
+  testing::writeFile(folder_ / "stub", "stub");
+  packed(kSmallest);
+  add();
+  archive.writeSelfExtracting(out("a.exe"), LocalPathText(folder_ / "stub"));
+  EXPECT_THAT(filesOut(), ElementsAre("a.exe", "a.z01", "a.z02", "a.zip"));
+}
+
+TEST_F(ZipArchiveTest, PacksNamesOfAllKindsInTheOrderOfTheirBytes) {
+  const std::string longest(250, 'l');
+  put("b", "1");
+  put(".htaccess", "2");
+  put("with blank/ two  blanks", "3");
+  put("gr\xC3\xBC\xC3\x9F/\xE6\x97\xA5\xE6\x9C\xAC.txt", "4");
+  put(longest, "5");
+  put("a/b/c/d", "6");
+  std::filesystem::create_directory(tree() / "empty");
+  const InspectedArchive got = packed();
+  EXPECT_THAT(got.names(),
+              ElementsAre(".htaccess", "a/", "a/b/", "a/b/c/", "a/b/c/d", "b", "empty/",
+                          "gr\xC3\xBC\xC3\x9F/", "gr\xC3\xBC\xC3\x9F/\xE6\x97\xA5\xE6\x9C\xAC.txt", longest,
+                          "with blank/", "with blank/ two  blanks"));
+  EXPECT_EQ(got["gr\xC3\xBC\xC3\x9F/"].flags, zip::kFlagUtf8);
+  EXPECT_EQ(got["empty/"].size, 0U);
+  EXPECT_EQ(got["empty/"].attributes & 0x10, 0x10U);
+  EXPECT_EQ(result.files, 6);
+  EXPECT_EQ(result.folders, 6);
+  EXPECT_EQ(result.inputBytes, 6);
+}
+
+TEST_F(ZipArchiveTest, PacksFilesBeyondTheLengthOfAPlainWindowsPath) {
+  std::string deep;
+  for (int i = 0; i < 12; ++i) deep += "a folder with a long name " + std::to_string(i) + "/";
+  std::filesystem::path path = std::filesystem::absolute(tree());
+  if (kLocalNameRules == LocalNameRules::windows) path = L"\\\\?\\" + path.wstring();
+  for (int i = 0; i < 12; ++i) {
+    path /= "a folder with a long name " + std::to_string(i);
+    std::filesystem::create_directory(path);
+  }
+  testing::writeFile(path / "file", "deep");
+  EXPECT_EQ(packed()[deep + "file"].contents, "deep");
+  EXPECT_THAT(errors, IsEmpty());
+  std::filesystem::remove_all(path);
+}
+
+TEST_F(ZipArchiveTest, WritesAnArchiveWithoutEntriesWhenNothingIsFound) {
+  EXPECT_THAT(packed().entries, IsEmpty());
+  EXPECT_EQ(std::filesystem::file_size(LocalPath(out("a.zip"))), zip::kEndRecordSize);
+  EXPECT_THAT(packed(kSmallest).entries, IsEmpty());
+  EXPECT_THAT(errors, IsEmpty());
+}
+
+TEST_F(ZipArchiveTest, FindsByPatternAndGoesIntoFoldersOnlyWhenAsked) {
+  put("a.txt", "");
+  put("b.html", "");
+  put("sub/c.txt", "");
+  put("sub/d.html", "");
+  const auto names = [&](const char* pattern, bool recurse) {
+    archive.addFiles(LocalPathText(tree()) + kLocalSeparator + pattern, recurse);
+    return testing::inspectArchive(archive.write(out("a.zip")).paths).names();
+  };
+  EXPECT_THAT(names("*", false), ElementsAre("a.txt", "b.html"));
+  EXPECT_THAT(names("*.txt", true), ElementsAre("a.txt", "sub/", "sub/c.txt"));
+  EXPECT_THAT(names("?.html", false), ElementsAre("b.html"));
+  archive.addFiles(LocalPathText(tree()) + kLocalSeparator + "*.txt", false);
+  add("geheim");
+  const InspectedArchive both = testing::inspectArchive(archive.write(out("a.zip")).paths, "geheim");
+  EXPECT_THAT(both.names(), ElementsAre("a.txt", "b.html", "sub/", "sub/c.txt", "sub/d.html"));
+  EXPECT_FALSE(both["a.txt"].encrypted) << "the first of two files with one name counts";
+  EXPECT_TRUE(both["sub/c.txt"].encrypted);
+  EXPECT_THAT(errors, ElementsAre(HasSubstr("a.txt")));
+}
+
+TEST_F(ZipArchiveTest, KeepsTimesInBothForms) {
+  put("file", "x");
+  const auto time = std::chrono::sys_seconds(std::chrono::seconds(1'250'000'001));
+  ASSERT_TRUE(WriteModifiedTime(LocalPathText(tree() / "file"), time));
+  const InspectedEntry entry = packed()["file"];
+  EXPECT_EQ(entry.modified, 1'250'000'001);
+  EXPECT_EQ(entry.dosTime, zip::dosTime(UtcToLocal(time)));
+}
+
+TEST_F(ZipArchiveTest, DoesNotPackItself) {
+  put("a", "1");
+  put("a.zip", "a former archive");
+  put("out.z01", "not of this archive");
+  const std::string path = LocalPathText(tree() / "a.zip");
+  for (int round = 0; round < 2; ++round) {
+    add();
+    result = archive.write(path, kSmallest);
+    EXPECT_THAT(testing::inspectArchive(result.paths).names(), ElementsAre("a", "out.z01"));
+  }
+  put("sub/a.zip", "another of that name");
+  add();
+  archive.write(path);
+  EXPECT_THAT(testing::inspectArchive({path}).names(), ElementsAre("a", "out.z01", "sub/", "sub/a.zip"));
+}
+
+TEST_F(ZipArchiveTest, ReplacesWhatStoodThereOnlyWhenAllIsWritten) {
+  testing::writeFile(LocalPath(out("a.zip")), "old");
+  put("large", noise(3 << 20));
+  archive.onProgress = [&](const ZipProgress&) {
+    EXPECT_EQ(testing::contentsOf(LocalPath(out("a.zip"))), "old");
+    archive.abort();
+  };
+  add();
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip")); }), ZipErrorNumber::aborted);
+  EXPECT_THAT(errors, SizeIs(1));
+  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.zip"))), "old");
+  EXPECT_THAT(filesOut(), ElementsAre("a.zip"));
+  archive.onProgress = nullptr;
+  EXPECT_THAT(packed().entries, SizeIs(1)) << "an abort must not reach the next archive";
+}
+
+TEST_F(ZipArchiveTest, RemovesWhatAKilledRunHasLeft) {
+  for (int i = 1; i <= 3; ++i)
+    testing::writeFile(LocalPath(out(".quillmoor-unfinished-" + std::to_string(i) + ".tmp")), "left");
+  packed();
+  EXPECT_THAT(filesOut(), ElementsAre("a.zip"));
+}
+
+TEST_F(ZipArchiveTest, LeavesNoSetWhenASegmentCannotHaveItsName) {
+  put("noise", noise(150'000));
+  std::filesystem::create_directories(LocalPath(out("a.z02")) / "occupied");
+  add();
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip"), kSmallest); }), ZipErrorNumber::cannotWrite);
+  EXPECT_THAT(filesOut(), ElementsAre("a.z02"));
+  EXPECT_THAT(errors, ElementsAre(HasSubstr("a.z02")));
+}
+
+TEST_F(ZipArchiveTest, ReportsEveryFileOnceAndInOrder) {
+  put("a", text(10));
+  put("b", text(3 * zip::kBlock + 5));
+  put("c", "");
+  std::vector<std::string> seen;
+  std::int64_t before = 0;
+  archive.onProgress = [&](const ZipProgress& progress) {
+    EXPECT_GE(progress.count, progress.item == "b" ? before : 0);
+    EXPECT_LE(progress.count, progress.size);
+    before = progress.count;
+    if (progress.status == ZipStatus::done)
+      seen.push_back(progress.item + " " + std::to_string(progress.count) + "/" +
+                     std::to_string(progress.size));
+  };
+  packed();
+  EXPECT_THAT(seen, ElementsAre("a 10/10", "b 786437/786437", "c 0/0"));
+}
+
+TEST_F(ZipArchiveTest, PumpsWhileItPacks) {
+  put("large", text(24 << 20));
+  int calls = 0;
+  archive.pump = [&] {
+    ++calls;
+    EXPECT_TRUE(archive.busy());
+  };
+  const auto start = std::chrono::steady_clock::now();
+  packed();
+  const auto took =
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+  EXPECT_GT(calls, 1);
+  EXPECT_GE(calls, took.count() / 100)
+      << "in " << took.count() << " ms";  // a busy machine may be late five times over
+  EXPECT_FALSE(archive.busy());
+}
+
+TEST_F(ZipArchiveTest, RefusesToBeginAnotherFromWithin) {
+  put("a", "x");
+  archive.onProgress = [&](const ZipProgress&) {
+    EXPECT_EQ(numberOf([&] { archive.write(out("b.zip")); }), ZipErrorNumber::busy);
+    EXPECT_EQ(numberOf([&] { add(); }), ZipErrorNumber::busy);
+  };
+  packed();
+}
+
+TEST_F(ZipArchiveTest, EndsWellWhenACallbackRaises) {
+  put("large", noise(3 << 20));
+  archive.onProgress = [](const ZipProgress&) { throw std::logic_error("from the display"); };
+  add();
+  EXPECT_THROW(archive.write(out("a.zip")), std::logic_error);
+  EXPECT_THAT(filesOut(), IsEmpty());
+  EXPECT_FALSE(archive.busy());
+}
+
+TEST_F(ZipArchiveTest, SaysWhatCannotBe) {
+  put("a", "x");
+  const std::string tree = LocalPathText(this->tree());
+  EXPECT_EQ(numberOf([&] { archive.addFiles(tree + kLocalSeparator, true); }), ZipErrorNumber::badArgument);
+  EXPECT_EQ(numberOf([&] { archive.addFiles(tree + "/*", true, ""); }), ZipErrorNumber::badArgument);
+  EXPECT_EQ(numberOf([&] { archive.addFiles(tree + "/*", true, std::string(1001, 'x')); }),
+            ZipErrorNumber::badArgument);
+  EXPECT_EQ(numberOf([&] { archive.write(""); }), ZipErrorNumber::badArgument);
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip"), ZipSegmentOptions{65'535}); }),
+            ZipErrorNumber::badArgument);
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.tar"), kSmallest); }), ZipErrorNumber::badArgument);
+  EXPECT_EQ(numberOf([&] { archive.write(out("no/such/folder/a.zip")); }), ZipErrorNumber::cannotWrite);
+  EXPECT_EQ(numberOf([&] { archive.writeSelfExtracting(out("a.exe"), tree + "/no-stub"); }),
+            ZipErrorNumber::cannotRead);
+  archive.addFiles(tree + "/missing/*", true);
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip")); }), ZipErrorNumber::folderNotFound);
+  EXPECT_THAT(errors, SizeIs(9)) << "every one is told by an event too";
+  EXPECT_THAT(errors.back(), HasSubstr("missing"));
+  EXPECT_THAT(filesOut(), IsEmpty());
+  EXPECT_THAT(testing::inspectArchive(archive.write(out("a.zip")).paths).entries, IsEmpty())
+      << "what was added is forgotten after a failure";
+}
+
+// --- trees that change under it. The first file is so large that packing is still far from its end when its
+// first
+// --- progress event comes, and the second has not been opened.
+
+constexpr std::size_t kFarAhead = std::size_t{48} << 20;
+
+class ChangingTreeTest : public ZipArchiveTest {
+ protected:
+  /// Packs "a", which is large, and "b"; `change` is called at the first progress event.
+  InspectedArchive packedWith(const std::function<void()>& change) {
+    put("a", "begin");
+    std::filesystem::resize_file(tree() / "a", kFarAhead);
+    put("b", "small");
+    bool called = false;
+    archive.onProgress = [&, called](const ZipProgress&) mutable {
+      if (!std::exchange(called, true)) change();
+    };
+    return packed();
+  }
+};
+
+TEST_F(ChangingTreeTest, LeavesOutAFileThatHasVanished) {
+  const InspectedArchive got = packedWith([&] { std::filesystem::remove(tree() / "b"); });
+  EXPECT_THAT(got.names(), ElementsAre("a"));
+  EXPECT_THAT(errors, ElementsAre(HasSubstr("b")));
+  EXPECT_EQ(result.files, 1);
+  EXPECT_EQ(result.errors, 1);
+}
+
+TEST_F(ChangingTreeTest, PacksWhatIsLeftOfAFileThatHasShrunk) {
+  const InspectedArchive got =
+      packedWith([&] { std::filesystem::resize_file(tree() / "a", kFarAhead - 1000); });
+  EXPECT_EQ(got["a"].size, kFarAhead - 1000);
+  EXPECT_EQ(got["b"].contents, "small");
+  EXPECT_THAT(errors, ElementsAre(::testing::AllOf(HasSubstr("shrunk"), HasSubstr("a;"),
+                                                   HasSubstr("50330648 bytes"))));
+}
+
+TEST_F(ChangingTreeTest, PacksAFileThatHasGrownAsFarAsItWent) {
+  const InspectedArchive got =
+      packedWith([&] { std::filesystem::resize_file(tree() / "a", kFarAhead + 5000); });
+  EXPECT_EQ(got["a"].size, kFarAhead);
+  EXPECT_THAT(errors, ElementsAre(::testing::AllOf(HasSubstr("grown"), HasSubstr("50331648 bytes"))));
+}
+
+TEST_F(ChangingTreeTest, TellsAFileThatWasWrittenMeanwhile) {
+  const InspectedArchive got = packedWith([&] {
+    WriteModifiedTime(LocalPathText(tree() / "a"),
+                      std::chrono::sys_seconds(std::chrono::seconds(1'000'000'000)));
+  });
+  EXPECT_EQ(got["a"].size, kFarAhead);
+  EXPECT_THAT(errors, ElementsAre(HasSubstr("changed")));
+}
+
+TEST_F(ChangingTreeTest, GoesOnWhenAFolderHasVanished) {
+  put("c/d", "gone");
+  put("e", "still there");
+  const InspectedArchive got = packedWith([&] { std::filesystem::remove_all(tree() / "c"); });
+  EXPECT_THAT(got.names(), ::testing::Contains("e"));
+  EXPECT_THAT(got.names(), ::testing::Not(::testing::Contains("c/d")));
+  EXPECT_THAT(errors, ::testing::Each(HasSubstr("c")));
+  EXPECT_FALSE(errors.empty());
+}
+
+}  // namespace
+}  // namespace quillmoor

@@ -1,0 +1,96 @@
+// What only this system's files can be: links, pipes, names in no encoding, modes; and a disk that is full.
+#include "platform/ZipArchive.h"
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "../ZipArchiveFixture.h"
+
+namespace quillmoor {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using testing::InspectedArchive;
+using ::testing::UnorderedElementsAre;
+using testing::ZipArchiveTest;
+
+TEST_F(ZipArchiveTest, FollowsNoLinkButTheFolderItself) {
+  put("a", "x");
+  testing::writeFile(folder_ / "secret", "not to be packed");
+  std::filesystem::create_directory(folder_ / "elsewhere");
+  testing::writeFile(folder_ / "elsewhere" / "secret", "not to be packed");
+  std::filesystem::create_symlink(folder_ / "secret", tree() / "link");
+  std::filesystem::create_symlink("nothing", tree() / "broken");
+  std::filesystem::create_directory_symlink(folder_ / "elsewhere", tree() / "folder");
+  ASSERT_EQ(::mkfifo((tree() / "pipe").c_str(), 0600), 0);
+  std::filesystem::create_directory_symlink(tree(), folder_ / "root");
+  archive.addFiles((folder_ / "root/*").string(), true);
+  EXPECT_THAT(testing::inspectArchive(archive.write(out("a.zip")).paths).names(), ElementsAre("a"));
+  EXPECT_THAT(errors, UnorderedElementsAre(HasSubstr("root/link"), HasSubstr("root/broken"),
+                                           HasSubstr("root/folder"), HasSubstr("root/pipe")));
+}
+
+TEST_F(ZipArchiveTest, KeepsTheBytesOfANameThatIsNoUtf8AndSaysNothingOfItsEncoding) {
+  put("caf\xE9", "x");
+  put("back\\slash", "y");
+  const InspectedArchive got = packed();
+  EXPECT_EQ(got["caf\xE9"].flags, 0U);
+  EXPECT_EQ(got["back\\slash"].contents, "y");
+}
+
+TEST_F(ZipArchiveTest, KeepsModes) {
+  put("program", "x");
+  put("private", "x");
+  ASSERT_EQ(::chmod((tree() / "program").c_str(), 0755), 0);
+  ASSERT_EQ(::chmod((tree() / "private").c_str(), 0400), 0);
+  const InspectedArchive got = packed();
+  EXPECT_EQ(got["program"].attributes, 0100755U << 16);
+  EXPECT_EQ(got["private"].attributes, 0100400U << 16 | 1U);
+}
+
+TEST_F(ZipArchiveTest, MakesWhatUnpacksItselfExecutable) {
+  testing::writeFile(folder_ / "stub", "stub");
+  add();
+  archive.writeSelfExtracting(out("a.exe"), (folder_ / "stub").string());
+  EXPECT_EQ(::access(out("a.exe").c_str(), X_OK), 0);
+  packed();
+  EXPECT_NE(::access(out("a.zip").c_str(), X_OK), 0);
+}
+
+/// No file may grow beyond the limit, as on a disk that is full.
+class SmallDisk {
+ public:
+  explicit SmallDisk(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit{bytes, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~SmallDisk() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+  SmallDisk(const SmallDisk&) = delete;
+  SmallDisk& operator=(const SmallDisk&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+TEST_F(ZipArchiveTest, LeavesNothingButWhatWasThereWhenTheDiskIsFull) {
+  put("noise", noise(2 << 20));
+  testing::writeFile(out("a.zip"), "old");
+  add();
+  {
+    const SmallDisk disk(1 << 20);
+    EXPECT_THROW(archive.write(out("a.zip")), ZipError);
+  }
+  EXPECT_EQ(testing::contentsOf(out("a.zip")), "old");
+  EXPECT_THAT(filesOut(), ElementsAre("a.zip"));
+  EXPECT_THAT(errors, ElementsAre(HasSubstr("cannot write")));
+}
+
+}  // namespace
+}  // namespace quillmoor

@@ -1,0 +1,311 @@
+#include "support/ZipInspection.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+#include "platform/ZipCrypto.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmoor::testing {
+namespace {
+
+void require(bool holds, const std::string& what) {
+  if (!holds) throw std::runtime_error(what);
+}
+
+/// A run of bytes that are in one segment, read front to back.
+class Record {
+ public:
+  Record(const std::vector<std::string>& segments, std::uint64_t disk, std::uint64_t offset)
+      : segments_(segments), disk_(disk), at_(offset) {
+    require(disk < segments.size(), "segment " + std::to_string(disk) + " does not exist");
+    require(offset <= segments[disk].size(),
+            "offset " + std::to_string(offset) + " is outside of its segment");
+  }
+  std::uint64_t number(int bytes) {
+    const std::string text = take(static_cast<std::size_t>(bytes));
+    std::uint64_t value = 0;
+    for (int i = bytes; i-- > 0;)
+      value = value << 8 | static_cast<unsigned char>(text[static_cast<std::size_t>(i)]);
+    return value;
+  }
+  std::uint32_t u16() { return static_cast<std::uint32_t>(number(2)); }
+  std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
+  std::string take(std::size_t count) {
+    require(at_ + count <= segments_[disk_].size(), "a record crosses the end of its segment");
+    at_ += count;
+    return segments_[disk_].substr(at_ - count, count);
+  }
+  /// Data, which may go on in the next segments.
+  std::string takeAcross(std::uint64_t count) {
+    std::string data;
+    while (data.size() < count) {
+      if (at_ == segments_[disk_].size()) {
+        require(++disk_ < segments_.size(), "the data goes beyond the last segment");
+        at_ = 0;
+      }
+      const std::size_t piece = std::min<std::size_t>(count - data.size(), segments_[disk_].size() - at_);
+      data += take(piece);
+    }
+    return data;
+  }
+  std::uint64_t disk() const { return disk_; }
+  std::uint64_t offset() const { return at_; }
+
+ private:
+  const std::vector<std::string>& segments_;
+  std::uint64_t disk_, at_;
+};
+
+std::map<unsigned, std::string> fieldsOf(const std::string& extra) {
+  std::map<unsigned, std::string> fields;
+  const std::vector<std::string> one{extra};
+  for (Record record(one, 0, 0); record.offset() < extra.size();) {
+    const unsigned id = record.u16();
+    const std::size_t size = record.u16();
+    require(fields.emplace(id, record.take(size)).second, "an extra field comes twice");
+  }
+  return fields;
+}
+
+std::string inflated(const std::string& data, std::uint64_t size) {
+  std::string out(static_cast<std::size_t>(size) + 1, '\0');
+  z_stream stream{};
+  require(inflateInit2(&stream, -MAX_WBITS) == Z_OK, "inflateInit2");
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
+  stream.avail_in = static_cast<uInt>(data.size());
+  stream.next_out = reinterpret_cast<Bytef*>(out.data());
+  stream.avail_out = static_cast<uInt>(out.size());
+  const int result = inflate(&stream, Z_FINISH);
+  const bool whole = result == Z_STREAM_END && stream.total_out == size && stream.avail_in == 0;
+  inflateEnd(&stream);
+  require(whole, "the deflated data is damaged, too long or too short");
+  out.resize(static_cast<std::size_t>(size));
+  return out;
+}
+
+std::string decrypted(std::string data, const std::string& password) {
+  require(data.size() >= zip::kAesOverhead, "encrypted data is too short");
+  zip::Salt salt;
+  std::copy_n(data.begin(), salt.size(), salt.begin());
+  zip::AesEntry aes(password, salt);
+  require(std::equal(aes.verifier().begin(), aes.verifier().end(), data.begin() + zip::kSaltSize,
+                     [](std::uint8_t a, char b) { return a == static_cast<std::uint8_t>(b); }),
+          "the password's verifier differs");
+  const std::string code = data.substr(data.size() - zip::kCodeSize);
+  data = data.substr(zip::kSaltSize + zip::kVerifierSize, data.size() - zip::kAesOverhead);
+  aes.decrypt({reinterpret_cast<std::uint8_t*>(data.data()), data.size()});
+  const auto expected = aes.code();
+  require(std::equal(code.begin(), code.end(), expected.begin(),
+                     [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; }),
+          "the authentication code differs");
+  return data;
+}
+
+struct Header {
+  InspectedEntry entry;
+  std::uint32_t crc = 0, rawMethod = 0;
+  std::map<unsigned, std::string> extra;
+};
+
+/// From the version needed to the length of the extra field; both headers have these.
+void readCommon(Record& record, Header& header) {
+  InspectedEntry& entry = header.entry;
+  entry.versionNeeded = record.u16();
+  entry.flags = record.u16();
+  header.rawMethod = record.u16();
+  entry.dosTime = record.u32();
+  header.crc = record.u32();
+  entry.packedSize = record.u32();
+  entry.size = record.u32();
+}
+
+void readFields(Header& header, const std::string& extra) {
+  InspectedEntry& entry = header.entry;
+  header.extra = fieldsOf(extra);
+  entry.encrypted = (entry.flags & 1) != 0;
+  entry.method = header.rawMethod;
+  if (const auto stamp = header.extra.find(0x5455); stamp != header.extra.end()) {
+    const std::vector<std::string> one{stamp->second};
+    Record record(one, 0, 0);
+    require(record.number(1) == 1 && stamp->second.size() == 5, "the timestamp field is not as it should be");
+    entry.modified = static_cast<std::int32_t>(record.u32());
+  }
+  require(entry.encrypted == (header.extra.count(0x9901) == 1), "flag and field of the encryption differ");
+  if (entry.encrypted) {
+    const std::vector<std::string> one{header.extra[0x9901]};
+    Record record(one, 0, 0);
+    require(header.rawMethod == 99 && record.u16() == 2 && record.take(2) == "AE" && record.number(1) == 3,
+            "the AES field is not as it should be");
+    entry.method = record.u16();
+    require(header.crc == 0, "an AE-2 entry tells its CRC");
+  }
+}
+
+Header readCentral(Record& record) {
+  Header header;
+  InspectedEntry& entry = header.entry;
+  require(record.u32() == 0x02014b50, "no central header where one should be");
+  record.u16();
+  readCommon(record, header);
+  const std::size_t nameSize = record.u16(), extraSize = record.u16(), commentSize = record.u16();
+  entry.disk = record.u16();
+  record.u16();
+  entry.attributes = record.u32();
+  entry.offset = record.u32();
+  entry.name = record.take(nameSize);
+  readFields(header, record.take(extraSize));
+  record.take(commentSize);
+  const auto field = header.extra.find(1);
+  entry.zip64Central = field != header.extra.end();
+  const std::vector<std::string> one{entry.zip64Central ? field->second : ""};
+  Record wide(one, 0, 0);
+  if (entry.size == 0xFFFFFFFF) entry.size = wide.number(8);
+  if (entry.packedSize == 0xFFFFFFFF) entry.packedSize = wide.number(8);
+  if (entry.offset == 0xFFFFFFFF) entry.offset = wide.number(8);
+  if (entry.disk == 0xFFFF) entry.disk = wide.u32();
+  require(wide.offset() == one[0].size(), "the zip64 field has more than is needed");
+  return header;
+}
+
+void checkLocal(Record& record, Header& central, const std::string& password) {
+  InspectedEntry& entry = central.entry;
+  Header local;
+  require(record.u32() == 0x04034b50, "no local header where one should be");
+  readCommon(record, local);
+  const std::size_t nameSize = record.u16(), extraSize = record.u16();
+  local.entry.name = record.take(nameSize);
+  readFields(local, record.take(extraSize));
+  if (const auto field = local.extra.find(1); field != local.extra.end()) {
+    entry.zip64Local = true;
+    const std::vector<std::string> one{field->second};
+    Record wide(one, 0, 0);
+    require(local.entry.size == 0xFFFFFFFF && local.entry.packedSize == 0xFFFFFFFF,
+            "a local zip64 field without the marks");
+    local.entry.size = wide.number(8);
+    local.entry.packedSize = wide.number(8);
+  }
+  const auto same = [&](auto a, auto b, const char* what) {
+    require(a == b, std::string("the headers differ in ") + what);
+  };
+  same(local.entry.name, entry.name, "name");
+  same(local.entry.flags, entry.flags, "flags");
+  same(local.rawMethod, central.rawMethod, "method");
+  same(local.entry.method, entry.method, "method behind the encryption");
+  same(local.entry.dosTime, entry.dosTime, "DOS time");
+  same(local.entry.modified, entry.modified, "time");
+  same(local.crc, central.crc, "CRC");
+  same(local.entry.size, entry.size, "size");
+  same(local.entry.packedSize, entry.packedSize, "packed size");
+  require((entry.flags & 8) == 0, "a data descriptor is announced");
+
+  std::string data = record.takeAcross(entry.packedSize);
+  if (entry.encrypted) data = decrypted(std::move(data), password);
+  entry.contents = entry.method == 8 ? inflated(data, entry.size) : data;
+  require(entry.contents.size() == entry.size, "the size differs");
+  if (!entry.encrypted) {
+    require(crc32_z(0, reinterpret_cast<const Bytef*>(entry.contents.data()), entry.contents.size()) ==
+                central.crc,
+            "the CRC differs");
+  }
+}
+
+}  // namespace
+
+const InspectedEntry& InspectedArchive::operator[](const std::string& name) const {
+  const auto found =
+      std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.name == name; });
+  if (found == entries.end()) throw std::runtime_error("no entry " + name);
+  return *found;
+}
+
+std::vector<std::string> InspectedArchive::names() const {
+  std::vector<std::string> names;
+  for (const InspectedEntry& entry : entries) names.push_back(entry.name);
+  return names;
+}
+
+InspectedArchive inspectArchive(const std::vector<std::string>& paths, const std::string& password,
+                                std::size_t prefix) {
+  std::vector<std::string> segments;
+  for (const std::string& path : paths) segments.push_back(contentsOf(path));
+  InspectedArchive archive;
+  const std::uint64_t last = segments.size() - 1;
+  require(segments[last].size() >= 22, "too short for an end record");
+  const std::uint64_t endOffset = segments[last].size() - 22;
+  Record end(segments, last, endOffset);
+  require(end.u32() == 0x06054b50, "no end record at the end");
+  std::uint64_t disk = end.u16(), directoryDisk = end.u16(), onDisk = end.u16(), entries = end.u16(),
+                directorySize = end.u32(), directoryOffset = end.u32();
+  require(end.u16() == 0, "a comment");
+  std::uint64_t directoryEnd = endOffset;
+  if (disk == 0xFFFF || directoryDisk == 0xFFFF || onDisk == 0xFFFF || entries == 0xFFFF ||
+      directorySize == 0xFFFFFFFF || directoryOffset == 0xFFFFFFFF) {
+    archive.zip64End = true;
+    Record locator(segments, last, endOffset - 20);
+    require(locator.u32() == 0x07064b50, "no zip64 locator");
+    const std::uint32_t zip64Disk = locator.u32();
+    directoryEnd = locator.number(8);
+    require(locator.u32() == segments.size(), "the zip64 locator's number of segments is wrong");
+    Record wide(segments, zip64Disk, directoryEnd);
+    require(wide.u32() == 0x06064b50 && wide.number(8) == 44, "no zip64 end record");
+    wide.u32();
+    disk = wide.u32();
+    directoryDisk = wide.u32();
+    onDisk = wide.number(8);
+    entries = wide.number(8);
+    directorySize = wide.number(8);
+    directoryOffset = wide.number(8);
+    require(wide.offset() == endOffset - 20, "the end records do not follow each other");
+  }
+  require(disk == last, "the end record does not know its segment");
+  archive.directoryDisk = static_cast<std::uint32_t>(directoryDisk);
+
+  // The signature in front, and then one thing behind the other, with gaps only where a header begins a
+  // segment.
+  Record front(segments, 0, prefix);
+  if (segments.size() > 1) {
+    require(front.u32() == 0x08074b50, "no signature of a split archive");
+  } else if (segments[0].substr(prefix, 4) == "PK00") {
+    front.u32();
+  }
+  std::uint64_t nextDisk = 0, nextOffset = front.offset();
+  const auto follows = [&](std::uint64_t thisDisk, std::uint64_t thisOffset) {
+    require(
+        (thisDisk == nextDisk && thisOffset == nextOffset) || (thisDisk == nextDisk + 1 && thisOffset == 0),
+        "there is a gap or an overlap in front of a header");
+    require(thisDisk == nextDisk || nextOffset == segments[nextDisk].size(),
+            "a segment has something behind its end");
+  };
+  std::uint64_t centralDisk = directoryDisk, centralOffset = directoryOffset, centralSize = 0,
+                centralOnLast = 0;
+  for (std::uint64_t i = 0; i < entries; ++i) {
+    if (centralOffset == segments[centralDisk].size()) {
+      ++centralDisk;
+      centralOffset = 0;
+    }
+    Record record(segments, centralDisk, centralOffset);
+    Header header = readCentral(record);
+    if (centralDisk == last) ++centralOnLast;
+    centralSize += record.offset() - centralOffset;
+    centralOffset = record.offset();
+    follows(header.entry.disk, header.entry.offset);
+    Record local(segments, header.entry.disk, header.entry.offset);
+    checkLocal(local, header, password);
+    nextDisk = local.disk();
+    nextOffset = local.offset();
+    archive.entries.push_back(std::move(header.entry));
+  }
+  require(centralSize == directorySize, "the size of the central directory is wrong");
+  require(centralOnLast == onDisk, "the number of entries in the last segment is wrong");
+  follows(directoryDisk, directoryOffset);
+  nextDisk = centralDisk;
+  nextOffset = centralOffset;
+  follows(last, directoryEnd);
+  return archive;
+}
+
+}  // namespace quillmoor::testing
