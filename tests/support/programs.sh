@@ -9,6 +9,7 @@ lay_out() {
   windows=no
   [ ! -e "$1/quillmoor-run.exe" ] || windows=yes
   mkdir -p "$2/program"
+  cp "$1/MsSFX.bin" "$2/program/"
   programs_work=$2
   if [ $windows = no ]; then
     cp "$1/quillmoor-run" "$1/quillmoor-config" "$2/program/"

@@ -1,0 +1,301 @@
+#include "sfx/Unpack.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <system_error>
+#include <vector>
+
+#include "../platform/ZipArchiveFixture.h"
+#include "platform/FileTimes.h"
+#include "platform/ZipFormat.h"
+#include "sfx/EntryName.h"
+
+namespace quillmoor::sfx {
+namespace {
+
+using quillmoor::testing::contentsOf;
+using quillmoor::testing::writeFile;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class UnpackTest : public quillmoor::testing::ZipArchiveTest {
+ protected:
+  UnpackTest() {
+    events.refused = [this](const std::string& line) { refused.push_back(line); };
+  }
+
+  std::string target() const { return LocalPathText(folder_ / "target"); }
+  std::filesystem::path inTarget(const std::string& name) const {
+    return folder_ / "target" / LocalPath(name);
+  }
+
+  /// Packs the tree behind a stub and gives the program's path.
+  std::string made(const std::optional<std::string>& password = std::nullopt,
+                   const std::optional<ZipSegmentOptions>& segments = std::nullopt) {
+    writeFile(folder_ / "stub", "a stub of some length");
+    add(password);
+    result = archive.writeSelfExtracting(out("a.exe"), LocalPathText(folder_ / "stub"), segments);
+    return out("a.exe");
+  }
+  UnpackResult unpacked(const std::string& program, const std::string& password = "") {
+    ZipReader reader(program);
+    return unpack(reader, target(), password, events);
+  }
+  /// A program whose archive holds just these entries, however they are called.
+  std::string madeOf(const std::vector<std::pair<std::string, std::uint32_t>>& namesAndAttributes) {
+    std::string bytes = "stub", directory;
+    zip::End end;
+    for (const auto& [name, attributes] : namesAndAttributes) {
+      zip::Entry entry;
+      entry.name = name;
+      entry.attributes = attributes;
+      entry.hostSystem = 3;
+      entry.offset = bytes.size();
+      entry.modifiedLocal = *MakeLocalDateTime({2020, 1, 2, 3, 4, 6, 0});
+      entry.size = entry.packedSize = name.ends_with('/') ? 0 : 4;
+      entry.crc = name.ends_with('/') ? 0 : 0x8DFB3152;  // of "evil"
+      bytes += zip::localHeader(entry) + (name.ends_with('/') ? "" : "evil");
+      directory += zip::centralHeader(entry);
+    }
+    end.entries = end.entriesOnDisk = namesAndAttributes.size();
+    end.directoryOffset = bytes.size();
+    end.directorySize = directory.size();
+    writeFile(LocalPath(out("made.exe")), bytes + directory + zip::endRecords(end));
+    return out("made.exe");
+  }
+
+  UnpackEvents events;
+  std::vector<std::string> refused;
+};
+
+ArchiveFault faultOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const ArchiveError& error) {
+    EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos) << error.what();
+    return error.fault();
+  }
+  ADD_FAILURE() << "not raised";
+  return {};
+}
+
+TEST_F(UnpackTest, BringsBackWhatWasPackedWhateverTheKindOfArchive) {
+  put("text", text(700'000));
+  put("noise", noise(300'000));
+  put("empty", "");
+  put("sub/gr\xC3\xBC\xC3\x9F \xE6\x97\xA5/x", "deep");
+  std::filesystem::create_directory(tree() / "hollow");
+  const auto time = std::chrono::sys_seconds(std::chrono::seconds(1'300'000'001));
+  ASSERT_TRUE(WriteModifiedTime(LocalPathText(tree() / "text"), time));
+  for (const std::optional<std::string>& password :
+       {std::optional<std::string>(), std::optional<std::string>("geheim")}) {
+    for (const std::optional<ZipSegmentOptions>& segments :
+         {std::optional<ZipSegmentOptions>(), std::optional(ZipSegmentOptions{65'536})}) {
+      std::filesystem::remove_all(folder_ / "target");
+      const UnpackResult got = unpacked(made(password, segments), password.value_or(""));
+      EXPECT_EQ(got.files, 4U);
+      EXPECT_TRUE(contentsOf(inTarget("text")) == text(700'000));
+      EXPECT_TRUE(contentsOf(inTarget("noise")) == noise(300'000));
+      EXPECT_EQ(contentsOf(inTarget("empty")), "");
+      EXPECT_EQ(contentsOf(inTarget("sub/gr\xC3\xBC\xC3\x9F \xE6\x97\xA5/x")), "deep");
+      EXPECT_TRUE(std::filesystem::is_directory(inTarget("hollow")));
+      EXPECT_EQ(ReadFileTimes(LocalPathText(inTarget("text")))->modified, time);
+      EXPECT_THAT(refused, IsEmpty());
+    }
+  }
+}
+
+TEST_F(UnpackTest, AsksBeforeItReplacesAFile) {
+  put("a", "new");
+  put("b", "new");
+  std::filesystem::create_directory(folder_ / "target");
+  writeFile(inTarget("a"), "old");
+  writeFile(inTarget("b"), "old");
+  events.replace = [](const std::string& name) { return name == "b"; };
+  EXPECT_EQ(unpacked(made()).refused, 1U);
+  EXPECT_EQ(contentsOf(inTarget("a")), "old");
+  EXPECT_EQ(contentsOf(inTarget("b")), "new");
+  events.replace = nullptr;
+  EXPECT_EQ(unpacked(made()).refused, 2U) << "nobody to ask: what is there stays";
+}
+
+TEST_F(UnpackTest, RefusesNamesThatLeadElsewhereAndUnpacksTheRest) {
+  const std::vector<std::string> evil = {
+      "../evil",    "a/../../evil", "/evil", "a//evil", "a/./evil", "..",
+      "with\nline", "\x1b[31mred",  "",      "/",       "../",      std::string("nul\0x", 5)};
+  std::vector<std::pair<std::string, std::uint32_t>> entries;
+  for (const std::string& name : evil) entries.emplace_back(name, 0100644U << 16);
+  entries.emplace_back("link", 0120777U << 16);
+  entries.emplace_back("pipe", 0010644U << 16);
+  entries.emplace_back("good", 0100644U << 16);
+  const UnpackResult got = unpacked(madeOf(entries));
+  EXPECT_EQ(got.files, 1U);
+  EXPECT_EQ(got.refused, evil.size() + 2);
+  EXPECT_EQ(contentsOf(inTarget("good")), "evil");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "evil"));
+  for (const std::string& line : refused) EXPECT_EQ(line.find_first_of("\n\x1b"), std::string::npos) << line;
+}
+
+TEST(EntryName, RefusesWhatWindowsReadsAsSomethingElse) {
+  const auto rules = LocalNameRules::windows;
+  for (const char* const name :
+       {"C:evil", "C:/evil", "a/b:stream", "..\\evil", "\\evil", "\\\\host\\share", "NUL", "a/con.txt",
+        "com1", "LPT\xC2\xB9", "dot.", "blank ", "a/ /b", "what?", "st*r", "pi|pe", "q\"", "<", ">"})
+    EXPECT_FALSE(partsOf(name, rules)) << name;
+  EXPECT_THAT(*partsOf("a b/.htaccess", rules), ElementsAre("a b", ".htaccess"));
+  EXPECT_THAT(*partsOf("folder/", rules), ElementsAre("folder"));
+  EXPECT_TRUE(partsOf("C:colon", LocalNameRules::posix)) << "an ordinary name there";
+}
+
+TEST_F(UnpackTest, TellsAWrongPasswordBeforeItWritesAnything) {
+  put("a", "secret");
+  const std::string program = made("right");
+  // The verifier has 16 bits, so that a wrong password could pass it; these do not.
+  for (const char* const wrong : {"", "wrong", "Right", "right "}) {
+    ArchiveFault fault{};
+    try {
+      unpacked(program, wrong);
+      FAIL() << "not raised";
+    } catch (const ArchiveError& error) {
+      fault = error.fault();
+    }
+    EXPECT_TRUE(fault == ArchiveFault::wrongPassword || fault == ArchiveFault::damaged);
+    EXPECT_TRUE(std::filesystem::is_empty(folder_ / "target"));
+  }
+  EXPECT_EQ(unpacked(program, "right").files, 1U);
+}
+
+TEST_F(UnpackTest, SaysWhichPartOfASetIsMissing) {
+  put("noise", noise(200'000));
+  const std::string program = made(std::nullopt, ZipSegmentOptions{65'536});
+  ASSERT_THAT(filesOut(), ElementsAre("a.exe", "a.z02", "a.z03", "a.zip"));
+  for (const char* const name : {"a.z02", "a.z03", "a.zip"}) {
+    std::filesystem::rename(LocalPath(out(name)), folder_ / "aside");
+    try {
+      unpacked(program);
+      ADD_FAILURE() << "not raised";
+    } catch (const ArchiveError& error) {
+      EXPECT_EQ(error.fault(), ArchiveFault::incomplete);
+      EXPECT_THAT(error.what(), HasSubstr(name));
+    }
+    std::filesystem::rename(folder_ / "aside", LocalPath(out(name)));
+  }
+  EXPECT_EQ(unpacked(program).files, 1U);
+}
+
+TEST_F(UnpackTest, FindsAnArchiveWhoseOffsetsDoNotCountTheStub) {
+  put("a", "x");
+  add();
+  archive.write(out("a.zip"));
+  writeFile(LocalPath(out("b.exe")), "another stub" + contentsOf(LocalPath(out("a.zip"))));
+  EXPECT_EQ(unpacked(out("b.exe")).files, 1U);
+}
+
+// Whatever happens to its bytes, an archive is either read as it was or refused: no file comes out changed,
+// and no byte is touched outside of what is there (which the sanitizers watch).
+class MutationTest : public UnpackTest {
+ protected:
+  MutationTest() {
+    put("a", "some text that is long enough, some text that is long enough");
+    put("sub/b", noise(40));
+    put("c", "");
+  }
+
+  void expectWholeOrRefused(const std::string& bytes, const std::string& password, const std::string& what) {
+    const std::filesystem::path path = LocalPath(out("mutant.exe"));
+    writeFile(path, bytes);
+    std::filesystem::remove_all(folder_ / "target");
+    try {
+      unpacked(LocalPathText(path), password);
+    } catch (const ArchiveError&) {
+      ++refusals_;
+    } catch (const std::system_error&) {
+      ++refusals_;
+    }
+    std::error_code none;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_ / "target", none)) {
+      if (!entry.is_regular_file()) continue;
+      const std::string got = contentsOf(entry.path());
+      const bool known =
+          got == contentsOf(tree() / "a") || got == contentsOf(tree() / "sub" / "b") || got.empty();
+      EXPECT_TRUE(known) << what << ": " << entry.path() << " has come out changed";
+    }
+  }
+
+  int refusals_ = 0;
+};
+
+TEST_F(MutationTest, CutAtEveryByte) {
+  for (const std::optional<std::string>& password :
+       {std::optional<std::string>(), std::optional<std::string>("p")}) {
+    const std::string bytes = contentsOf(LocalPath(made(password)));
+    refusals_ = 0;
+    for (std::size_t size = 0; size < bytes.size(); ++size)
+      expectWholeOrRefused(bytes.substr(0, size), password.value_or(""), "cut at " + std::to_string(size));
+    EXPECT_EQ(refusals_, static_cast<int>(bytes.size()));
+  }
+}
+
+TEST_F(MutationTest, WithEveryByteChanged) {
+  for (const std::optional<std::string>& password :
+       {std::optional<std::string>(), std::optional<std::string>("p")}) {
+    const std::string bytes = contentsOf(LocalPath(made(password)));
+    refusals_ = 0;
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
+      // One change to each byte of the encrypted one, where every try costs the making of keys.
+      for (const int change : password ? std::vector<int>{0x80} : std::vector<int>{0x01, 0xFF}) {
+        std::string changed = bytes;
+        changed[at] = static_cast<char>(changed[at] ^ change);
+        expectWholeOrRefused(changed, password.value_or(""),
+                             "byte " + std::to_string(at) + " ^ " + std::to_string(change));
+      }
+    }
+    EXPECT_GT(refusals_, static_cast<int>(bytes.size() / 2));
+  }
+}
+
+TEST_F(UnpackTest, RefusesRecordsThatPointNowhere) {
+  put("a", "x");
+  const std::string good = contentsOf(LocalPath(made()));
+  const std::size_t end = good.size() - zip::kEndRecordSize;
+  const std::size_t central = good.rfind("PK\1\2");
+  struct Case {
+    const char* what;
+    std::size_t at;
+    std::string bytes;
+  };
+  for (const Case& c :
+       {Case{"more entries than there is room for", end + 10, "\xFE\xFF"},
+        Case{"a directory longer than the file", end + 12, std::string("\xFF\xFF\xFF\x7F", 4)},
+        Case{"a directory behind the end", end + 16, std::string("\xFF\xFF\xFF\x7F", 4)},
+        Case{"another segment", end + 6, std::string("\x05\x00", 2)},
+        Case{"an entry in another segment", central + 34, std::string("\x05\x00", 2)},
+        Case{"an entry behind the end", central + 42, std::string("\xFF\xFF\xFF\x7F", 4)},
+        Case{"an entry that is longer than the file", central + 20, std::string("\xFF\xFF\xFF\x7F", 4)},
+        Case{"a wide size that is missing", central + 24, std::string("\xFF\xFF\xFF\xFF", 4)},
+        Case{"an unknown method", central + 10, std::string("\x0C\x00", 2)}}) {
+    std::string bytes = good;
+    bytes.replace(c.at, c.bytes.size(), c.bytes);
+    writeFile(LocalPath(out("bad.exe")), bytes);
+    SCOPED_TRACE(c.what);
+    faultOf([&] { unpacked(out("bad.exe")); });
+    EXPECT_FALSE(std::filesystem::exists(inTarget("a")));
+  }
+}
+
+TEST_F(UnpackTest, TestsWithoutWriting) {
+  put("a", text(1000));
+  const std::string program = made("p");
+  ZipReader reader(program);
+  EXPECT_EQ(summaryOf(reader).bytes, 1000U);
+  EXPECT_TRUE(summaryOf(reader).encrypted);
+  EXPECT_EQ(test(reader, "p", events).files, 1U);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "target"));
+}
+
+}  // namespace
+}  // namespace quillmoor::sfx
