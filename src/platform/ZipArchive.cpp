@@ -39,6 +39,17 @@ class EventQueue final : public zip::PackEvents {
     if (aborted_) throw ZipError(ZipErrorNumber::aborted, "the packing was stopped");
   }
 
+  void settle() override {
+    std::unique_lock lock(mutex_);
+    settling_ = true;
+    changed_.notify_all();
+    while (!settled_) {
+      changed_.wait_for(lock, kSlice);
+      checkAborted();
+    }
+    checkAborted();
+  }
+
   void finish() {
     const std::lock_guard lock(mutex_);
     finished_ = true;
@@ -49,7 +60,12 @@ class EventQueue final : public zip::PackEvents {
   bool take(std::vector<Event>& events) {
     events.clear();
     std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, kSlice, [&] { return finished_ || weight_ >= kMost / 2; });
+    changed_.wait_for(lock, kSlice, [&] { return finished_ || settling_ || weight_ >= kMost / 2; });
+    // Who asks for more has given out all that was taken before.
+    if (settling_ && events_.empty()) {
+      settled_ = true;
+      settling_ = false;
+    }
     events.swap(events_);
     weight_ = 0;
     changed_.notify_all();
@@ -77,6 +93,7 @@ class EventQueue final : public zip::PackEvents {
   std::condition_variable changed_;
   std::vector<Event> events_;
   int weight_ = 0;
+  bool settling_ = false, settled_ = false;
   bool finished_ = false;
 };
 

@@ -129,8 +129,9 @@ class ZipArchive {
 
   bool busy() const;
 
-  /// Makes the `write` in progress raise `aborted` soon, leaving nothing. Returns without waiting; nothing
-  /// happens when none is in progress.
+  /// Makes the `write` in progress raise `aborted` soon, leaving nothing: from an event in any case, from the
+  /// pump until the files are given their names. Returns without waiting; nothing happens when none is in
+  /// progress.
   void abort();
 
  private:

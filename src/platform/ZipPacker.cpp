@@ -473,7 +473,7 @@ ZipResult pack(const PackRequest& request, PackEvents& events) {
     Output output(SegmentNames(request.path, request.stubPath.has_value()), request.segmentBytes,
                   request.stubPath.has_value());
     packAll(request, events, result, output);
-    events.checkAborted();
+    events.settle();
     result.paths = output.finish();
     result.outputBytes = output.totalBytes();
   } catch (const std::system_error& failure) {

@@ -31,6 +31,9 @@ class PackEvents {
   virtual void error(const std::string& description) = 0;
   /// Raises ZipError when the operation is to end.
   virtual void checkAborted() = 0;
+  /// Waits until every event has been heard of: the last chance to be told to end. Raises as `checkAborted`
+  /// does.
+  virtual void settle() = 0;
 };
 
 /// Raises ZipError, leaving nothing.

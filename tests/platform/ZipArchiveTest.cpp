@@ -256,6 +256,16 @@ TEST_F(ZipArchiveTest, ReplacesWhatStoodThereOnlyWhenAllIsWritten) {
   EXPECT_THAT(packed().entries, SizeIs(1)) << "an abort must not reach the next archive";
 }
 
+TEST_F(ZipArchiveTest, HeedsAnAbortEvenFromItsLastEvent) {
+  put("small", "x");
+  archive.onProgress = [&](const ZipProgress& progress) {
+    if (progress.status == ZipStatus::done) archive.abort();
+  };
+  add();
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip")); }), ZipErrorNumber::aborted);
+  EXPECT_THAT(filesOut(), IsEmpty());
+}
+
 TEST_F(ZipArchiveTest, RemovesWhatAKilledRunHasLeft) {
   for (int i = 1; i <= 3; ++i)
     testing::writeFile(LocalPath(out(".quillmoor-unfinished-" + std::to_string(i) + ".tmp")), "left");
