@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # From nothing to a finished backup: builds Quillmoor, serves a sample site with a real FTP server on this machine,
-# backs it up, and backs it up once more to show that nothing is fetched twice.
+# backs it up, backs it up once more to show that nothing is fetched twice, and packs it into an archive.
 # The backup stays (demo.sh DIR says where, else a temporary folder); everything else is cleaned up.
 #   demo.sh --desktop    the same in the program's window; without a screen, on one that nobody sees
 set -euo pipefail
@@ -19,7 +19,7 @@ step() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
 [ -t 1 ] || step() { printf '\n== %s\n' "$*"; }
 
 step "Building Quillmoor"
-scripts/build.sh linux quillmoor quillmoor-run quillmoor-config
+scripts/build.sh linux quillmoor quillmoor-run quillmoor-config MsSFX
 cmake --install build/linux --prefix "$work" >/dev/null
 program=$work/quillmoor
 
@@ -53,6 +53,18 @@ tail -n 3 "$work/log"
 fetched=$(grep -c '^Retriving' "$work/log") skipped=$(grep -c '^Skipped: File upto date' "$work/log")
 echo "$fetched files looked at, $skipped skipped as up to date."
 [ "$fetched" = "$skipped" ] || { echo "demo: the second run has fetched files again" >&2; exit 1; }
+
+step "Packing it: an archive in segments, with a password, and a copy of it"
+mkdir -p "$target/copies"
+for pair in CreateZip=1 SplitZip=1 ZipSpanSize=350 ZipCopies="$target/copies"; do
+  "$program/quillmoor-config" setting set "${pair%%=*}" "${pair#*=}"
+done
+"$program/quillmoor-config" setting set ZipPassword - <<<"open sesame"
+"$program/quillmoor-run" --assume-network >"$work/log"
+grep -A 3 '^Creating Zip File' "$work/log"
+(cd "$target" && find . -maxdepth 2 -name 'Sample site.z*' -printf '%8s  %p\n' | sort -k2)
+7z x -p"open sesame" -o"$work/unpacked" "$target/copies/Sample site.zip" >"$work/log" || { cat "$work/log" >&2; exit 1; }
+diff -r "$work/site" "$work/unpacked" && echo "Another program unpacks from the copy what is identical to the site."
 
 step "Done"
 echo "The backup lies in $target"

@@ -18,6 +18,7 @@ for file in www/images/logo.png www/images/2019/photo.jpg www/downloads/archive.
   for _ in {1..8}; do printf '%b\r\n\n\r\r\n' "$bytes"; done >"$file"
 done
 head -c 3000000 /dev/zero >www/downloads/big.iso
+head -c 900000 /dev/urandom >www/downloads/film.mp4
 ln -s index.html www/start.html
 # A listing shows old dates without a time of day, which a backup takes for noon, and those of the last months with it.
 find . -type f -exec touch -d '2019-06-05 12:00' {} +

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # mirror_test.sh PROGRAMS SERVER MODE   backs the sample site up from a real server (MODE passive or active), and
-# once more incrementally. PROGRAMS is the folder of quillmoor-run and quillmoor-config.
+# once more incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and quillmoor-config.
 set -euo pipefail
 programs=$(realpath "$1") server=$2 mode=$3
 export TZ=UTC                                     # some servers list UTC, which is local time then
@@ -55,4 +55,33 @@ rm "$copy/www/index.html"
 backup
 diff -r "$work/expected" "$copy" || fail "a missing file was not fetched again"
 [ "$(grep -c '^Skipped: File upto date$' "$work/log")" = "$((files - 1))" ] || fail "more than the missing file was fetched"
+
+# An archive in segments, with a password, and a copy of the whole set, which another program opens; and one that
+# unpacks itself.
+mkdir "$work/copies"
+for pair in CreateZip=1 SplitZip=1 ZipSpanSize=1 "ZipPassword=open sesame" "ZipCopies=$(native "$work/copies")"; do
+  "$config" setting set "${pair%%=*}" "${pair#*=}"
+done
+backup
+grep -qF "open sesame" "$work/log" && fail "the archive's password is in the log"
+for line in "Creating Zip File: $(native "$work/backup/site.zip")" "Done Zip File." "Copy files success."; do
+  grep -qxF "$line" "$work/log" || fail "no line \"$line\""
+done
+unpacked() {                                      # COMMAND...: unpacks into $work/unpacked what the backup is
+  "$@" >"$work/said" 2>&1 </dev/null || { cat "$work/said" >&2; fail "status $?: $*"; }
+  diff -r "$work/backup/site" "$work/unpacked" || fail "differs from the backup: $*"
+  diff <(dates "$work/backup/site") <(dates "$work/unpacked") || fail "the dates of files differ: $*"
+  rm -r "$work/unpacked"
+}
+for folder in backup copies; do
+  segments=("$work/$folder"/site.z*)
+  [ ${#segments[@]} = 3 ] || fail "not three segments: ${segments[*]}"
+  7z t -pwrong "${segments[-1]}" >/dev/null 2>&1 </dev/null && fail "opens without its password: ${segments[-1]}"
+  unpacked 7z x "-popen sesame" -o"$work/unpacked" "${segments[-1]}"
+done
+for pair in SplitZip=0 ZipSelfExtract=1 ZipPassword= ZipCopies=; do "$config" setting set "${pair%%=*}" "${pair#*=}"; done
+backup
+grep -qxF "Done Self-Extracting Zip File." "$work/log" || fail "no archive that unpacks itself"
+unpacked 7z x -o"$work/unpacked" "$work/backup/site.exe"
+[ $windows = yes ] || unpacked "$work/backup/site.exe" "$work/unpacked"
 echo "ok: $server, $mode, $files files"
