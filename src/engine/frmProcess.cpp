@@ -68,9 +68,8 @@ frmProcess::frmProcess(wxWindow* parent, MachineServices& services, EventPump& p
   cmdStart->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStart_Click(); });
   cmdStop->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStop_Click(); });
   TimerStartBackup.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { TimerStartBackup_Timer(); });
-  tmrFtpStatus.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { tmrFtpStatus_Timer(); });
   tmrFigures_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { showFigures(); });
-  tmrFtpStatus.Start(kTmrFtpStatus);
+  tmrFtpStatus.begin(this, kTmrFtpStatus, [this] { tmrFtpStatus_Timer(); });
 }
 
 frmProcess::~frmProcess() = default;

@@ -17,6 +17,7 @@
 #include "controls/EventPump.h"
 #include "controls/LogView.h"
 #include "controls/ReportControl.h"
+#include "controls/SeenTimer.h"
 #include "controls/xpProgressBar.h"
 #include "engine/LogText.h"
 #include "engine/MachineServices.h"
@@ -37,6 +38,9 @@ class frmProcess : public wxPanel, private RunDisplay {
   /// Form unload: aborts the session and a web request, stops the animation and the timers. A run that is on
   /// the stack is left to the pump, which unwinds it.
   void unload();
+
+  /// The window is shown again.
+  void wake() { tmrFtpStatus.wake(); }
 
   /// A run is on the stack: the form must not be destroyed.
   bool active() const { return controller_->active(); }
@@ -76,7 +80,7 @@ class frmProcess : public wxPanel, private RunDisplay {
   wxTimer TimerStartBackup;
   /// Set going and stopped by nobody, and without anything to do at a tick: it is kept inert.
   wxTimer tmrOnlineLogin;
-  wxTimer tmrFtpStatus;
+  SeenTimer tmrFtpStatus;
 
   const LogText& logText() const { return log_; }
 

@@ -28,12 +28,9 @@ frmSettings::frmSettings(wxWindow* parent, Sources sources)
   cmdResetLayout->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
     if (onResetLayout) onResetLayout();
   });
-  tmrOnlineStatus.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { tmrOnlineStatus_Timer(); });
-  tmrLANstatus.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { tmrLANstatus_Timer(); });
-  tmrTimeNow.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { tmrTimeNow_Timer(); });
-  tmrOnlineStatus.Start(kTmrOnlineStatus);
-  tmrLANstatus.Start(kTmrLANstatus);
-  tmrTimeNow.Start(kTmrTimeNow);
+  tmrOnlineStatus.begin(this, kTmrOnlineStatus, [this] { tmrOnlineStatus_Timer(); });
+  tmrLANstatus.begin(this, kTmrLANstatus, [this] { tmrLANstatus_Timer(); });
+  tmrTimeNow.begin(this, kTmrTimeNow, [this] { tmrTimeNow_Timer(); });
 }
 
 void frmSettings::layOut() {
@@ -79,26 +76,25 @@ void frmSettings::showAutostartProblem(const std::string& problem) {
                                                                : "No");
 }
 
-/// Nothing is looked up for a label that nobody sees.
-bool frmSettings::seen() const {
-  return IsShownOnScreen();
-}
-
 void frmSettings::tmrOnlineStatus_Timer() {
-  if (!seen()) return;
   dialUp_.RefreshStatus();
   setText(lblRasStatus, dialUp_.lblRasStatus);
 }
 
 void frmSettings::tmrLANstatus_Timer() {
-  if (seen()) setText(lblLANstatus, IsLanConnected(sources_.network) ? "Connected" : "Not Connected");
+  setText(lblLANstatus, IsLanConnected(sources_.network) ? "Connected" : "Not Connected");
 }
 
 void frmSettings::tmrTimeNow_Timer() {
-  if (!seen()) return;
   setText(lblTimeNow, ClockText(sources_.now()));
   const ApplicationSettings& settings = sources_.settings;
   setText(lblSchedule, ScheduleText(sources_.ScheduleDays, settings.ScheduleHour, settings.ScheduleMinute));
+}
+
+void frmSettings::wake() {
+  tmrOnlineStatus.wake();
+  tmrLANstatus.wake();
+  tmrTimeNow.wake();
 }
 
 void frmSettings::unload() {

@@ -4,7 +4,6 @@
 #include <wx/button.h>
 #include <wx/panel.h>
 #include <wx/stattext.h>
-#include <wx/timer.h>
 
 #include <array>
 #include <cstdint>
@@ -15,6 +14,7 @@
 #include "connectivity/DialUp.h"
 #include "connectivity/DialUpPanel.h"
 #include "connectivity/mNetworkConnection.h"
+#include "controls/SeenTimer.h"
 #include "platform/LocalTime.h"
 #include "platform/Pump.h"
 #include "profiles/ApplicationSettings.h"
@@ -36,6 +36,8 @@ class frmSettings : public wxPanel {
   /// Why the entry that starts the program with the user's session could not be set; "" when it was.
   void showAutostartProblem(const std::string& problem);
 
+  /// The window is shown again.
+  void wake();
   void unload();
 
   std::function<void()> onResetLayout;
@@ -52,16 +54,15 @@ class frmSettings : public wxPanel {
   wxStaticText* lblPriority;
   wxStaticText* lblAutoStartUp;
   wxButton* cmdResetLayout;
-  wxTimer tmrOnlineStatus;
-  wxTimer tmrLANstatus;
-  wxTimer tmrTimeNow;
+  SeenTimer tmrOnlineStatus;
+  SeenTimer tmrLANstatus;
+  SeenTimer tmrTimeNow;
 
  private:
   void layOut();
   void tmrOnlineStatus_Timer();
   void tmrLANstatus_Timer();
   void tmrTimeNow_Timer();
-  bool seen() const;
 
   Sources sources_;
   /// The form's own component; the run has another.

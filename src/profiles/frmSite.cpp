@@ -38,10 +38,9 @@ frmSite::frmSite(wxWindow* parent, std::string profilesFile)
   all->Add(cmdExit, wxSizerFlags().Right().Border(wxALL, gap));
   SetSizer(all);
   cmdExit->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { exitItem(); });
-  tmrProfiles_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { lookForChange(); });
   lookForChange();
   LoadSitesInfo();
-  tmrProfiles_.Start(kLookEvery);
+  tmrProfiles_.begin(this, kLookEvery, [this] { lookForChange(); });
 }
 
 void frmSite::lookForChange() {

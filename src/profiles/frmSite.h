@@ -4,13 +4,13 @@
 #include <wx/button.h>
 #include <wx/panel.h>
 #include <wx/stattext.h>
-#include <wx/timer.h>
 
 #include <filesystem>
 #include <functional>
 #include <string>
 
 #include "controls/ReportControl.h"
+#include "controls/SeenTimer.h"
 
 namespace quillmoor {
 
@@ -21,6 +21,8 @@ class frmSite : public wxPanel {
   /// Reads the profile file and shows what is in it. Happens by itself when the file changes.
   void LoadSitesInfo();
 
+  /// The window is shown again.
+  void wake() { tmrProfiles_.wake(); }
   void unload() { tmrProfiles_.Stop(); }
 
   /// The exit item was chosen and confirmed.
@@ -35,7 +37,7 @@ class frmSite : public wxPanel {
   void lookForChange();
 
   const std::string profilesFile_;
-  wxTimer tmrProfiles_;
+  SeenTimer tmrProfiles_;
   std::filesystem::file_time_type changed_{};
 };
 

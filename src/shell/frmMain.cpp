@@ -183,6 +183,9 @@ void frmMain::restore() {
   if (IsIconized()) Iconize(false);
   showAtItsPlace();
   Raise();
+  site->wake();
+  process->wake();
+  settingsForm->wake();
 }
 
 /// Some window managers place a window that appears as they like, also one that has been there before. The

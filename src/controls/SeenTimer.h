@@ -1,0 +1,49 @@
+// A timer that keeps a form's labels fresh: it ticks while the form is seen, and rests while it is not, so
+// that a program in the notification area lets the processor sleep.
+#pragma once
+
+#include <wx/timer.h>
+#include <wx/window.h>
+
+#include <functional>
+#include <utility>
+
+namespace quillmoor {
+
+class SeenTimer : public wxTimer {
+ public:
+  /// Begins to tick every `interval` milliseconds. `form` must outlive this.
+  void begin(wxWindow* form, int interval, std::function<void()> tick) {
+    form_ = form;
+    interval_ = interval;
+    tick_ = std::move(tick);
+    Start(interval_);
+    form_->Bind(wxEVT_SHOW, [this](wxShowEvent& event) {
+      wake();
+      event.Skip();
+    });
+  }
+
+  /// The form may be seen again.
+  void wake() {
+    if (IsRunning() && GetInterval() != interval_) Start(interval_);
+  }
+
+ private:
+  static constexpr int kRest = 2000;  // milliseconds
+
+  void Notify() override {
+    if (form_->IsShownOnScreen()) {
+      wake();
+      tick_();
+    } else if (GetInterval() < kRest) {
+      Start(kRest);
+    }
+  }
+
+  wxWindow* form_ = nullptr;
+  int interval_ = 0;
+  std::function<void()> tick_;
+};
+
+}  // namespace quillmoor
