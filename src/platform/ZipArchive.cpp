@@ -20,7 +20,8 @@ namespace quillmoor {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::milliseconds kSlice = kPumpInterval / 2;
+/// Short, since the processors are busy with packing and this thread may have to wait its turn.
+constexpr std::chrono::milliseconds kSlice = kPumpInterval / 4;
 
 /// The way from the packing thread to the caller's: events in their order, and the end. It holds only so
 /// much, so that the packing never runs far ahead of what the caller has heard of.
