@@ -14,6 +14,7 @@ screen=$!
 until [ -s "$work/display" ]; do kill -0 "$screen"; read -rt 0.05 <> <(:) || true; done
 DISPLAY=:$(cat "$work/display")
 export DISPLAY
+openbox --sm-disable >/dev/null 2>&1 &            # for the tests of the windows
 wineboot --init >/dev/null 2>&1
 # A program that stays. Without one, each test would start Wine's own processes anew, and whoever reads the
 # test's output would wait for the end of those as well.

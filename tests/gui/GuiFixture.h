@@ -23,7 +23,7 @@
 
 namespace quillmoor {
 
-inline constexpr std::chrono::seconds kPatience{20};
+inline constexpr std::chrono::seconds kPatience{60};
 
 /// Serves events until the condition holds; false when it does not in time.
 inline bool waitUntil(const std::function<bool()>& condition,
