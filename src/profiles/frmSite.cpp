@@ -5,12 +5,15 @@
 
 #include <utility>
 
+#include "controls/BoundedFile.h"
+#include "engine/ErrorGuard.h"
 #include "profiles/SiteProfileStore.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr int kLookEvery = 1000;  // milliseconds
+constexpr std::size_t kLargestFile = std::size_t{4} << 20;
 
 enum Column : std::size_t { kName, kStatus, kHost, kFolders, kSaveTo };
 const std::vector<ReportControl::Column> kColumns = {
@@ -38,16 +41,18 @@ frmSite::frmSite(wxWindow* parent, std::string profilesFile)
   all->Add(cmdExit, wxSizerFlags().Right().Border(wxALL, gap));
   SetSizer(all);
   cmdExit->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { exitItem(); });
-  lookForChange();
   LoadSitesInfo();
+  lookForChange();
   tmrProfiles_.begin(this, kLookEvery, [this] { lookForChange(); });
 }
 
+/// By what the file holds: its time may have no finer steps than a second. A missing file holds nothing.
 void frmSite::lookForChange() {
-  std::error_code missing;
-  const auto changed = std::filesystem::last_write_time(std::filesystem::path(profilesFile_), missing);
-  if (std::exchange(changed_, missing ? std::filesystem::file_time_type{} : changed) != changed_)
-    LoadSitesInfo();
+  std::string contents;
+  Guarded([&] { contents = ReadBoundedFile(profilesFile_, kLargestFile); });
+  if (contents == contents_) return;
+  contents_ = std::move(contents);
+  LoadSitesInfo();
 }
 
 void frmSite::LoadSitesInfo() {

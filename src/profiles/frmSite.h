@@ -5,7 +5,6 @@
 #include <wx/panel.h>
 #include <wx/stattext.h>
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -38,7 +37,7 @@ class frmSite : public wxPanel {
 
   const std::string profilesFile_;
   SeenTimer tmrProfiles_;
-  std::filesystem::file_time_type changed_{};
+  std::string contents_;  // of the file, as it was read last
 };
 
 }  // namespace quillmoor
