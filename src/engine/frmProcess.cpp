@@ -18,9 +18,9 @@
 namespace quillmoor {
 namespace {
 
-constexpr int kGap = 6;                // device-independent pixels, between controls
-constexpr int kShowFiguresEvery = 80;  // milliseconds
-constexpr double kLogsShare = 0.7;     // of the height, beside the report
+constexpr int kGap = 6;                 // device-independent pixels, between controls
+constexpr int kShowFiguresEvery = 120;  // milliseconds
+constexpr double kLogsShare = 0.7;      // of the height, beside the report
 
 const std::vector<ReportControl::Column>& reportColumns() {
   static const std::vector<ReportControl::Column> columns = [] {

@@ -70,6 +70,9 @@ bool frmMain::Initialise() {
 }
 
 void frmMain::Load() {
+  // Every tick of a timer ends in an idle turn; no window here needs to be asked in it.
+  wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
+  wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   settings = LoadApplicationSettings();
   // Its place is given before it exists: some window managers take a later move for their own business.
   const PixelRect window = BroughtOntoScreen(StoredPlacement(settings, pixelsPerInch()), screens());

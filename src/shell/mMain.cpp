@@ -19,9 +19,6 @@ class QuillmoorApp : public wxApp {
   bool OnInit() override {
     // What the toolkit has to say must not stop an unattended program with a box.
     delete wxLog::SetActiveTarget(new wxLogStderr);
-    // Every tick of a timer ends in an idle turn; no window here needs to be asked in it.
-    wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
-    wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
     SetAppName("quillmoor");
     SetAppDisplayName("Quillmoor");
     auto* const main = new frmMain;
