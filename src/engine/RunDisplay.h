@@ -40,7 +40,8 @@ class RunDisplay {
   /// Appends at the end and scrolls there. Line breaks (CR LF) are part of the text.
   virtual void insertLogText(std::string_view text) = 0;
 
-  /// The remote file now being fetched, or the file now being packed; "" when it is done. A display without room for it need not care.
+  /// The remote file now being fetched, or the file now being packed; "" when it is done. A display without
+  /// room for it need not care.
   virtual void showCurrentFile(const std::string& /*remoteFile*/) {}
   /// Progress of the current transfer or packing, 0 to 100.
   virtual void showProgress(int percent) = 0;
