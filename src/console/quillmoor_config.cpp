@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "connectivity/DialUp.h"
-#include "platform/CodePage.h"
 #include "platform/ProgramArguments.h"
 #include "platform/Terminal.h"
+#include "profiles/ProfileText.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mRC4.h"
@@ -46,27 +46,6 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A field of a profile that is given as text, by its key.
-struct TextField {
-  std::string_view key;
-  std::string SiteProfile::*field;
-};
-constexpr TextField kTextFields[] = {{"Host", &SiteProfile::Host},
-                                     {"UserID", &SiteProfile::UserID},
-                                     {"Password", &SiteProfile::Password},
-                                     {"Port", &SiteProfile::Port},
-                                     {"Account", &SiteProfile::Account},
-                                     {"SaveTo", &SiteProfile::SaveTo},
-                                     {"RunURL", &SiteProfile::RunURL},
-                                     {"RunProgram", &SiteProfile::RunProgram},
-                                     {"Timeout", &SiteProfile::Timeout},
-                                     {"MinData", &SiteProfile::MinData},
-                                     {"MaxData", &SiteProfile::MaxData},
-                                     {"ProxyHost", &SiteProfile::ProxyHost},
-                                     {"ProxyPort", &SiteProfile::ProxyPort},
-                                     {"ProxyUsername", &SiteProfile::ProxyUsername},
-                                     {"ProxyPassword", &SiteProfile::ProxyPassword},
-                                     {"DefaultDir", &SiteProfile::DefaultDir}};
 struct NumberField {
   std::string_view key;
   std::int16_t SiteProfile::*field;
@@ -77,27 +56,17 @@ constexpr NumberField kNumberFields[] = {{"Status", &SiteProfile::Status, 1},
                                          {"ManualPort", &SiteProfile::ManualPort, 1},
                                          {"ProxyType", &SiteProfile::ProxyType, 7}};
 
-bool isSecret(std::string_view key) {
-  return key.ends_with("Password");
-}
-
-/// The profile file is ANSI text of one line a value: what it cannot hold would come back as something else.
-std::string storable(const std::string& key, const std::string& value) {
-  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
-  if (std::any_of(value.begin(), value.end(), isControl)) {
-    throw UsageError(key + " cannot hold a line break or another control character.");
-  }
-  if (FromAnsi(ToAnsi(value)) != value) {
-    throw UsageError(key + " holds a character that the profile file cannot keep" +
-                     (isSecret(key) ? "." : ": " + value));
-  }
-  return value;
+/// The text itself; raises UsageError for one that the profile file cannot keep.
+std::string storable(const std::string& what, const std::string& text) {
+  const std::string why = WhyNotStorable(what, text);
+  if (!why.empty()) throw UsageError(why);
+  return text;
 }
 
 void setField(SiteProfile& profile, std::string_view key, const std::string& value) {
-  for (const TextField& known : kTextFields) {
+  for (const ProfileText& known : kProfileTexts) {
     if (known.key != key) continue;
-    const bool typed = value == "-" && isSecret(key);
+    const bool typed = value == "-" && IsSecret(key);
     profile.*known.field = storable(std::string(key), typed ? ReadSecretLine() : value);
     if (key == "Password") profile.passwordUnreadable = false;
     return;
@@ -130,6 +99,8 @@ void checkProfile(SiteProfile& profile) {
   require(given(profile.SaveTo), "the profile needs a folder to save to (SaveTo)");
   require(!profile.Folders.empty(), "the profile needs at least one remote folder (Folder=/path)");
   CorrectNumbers(profile);
+  const std::string why = FindUnstorable(profile).why;
+  if (!why.empty()) throw UsageError(why);
 }
 
 int listProfiles() {
@@ -149,9 +120,9 @@ void requireProfile(const std::string& name) {
 int showProfile(const std::string& name) {
   requireProfile(name);
   SiteProfile profile = LoadSiteProfile(name, ProfilesFilePath());
-  for (const TextField& field : kTextFields) {
+  for (const ProfileText& field : kProfileTexts) {
     const std::string& value = profile.*field.field;
-    const bool hidden = isSecret(field.key) && !value.empty();
+    const bool hidden = IsSecret(field.key) && !value.empty();
     std::printf("%s=%s\n", std::string(field.key).c_str(), hidden ? "(hidden)" : value.c_str());
   }
   for (const NumberField& field : kNumberFields) {
@@ -174,10 +145,9 @@ int setProfile(const std::string& given, const std::vector<std::string>& assignm
     const std::string key = assignment.substr(0, equals);
     const std::string value = assignment.substr(equals + 1);
     if (key == "Folder") {
-      const std::string folder = storable(key, TrimmedName(value));
-      // The separator of the stored list would make two of it.
-      if (SplitFolders(folder) != std::vector{folder})
-        throw UsageError("\"" + value + "\" cannot be a folder.");
+      const std::string folder = TrimmedName(value);
+      const std::string why = WhyNoFolder(key, folder);
+      if (!why.empty()) throw UsageError(why);
       if (std::find(folders.begin(), folders.end(), folder) == folders.end()) folders.push_back(folder);
     } else {
       setField(profile, key, value);
@@ -205,7 +175,7 @@ const SettingDefinition& settingOf(const std::string& key) {
 
 std::string shownSetting(const SettingDefinition& setting) {
   std::string value = ReadSetting(std::string(setting.key), std::string(setting.defaultText));
-  return isSecret(setting.key) && !value.empty() ? "(hidden)" : value;
+  return IsSecret(setting.key) && !value.empty() ? "(hidden)" : value;
 }
 
 int listSettings() {
@@ -223,7 +193,7 @@ int setSetting(const std::string& key, const std::string& value) {
     if (error != std::errc() || rest != value.data() + value.size())
       throw UsageError(key + " takes a number.");
   }
-  WriteSetting(key, isSecret(key) ? mRC4::Encipher(value == "-" ? ReadSecretLine() : value) : value);
+  WriteSetting(key, IsSecret(key) ? mRC4::Encipher(value == "-" ? ReadSecretLine() : value) : value);
   return kDone;
 }
 

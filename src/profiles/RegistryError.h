@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace quillmoor {
 
@@ -10,15 +11,22 @@ class RegistryError : public std::runtime_error {
  public:
   static constexpr int kNumber = 26001;
 
-  RegistryError(std::string source, const std::string& description)
-      : std::runtime_error(description), source_(std::move(source)) {}
+  RegistryError(std::string source, const std::string& description, std::string place, std::string reason)
+      : std::runtime_error(reason.empty() ? description : description + " (" + reason + ")"),
+        source_(std::move(source)),
+        place_(std::move(place)),
+        reason_(std::move(reason)) {}
 
   int number() const { return kNumber; }
   /// The program's name followed by ".cRegistry".
   const std::string& source() const { return source_; }
+  /// The key or value concerned, as a user finds it: root, key and value name joined with backslashes.
+  const std::string& place() const { return place_; }
+  /// Why it failed, where that is known, else "". It is part of `what()`.
+  const std::string& reason() const { return reason_; }
 
  private:
-  std::string source_;
+  std::string source_, place_, reason_;
 };
 
 }  // namespace quillmoor

@@ -49,7 +49,9 @@ constexpr const char* kClasses = "SOFTWARE\\Classes\\";
 }  // namespace
 
 void cRegistry::raise(const std::string& description, const char* reason) const {
-  throw RegistryError(ProgramName() + ".cRegistry", reason ? description + " (" + reason + ")" : description);
+  std::string where = RegistryRootName(ClassKey) + "\\" + SectionKey;
+  if (!ValueKey.empty()) where += "\\" + ValueKey;
+  throw RegistryError(ProgramName() + ".cRegistry", description, where, reason ? reason : "");
 }
 
 std::string cRegistry::place() const {

@@ -1,0 +1,63 @@
+#include "profiles/ProfileText.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "platform/CodePage.h"
+#include "platform/PrivateProfile.h"
+#include "profiles/SiteProfileStore.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+namespace {
+
+/// The buffer of a read holds a terminating zero, and a value may need a pair of quotes.
+constexpr std::size_t kLongestValue = kPrivateProfileBuffer - 3;
+
+}  // namespace
+
+bool IsSecret(std::string_view key) {
+  return key.ends_with("Password");
+}
+
+std::string WhyNotStorable(const std::string& what, const std::string& text) {
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
+  if (std::any_of(text.begin(), text.end(), isControl))
+    return what + " cannot hold a line break or another control character.";
+  const std::string ansi = ToAnsi(text);
+  if (FromAnsi(ansi) != text) {
+    return what + " holds a character that the profile file cannot keep" +
+           (IsSecret(what) ? "." : ": " + text);
+  }
+  if (ansi.size() > kLongestValue) {
+    return what + " is too long for the profile file, which keeps " + std::to_string(kLongestValue) +
+           " characters.";
+  }
+  return "";
+}
+
+std::string WhyNoFolder(const std::string& what, const std::string& folder) {
+  if (folder.empty() || SplitFolders(folder) != std::vector{folder})
+    return "\"" + folder + "\" cannot be a folder.";
+  return WhyNotStorable(what, folder);
+}
+
+UnstorableField FindUnstorable(const SiteProfile& profile) {
+  std::string why = WhyNotStorable("The name", profile.name);
+  if (!why.empty()) return {"name", why};
+  for (const ProfileText& text : kProfileTexts) {
+    const std::string& value = profile.*text.field;
+    why = WhyNotStorable(std::string(text.key), value);
+    if (why.empty() && text.field == &SiteProfile::Password)
+      why = WhyNotStorable(std::string(text.key), mRC4::Encipher(value));
+    if (!why.empty()) return {text.key, why};
+  }
+  for (const std::string& folder : profile.Folders) {
+    why = WhyNoFolder("A folder", folder);
+    if (!why.empty()) return {"Folders", why};
+  }
+  why = WhyNotStorable("The list of folders", JoinFolders(profile.Folders));
+  return {why.empty() ? "" : "Folders", why};
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,218 @@
+#include "profiles/SiteProfileEditor.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "profiles/ProfileText.h"
+#include "profiles/SiteProfileStore.h"
+
+namespace quillmoor {
+namespace {
+
+/// By the position in kProxyTypes.
+constexpr std::array<ProxyBoxes, kProxyTypes.size()> kProxyBoxes = {{{},
+                                                                     {true, true, true, false},
+                                                                     {true, true, true, true},
+                                                                     {true, true, true, true},
+                                                                     {true, true, true, true},
+                                                                     {true, true, false, false},
+                                                                     {true, true, false, false},
+                                                                     {true, true, false, false}}};
+
+struct RequiredText {
+  std::string_view key;
+  std::string SiteProfile::*field;
+  const char* message;
+};
+/// In the order in which they are asked for, behind the name. "post" is how the message reads.
+constexpr RequiredText kRequired[] = {
+    {"Host", &SiteProfile::Host, "Please enter the ftp host name or IP address"},
+    {"UserID", &SiteProfile::UserID, "Please enter the ftp account User ID"},
+    {"Password", &SiteProfile::Password, "Please enter the FTP account Password"},
+    {"Port", &SiteProfile::Port, "Please enter the FTP post, the default is 21"},
+    {"SaveTo", &SiteProfile::SaveTo, "Please select a directory to save to."}};
+
+bool isBlank(const std::string& text) {
+  return TrimmedName(text).empty();
+}
+
+}  // namespace
+
+SiteProfileEditor::SiteProfileEditor(std::string profilesFile, UserPrompts& prompts,
+                                     std::function<LocalDateTime()> now)
+    : file_(std::move(profilesFile)), prompts_(prompts), now_(std::move(now)) {
+  LoadSitesInfo();
+}
+
+void SiteProfileEditor::ItemClicked(int id) {
+  switch (id) {
+    case kAddItem:
+      return Add();
+    case kDeleteItem:
+      return DeleteSiteProfile();
+    case kSaveItem:
+      SaveSiteProfile();
+      return LoadSitesInfo();  // saved or not
+    case kExitItem:
+      return Exit();
+    default:
+      for (const TaskItem& item : profileItems) {
+        if (item.id == id) return EditSiteProfile(std::string(item.caption));
+      }
+  }
+}
+
+void SiteProfileEditor::reset(const std::string& name) {
+  SiteProfile defaults;
+  defaults.name = name;
+  // These three are left as they are, on purpose.
+  defaults.RunURL = shown.RunURL;
+  defaults.RunProgram = shown.RunProgram;
+  defaults.DefaultDir = shown.DefaultDir;
+  shown = std::move(defaults);
+  focus = "";
+}
+
+void SiteProfileEditor::Add() {
+  currentName_.clear();
+  editMode_ = false;
+  LoadSiteProfile("");
+}
+
+void SiteProfileEditor::EditSiteProfile(const std::string& name) {
+  currentName_ = name;
+  editMode_ = true;
+  LoadSiteProfile(name);
+}
+
+void SiteProfileEditor::LoadSiteProfile(const std::string& name) {
+  reset(name);
+  if (name.empty()) return;
+  shown = quillmoor::LoadSiteProfile(name, file_);
+  for (std::int16_t SiteProfile::*flag :
+       {&SiteProfile::Status, &SiteProfile::PASV, &SiteProfile::ManualPort}) {
+    if (shown.*flag != 1) shown.*flag = 0;
+  }
+  if (shown.ProxyType < 0 || static_cast<std::size_t>(shown.ProxyType) >= kProxyTypes.size())
+    shown.ProxyType = 0;
+}
+
+bool SiteProfileEditor::refuse(std::string_view key, std::string text) {
+  prompts_.ShowMessage(ErrorMessage(std::move(text)));
+  focus = key;
+  return false;
+}
+
+bool SiteProfileEditor::passesChecks() {
+  if (isBlank(shown.name)) return refuse("name", "Please enter a name for this profile");
+  // Not asked of a profile that was opened: it may be written under a new name, and the section of the old
+  // one stays.
+  if (!editMode_ && ProfileExists(shown.name, file_))
+    return refuse("name", "Profile name already exists, please enter a different name");
+  for (const RequiredText& required : kRequired) {
+    if (isBlank(shown.*required.field)) return refuse(required.key, required.message);
+  }
+  if (shown.Folders.empty()) return refuse("Folders", "Please select the folders to backup");
+  UnstorableField unstorable = FindUnstorable(shown);
+  return unstorable.why.empty() || refuse(unstorable.key, std::move(unstorable.why));
+}
+
+bool SiteProfileEditor::SaveSiteProfile() {
+  focus = "";
+  if (!passesChecks()) return false;
+  CorrectNumbers(shown);
+  SiteProfile saved = shown;
+  saved.name = TrimmedName(shown.name);  // blanks around it are no part of a section's name
+  if (!quillmoor::SaveSiteProfile(saved, file_, now_())) {
+    return refuse("", "The profile could not be written to " + file_ +
+                          ". What you entered stays in the form and is not saved.");
+  }
+  saved.passwordUnreadable = false;
+  shown = std::move(saved);
+  currentName_ = shown.name;
+  editMode_ = true;  // saving once more is no new profile
+  return true;
+}
+
+void SiteProfileEditor::DeleteSiteProfile() {
+  focus = "";
+  if (currentName_.empty()) return;
+  const Message question = {"Warning", "Are you sure you want to delete this site profile: " + currentName_,
+                            Message::Buttons::yesNo, Message::Icon::warning, 2};
+  if (prompts_.ShowMessage(question) != UserPrompts::Answer::yes) return;
+  if (!quillmoor::DeleteSiteProfile(currentName_, file_)) {
+    refuse("", "The profile " + currentName_ + " could not be deleted: " + file_ + " cannot be written.");
+    return;
+  }
+  Add();
+  LoadSitesInfo();
+}
+
+void SiteProfileEditor::LoadSitesInfo() {
+  profileItems.clear();
+  int id = kFirstProfileItem;
+  for (std::string& name : quillmoor::LoadSitesInfo(file_)) profileItems.push_back({id++, std::move(name)});
+}
+
+void SiteProfileEditor::Exit() {
+  const Message question = {"Quillmoor", "Are you sure you want to exit the application?.",
+                            Message::Buttons::yesNoCancel, Message::Icon::warning, 3};
+  if (prompts_.ShowMessage(question) == UserPrompts::Answer::yes && onExit) onExit();
+}
+
+void SiteProfileEditor::AddFolder() {
+  txtAddFolder = TrimmedName(txtAddFolder);
+  if (!txtAddFolder.empty()) AddFolders({txtAddFolder});
+}
+
+void SiteProfileEditor::AddFolders(const std::vector<std::string>& folders) {
+  for (const std::string& folder : folders) {
+    const bool known = std::find(shown.Folders.begin(), shown.Folders.end(), folder) != shown.Folders.end();
+    if (!known) shown.Folders.push_back(folder);
+  }
+}
+
+void SiteProfileEditor::RemoveFolders(const std::vector<std::size_t>& rows) {
+  std::vector<std::string> left;
+  for (std::size_t i = 0; i < shown.Folders.size(); ++i) {
+    if (std::find(rows.begin(), rows.end(), i) == rows.end()) left.push_back(std::move(shown.Folders[i]));
+  }
+  shown.Folders = std::move(left);
+}
+
+void SiteProfileEditor::ClearFolders() {
+  shown.Folders.clear();
+}
+
+void SiteProfileEditor::BrowseSaveTo() {
+  if (const auto folder = prompts_.ChooseFolder(kFolderChooserTitle)) shown.SaveTo = *folder;
+}
+
+void SiteProfileEditor::BrowseRunProgram() {
+  if (const auto program = prompts_.ChooseFile(kFileChooserTitle, kFileChooserFilter))
+    shown.RunProgram = *program;
+}
+
+std::optional<BrowsedSite> SiteProfileEditor::Connect() {
+  focus = "";
+  if (isBlank(shown.Host)) {
+    refuse("Host", "Please enter the FTP host address or IP");
+    return std::nullopt;
+  }
+  return BrowsedSite{shown.Host,         shown.UserID,    shown.Password,   shown.Port,
+                     shown.Timeout,      shown.Account,   shown.DefaultDir, shown.PASV == 1,
+                     shown.ProxyType,    shown.ProxyHost, shown.ProxyPort,  shown.ProxyUsername,
+                     shown.ProxyPassword};
+}
+
+ProxyBoxes SiteProfileEditor::proxyBoxesEnabled() const {
+  return kProxyBoxes.at(static_cast<std::size_t>(shown.ProxyType));
+}
+
+std::string SiteProfileEditor::passwordNote() const {
+  return shown.passwordUnreadable && shown.Password.empty()
+             ? "The stored password cannot be read. Please enter it again."
+             : "";
+}
+
+}  // namespace quillmoor

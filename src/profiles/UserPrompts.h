@@ -1,0 +1,46 @@
+// What an editor asks the user: message boxes and choosers, without the windows that show them.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace quillmoor {
+
+struct Message {
+  enum class Buttons { ok, yesNo, yesNoCancel };
+  enum class Icon { critical, warning };
+
+  std::string title;
+  std::string text;
+  Buttons buttons = Buttons::ok;
+  Icon icon = Icon::critical;
+  int defaultButton = 1;  // counted from 1 in the order of the name of `buttons`
+};
+
+/// An error of the user's, or one that only he can mend.
+inline Message ErrorMessage(std::string text) {
+  return {"Error", std::move(text), Message::Buttons::ok, Message::Icon::critical, 1};
+}
+
+inline constexpr std::string_view kFileChooserTitle = "Open";
+inline constexpr std::string_view kFileChooserFilter = "All Files (*.*)|*.*";
+inline constexpr std::string_view kFolderChooserTitle = "Select folder";
+
+class UserPrompts {
+ public:
+  enum class Answer { ok, yes, no, cancel };
+
+  virtual ~UserPrompts() = default;
+
+  /// Shows a message box and returns when it is closed; one that is closed by no button gives `cancel`, or
+  /// `no` where there is no such button.
+  virtual Answer ShowMessage(const Message& message) = 0;
+  /// An existing file; nothing when the user thinks better of it. `filter` is pairs of a name and a pattern,
+  /// all joined with "|".
+  virtual std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter) = 0;
+  virtual std::optional<std::string> ChooseFolder(std::string_view title) = 0;
+};
+
+}  // namespace quillmoor

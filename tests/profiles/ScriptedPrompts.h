@@ -1,0 +1,52 @@
+// A user whose answers a test writes down beforehand, and what he has been shown.
+#pragma once
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "profiles/UserPrompts.h"
+
+namespace quillmoor {
+
+inline bool operator==(const Message& a, const Message& b) {
+  return a.title == b.title && a.text == b.text && a.buttons == b.buttons && a.icon == b.icon &&
+         a.defaultButton == b.defaultButton;
+}
+
+inline void PrintTo(const Message& message, std::ostream* out) {
+  *out << message.title << ": " << message.text << " (buttons " << static_cast<int>(message.buttons)
+       << ", icon " << static_cast<int>(message.icon) << ", default " << message.defaultButton << ")";
+}
+
+namespace testing {
+
+class ScriptedPrompts final : public UserPrompts {
+ public:
+  Answer answer = Answer::ok;
+  std::optional<std::string> choice;
+  std::vector<Message> messages;
+  std::vector<std::string> choosers;  // "file TITLE: FILTER", "folder TITLE"
+
+  Answer ShowMessage(const Message& message) override {
+    messages.push_back(message);
+    return answer;
+  }
+  std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter) override {
+    choosers.push_back("file " + std::string(title) + ": " + std::string(filter));
+    return choice;
+  }
+  std::optional<std::string> ChooseFolder(std::string_view title) override {
+    choosers.push_back("folder " + std::string(title));
+    return choice;
+  }
+
+  /// What has been shown since the last call.
+  std::vector<Message> takeMessages() { return std::exchange(messages, {}); }
+};
+
+}  // namespace testing
+}  // namespace quillmoor
