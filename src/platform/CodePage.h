@@ -13,6 +13,11 @@ std::string ToAnsi(std::string_view utf8);
 /// ANSI to UTF-8. Every byte has a character, so nothing is lost.
 std::string FromAnsi(std::string_view ansi);
 
+/// Whether the text comes back from the code page as it was.
+inline bool FitsAnsi(std::string_view utf8) {
+  return FromAnsi(ToAnsi(utf8)) == utf8;
+}
+
 /// The capital letter of the code page for a small one; any other character as it is.
 char AnsiUpper(char c);
 

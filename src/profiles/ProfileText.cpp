@@ -24,12 +24,11 @@ std::string WhyNotStorable(const std::string& what, const std::string& text) {
   const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
   if (std::any_of(text.begin(), text.end(), isControl))
     return what + " cannot hold a line break or another control character.";
-  const std::string ansi = ToAnsi(text);
-  if (FromAnsi(ansi) != text) {
+  if (!FitsAnsi(text)) {
     return what + " holds a character that the profile file cannot keep" +
            (IsSecret(what) ? "." : ": " + text);
   }
-  if (ansi.size() > kLongestValue) {
+  if (ToAnsi(text).size() > kLongestValue) {
     return what + " is too long for the profile file, which keeps " + std::to_string(kLongestValue) +
            " characters.";
   }

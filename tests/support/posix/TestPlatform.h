@@ -43,6 +43,12 @@ class OwnRegistry {
  public:
   OwnRegistry() { setEnvironment("XDG_CONFIG_HOME", folder.path().string()); }
 
+  /// From now on nothing can be stored: a file lies where the folder was.
+  void refuseWrites() {
+    std::filesystem::remove_all(folder.path());
+    writeFile(folder.path(), "");
+  }
+
   TemporaryFolder folder;
   std::filesystem::path store = folder / "quillmoor" / "registry.reg";
 };

@@ -34,6 +34,9 @@ class OwnRegistry {
     ::RegCloseKey(key_);
     ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
   }
+  /// From now on nothing can be stored: the key is gone, though still in the machine's place.
+  void refuseWrites() { ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str()); }
+
   OwnRegistry(const OwnRegistry&) = delete;
   OwnRegistry& operator=(const OwnRegistry&) = delete;
 

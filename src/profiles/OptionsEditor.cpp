@@ -1,0 +1,145 @@
+#include "profiles/OptionsEditor.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "platform/CodePage.h"
+#include "profiles/JoinedList.h"
+#include "profiles/LenientNumber.h"
+#include "profiles/NameOrder.h"
+#include "profiles/mBase64.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+namespace {
+
+// In KB. The bytes of a larger segment are no 32-bit number, and the archive stage makes no archive then.
+constexpr std::int32_t kLargestSpan = std::numeric_limits<std::int32_t>::max() / 1024;
+
+std::string noteOnSpan(std::int32_t span) {
+  return span <= kLargestSpan
+             ? ""
+             : "More than " + std::to_string(kLargestSpan) + " KB is too much: no archive is made.";
+}
+
+}  // namespace
+
+OptionsEditor::OptionsEditor(ApplicationSettings& settings, UserPrompts& prompts)
+    : optFull(settings.BackupMode == 1),
+      chkUniqueBackup(settings.UniqueBackup == 1),
+      chkUniqueBackupEnabled(optFull),
+      chkCreateZip(settings.CreateZip == 1),
+      archiveOptionsEnabled(chkCreateZip),
+      chkSplitZip(settings.SplitZip == 1),
+      txtZipSpanSize(std::to_string(settings.ZipSpanSize)),
+      chkZipSelfExtract(settings.ZipSelfExtract == 1),
+      lstZipCopies(SplitList(settings.ZipCopies)),
+      spanSizeNote(noteOnSpan(settings.ZipSpanSize)),
+      settings_(settings),
+      prompts_(prompts),
+      writer_(prompts) {
+  try {
+    txtZipPassword = mRC4::Decipher(settings.ZipPassword);
+  } catch (const mBase64::DecodeError&) {
+    passwordNote = "The stored password cannot be read. Please enter it again.";
+  }
+  SortNames(lstZipCopies);
+  for (std::size_t box = 0; box < kRunTexts.size(); ++box) txtRun[box] = settings.*kRunTexts[box].value;
+}
+
+void OptionsEditor::ChooseFull() {
+  chooseMode(true);
+}
+
+void OptionsEditor::ChooseIncremental() {
+  chooseMode(false);
+}
+
+void OptionsEditor::chooseMode(bool full) {
+  optFull = full;
+  chkUniqueBackupEnabled = full;
+  writer_.Write("BackupMode", full ? "1" : "2");
+}
+
+void OptionsEditor::SetUniqueBackup(bool checked) {
+  chkUniqueBackup = checked;
+  writer_.WriteFlag("UniqueBackup", checked);
+}
+
+void OptionsEditor::storeFlag(const char* key, std::int32_t ApplicationSettings::*value, bool checked) {
+  settings_.*value = checked ? 1 : 0;
+  writer_.WriteFlag(key, checked);
+}
+
+void OptionsEditor::SetCreateZip(bool checked) {
+  chkCreateZip = checked;
+  archiveOptionsEnabled = checked;
+  storeFlag("CreateZip", &ApplicationSettings::CreateZip, checked);
+}
+
+void OptionsEditor::SetSplitZip(bool checked) {
+  chkSplitZip = checked;
+  storeFlag("SplitZip", &ApplicationSettings::SplitZip, checked);
+}
+
+void OptionsEditor::SetZipSpanSize(const std::string& text) {
+  txtZipSpanSize = text;
+  const double largest = std::numeric_limits<std::int32_t>::max();
+  settings_.ZipSpanSize = ToLong(std::clamp(Val(text), 1.0, largest));
+  spanSizeNote = noteOnSpan(settings_.ZipSpanSize);
+  writer_.Write("ZipSpanSize", std::to_string(settings_.ZipSpanSize));
+}
+
+void OptionsEditor::SetZipSelfExtract(bool checked) {
+  chkZipSelfExtract = checked;
+  storeFlag("ZipSelfExtract", &ApplicationSettings::ZipSelfExtract, checked);
+}
+
+void OptionsEditor::SetZipPassword(const std::string& text) {
+  txtZipPassword = text;
+  // Enciphered it would become another password, and nobody could open the archive with this one.
+  if (!FitsAnsi(text)) {
+    passwordNote = "This password holds a character that cannot be kept. The one before still holds.";
+    return;
+  }
+  passwordNote = "";
+  settings_.ZipPassword = mRC4::Encipher(text);
+  writer_.Write("ZipPassword", settings_.ZipPassword);
+}
+
+void OptionsEditor::SetRunText(std::size_t box, const std::string& text) {
+  txtRun.at(box) = text;
+  settings_.*kRunTexts.at(box).value = text;
+  writer_.Write(std::string(kRunTexts.at(box).key), text);
+}
+
+void OptionsEditor::BrowseRunText(std::size_t box) {
+  if (const auto program = prompts_.ChooseFile(kFileChooserTitle, kFileChooserFilter))
+    SetRunText(box, *program);
+}
+
+void OptionsEditor::AddCopy() {
+  const auto folder = prompts_.ChooseFolder(kFolderChooserTitle);
+  if (!folder) return;
+  if (folder->find(kListSeparator) != std::string::npos) {
+    prompts_.ShowMessage(
+        ErrorMessage("\"" + *folder + "\" cannot be kept: \"|\" is what separates the folders of the list."));
+    return;
+  }
+  if (std::find(lstZipCopies.begin(), lstZipCopies.end(), *folder) == lstZipCopies.end())
+    lstZipCopies.push_back(*folder);
+  storeCopies();
+}
+
+void OptionsEditor::RemoveCopy(std::optional<std::size_t> selected) {
+  if (selected && *selected < lstZipCopies.size())
+    lstZipCopies.erase(lstZipCopies.begin() + static_cast<std::ptrdiff_t>(*selected));
+  storeCopies();
+}
+
+void OptionsEditor::storeCopies() {
+  settings_.ZipCopies = JoinList(lstZipCopies);
+  writer_.Write("ZipCopies", settings_.ZipCopies);
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,83 @@
+// What the backup options form shows and does, without the form.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "profiles/ApplicationSettings.h"
+#include "profiles/SettingWriter.h"
+#include "profiles/UserPrompts.h"
+
+namespace quillmoor {
+
+/// What is started or called around a run: key and running value of the four boxes.
+struct RunText {
+  std::string_view key;
+  std::string ApplicationSettings::*value;
+};
+inline constexpr std::array<RunText, 4> kRunTexts = {{{"RunBefore", &ApplicationSettings::RunBefore},
+                                                      {"RunAfter", &ApplicationSettings::RunAfter},
+                                                      {"ConnectBefore", &ApplicationSettings::ConnectBefore},
+                                                      {"ConnectAfter", &ApplicationSettings::ConnectAfter}}};
+
+/// The form fills its controls from the public fields when it is loaded, calls a member with the new value
+/// for each control that changes, and then shows what the fields say. Every value is stored at once. A value
+/// that cannot be stored is told of once and holds until the program ends.
+class OptionsEditor {
+ public:
+  /// Both must outlive this. `settings` is what runs go by.
+  OptionsEditor(ApplicationSettings& settings, UserPrompts& prompts);
+
+  bool optFull = true;  // else the incremental option is the selected one
+  bool chkUniqueBackup = false;
+  bool chkUniqueBackupEnabled = true;
+  bool chkCreateZip = true;
+  /// The boxes for splitting, span size, self-extraction and password, with their labels.
+  bool archiveOptionsEnabled = true;
+  bool chkSplitZip = false;
+  std::string txtZipSpanSize;
+  bool chkZipSelfExtract = false;
+  std::string txtZipPassword;
+  std::vector<std::string> lstZipCopies;
+  std::array<std::string, kRunTexts.size()> txtRun;  // as in kRunTexts
+
+  /// Lines beside the span size and the password, "" when there is nothing to say.
+  std::string spanSizeNote;
+  std::string passwordNote;
+
+  // Mode and unique backup are stored only: runs go by what was read at start-up, on purpose.
+  void ChooseFull();
+  void ChooseIncremental();
+  void SetUniqueBackup(bool checked);
+
+  void SetCreateZip(bool checked);
+  void SetSplitZip(bool checked);
+  /// In KB. The text stays as it was typed, whatever becomes of it.
+  void SetZipSpanSize(const std::string& text);
+  void SetZipSelfExtract(bool checked);
+  /// A password that the cipher cannot hold is not stored, and the note says so.
+  void SetZipPassword(const std::string& text);
+
+  /// `box` is a position in kRunTexts.
+  void SetRunText(std::size_t box, const std::string& text);
+  /// The browse buttons of the boxes RunBefore and RunAfter.
+  void BrowseRunText(std::size_t box);
+
+  void AddCopy();
+  void RemoveCopy(std::optional<std::size_t> selected);
+
+ private:
+  void chooseMode(bool full);
+  void storeFlag(const char* key, std::int32_t ApplicationSettings::*value, bool checked);
+  void storeCopies();
+
+  ApplicationSettings& settings_;
+  UserPrompts& prompts_;
+  SettingWriter writer_;
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,210 @@
+// The rules of the backup options form.
+#include "profiles/OptionsEditor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "TestPlatform.h"
+#include "profiles/ScriptedPrompts.h"
+#include "profiles/SettingsStore.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class OptionsEditorTest : public ::testing::Test {
+ protected:
+  testing::OwnRegistry registry;
+  testing::ScriptedPrompts prompts;
+  ApplicationSettings settings;
+  OptionsEditor editor{settings, prompts};
+};
+
+/// The value that runs go by, as text.
+using Running = std::string (*)(const ApplicationSettings&);
+
+TEST_F(OptionsEditorTest, StoresEveryChangeAndLetsRunsGoByMostOfThem) {
+  const struct {
+    const char* control;
+    void (*change)(OptionsEditor&);
+    const char* key;
+    std::string stored;
+    Running running;
+    std::string runsGoBy;
+  } rows[] = {
+      {"incremental", [](auto& e) { e.ChooseIncremental(); }, "BackupMode", "2",
+       [](auto& s) { return std::to_string(s.BackupMode); }, "1"},
+      {"full", [](auto& e) { e.ChooseFull(); }, "BackupMode", "1",
+       [](auto& s) { return std::to_string(s.BackupMode); }, "1"},
+      {"unique on", [](auto& e) { e.SetUniqueBackup(true); }, "UniqueBackup", "1",
+       [](auto& s) { return std::to_string(s.UniqueBackup); }, "0"},
+      {"archive off", [](auto& e) { e.SetCreateZip(false); }, "CreateZip", "0",
+       [](auto& s) { return std::to_string(s.CreateZip); }, "0"},
+      {"archive on", [](auto& e) { e.SetCreateZip(true); }, "CreateZip", "1",
+       [](auto& s) { return std::to_string(s.CreateZip); }, "1"},
+      {"split on", [](auto& e) { e.SetSplitZip(true); }, "SplitZip", "1",
+       [](auto& s) { return std::to_string(s.SplitZip); }, "1"},
+      {"split off", [](auto& e) { e.SetSplitZip(false); }, "SplitZip", "0",
+       [](auto& s) { return std::to_string(s.SplitZip); }, "0"},
+      {"self-extracting", [](auto& e) { e.SetZipSelfExtract(true); }, "ZipSelfExtract", "1",
+       [](auto& s) { return std::to_string(s.ZipSelfExtract); }, "1"},
+      {"password", [](auto& e) { e.SetZipPassword("geheim ü"); }, "ZipPassword", mRC4::Encipher("geheim ü"),
+       [](auto& s) { return s.ZipPassword; }, mRC4::Encipher("geheim ü")},
+      {"no password", [](auto& e) { e.SetZipPassword(""); }, "ZipPassword", "",
+       [](auto& s) { return s.ZipPassword; }, ""},
+      {"run before", [](auto& e) { e.SetRunText(0, "/bin/a b"); }, "RunBefore", "/bin/a b",
+       [](auto& s) { return s.RunBefore; }, "/bin/a b"},
+      {"run after", [](auto& e) { e.SetRunText(1, "日本"); }, "RunAfter", "日本",
+       [](auto& s) { return s.RunAfter; }, "日本"},
+      {"connect before", [](auto& e) { e.SetRunText(2, "http://a/"); }, "ConnectBefore", "http://a/",
+       [](auto& s) { return s.ConnectBefore; }, "http://a/"},
+      {"connect after", [](auto& e) { e.SetRunText(3, "http://b/"); }, "ConnectAfter", "http://b/",
+       [](auto& s) { return s.ConnectAfter; }, "http://b/"},
+  };
+  for (const auto& row : rows) {
+    row.change(editor);
+    EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control;
+    EXPECT_EQ(row.running(settings), row.runsGoBy) << row.control;
+  }
+  EXPECT_THAT(prompts.messages, IsEmpty());
+}
+
+TEST_F(OptionsEditorTest, EnablesWhatTheModeAndTheArchiveAllow) {
+  editor.SetUniqueBackup(true);
+  editor.ChooseIncremental();
+  EXPECT_FALSE(editor.optFull);
+  EXPECT_FALSE(editor.chkUniqueBackupEnabled);
+  EXPECT_EQ(ReadSetting("UniqueBackup", ""), "1") << "disabled, not changed";
+  editor.ChooseFull();
+  EXPECT_TRUE(editor.optFull);
+  EXPECT_TRUE(editor.chkUniqueBackupEnabled);
+  editor.SetSplitZip(true);
+  editor.SetCreateZip(false);
+  EXPECT_FALSE(editor.archiveOptionsEnabled);
+  EXPECT_TRUE(editor.chkSplitZip);
+  EXPECT_EQ(ReadSetting("SplitZip", ""), "1") << "disabled, not changed";
+  editor.SetCreateZip(true);
+  EXPECT_TRUE(editor.archiveOptionsEnabled);
+}
+
+TEST_F(OptionsEditorTest, TakesTheNumberOfTheSpanSize) {
+  const struct {
+    const char* typed;
+    std::int32_t stored;
+    bool noted;
+  } rows[] = {{"0", 1, false},
+              {"abc", 1, false},
+              {"", 1, false},
+              {"-5", 1, false},
+              {"700 KB", 700, false},
+              {"2097151", 2097151, false},
+              {"2097152", 2097152, true},
+              {"99999999999", 2147483647, true},
+              {"1024", 1024, false}};
+  for (const auto& row : rows) {
+    editor.SetZipSpanSize(row.typed);
+    EXPECT_EQ(editor.txtZipSpanSize, row.typed) << "left as typed";
+    EXPECT_EQ(ReadSetting("ZipSpanSize", ""), std::to_string(row.stored)) << row.typed;
+    EXPECT_EQ(settings.ZipSpanSize, row.stored) << row.typed;
+    EXPECT_EQ(!editor.spanSizeNote.empty(), row.noted) << row.typed;
+  }
+}
+
+TEST_F(OptionsEditorTest, IsFilledFromTheValuesThatRunsGoBy) {
+  WriteSetting("BackupMode", "1");  // of a change that waits for the next start
+  for (const std::int32_t on : {1, 0, -1}) {
+    settings.BackupMode = on == 1 ? 1 : 3;
+    settings.UniqueBackup = settings.CreateZip = settings.SplitZip = settings.ZipSelfExtract = on;
+    settings.ZipSpanSize = 700;
+    settings.ZipPassword = mRC4::Encipher("secret");
+    settings.ZipCopies = "/b|/A||/a|/B";
+    settings.RunBefore = "rb";
+    settings.RunAfter = "ra";
+    settings.ConnectBefore = "cb";
+    settings.ConnectAfter = "ca";
+    const OptionsEditor opened(settings, prompts);
+    EXPECT_EQ(opened.optFull, on == 1);
+    EXPECT_EQ(opened.chkUniqueBackupEnabled, on == 1);
+    EXPECT_EQ(opened.archiveOptionsEnabled, on == 1);
+    for (const bool box :
+         {opened.chkUniqueBackup, opened.chkCreateZip, opened.chkSplitZip, opened.chkZipSelfExtract}) {
+      EXPECT_EQ(box, on == 1);
+    }
+    EXPECT_EQ(opened.txtZipSpanSize + opened.txtZipPassword, "700secret");
+    EXPECT_THAT(opened.lstZipCopies, ElementsAre("", "/A", "/a", "/b", "/B"));
+    EXPECT_THAT(opened.txtRun, ElementsAre("rb", "ra", "cb", "ca"));
+  }
+}
+
+TEST_F(OptionsEditorTest, KeepsTheFoldersForCopies) {
+  settings.ZipCopies = "/b|/a";
+  OptionsEditor opened(settings, prompts);
+  const auto inForce = [&] {
+    EXPECT_EQ(ReadSetting("ZipCopies", "nothing"), settings.ZipCopies);
+    return settings.ZipCopies;
+  };
+  opened.AddCopy();  // no folder is chosen
+  EXPECT_EQ(settings.ZipCopies, "/b|/a");
+  prompts.choice = "/B";
+  opened.AddCopy();
+  EXPECT_EQ(inForce(), "/a|/b|/B");
+  opened.AddCopy();
+  EXPECT_EQ(inForce(), "/a|/b|/B") << "it is there already";
+  prompts.choice = "/x|y";
+  opened.AddCopy();
+  EXPECT_EQ(inForce(), "/a|/b|/B") << "it would be two";
+  EXPECT_EQ(prompts.takeMessages().size(), 1U);
+  EXPECT_THAT(prompts.choosers, ::testing::Each("folder Select folder"));
+  opened.RemoveCopy(std::nullopt);
+  opened.RemoveCopy(1);
+  EXPECT_EQ(inForce(), "/a|/B");
+  opened.RemoveCopy(0);
+  opened.RemoveCopy(0);
+  EXPECT_EQ(inForce(), "");
+  EXPECT_EQ(ReadSetting("ZipCopies", "nothing"), "");
+}
+
+TEST_F(OptionsEditorTest, TakesTheChosenProgram) {
+  editor.BrowseRunText(1);
+  EXPECT_EQ(ReadSetting("RunAfter", "nothing"), "nothing");
+  prompts.choice = "/bin/true";
+  editor.BrowseRunText(1);
+  EXPECT_EQ(editor.txtRun[1] + settings.RunAfter + ReadSetting("RunAfter", ""),
+            "/bin/true/bin/true/bin/true");
+  EXPECT_THAT(prompts.choosers, ::testing::Each("file Open: All Files (*.*)|*.*"));
+}
+
+TEST_F(OptionsEditorTest, StoresNoPasswordThatNobodyCouldType) {
+  settings.ZipPassword = "?";
+  OptionsEditor opened(settings, prompts);
+  EXPECT_EQ(opened.txtZipPassword, "");
+  EXPECT_THAT(opened.passwordNote, HasSubstr("cannot be read"));
+  EXPECT_EQ(settings.ZipPassword, "?");
+  opened.SetZipPassword("пароль");
+  EXPECT_EQ(opened.txtZipPassword, "пароль");
+  EXPECT_THAT(opened.passwordNote, HasSubstr("cannot be kept"));
+  EXPECT_EQ(settings.ZipPassword + ReadSetting("ZipPassword", "nothing"), "?nothing");
+  opened.SetZipPassword("typed");
+  EXPECT_EQ(opened.passwordNote, "");
+  EXPECT_EQ(mRC4::Decipher(settings.ZipPassword), "typed");
+}
+
+TEST_F(OptionsEditorTest, TellsOnceOfWhatCannotBeStored) {
+  registry.refuseWrites();
+  for (const char* typed : {"h", "ht", "htt"}) editor.SetRunText(2, typed);
+  ASSERT_EQ(prompts.messages.size(), 1U);
+  EXPECT_EQ(prompts.messages[0], ErrorMessage(prompts.messages[0].text));
+  EXPECT_THAT(prompts.messages[0].text,
+              HasSubstr("HKEY_LOCAL_MACHINE\\Software\\Tarnick\\Quillmoor\\Settings\\ConnectBefore\n"));
+  EXPECT_EQ(editor.txtRun[2] + " " + settings.ConnectBefore, "htt htt") << "what was typed stays and holds";
+  editor.ChooseIncremental();
+  EXPECT_EQ(prompts.messages.size(), 2U) << "another setting";
+  EXPECT_FALSE(editor.optFull);
+}
+
+}  // namespace
+}  // namespace quillmoor
