@@ -37,8 +37,8 @@ DialUpPanel::EntryList DialUpPanel::LoadEntries() {
 
 void DialUpPanel::ChooseEntry(const std::string& text) {
   if (text.empty()) return;
-  WriteSetting(kEntryKey, text);
   settings_.AutoDialUpConnection = text;
+  WriteSetting(kEntryKey, text);
 }
 
 void DialUpPanel::Dial() {

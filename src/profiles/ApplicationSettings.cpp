@@ -45,13 +45,9 @@ ApplicationSettings LoadApplicationSettings() {
   s.RemotePort = number("RemotePort");
   s.ScheduleHour = number("SchedualHour");
   s.ScheduleMinute = number("SchedualMinute");
-  s.ScheduleDays[1] = number("SchedualSunday");
-  s.ScheduleDays[2] = number("SchedualMonday");
-  s.ScheduleDays[3] = number("SchedualTusday");
-  s.ScheduleDays[4] = number("SchedualWednesday");
-  s.ScheduleDays[5] = number("SchedualThrusday");
-  s.ScheduleDays[6] = number("SchedualFriday");
-  s.ScheduleDays[7] = number("SchedualSaturday");
+  for (std::size_t day = 1; day < s.ScheduleDays.size(); ++day) {
+    s.ScheduleDays[day] = number(kScheduleDayKeys[day]);
+  }
   s.ProcessPriority = number("ProcessPriority");
   s.AutoDial = number("AutoDial");
   s.AutoHangUp = number("AutoHangUp");

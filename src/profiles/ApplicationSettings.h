@@ -7,6 +7,16 @@
 
 namespace quillmoor {
 
+/// Keys of ScheduleDays; the odd spellings are those of the stored settings.
+inline constexpr std::array<const char*, 8> kScheduleDayKeys = {"",
+                                                                "SchedualSunday",
+                                                                "SchedualMonday",
+                                                                "SchedualTusday",
+                                                                "SchedualWednesday",
+                                                                "SchedualThrusday",
+                                                                "SchedualFriday",
+                                                                "SchedualSaturday"};
+
 /// The process-wide values, named after their keys; the defaults are those of a machine that has stored
 /// nothing. Passwords stay enciphered here.
 struct ApplicationSettings {
