@@ -8,11 +8,15 @@
 #include <functional>
 #include <utility>
 
+#include "controls/EventPump.h"
+#include "engine/ErrorGuard.h"
+
 namespace quillmoor {
 
 class SeenTimer : public wxTimer {
  public:
-  /// Begins to tick every `interval` milliseconds. `form` must outlive this.
+  /// Begins to tick every `interval` milliseconds. `form` must outlive this. A tick that raises has failed,
+  /// and the next one tries again.
   void begin(wxWindow* form, int interval, std::function<void()> tick) {
     form_ = form;
     interval_ = interval;
@@ -35,9 +39,18 @@ class SeenTimer : public wxTimer {
   void Notify() override {
     if (form_->IsShownOnScreen()) {
       wake();
-      tick_();
+      tickGuarded();
     } else if (GetInterval() < kRest) {
       Start(kRest);
+    }
+  }
+
+  /// Some toolkits call from C, which no exception may pass.
+  void tickGuarded() {
+    try {
+      Guarded(tick_);
+    } catch (const ProgramEnding&) {
+      // Whoever asked for the end sees to it.
     }
   }
 

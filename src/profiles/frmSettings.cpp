@@ -22,7 +22,7 @@ void setText(wxStaticText* label, const std::string& text) {
 frmSettings::frmSettings(wxWindow* parent, Sources sources)
     : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "frmSettings"),
       sources_(std::move(sources)),
-      Ras1_(MakeDialUp(sources_.pump)),
+      Ras1_(MakeDialUp(Pump())),  // no events in the middle of a tick: they may end the program
       dialUp_(*Ras1_, sources_.settings) {
   layOut();
   cmdResetLayout->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {

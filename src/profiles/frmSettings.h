@@ -16,7 +16,6 @@
 #include "connectivity/mNetworkConnection.h"
 #include "controls/SeenTimer.h"
 #include "platform/LocalTime.h"
-#include "platform/Pump.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {
@@ -27,7 +26,6 @@ class frmSettings : public wxPanel {
   struct Sources {
     ApplicationSettings& settings;
     const NetworkSource& network;
-    Pump pump;
     std::function<LocalDateTime()> now;
     std::array<std::int32_t, 8> ScheduleDays;  // in force since the start
   };

@@ -3,6 +3,7 @@
 #include <wx/msgdlg.h>
 #include <wx/sizer.h>
 
+#include <exception>
 #include <utility>
 
 #include "controls/BoundedFile.h"
@@ -41,7 +42,6 @@ frmSite::frmSite(wxWindow* parent, std::string profilesFile)
   all->Add(cmdExit, wxSizerFlags().Right().Border(wxALL, gap));
   SetSizer(all);
   cmdExit->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { exitItem(); });
-  LoadSitesInfo();
   lookForChange();
   tmrProfiles_.begin(this, kLookEvery, [this] { lookForChange(); });
 }
@@ -56,6 +56,15 @@ void frmSite::lookForChange() {
 }
 
 void frmSite::LoadSitesInfo() {
+  try {
+    showProfiles();
+  } catch (const std::exception& error) {
+    lvwProfiles->populate();
+    lblProfiles->SetLabelText(wxString::FromUTF8(profilesFile_ + " cannot be read: " + error.what()));
+  }
+}
+
+void frmSite::showProfiles() {
   lvwProfiles->clear();
   const std::vector<std::string> names = quillmoor::LoadSitesInfo(profilesFile_);
   for (const std::string& name : names) {

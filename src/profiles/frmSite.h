@@ -6,6 +6,7 @@
 #include <wx/stattext.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "controls/ReportControl.h"
@@ -17,7 +18,8 @@ class frmSite : public wxPanel {
  public:
   frmSite(wxWindow* parent, std::string profilesFile);
 
-  /// Reads the profile file and shows what is in it. Happens by itself when the file changes.
+  /// Reads the profile file and shows what is in it, or why it cannot be read. Happens by itself when the
+  /// file changes.
   void LoadSitesInfo();
 
   /// The window is shown again.
@@ -34,10 +36,11 @@ class frmSite : public wxPanel {
  private:
   void exitItem();
   void lookForChange();
+  void showProfiles();
 
   const std::string profilesFile_;
   SeenTimer tmrProfiles_;
-  std::string contents_;  // of the file, as it was read last
+  std::optional<std::string> contents_;  // of the file, as it was read last
 };
 
 }  // namespace quillmoor

@@ -125,8 +125,7 @@ void frmMain::createPanes() {
 
   site = new frmSite(panes, services_->profilesFile);
   process = new frmProcess(panes, *services_, pump_);
-  settingsForm = new frmSettings(
-      panes, {settings, services_->network, services_->pump, now, scheduler_->ScheduleDays()});
+  settingsForm = new frmSettings(panes, {settings, services_->network, now, scheduler_->ScheduleDays()});
   options = new frmOptions(panes, settings);
   panes->addPane(kProfilesPane, site);
   panes->addPane(kBackupPane, process);

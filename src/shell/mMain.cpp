@@ -5,6 +5,8 @@
 
 #include <exception>
 
+#include "controls/EventPump.h"
+#include "engine/BusyFlag.h"
 #include "shell/frmMain.h"
 
 namespace quillmoor {
@@ -34,14 +36,37 @@ class QuillmoorApp : public wxApp {
     return true;
   }
 
+  /// A timer that fails will fail again at its next tick: it is told of where nobody has to answer.
+  void CallEventHandler(wxEvtHandler* handler, wxEventFunctor& functor, wxEvent& event) const override {
+    if (event.GetEventType() != wxEVT_TIMER) {
+      wxApp::CallEventHandler(handler, functor, event);
+      return;
+    }
+    try {
+      wxApp::CallEventHandler(handler, functor, event);
+    } catch (const std::exception& error) {
+      wxLogError("Error: %s", wxString::FromUTF8(error.what()));
+    }
+  }
+
   bool OnExceptionInMainLoop() override {
     try {
       throw;
     } catch (const std::exception& error) {
-      tellError(error);
-      return true;
+      const BusyFlag telling(telling_);
+      if (telling.taken()) {
+        tellError(error);
+      } else {
+        wxLogError("Error: %s", wxString::FromUTF8(error.what()));
+      }
+    } catch (const ProgramEnding&) {
+      // Whoever asked for the end sees to it.
     }
+    return true;
   }
+
+ private:
+  bool telling_ = false;  // one box at a time
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "GuiFixture.h"
 #include "controls/LogView.h"
+#include "controls/SeenTimer.h"
 #include "engine/RunLog.h"
 
 namespace quillmoor {
@@ -136,6 +137,18 @@ TEST(CTray, NeedsAHostToBeShownAndCutsItsTip) {
   EXPECT_FALSE(tray.Show());
   tray.SetTip(std::string(80, 'x'));
   EXPECT_EQ(tray.Tip(), std::string(63, 'x'));
+}
+
+TEST(SeenTimerTest, OutlivesTicksThatFail) {
+  int ticks = 0;
+  SeenTimer timer;
+  wxFrame window(nullptr, wxID_ANY, "Ticks");
+  timer.begin(&window, 5, [&] {
+    if (++ticks == 1) throw std::runtime_error("no label today");
+    if (ticks == 2) throw ProgramEnding{};
+  });
+  window.Show();
+  EXPECT_TRUE(waitUntil([&] { return ticks >= 4; }));
 }
 
 }  // namespace
