@@ -163,6 +163,7 @@ void frmProcess::cmdStop_Click() {
 void frmProcess::TimerStartBackup_Timer() {
   // A run that was stopped may still be unwinding below this very tick: the next one looks again.
   if (controller_->active()) return;
+  if (boxIsOpen && boxIsOpen()) return;
   TimerStartBackup.Stop();
   stopConfirmed_ = false;
   firstRow_ = wndReportControl->rowCount();

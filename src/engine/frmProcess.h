@@ -60,6 +60,10 @@ class frmProcess : public wxPanel, private RunDisplay {
   };
   std::function<void(const Outcome&)> onFinished;
 
+  /// While it says so no run starts: a run would keep the box from being answered until its end. May be
+  /// empty.
+  std::function<bool()> boxIsOpen;
+
   // Milliseconds.
   static constexpr int kTimerStartBackup = 100;
   static constexpr int kTmrFtpStatus = 100;

@@ -2,14 +2,12 @@
 
 #include <wx/app.h>
 #include <wx/display.h>
-#include <wx/menu.h>
 #include <wx/msgdlg.h>
 #include <wx/sizer.h>
 
 #include <cmath>
 #include <exception>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "connectivity/modProcessPriority.h"
@@ -58,6 +56,8 @@ std::vector<PixelRect> screens() {
 frmMain::frmMain() : network(IsNetworkAlive), profilesFile(ProfilesFilePath()) {}
 
 frmMain::~frmMain() {
+  wxTheApp->Unbind(wxEVT_QUERY_END_SESSION, &frmMain::onQueryEndSession, this);
+  wxTheApp->Unbind(wxEVT_END_SESSION, &frmMain::onEndSession, this);
   if (panes) panes->SetEvtHandlerEnabled(false);
 }
 
@@ -75,7 +75,8 @@ void frmMain::Load() {
   wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   settings = LoadApplicationSettings();
   // Its place is given before it exists: some window managers take a later move for their own business.
-  const PixelRect window = BroughtOntoScreen(StoredPlacement(settings, pixelsPerInch()), screens());
+  pixelsPerInch_ = FromDIP(kPlainPixelsPerInch * 100) / 100.0;
+  const PixelRect window = BroughtOntoScreen(StoredPlacement(settings, pixelsPerInch_), screens());
   Create(nullptr, wxID_ANY, kTitle, {window.left, window.top}, {window.width, window.height},
          wxDEFAULT_FRAME_STYLE, "frmMain");
   SetMinSize(FromDIP(wxSize(360, 300)));
@@ -91,11 +92,14 @@ void frmMain::Load() {
 
   Bind(wxEVT_CLOSE_WINDOW, &frmMain::onClose, this);
   Bind(wxEVT_MOVE, &frmMain::onMove, this);
+  wxTheApp->Bind(wxEVT_QUERY_END_SESSION, &frmMain::onQueryEndSession, this);
+  wxTheApp->Bind(wxEVT_END_SESSION, &frmMain::onEndSession, this);
   TimerMain.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
     scheduler_->tick();
     stayReachable();
   });
   tmrHide.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+    if (boxes_.any()) return;  // it would be left behind without its window
     tmrHide.Stop();
     hide();
   });
@@ -108,13 +112,18 @@ void frmMain::Load() {
   tmrHide.Start(kTmrHide);
 }
 
-double frmMain::pixelsPerInch() const {
-  return FromDIP(kPlainPixelsPerInch * 100) / 100.0;
-}
-
-void frmMain::notePlacement() {
+void frmMain::savePlacement() {
   const wxRect window = GetRect();
-  NotePlacement(settings, {window.x, window.y, window.width, window.height}, pixelsPerInch());
+  NotePlacement(settings, {window.x, window.y, window.width, window.height}, pixelsPerInch_);
+  Guarded([&] {
+    const auto write = [](const char* key, double twips) {
+      WriteSetting(key, std::to_string(std::lround(twips)));
+    };
+    write("MainLeft", settings.MainLeft);
+    write("MainTop", settings.MainTop);
+    write("MainWidth", settings.MainWidth);
+    write("MainHeight", settings.MainHeight);
+  });
 }
 
 void frmMain::createPanes() {
@@ -139,6 +148,7 @@ void frmMain::createPanes() {
 
   site->onExit = [this] { tmrEndProgram.Start(kTmrEndProgram); };
   settingsForm->onResetLayout = [this] { panes->resetLayout(); };
+  process->boxIsOpen = [this] { return boxes_.any(); };
   process->onProgress = [this](const auto& progress) { onProgress(progress); };
   process->onFinished = [this](const auto& outcome) { onFinished(outcome); };
 }
@@ -150,8 +160,8 @@ void frmMain::createTray() {
   tray_ = std::make_unique<CTray>();
   tray_->SetHost(picNotify_);
   tray_->SetTip(kTitle);
-  tray_->LButtonDblClk = [this] { boxes_.any() ? Raise() : restore(); };
-  tray_->RButtonUp = [this] { boxes_.any() ? Raise() : showTrayMenu(); };
+  tray_->LButtonDblClk = [this] { boxes_.any() ? leadToBox() : restore(); };
+  tray_->RButtonUp = [this] { boxes_.any() ? leadToBox() : tray_->popUp(*mnuTrayPopup()); };
   tray_->Show();
 }
 
@@ -165,19 +175,24 @@ void frmMain::setAutostart() {
   settingsForm->showAutostartProblem(problem);
 }
 
-void frmMain::showTrayMenu() {
-  wxMenu mnuTrayPopup;
-  const int mnuTrayShow = mnuTrayPopup.Append(wxID_ANY, "Show Window")->GetId();
-  mnuTrayPopup.AppendSeparator();
-  const int mnuTrayHide = mnuTrayPopup.Append(wxID_ANY, "Hide Window")->GetId();
-  mnuTrayPopup.AppendSeparator();
-  const int mnuTrayExit = mnuTrayPopup.Append(wxID_ANY, "&Exit")->GetId();
-  mnuTrayPopup.Bind(wxEVT_MENU, [&](wxCommandEvent& event) {
+std::unique_ptr<wxMenu> frmMain::mnuTrayPopup() {
+  auto menu = std::make_unique<wxMenu>();
+  const int mnuTrayShow = menu->Append(wxID_ANY, "Show Window")->GetId();
+  menu->AppendSeparator();
+  const int mnuTrayHide = menu->Append(wxID_ANY, "Hide Window")->GetId();
+  menu->AppendSeparator();
+  const int mnuTrayExit = menu->Append(wxID_ANY, "&Exit")->GetId();
+  menu->Bind(wxEVT_MENU, [=, this](wxCommandEvent& event) {
     if (event.GetId() == mnuTrayShow) restore();
     if (event.GetId() == mnuTrayHide) hide();
     if (event.GetId() == mnuTrayExit) ExitRoutine();
   });
-  tray_->popUp(mnuTrayPopup);
+  return menu;
+}
+
+void frmMain::leadToBox() {
+  if (!IsShown() || IsIconized()) restore();
+  boxes_.last()->Raise();
 }
 
 void frmMain::restore() {
@@ -190,20 +205,22 @@ void frmMain::restore() {
   settingsForm->wake();
 }
 
-/// Some window managers place a window that appears as they like, also one that has been there before. The
-/// first move after the showing tells; it is answered with the place that the window is to have.
+/// Some window managers place a window that appears as they like, also one that has been there before. A move
+/// right after the showing tells; it is answered with the place that the window is to have. What comes later
+/// is the user's.
 void frmMain::showAtItsPlace() {
   if (IsShown()) return;
   shownAt_ = GetPosition();
-  place_ = shownAt_;
   AnimateWindow(this, kSlide, false);
+  tmrPlace.StartOnce(kTmrPlace);
 }
 
 void frmMain::onMove(wxMoveEvent& event) {
   event.Skip();
-  if (!place_) return;
-  const wxPoint place = *std::exchange(place_, std::nullopt);
-  if (GetPosition() != place) Move(place);
+  if (!tmrPlace.IsRunning() || IsMaximized() || IsIconized()) return;
+  if (GetPosition() == shownAt_) return;
+  tmrPlace.Stop();
+  Move(shownAt_);
 }
 
 void frmMain::hide() {
@@ -231,6 +248,13 @@ void frmMain::onClose(wxCloseEvent& event) {
   tray_->Show();
 }
 
+/// The end of the session is not held up: there is nothing to ask, and what a run leaves is whole.
+void frmMain::onQueryEndSession(wxCloseEvent&) {}
+
+void frmMain::onEndSession(wxCloseEvent&) {
+  ExitRoutine();
+}
+
 void frmMain::onProgress(const frmProcess::Progress& progress) {
   tray_->SetTip(RunTip(kTitle, progress.profile, progress.percent));
   ShowTaskbarProgress(*this, progress.percent);
@@ -245,20 +269,10 @@ void frmMain::onFinished(const frmProcess::Outcome& outcome) {
 void frmMain::ExitRoutine() {
   if (ending_) return;
   ending_ = true;
-  const bool minimised = IsIconized();
-  if (!minimised) notePlacement();
+  tmrPlace.Stop();
+  if (!IsIconized()) savePlacement();
   Hide();
   tray_->Remove();
-  Guarded([&] {
-    if (minimised) return;
-    const auto write = [](const char* key, double twips) {
-      WriteSetting(key, std::to_string(std::lround(twips)));
-    };
-    write("MainLeft", settings.MainLeft);
-    write("MainTop", settings.MainTop);
-    write("MainWidth", settings.MainWidth);
-    write("MainHeight", settings.MainHeight);
-  });
   Guarded([&] { WriteSetting(kLayoutKey, WriteLayout(panes->layout())); });
   TimerMain.Stop();
   tmrHide.Stop();

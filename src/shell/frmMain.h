@@ -1,15 +1,17 @@
 // The main window: starts the program and ends it, and lives in the notification area in between.
 #pragma once
 
+#include <wx/dialog.h>
 #include <wx/frame.h>
+#include <wx/menu.h>
 #include <wx/modalhook.h>
 #include <wx/statbmp.h>
 #include <wx/timer.h>
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "controls/EventPump.h"
 #include "engine/MachineServices.h"
@@ -41,7 +43,8 @@ class frmMain : public wxFrame {
   void Load();
 
   /// The one way out: hides the window, removes the tray icon, saves the placement unless minimised, unloads
-  /// the forms and destroys the window. Asks nobody and does not wait for a run, which its pump unwinds.
+  /// the forms and destroys the window. Asks nobody and does not wait for a run, which its pump unwinds. The
+  /// end of the user's session takes it too.
   void ExitRoutine();
 
   /// Shows the window and brings it to the front.
@@ -61,6 +64,7 @@ class frmMain : public wxFrame {
   static constexpr int kTimerMain = 1000;
   static constexpr int kTmrHide = 1500;
   static constexpr int kTmrEndProgram = 50;
+  static constexpr int kTmrPlace = 300;
 
   // The forms, from `Load` on.
   frmSite* site = nullptr;
@@ -74,6 +78,10 @@ class frmMain : public wxFrame {
   wxTimer TimerMain;
   wxTimer tmrHide;
   wxTimer tmrEndProgram;
+  wxTimer tmrPlace;  // runs while the window manager's own idea of a place is awaited
+
+  /// The menu of the tray icon.
+  std::unique_ptr<wxMenu> mnuTrayPopup();
 
  private:
   /// Boxes that wait for an answer. While one does, the tray leads to it and to nothing else.
@@ -81,32 +89,35 @@ class frmMain : public wxFrame {
    public:
     OpenBoxes() { Register(); }
     ~OpenBoxes() override { Unregister(); }
-    bool any() const { return open_ != 0; }
+    bool any() const { return !open_.empty(); }
+    /// The one in front of all others.
+    wxDialog* last() const { return open_.back(); }
 
    protected:
-    int Enter(wxDialog*) override {
-      ++open_;
+    int Enter(wxDialog* box) override {
+      open_.push_back(box);
       return wxID_NONE;
     }
-    void Exit(wxDialog*) override { --open_; }
+    void Exit(wxDialog*) override { open_.pop_back(); }
 
    private:
-    int open_ = 0;
+    std::vector<wxDialog*> open_;
   };
 
   void createPanes();
   void createTray();
   void setAutostart();
-  void notePlacement();
-  void showTrayMenu();
+  void savePlacement();
+  void leadToBox();
   void showAtItsPlace();
   void onMove(wxMoveEvent& event);
   void onClose(wxCloseEvent& event);
+  void onQueryEndSession(wxCloseEvent& event);
+  void onEndSession(wxCloseEvent& event);
   void onProgress(const frmProcess::Progress& progress);
   void onFinished(const frmProcess::Outcome& outcome);
   void stayReachable();
   void destroyWhenIdle();
-  double pixelsPerInch() const;
 
   EventPump pump_;
   OpenBoxes boxes_;
@@ -116,8 +127,8 @@ class frmMain : public wxFrame {
   std::unique_ptr<CTray> tray_;
   wxStaticBitmap* picNotify_ = nullptr;
   wxTimer tmrDestroy_;
-  std::optional<wxPoint> place_;  // while the window manager's own idea of it is awaited
   wxPoint shownAt_;
+  double pixelsPerInch_ = 0;  // that the placement was read with, and so is stored with, on whatever screen
   bool ending_ = false;
 };
 

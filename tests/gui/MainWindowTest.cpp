@@ -1,4 +1,6 @@
 // The program from its start to its end, through its windows.
+#include <wx/app.h>
+
 #include <cmath>
 
 #include "GuiFixture.h"
@@ -91,10 +93,15 @@ TEST_F(MainWindowTest, KeepsItsPlacementButNotOfAMinimisedWindow) {
   stayOpen();
   const double perInch = main->FromDIP(9600) / 100.0;
   const wxPoint wanted = main->GetPosition() + wxPoint(30, 45);
-  ASSERT_TRUE(waitUntil([&] {
-    if (main->GetPosition() != wanted) main->Move(wanted);
-    return main->GetPosition() == wanted;
-  }));
+  ASSERT_TRUE(waitUntil([&] { return !main->tmrPlace.IsRunning(); }));
+  bool told = false;
+  main->Bind(wxEVT_MOVE, [&](wxMoveEvent& event) {
+    told = true;
+    event.Skip();
+  });
+  main->Move(wanted);
+  ASSERT_TRUE(waitUntil([&] { return told; }));
+  ASSERT_EQ(main->GetPosition(), wanted) << "the user's own move was undone";
   main->ExitRoutine();
   ASSERT_TRUE(waitUntil([&] { return !main; }));
   EXPECT_EQ(ReadSetting("MainLeft", ""), std::to_string(std::lround(wanted.x * kTwipsPerInch / perInch)));
@@ -229,6 +236,95 @@ TEST_F(MainWindowTest, BacksUpAtTheScheduledMinuteWhileItIsHidden) {
   ASSERT_TRUE(waitUntil([&] { return status() == "Completed" && !main->process->active(); })) << status();
   EXPECT_EQ(contentsOf(target() / "a.bin"), "bytes");
   WriteSetting("SchedualTusday", "0");
+}
+
+TEST_F(MainWindowTest, StartsAScheduledRunOnceTheOpenBoxIsAnswered) {
+  server.addFile("/a.bin", "bytes");
+  WriteSetting("SchedualHour", "12");
+  WriteSetting("SchedualMinute", "30");
+  WriteSetting("SchedualTusday", "1");
+  LocalDateTime clock = *MakeLocalDateTime({2026, 11, 24, 12, 29, 58, 0});  // a Tuesday
+  now = [&] { return clock; };
+  start();
+  WriteSetting("SchedualTusday", "0");
+  wxDialog box(main, wxID_ANY, "A question");
+  const auto answer = [&] {
+    if (box.IsModal()) box.EndModal(wxID_OK);
+  };
+  int starts = 0, hides = 0;
+  const auto counted = [](int& ticks) {
+    return [&ticks](wxTimerEvent& event) {
+      ++ticks;
+      event.Skip();
+    };
+  };
+  main->process->TimerStartBackup.Bind(wxEVT_TIMER, counted(starts));
+  main->tmrHide.Start(50);
+  main->tmrHide.Bind(wxEVT_TIMER, counted(hides));
+  main->CallAfter([&] { box.ShowModal(); });
+  Steps hands(answer);
+  hands.when([&] { return box.IsModal(); }, [&] { clock += std::chrono::seconds(2); })
+      .when([&] { return starts >= 3 && hides >= 3; },
+            [&] {
+              EXPECT_FALSE(main->process->active()) << "the box is dead until the run ends";
+              EXPECT_TRUE(main->IsShown() && !main->IsIconized()) << "the box lost its window";
+              main->hide();
+              main->tray().mouseMessage(515);
+              EXPECT_TRUE(main->IsShown() && !main->IsIconized()) << "the tray does not lead to the box";
+              answer();
+            })
+      .take();
+  EXPECT_TRUE(waitUntil([&] { return status() == "Completed" && !main->process->active(); })) << status();
+}
+
+TEST_F(MainWindowTest, LetsTheSessionEndAndKeepsItsPlacement) {
+  start();
+  stayOpen();
+  wxCloseEvent query(wxEVT_QUERY_END_SESSION);
+  query.SetCanVeto(true);
+  EXPECT_TRUE(wxTheApp->ProcessEvent(query)) << "left to the toolkit, which closes the window";
+  EXPECT_FALSE(query.GetVeto());
+  EXPECT_TRUE(main->IsShown());
+  WriteSetting("MainLeft", "");
+  wxCloseEvent end(wxEVT_END_SESSION);
+  EXPECT_TRUE(wxTheApp->ProcessEvent(end));
+  EXPECT_NE(ReadSetting("MainLeft", ""), "");
+  EXPECT_TRUE(waitUntil([&] { return !main; }));
+}
+
+TEST_F(MainWindowTest, IsRefusedASecondTimeAndLeftAlone) {
+  start();
+  stayOpen();
+  ASSERT_TRUE(main->Initialise());
+  {
+    frmMain second;
+    wxTEST_DIALOG(EXPECT_FALSE(second.Initialise()),
+                  ExpectBox("Quillmoor", "Program already running, Click the program icon in the Taskbar. ",
+                            wxOK | wxICON_EXCLAMATION, wxID_OK));
+  }
+  EXPECT_TRUE(main->IsShown());
+  EXPECT_TRUE(main->TimerMain.IsRunning());
+}
+
+TEST_F(MainWindowTest, HasItsMenuInTheTray) {
+  start();
+  stayOpen();
+  const std::unique_ptr<wxMenu> menu = main->mnuTrayPopup();
+  std::vector<std::string> items;
+  for (const wxMenuItem* item : menu->GetMenuItems())
+    items.push_back(item->IsSeparator() ? "-" : item->GetItemLabel().utf8_string());
+  EXPECT_EQ(items, (std::vector<std::string>{"Show Window", "-", "Hide Window", "-", "&Exit"}));
+  const auto choose = [&](std::size_t place) {
+    wxCommandEvent event(wxEVT_MENU, menu->FindItemByPosition(place)->GetId());
+    menu->ProcessEvent(event);
+  };
+  const auto seen = [&] { return main->IsShown() && !main->IsIconized(); };
+  choose(2);
+  EXPECT_TRUE(waitUntil([&] { return !seen(); }));
+  choose(0);
+  EXPECT_TRUE(waitUntil(seen));
+  choose(4);
+  EXPECT_TRUE(waitUntil([&] { return !main; }));
 }
 
 TEST_F(MainWindowTest, ShowsTheProfilesThatTheFileHoldsNow) {
