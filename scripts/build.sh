@@ -9,8 +9,9 @@ read -ra options <<<"${QUILLMOOR_CMAKE_OPTIONS:-}"
 if [ "$preset" = windows ]; then
   scripts/setup.sh g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev googletest \
     dpkg-dev m4
-  libraries=$(packaging/windows/deps/build.sh asio googletest libpng curl wxwidgets nettle)
-  options+=("-DQUILLMOOR_WINDOWS_LIBRARIES=$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
+  libraries=$(packaging/windows/deps/build.sh)
+  # What an earlier configuration found may have gone from the cache of libraries since.
+  options+=(-U 'NETTLE_*' -U ASIO_INCLUDE_DIR -U '*_DIR' "-DQUILLMOOR_WINDOWS_LIBRARIES=$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
 else
   scripts/setup.sh
 fi

@@ -130,6 +130,7 @@ int run(const Options& options) {
 }
 
 int main(const std::vector<std::string>& arguments) {
+  prepareTerminal();  // for what is said before the run, too
   Options options;
   for (const std::string& argument : arguments) {
     if (argument == "--help") {

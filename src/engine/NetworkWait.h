@@ -32,7 +32,7 @@ class NetworkWait {
   /// fit 32 bits.
   void WaitSeconds(std::int32_t seconds);
 
-  /// The red-line rule of every retry: says how long, then waits `ConnectionDelay`.
+  /// Before every retry: says how long, then waits `ConnectionDelay`.
   void waitBeforeRetry();
 
   /// One turn of the pump and a rest of a few milliseconds: for loops that have nothing to wait on.

@@ -1,6 +1,7 @@
 #include "engine/TreeWalk.h"
 
 #include <algorithm>
+#include <set>
 
 #include "engine/ListingDate.h"
 #include "engine/ListingParser.h"
@@ -66,10 +67,11 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   std::string().swap(listing.text);  // the levels below have theirs
   std::string remoteItem;
   std::string localFile;
+  std::set<std::string> taken;
   for (const RemoteEntry& entry : listing.entries) {
     if (state_.StopRequested) return;
     if (entry.name == "." || entry.name == "..") continue;
-    if (!acceptName(entry.name)) {
+    if (!acceptName(entry.name) || !isFree(entry, taken)) {
       pump();
       continue;
     }
@@ -148,6 +150,14 @@ bool TreeWalk::acceptName(const std::string& name) {
   const auto reason = ListedNameRefusal(name);
   if (!reason) return true;
   logError("Refused name (" + *reason + "): ", name);
+  return false;
+}
+
+/// Where a disk does not regard case, a second name would write over the file of the first.
+bool TreeWalk::isFree(const RemoteEntry& entry, std::set<std::string>& taken) {
+  if (kLocalNameRules != LocalNameRules::windows || isType(entry, 'l')) return true;
+  if (taken.insert(LocalNameKey(entry.name)).second) return true;
+  logError("Refused name (another one differs from it in nothing but case): ", entry.name);
   return false;
 }
 

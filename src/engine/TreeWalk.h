@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,7 @@ class TreeWalk {
   bool mayWalk(const std::string& currentDir);
   bool prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate);
   bool acceptName(const std::string& name);
+  bool isFree(const RemoteEntry& entry, std::set<std::string>& taken);
   void walkFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
   bool IsRemoteFolderLink(const std::string& path);
 

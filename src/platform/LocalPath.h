@@ -13,6 +13,10 @@ extern const char kLocalSeparator;
 enum class LocalNameRules { posix, windows };
 extern const LocalNameRules kLocalNameRules;
 
+/// The same text for names that file systems of this platform take for one: on Windows they do not regard
+/// case.
+std::string LocalNameKey(const std::string& name);
+
 /// The path that a text names. On Windows the text is UTF-8, and bytes that are none are read in the ANSI
 /// code page; elsewhere the bytes are the path's own. The one way from text to path: the standard library's
 /// own reads text as Windows does not write it.

@@ -67,7 +67,7 @@ expect 0 "Good Bye." "$run" --assume-network             # nothing enabled: noth
 
 expect 0 "" "$config" dialup list
 
-# What follows is done to the programs from outside, in ways that Wine has no equal of.
+# What follows is done to the programs from outside, by signals and files that Windows does not have.
 if [ $windows = yes ]; then
   [ "$failed" = 0 ] && echo ok
   exit "$failed"

@@ -468,6 +468,20 @@ TEST_F(RunTest, NothingThatAServerListsLeavesTheTargetFolder) {
   EXPECT_FALSE(display.logged("\x1b"));
 }
 
+TEST_F(RunTest, KeepsNamesApartThatDifferInCase) {
+  const bool caseCounts = kLocalNameRules == LocalNameRules::posix;
+  server.addFile("/README", "one");
+  server.addFile("/readme", "two!");
+  server.addFile("/Readme/below.bin", "x");
+  EXPECT_TRUE(run().at(0).completed);
+  // A folder comes first in the listing; what would have to share its name is told and left out.
+  EXPECT_EQ(display.count("Error: Refused name"), caseCounts ? 0 : 2);
+  EXPECT_EQ(contentsOf(target() / "Readme/below.bin"), "x");
+  if (caseCounts) {
+    EXPECT_EQ(contentsOf(target() / "README") + contentsOf(target() / "readme"), "onetwo!");
+  }
+}
+
 TEST_F(RunTest, NoFolderThatAServerReportsLeavesTheTargetFolder) {
   for (const char* path : {"/../../outside", "/a/../..", "/a\x1b[2J", "/.[x].", "/.. "}) {
     server.on("PWD", [=](Session& s) { s.reply(std::string("257 \"") + path + "\" is where you are."); });

@@ -46,13 +46,6 @@ TEST_F(ProfileFile, IsWrittenByTheRulesOfTheFormat) {
   }
 }
 
-TEST_F(ProfileFile, LosesItsFirstSectionToNoByteOrderMark) {
-  writeFile(file, "\xEF\xBB\xBF[s]\r\nk=v\r\n");
-  EXPECT_THAT(mIni::ListSections(file), ElementsAre("s"));
-  EXPECT_TRUE(mIni::WriteValue("s", "k", "w", file));
-  EXPECT_EQ(mIni::ReadValue("s", "k", file), "w");
-}
-
 TEST_F(ProfileFile, ListsAndDeletesSections) {
   writeFile(file, ";c\r\n[b]\r\nk=1\r\n[A]\r\nk=2\r\n[b]\r\nk=3\r\n");
   EXPECT_THAT(mIni::ListSections(file), ElementsAre("b", "A", "b"));

@@ -3,7 +3,8 @@
 # name beside this file, and prints their folders, joined with ";". What is in the cache already is not built again.
 #
 # The cache lies outside the checkout (QUILLMOOR_CACHE, else ~/.cache/quillmoor) with a folder for each library, named by
-# its version and by a digest of all that shapes it: its recipe, what it is built on, the toolchain and the compiler.
+# its version and by a digest of all that shapes it: its recipe, what it is built on, the toolchain and the compiler. A new
+# revision of the same version in Debian does not count; to take one up, remove the library's folder.
 #
 # A recipe is a file of shell text: `version`, `needs` (the recipes it builds on), and `build`, which gets the sources of
 # that version with `unpack` or from where Debian installs them, and installs into $prefix.
@@ -93,7 +94,7 @@ make() {
 work=$(mktemp -d "$cache/building.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 recipes=("$@")
-[ $# != 0 ] || recipes=(asio googletest libpng curl wxwidgets)
+[ $# != 0 ] || recipes=(asio googletest nettle libpng curl wxwidgets)
 for recipe in "${recipes[@]}"; do make "$recipe"; done
 joined "${recipes[@]}"
 echo

@@ -5,6 +5,10 @@ namespace quillmoor {
 const char kLocalSeparator = '/';
 const LocalNameRules kLocalNameRules = LocalNameRules::posix;
 
+std::string LocalNameKey(const std::string& name) {
+  return name;
+}
+
 std::filesystem::path LocalPath(const std::string& text) {
   return text;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/LocalPath.h"
 #include "platform/windows/Handle.h"
+#include "platform/windows/MoveIntoPlace.h"
 #include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/WindowsApi.h"
@@ -235,8 +236,7 @@ void restoreState(const std::string& path, const FileState& state, std::uint8_t)
 }
 
 void renameFile(const std::string& from, const std::string& to) {
-  if (::MoveFileExW(WidePath(from).c_str(), WidePath(to).c_str(), MOVEFILE_REPLACE_EXISTING) == FALSE)
-    fail("cannot write", to);
+  if (!MoveIntoPlace(WidePath(from), WidePath(to))) fail("cannot write", to);
 }
 
 bool removeFile(const std::string& path) noexcept {

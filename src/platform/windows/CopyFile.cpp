@@ -4,6 +4,7 @@
 
 #include "platform/LocalPath.h"
 #include "platform/windows/Handle.h"
+#include "platform/windows/MoveIntoPlace.h"
 #include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/WindowsApi.h"
@@ -65,7 +66,7 @@ void CopyFileTo(const std::string& temporary, const std::string& from, const std
 }
 
 void RenameFileOver(const std::string& temporary, const std::string& to) {
-  if (::MoveFileExW(WidePath(temporary).c_str(), WidePath(to).c_str(), MOVEFILE_REPLACE_EXISTING) == FALSE) {
+  if (!MoveIntoPlace(WidePath(temporary), WidePath(to))) {
     fail(::GetLastError(), "cannot write", to);
   }
 }

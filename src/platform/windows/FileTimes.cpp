@@ -9,8 +9,9 @@ namespace {
 
 /// Without the flag that folders would need, they cannot be opened.
 Handle openFile(const std::string& path, DWORD access) {
-  return Handle(::CreateFileW(WidePath(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  return Handle(::CreateFileW(WidePath(path).c_str(), access,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 }  // namespace

@@ -109,7 +109,11 @@ RasRemoteAccess::RasRemoteAccess(const RasLibrary& library, Pump pump)
 RasRemoteAccess::~RasRemoteAccess() {
   if (!connection_ || connected_) return;
   pump_ = nullptr;
-  hangUpAndWait(connection_);
+  if (closing_) {
+    waitUntilGone(connection_);  // to hang up twice is an error, which would cut the wait short
+  } else {
+    hangUpAndWait(connection_);
+  }
 }
 
 std::vector<std::string> RasRemoteAccess::entries() {
@@ -227,12 +231,16 @@ std::int32_t RasRemoteAccess::stateOf(HRASCONN connection) const {
 std::uint32_t RasRemoteAccess::hangUpAndWait(HRASCONN connection) {
   if (!library_.complete()) return ERROR_INVALID_HANDLE;
   const DWORD error = library_.hangUp(connection);
+  if (error == ERROR_SUCCESS) waitUntilGone(connection);
+  return error;
+}
+
+void RasRemoteAccess::waitUntilGone(HRASCONN connection) {
   const std::int64_t end = TickCountMs() + kHangUpPatienceMs;
-  while (error == ERROR_SUCCESS && stateOf(connection) != kDialUpDisconnected && TickCountMs() < end) {
+  while (stateOf(connection) != kDialUpDisconnected && TickCountMs() < end) {
     if (pump_) pump_();
     std::this_thread::sleep_for(kRest);
   }
-  return error;
 }
 
 }  // namespace quillmoor

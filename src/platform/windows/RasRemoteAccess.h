@@ -31,6 +31,7 @@ class RasRemoteAccess final : public RemoteAccess {
 
   std::int32_t stateOf(HRASCONN connection) const;
   std::uint32_t hangUpAndWait(HRASCONN connection);
+  void waitUntilGone(HRASCONN connection);
 
   const RasLibrary& library_;
   Pump pump_;

@@ -155,7 +155,9 @@ void setValue(std::uint32_t root, const std::string& path, const std::string& na
 }
 
 bool deleteValue(std::uint32_t root, const std::string& path, const std::string& name) {
-  const Key key = open(root, path, KEY_READ | KEY_SET_VALUE);
+  // Who has no right to change the key may well find that there is nothing to delete.
+  if (!queryValue(root, path, name)) return keyExists(root, path);
+  const Key key = open(root, path, KEY_SET_VALUE);
   if (!key) return false;
   const LSTATUS status = ::RegDeleteValueW(key.get(), Widen(name).c_str());
   if (status != ERROR_SUCCESS && !isMissing(status)) {

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <iterator>
 #include <stdexcept>
 #include <string_view>
@@ -15,26 +16,30 @@ namespace {
 
 std::atomic<int> stopCount = 0;
 
+/// The console as it was, given back at the end of the program: it outlives us.
+struct ConsoleBefore {
+  HANDLE output = nullptr;  // null when standard output is no console
+  DWORD mode = 0;
+  UINT codePage = 0;  // 0: there is no console
+};
+ConsoleBefore before;
+
+void giveConsoleBack() {
+  if (before.output) ::SetConsoleMode(before.output, before.mode);
+  if (before.codePage != 0) ::SetConsoleOutputCP(before.codePage);
+}
+
 /// Called by the system on a thread of its own.
 BOOL WINAPI countStop(DWORD event) {
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
-  if (++stopCount >= 2) ::ExitProcess(130);
+  if (++stopCount >= 2) {
+    giveConsoleBack();
+    ::ExitProcess(130);
+  }
   // When the window is closed the system ends the process as soon as this returns, or after some seconds.
   if (event == CTRL_CLOSE_EVENT) ::Sleep(INFINITE);
   return TRUE;
 }
-
-/// The console as it was, given back at the end of the program: it outlives us.
-struct ConsoleBefore {
-  HANDLE output = nullptr;
-  DWORD mode = 0;
-  UINT codePage = 0;
-  ~ConsoleBefore() {
-    if (!output) return;
-    ::SetConsoleMode(output, mode);
-    ::SetConsoleOutputCP(codePage);
-  }
-};
 
 constexpr std::size_t kLongestLine = 1000;
 
@@ -93,16 +98,19 @@ std::string readInput(bool secret) {
 }  // namespace
 
 bool prepareTerminal() {
-  static ConsoleBefore before;
+  // Messages go to the console also when the log is written into a file.
+  if (before.codePage == 0) {
+    before.codePage = ::GetConsoleOutputCP();
+    if (before.codePage != 0) std::atexit(giveConsoleBack);
+  }
+  ::SetConsoleOutputCP(CP_UTF8);
   const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
   DWORD mode = 0;
   if (::GetConsoleMode(output, &mode) == FALSE) return false;
   if (!before.output) {
     before.mode = mode;
-    before.codePage = ::GetConsoleOutputCP();
     before.output = output;
   }
-  ::SetConsoleOutputCP(CP_UTF8);
   return ::SetConsoleMode(output, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) !=
          FALSE;
 }

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/windows/MoveIntoPlace.h"
 #include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 
@@ -73,15 +74,18 @@ void WholeFile::commit() {
   ::CloseHandle(file);
   const std::wstring from = WidePath(temporary_);
   const std::wstring to = WidePath(target_);
-  const DWORD flush = survives_ == Survives::power ? MOVEFILE_WRITE_THROUGH : 0;
-  // ReplaceFile hands the old file's permissions and attributes on, which costs a dozen system calls more.
-  const BOOL moved = readers_ == Readers::owner && exists(to)
-                         ? ::ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
-                                          nullptr, nullptr)
-                         : ::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | flush);
-  if (moved != FALSE) return;
+  const bool flush = survives_ == Survives::power;
+  // ReplaceFile hands the old file's permissions and attributes on, which costs a dozen system calls more. It
+  // may fail halfway, with no file left under the name: then, as wherever it fails, the plain move follows.
+  const bool handOn = readers_ == Readers::owner && exists(to);
+  if (handOn && ::ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
+                               nullptr) != FALSE) {
+    return;
+  }
+  if (MoveIntoPlace(from, to, flush)) return;
   const DWORD error = ::GetLastError();
-  ::DeleteFileW(from.c_str());
+  // What was written is all there is of the file when nothing stands under its name: it stays to be found.
+  if (!handOn || exists(to)) ::DeleteFileW(from.c_str());
   ::SetLastError(error);
   RaiseLastError("cannot write", target_);
 }

@@ -48,6 +48,7 @@ const RasLibrary kLibrary = {
       return ERROR_SUCCESS;
     },
     .getEntryDialParams = [](LPCWSTR, LPRASDIALPARAMSW parameters, LPBOOL) -> DWORD {
+      if (parameters->dwSize != sizeof *parameters) return ERROR_INVALID_SIZE;
       if (std::wcscmp(parameters->szEntryName, L"Büro") != 0) return ERROR_CANNOT_FIND_PHONEBOOK_ENTRY;
       std::wcscpy(parameters->szUserName, L"joe");
       return ERROR_SUCCESS;
@@ -55,6 +56,7 @@ const RasLibrary kLibrary = {
     .dial = [](LPRASDIALEXTENSIONS, LPCWSTR, LPRASDIALPARAMSW parameters, DWORD kind, LPVOID report,
                LPHRASCONN connection) -> DWORD {
       EXPECT_EQ(kind, 2U);
+      if (parameters->dwSize != sizeof *parameters) return ERROR_INVALID_SIZE;
       ras->dialled = parameters->szEntryName;
       ras->user = parameters->szUserName;
       ras->callbackId = parameters->dwCallbackId;
@@ -68,6 +70,7 @@ const RasLibrary kLibrary = {
       return ERROR_SUCCESS;
     },
     .getConnectStatus = [](HRASCONN connection, LPRASCONNSTATUSA status) -> DWORD {
+      if (status->dwSize != sizeof *status) return ERROR_INVALID_SIZE;
       const auto found = ras->connections.find(connection);
       if (found == ras->connections.end()) return ERROR_INVALID_HANDLE;
       status->rasconnstate = found->second;

@@ -1,4 +1,5 @@
-// Lines that are none of the format's stay as they are, byte by byte.
+// What this platform's own reading and writing of the file adds to the rules: it changes no other line, byte
+// by byte.
 #include "platform/PrivateProfile.h"
 
 #include <gtest/gtest.h>
@@ -21,6 +22,15 @@ TEST(PrivateProfile, LeavesOtherLinesAsTheyAre) {
     ASSERT_TRUE(WritePrivateProfileString("own section", "own key", "value", file));
     EXPECT_NE(testing::contentsOf(file).find(rubbish.substr(0, 300)), std::string::npos);
   }
+}
+
+TEST(PrivateProfile, LosesItsFirstSectionToNoByteOrderMark) {
+  const testing::TemporaryFolder folder;
+  const std::string file = (folder / "x.ini").string();
+  testing::writeFile(file, "\xEF\xBB\xBF[s]\r\nk=v\r\n");
+  EXPECT_EQ(GetPrivateProfileSectionNames(file), std::vector<std::string>{"s"});
+  EXPECT_TRUE(WritePrivateProfileString("s", "k", "w", file));
+  EXPECT_EQ(GetPrivateProfileString("s", "k", file), "w");
 }
 
 }  // namespace
