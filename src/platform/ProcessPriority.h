@@ -23,4 +23,8 @@ std::uint32_t ProcessOfWindow(std::uintptr_t window);
 /// (CAP_SYS_NICE or RLIMIT_NICE) a process can only be made nicer, and that is not to be undone.
 std::int32_t ApplyProcessPriority(std::uint32_t processId, std::int32_t priorityClass);
 
+/// The calling thread steps back behind the program's other threads, for good: for work in the background
+/// beside a thread that has to answer in time.
+void StepBack();
+
 }  // namespace quillmoor

@@ -7,6 +7,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "platform/ProcessPriority.h"
+
 namespace quillmoor::zip {
 namespace {
 
@@ -142,6 +144,7 @@ void DeflateWorkers::wait(Job& job) {
 }
 
 void DeflateWorkers::work() {
+  StepBack();
   std::optional<Tools> tools;
   std::unique_lock lock(mutex_);
   for (;;) {

@@ -109,6 +109,7 @@ Output::Output(SegmentNames names, std::optional<std::int64_t> segmentBytes, boo
     : names_(std::move(names)), limit_(segmentBytes), selfExtracting_(selfExtracting) {
   for (std::uint32_t disk = 0; removeFile(names_.temporary(disk)); ++disk) {
   }
+  removeFile(names_.spool());
   buffer_.reserve(kBuffer);
   open();
 }
@@ -199,7 +200,10 @@ std::vector<std::string> Output::finish() {
   for (std::uint32_t disk = 0; disk < count; ++disk) paths.push_back(names_.final(disk, count));
   const std::uint32_t main = selfExtracting_ ? 0 : count - 1;
   // From here on a former set is no longer whole, so that it must not look whole either.
-  if (count > 1) removeFile(paths[main]);
+  if (count > 1 && !removeFile(paths[main]) && pathKind(paths[main])) {
+    throw std::system_error(std::make_error_code(std::errc::device_or_resource_busy),
+                            "cannot replace " + paths[main]);
+  }
   std::uint32_t renamed = 0;
   try {
     for (std::uint32_t disk = 0; disk < count; ++disk) {

@@ -102,6 +102,18 @@ TEST_F(CopyFileTest, CopiesASetWholeOrNotAtAll) {
   EXPECT_EQ(filesIn("to"), 3U);
 }
 
+TEST_F(CopyFileTest, LeavesASetWholeWhenItsLastFileCannotGo) {
+  writeFile(folder_ / "from" / "a.z01", "new");
+  writeFile(folder_ / "from" / "a.zip", "new");
+  writeFile(folder_ / "to" / "a.z01", "old");
+  fs::create_directories(folder_ / "to" / "a.zip" / "occupied");
+  std::vector<FileCopy> set;
+  for (const char* name : {"a.z01", "a.zip"})
+    set.push_back({(folder_ / "from" / name).string(), (folder_ / "to" / name).string()});
+  EXPECT_THROW(CopyWholeFiles(set, {}), std::system_error);
+  EXPECT_EQ(contentsOf(folder_ / "to" / "a.z01"), "old");
+}
+
 TEST_F(CopyFileTest, EndsWhenToldAndLeavesNothing) {
   writeFile(from_, "");
   fs::resize_file(from_, testing::kLongToCopy);

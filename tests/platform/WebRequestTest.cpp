@@ -93,9 +93,15 @@ TEST_F(WebRequestTest, ReadsAddressesAsABrowserWould) {
 }
 
 TEST_F(WebRequestTest, CallsNothingButHttp) {
+  const std::string elsewhere = "127.0.0.1:" + std::to_string(server.port()) + "/";
+  for (const std::string& address : {std::string(), std::string(" "), "ftp://" + elsewhere,
+                                     "telnet://" + elsewhere, "dict://" + elsewhere}) {
+    EXPECT_EQ(statusOf(address), 0) << address;
+  }
+  EXPECT_THAT(server.requests(), ::testing::IsEmpty()) << "nobody was to be called";
   for (const std::string address :
-       {"", " ", "http://", "file:///etc/passwd", "ftp://127.0.0.1/", "gopher://127.0.0.1/",
-        "http://127.0.0.1:x/", "http://[::1/", "javascript:alert(1)", "http://127.0.0.1:1/"}) {
+       {"http://", "file:///etc/passwd", "gopher://127.0.0.1/", "http://127.0.0.1:x/", "http://[::1/",
+        "javascript:alert(1)", "http://127.0.0.1:1/"}) {
     EXPECT_EQ(statusOf(address), 0) << address;
   }
   EXPECT_EQ(statusOf(std::string("http://127.0.0.1/\0x", 19)), 0);

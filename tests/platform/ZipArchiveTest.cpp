@@ -282,6 +282,16 @@ TEST_F(ZipArchiveTest, LeavesNoSetWhenASegmentCannotHaveItsName) {
   EXPECT_THAT(errors, ElementsAre(HasSubstr("a.z02")));
 }
 
+TEST_F(ZipArchiveTest, LeavesAFormerSetWholeWhenItsMainFileCannotGo) {
+  put("noise", noise(1'000'000));
+  std::filesystem::create_directories(LocalPath(out("a.zip")) / "occupied");
+  testing::writeFile(LocalPath(out("a.z01")), "of the former set");
+  add();
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip"), kSmallest); }), ZipErrorNumber::cannotWrite);
+  EXPECT_THAT(filesOut(), ElementsAre("a.z01", "a.zip"));
+  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.z01"))), "of the former set");
+}
+
 TEST_F(ZipArchiveTest, ReportsEveryFileOnceAndInOrder) {
   put("a", text(10));
   put("b", text(3 * zip::kBlock + 5));

@@ -68,4 +68,9 @@ std::int32_t ApplyProcessPriority(std::uint32_t processId, std::int32_t priority
   return inForce ? nearestClass(*inForce) : 0;
 }
 
+void StepBack() {
+  // On Linux a nice value is the thread's.
+  ::setpriority(PRIO_PROCESS, 0, ::getpriority(PRIO_PROCESS, 0) + 5);
+}
+
 }  // namespace quillmoor

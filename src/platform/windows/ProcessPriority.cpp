@@ -27,4 +27,8 @@ std::int32_t ApplyProcessPriority(std::uint32_t processId, std::int32_t priority
   return inForce;
 }
 
+void StepBack() {
+  ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
+}
+
 }  // namespace quillmoor
