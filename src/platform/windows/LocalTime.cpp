@@ -1,6 +1,7 @@
 #include "platform/LocalTime.h"
 
 #include <algorithm>
+#include <map>
 
 #include "platform/windows/SystemTime.h"
 
@@ -11,14 +12,24 @@ using std::chrono::sys_seconds;
 using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
 constexpr std::chrono::seconds kFrom1601To1970{11'644'473'600};
 
-/// The rules that hold in the year; a zone may have changed them from one to the next.
-TIME_ZONE_INFORMATION rulesOf(int year) {
-  TIME_ZONE_INFORMATION rules{};
-  if (::GetTimeZoneInformationForYear(static_cast<USHORT>(std::clamp(year, 1601, 9999)), nullptr, &rules) ==
-      FALSE) {
-    ::GetTimeZoneInformation(&rules);
+/// The rules that hold in the year; a zone may have changed them from one to the next. They are read from the
+/// registry, which takes long for something that is asked several times a file, so they are kept for a
+/// second: after that the machine may be in another zone.
+const TIME_ZONE_INFORMATION& rulesOf(int year) {
+  constexpr std::int64_t kLastMs = 1000;
+  thread_local std::map<int, TIME_ZONE_INFORMATION> known;
+  thread_local std::int64_t since = 0;
+  const std::int64_t now = TickCountMs();
+  if (now - since >= kLastMs) {
+    known.clear();
+    since = now;
   }
-  return rules;
+  const auto [place, isNew] = known.try_emplace(std::clamp(year, 1601, 9999));
+  if (isNew &&
+      ::GetTimeZoneInformationForYear(static_cast<USHORT>(place->first), nullptr, &place->second) == FALSE) {
+    ::GetTimeZoneInformation(&place->second);
+  }
+  return place->second;
 }
 
 int yearOf(LocalDateTime time) {
