@@ -154,6 +154,7 @@ class GuiTest : public ::testing::Test {
 
   /// A real click into the middle of a control.
   void click(wxWindow* control) {
+    EXPECT_TRUE(waitUntil([&] { return !main->tmrPlace.IsRunning(); })) << "the window may still move";
     wxUIActionSimulator hand;
     const wxRect place = control->GetScreenRect();
     hand.MouseMove(place.x + place.width / 2, place.y + place.height / 2);

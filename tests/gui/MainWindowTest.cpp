@@ -2,6 +2,7 @@
 #include <wx/app.h>
 
 #include <cmath>
+#include <future>
 
 #include "GuiFixture.h"
 #include "shell/WindowPlacement.h"
@@ -110,6 +111,11 @@ TEST_F(MainWindowTest, KeepsItsPlacementButNotOfAMinimisedWindow) {
 TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
   server.addFile("/a.bin", "bytes");
   server.addFile("/sub/b.bin", "more bytes");
+  std::promise<void> seen;  // a run of two files can be over before anybody has looked
+  server.on("RETR /a.bin", [looked = seen.get_future().share()](Session& s) {
+    looked.wait_for(kPatience);
+    s.answerAsUsual();
+  });
   start();
   stayOpen();
   main->panes->activate(kBackupPane);
@@ -122,6 +128,7 @@ TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
             [&] {
               EXPECT_FALSE(form.cmdStart->IsEnabled());
               EXPECT_TRUE(form.Animation1->IsPlaying() || !form.Animation1->error().empty());
+              seen.set_value();
             })
       .when([&] { return !form.active(); })
       .take();
