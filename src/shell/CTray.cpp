@@ -3,6 +3,7 @@
 #include <wx/taskbar.h>
 
 #include "engine/BusyFlag.h"
+#include "shell/NotificationIcon.h"
 
 namespace quillmoor {
 namespace {
@@ -37,9 +38,12 @@ class CTray::Icon : public wxTaskBarIcon {
   CTray& tray_;
 };
 
-CTray::CTray() : icon_(std::make_unique<Icon>(*this)) {}
+CTray::CTray() : icon_(std::make_unique<Icon>(*this)) {
+  ShowNotificationsAt(icon_.get());
+}
 
 CTray::~CTray() {
+  ShowNotificationsAt(nullptr);
   Remove();
 }
 

@@ -1,0 +1,7 @@
+#include "shell/NotificationIcon.h"
+
+namespace quillmoor {
+
+void ShowNotificationsAt(wxTaskBarIcon*) {}
+
+}  // namespace quillmoor
