@@ -99,8 +99,16 @@ void RunController::RunProfile(const std::string& profileId) {
   results_.push_back({profileId, false});
   addReportRow(profileId);
   logFrameHeader(profileId);
-  if (!prepareTarget(profileId) || !runSession()) return;
-  finishReportRow();
+  if (!prepareTarget(profileId)) {
+    finishReportRow("Failed", log_colour::kError);
+    return;
+  }
+  if (!runSession()) return;  // its row keeps "Running", on purpose
+  if (state_.StopRequested) {
+    finishReportRow("Stoped", log_colour::kError);
+  } else {
+    finishReportRow("Completed", log_colour::kEndOfProfile);
+  }
   results_.back().completed = !state_.StopRequested;
   Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_, services_.display); });
 }
@@ -172,13 +180,12 @@ bool RunController::runSession() {
   return true;
 }
 
-void RunController::finishReportRow() {
+void RunController::finishReportRow(const char* status, Colour colour) {
   RunDisplay& display = services_.display;
   const std::size_t row = state_.reportRow;
   display.setReportItem(row, ReportColumn::finished, ReportTimeText(services_.now()));
-  display.setReportItem(row, ReportColumn::status, state_.StopRequested ? "Stoped" : "Completed");
-  display.setReportColour(row, ReportColumn::status,
-                          state_.StopRequested ? log_colour::kError : log_colour::kEndOfProfile);
+  display.setReportItem(row, ReportColumn::status, status);
+  display.setReportColour(row, ReportColumn::status, colour);
   display.repopulateReport();
 }
 

@@ -49,7 +49,7 @@ class RunController {
   void logFrameHeader(const std::string& profileId);
   bool prepareTarget(const std::string& profileId);
   bool runSession();
-  void finishReportRow();
+  void finishReportRow(const char* status, Colour colour);
   void logError(const std::string& text);
 
   RunServices services_;

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "profiles/JoinedList.h"
+
 namespace quillmoor {
 namespace {
 
@@ -17,20 +19,25 @@ std::string yesNo(std::int32_t flag) {
   return flag == 1 ? "Yes" : "No";
 }
 
-std::string orNone(std::string text) {
-  std::replace(text.begin(), text.end(), '|', ' ');
+std::string orNone(const std::string& text) {
   return text.empty() ? "None" : text;
 }
 
+std::string listOrNone(std::string folders) {
+  std::replace(folders.begin(), folders.end(), kListSeparator, ' ');
+  return orNone(folders);
+}
+
 std::vector<std::pair<std::string, std::string>> optionsOf(const ApplicationSettings& s) {
-  return {{"Files fetched", s.BackupMode == 1 ? "All of them" : "Only those that are new"},
+  return {{"Files fetched",
+           s.BackupMode == 1 ? "All of them" : "Those that are missing or listed with an earlier date"},
           {"A folder of its own for every run", s.UniqueBackup != 0 ? "Yes" : "No"},
           {"Archive after the download", yesNo(s.CreateZip)},
           {"Archive split into volumes",
            s.SplitZip == 1 ? "Yes, of " + std::to_string(s.ZipSpanSize) + " KB" : "No"},
           {"Archive extracts itself", yesNo(s.ZipSelfExtract)},
           {"Archive has a password", s.ZipPassword.empty() ? "No" : "Yes"},
-          {"Archive copied to", orNone(s.ZipCopies)},
+          {"Archive copied to", listOrNone(s.ZipCopies)},
           {"Program started before a run", orNone(s.RunBefore)},
           {"Program started after a run", orNone(s.RunAfter)},
           {"Address called before a run", orNone(s.ConnectBefore)},

@@ -406,6 +406,10 @@ TEST_F(RunTest, DoesNotStartWhatWouldNeverEnd) {
   profile.Timeout = "2147484";
   EXPECT_FALSE(run().at(0).completed);
   EXPECT_TRUE(display.logged("Timeout is too large"));
+  for (std::size_t row = 0; row < 2; ++row) {
+    EXPECT_EQ(display.item(row, ReportColumn::status), "Failed");
+    EXPECT_NE(display.item(row, ReportColumn::finished), " - ");
+  }
 }
 
 TEST_F(RunTest, SurvivesTheLossOfTheConnectionAnywhere) {
