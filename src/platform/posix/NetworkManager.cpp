@@ -213,7 +213,7 @@ void NetworkManager::refresh(Answer wanted) {
       return;
     }
   }
-  if (wanted == Answer::known && age < lasts + kStillGoodMs) return;
+  if (wanted == Answer::known && (!pump_ || age < lasts + kStillGoodMs)) return;
   {
     const Waiting waiting(waiting_);
     waitFor(*query_, kPatienceMs);

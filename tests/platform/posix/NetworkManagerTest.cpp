@@ -148,6 +148,13 @@ TEST_F(NmcliTest, HasNoEntriesWithoutNetworkManager) {
   }
 }
 
+TEST_F(NmcliTest, WithoutAPumpNobodyWaitsForAConnection) {
+  shows("u1:gsm:activated:ttyUSB0:Mobile\n");
+  const auto other = MakeRemoteAccess({});
+  EXPECT_THAT(other->activeConnections(), IsEmpty()) << "it waited for the answer";
+  EXPECT_TRUE(comesTrue([&] { return other->activeConnections().size() == 1; }));
+}
+
 TEST_F(NmcliTest, DialsUntilConnectedAndNoticesTheEnd) {
   dialMobile();
   EXPECT_THAT(calls(), ElementsAre("up uuid u1 C.UTF-8"));
