@@ -29,6 +29,10 @@ std::optional<LocalDateTime> MakeLocalDateTime(const LocalDateTimeParts& parts);
 std::chrono::sys_seconds LocalToUtc(LocalDateTime time);
 LocalDateTime UtcToLocal(std::chrono::sys_seconds time);
 
+/// What the user's locale calls the hours before noon, or those after it; "AM" and "PM" where it has no word
+/// for them.
+std::string DayHalfText(bool afternoon);
+
 /// Milliseconds of a clock that never goes back; its zero is arbitrary.
 std::int64_t TickCountMs();
 

@@ -32,8 +32,8 @@ std::string ScheduleText(const std::array<std::int32_t, 8>& days, std::int32_t h
 std::string ClockText(LocalDateTime time) {
   const LocalDateTimeParts parts = SplitLocalDateTime(time);
   const int hour = parts.hour % 12 == 0 ? 12 : parts.hour % 12;
-  return twoDigits(hour) + ":" + twoDigits(parts.minute) + ":" + twoDigits(parts.second) +
-         (parts.hour < 12 ? " AM" : " PM");
+  return twoDigits(hour) + ":" + twoDigits(parts.minute) + ":" + twoDigits(parts.second) + " " +
+         DayHalfText(parts.hour >= 12);
 }
 
 }  // namespace quillmoor

@@ -1,5 +1,8 @@
 #include "platform/LocalTime.h"
 
+#include <langinfo.h>
+#include <locale.h>
+
 #include <ctime>
 
 namespace quillmoor {
@@ -23,6 +26,13 @@ LocalDateTime UtcToLocal(std::chrono::sys_seconds time) {
   std::tm broken{};
   if (!::localtime_r(&seconds, &broken)) return LocalDateTime(time.time_since_epoch());
   return LocalDateTime(time.time_since_epoch() + std::chrono::seconds(broken.tm_gmtoff));
+}
+
+std::string DayHalfText(bool afternoon) {
+  // The user's own, whatever locale the program runs in.
+  static const locale_t locale = ::newlocale(LC_TIME_MASK, "", nullptr);
+  const std::string text = locale ? ::nl_langinfo_l(afternoon ? PM_STR : AM_STR, locale) : "";
+  return !text.empty() ? text : afternoon ? "PM" : "AM";
 }
 
 }  // namespace quillmoor

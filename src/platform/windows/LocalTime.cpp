@@ -1,9 +1,11 @@
 #include "platform/LocalTime.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 #include "platform/windows/SystemTime.h"
+#include "platform/windows/WideText.h"
 
 namespace quillmoor {
 namespace {
@@ -82,6 +84,13 @@ LocalDateTime UtcToLocal(sys_seconds time) {
 
 sys_seconds LocalToUtc(LocalDateTime time) {
   return LocalToUtc(time, rulesOf(yearOf(time)));
+}
+
+std::string DayHalfText(bool afternoon) {
+  wchar_t text[16] = {};  // at most 15 characters
+  ::GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, afternoon ? LOCALE_S2359 : LOCALE_S1159, text,
+                    static_cast<int>(std::size(text)));
+  return text[0] != L'\0' ? Narrow(text) : afternoon ? "PM" : "AM";
 }
 
 }  // namespace quillmoor
