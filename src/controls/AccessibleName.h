@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class wxStaticText;
 class wxWindow;
 
 namespace quillmoor {
@@ -15,5 +16,8 @@ enum class AccessibleRole { asItIs, progressBar, picture };
 /// `value` is asked for what the control shows, on Windows only: elsewhere the toolkit has no place for it.
 void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole role = AccessibleRole::asItIs,
                        std::function<wxString()> value = {});
+
+/// Names the control by the label that stands before it, and lets the label's mnemonic lead to it.
+void SetLabelFor(wxStaticText& label, wxWindow& control);
 
 }  // namespace quillmoor

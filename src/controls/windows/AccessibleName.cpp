@@ -1,6 +1,7 @@
 #include "controls/AccessibleName.h"
 
 #include <wx/access.h>
+#include <wx/stattext.h>
 #include <wx/window.h>
 
 #include <utility>
@@ -43,6 +44,11 @@ class NamedAccessible : public wxWindowAccessible {
 void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole role,
                        std::function<wxString()> value) {
   window.SetAccessible(new NamedAccessible(&window, name, role, std::move(value)));
+}
+
+/// The mnemonic needs no help: it leads to the control that was made after the label.
+void SetLabelFor(wxStaticText& label, wxWindow& control) {
+  SetAccessibleName(control, label.GetLabelText());
 }
 
 }  // namespace quillmoor

@@ -1,0 +1,64 @@
+#include "controls/WindowPrompts.h"
+
+#include <wx/dirdlg.h>
+#include <wx/filedlg.h>
+#include <wx/filefn.h>
+#include <wx/msgdlg.h>
+
+namespace quillmoor {
+namespace {
+
+wxString fromUtf8(std::string_view text) {
+  return wxString::FromUTF8(text.data(), text.size());
+}
+
+long styleOf(const Message& message) {
+  long style = message.icon == Message::Icon::critical ? wxICON_ERROR : wxICON_WARNING;
+  switch (message.buttons) {
+    case Message::Buttons::ok:
+      return style | wxOK;
+    case Message::Buttons::yesNo:
+      style |= wxYES_NO;
+      break;
+    case Message::Buttons::yesNoCancel:
+      style |= wxYES_NO | wxCANCEL;
+      break;
+  }
+  if (message.defaultButton == 2) style |= wxNO_DEFAULT;
+  if (message.defaultButton == 3) style |= wxCANCEL_DEFAULT;
+  return style;
+}
+
+}  // namespace
+
+UserPrompts::Answer WindowPrompts::ShowMessage(const Message& message) {
+  wxMessageDialog box(form_, fromUtf8(message.text), fromUtf8(message.title), styleOf(message));
+  switch (box.ShowModal()) {
+    case wxID_OK:
+      return Answer::ok;
+    case wxID_YES:
+      return Answer::yes;
+    case wxID_NO:
+      return Answer::no;
+    default:
+      if (message.buttons == Message::Buttons::ok) return Answer::ok;
+      return message.buttons == Message::Buttons::yesNo ? Answer::no : Answer::cancel;
+  }
+}
+
+std::optional<std::string> WindowPrompts::ChooseFile(std::string_view title, std::string_view filter) {
+  wxString pattern = fromUtf8(filter);
+  // Where a name need not have a dot, "*.*" would hide those that have none.
+  pattern.Replace("|*.*", wxString("|") + wxFileSelectorDefaultWildcardStr);
+  wxFileDialog chooser(form_, fromUtf8(title), "", "", pattern, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+  if (chooser.ShowModal() != wxID_OK) return std::nullopt;
+  return chooser.GetPath().utf8_string();
+}
+
+std::optional<std::string> WindowPrompts::ChooseFolder(std::string_view title) {
+  wxDirDialog chooser(form_, fromUtf8(title), "", wxDD_DEFAULT_STYLE);
+  if (chooser.ShowModal() != wxID_OK) return std::nullopt;
+  return chooser.GetPath().utf8_string();
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,23 @@
+// The questions of the editors in windows of the system: message boxes, choosers of files and folders.
+#pragma once
+
+#include "profiles/UserPrompts.h"
+
+class wxWindow;
+
+namespace quillmoor {
+
+class WindowPrompts final : public UserPrompts {
+ public:
+  /// Every window belongs to the frame of `form`, which must outlive this.
+  explicit WindowPrompts(wxWindow* form) : form_(form) {}
+
+  Answer ShowMessage(const Message& message) override;
+  std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter) override;
+  std::optional<std::string> ChooseFolder(std::string_view title) override;
+
+ private:
+  wxWindow* const form_;
+};
+
+}  // namespace quillmoor
