@@ -13,6 +13,7 @@
 #include <functional>
 #include <string>
 
+#include "TestPlatform.h"
 #include "engine/BackupRunning.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"
@@ -110,7 +111,6 @@ class GuiTest : public ::testing::Test {
  protected:
   GuiTest() {
     BackupRunning = false;
-    wxSetEnv("XDG_CONFIG_HOME", wxString::FromUTF8((folder / "config").string()));
     for (const char* key : {"AutoDial", "AutoHangUp", "CreateZip", "AutoStartUp", "ConnectionDelay"})
       WriteSetting(key, "0");
     WriteSetting("PaneLayout", "");
@@ -177,6 +177,7 @@ class GuiTest : public ::testing::Test {
     return row < report.rowCount() ? report.item(row, static_cast<std::size_t>(ReportColumn::status)) : "";
   }
 
+  testing::OwnRegistry registry;  // settings of this test alone
   testing::TemporaryFolder folder;
   testing::ScriptedFtpServer server;
   SiteProfile profile;
