@@ -10,7 +10,7 @@ namespace quillmoor {
 /// or, on Windows, its nearest likeness; bytes that are no UTF-8 are passed on as they are.
 std::string ToAnsi(std::string_view utf8);
 
-/// ANSI to UTF-8. Every byte has a character, so nothing is lost.
+/// ANSI to UTF-8. In a code page of single bytes each has a character, so that nothing is lost.
 std::string FromAnsi(std::string_view ansi);
 
 /// Whether the text comes back from the code page as it was.

@@ -51,6 +51,12 @@ void copyAll(const std::vector<FileCopy>& files, const std::atomic<bool>& ended)
   }
   const Unfinished unfinished(files);
   for (std::size_t i = 0; i < files.size(); ++i) CopyFileTo(unfinished[i], files[i].from, ended);
+  // A former copy is given up only for one that is on the disk.
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (LocalPathExists(files[i].to) && !FlushLocalFile(unfinished[i])) {
+      throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + files[i].to);
+    }
+  }
   // While its parts are exchanged a former set must not look whole.
   if (files.size() > 1 && !RemoveLocalFile(files.back().to) && LocalPathExists(files.back().to)) {
     throw std::system_error(std::make_error_code(std::errc::device_or_resource_busy),

@@ -13,10 +13,10 @@ struct FileCopy {
   std::string from, to;
 };
 
-/// Copies the files. The copies keep the time of the last change and the permissions. They are written under
-/// temporary names beside their targets, each is compared in size with what was copied, and when all are
-/// there they are renamed, in the order given. Temporary files that a killed program has left there are
-/// removed.
+/// Copies the files. The copies keep the time of the last change, unless the target's file system refuses
+/// that, and the permissions as far as the system copies them. They are written under temporary names beside
+/// their targets, each is compared in size with what was copied, and when all are there they are renamed, in
+/// the order given. Temporary files that a killed program has left there are removed.
 ///
 /// Blocks, and calls `goOn` on the caller's thread at least every 20 ms; once that answers false the copying
 /// is ended soon. It may be empty.

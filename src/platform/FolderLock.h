@@ -1,4 +1,4 @@
-// One writer at a time in a folder, across programs.
+// One writer at a time in a folder, across programs (on Windows: those of one session).
 #pragma once
 
 #include <cstdint>

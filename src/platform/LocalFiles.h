@@ -17,6 +17,10 @@ bool CreateLocalFolder(const std::string& path);
 /// Removes a file, a link or an empty folder. False when there was none or it is still there.
 bool RemoveLocalFile(const std::string& path);
 
+/// Has the system write the file's contents to the disk, so that a loss of power cannot cost them any more.
+/// False when it could not.
+bool FlushLocalFile(const std::string& path);
+
 /// The user may write to the file: it is there, and neither its permissions nor its attributes forbid it.
 bool LocalFileIsWritable(const std::string& path);
 

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
 #include "platform/ZipFormat.h"
 
@@ -199,6 +200,14 @@ std::vector<std::string> Output::finish() {
   std::vector<std::string> paths;
   for (std::uint32_t disk = 0; disk < count; ++disk) paths.push_back(names_.final(disk, count));
   const std::uint32_t main = selfExtracting_ ? 0 : count - 1;
+  // A former archive is given up only for one that is on the disk.
+  const bool replaces =
+      std::any_of(paths.begin(), paths.end(), [](const auto& path) { return pathKind(path); });
+  for (std::uint32_t disk = 0; replaces && disk < count; ++disk) {
+    if (!FlushLocalFile(names_.temporary(disk))) {
+      throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + paths[disk]);
+    }
+  }
   // From here on a former set is no longer whole, so that it must not look whole either.
   if (count > 1 && !removeFile(paths[main]) && pathKind(paths[main])) {
     throw std::system_error(std::make_error_code(std::errc::device_or_resource_busy),

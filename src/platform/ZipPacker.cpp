@@ -57,13 +57,6 @@ struct LargeFile {
   std::vector<std::uint8_t> tail;  ///< the last bytes read, at most kDictionary
 };
 
-/// The same from the side that writes it.
-struct LargeEntry {
-  Place header;
-  std::unique_ptr<AesEntry> aes;
-  std::int64_t written = 0;  ///< bytes of the file
-};
-
 /// A job with what its pieces are.
 struct Batch {
   struct Item {
@@ -376,23 +369,23 @@ class Writer {
     Source& source = *item.source;
     Entry& entry = source.entry;
     if (item.first) {
-      large_ = {};
+      largeAes_.reset();
       begin(entry);
       if (entry.encrypted) {
         const Salt salt = freshSalt();
-        large_.aes = std::make_unique<AesEntry>(*source.password, salt);
+        largeAes_ = std::make_unique<AesEntry>(*source.password, salt);
         output_.write(salt);
-        output_.write(large_.aes->verifier());
+        output_.write(largeAes_->verifier());
         entry.packedSize = kAesOverhead;
       }
     }
     entry.crc = item.first ? piece.crc : combineCrc(entry.crc, piece.crc, piece.size);
     entry.size += piece.size;
     entry.packedSize += piece.packed.size();
-    if (large_.aes) large_.aes->encrypt(piece.packed);
+    if (largeAes_) largeAes_->encrypt(piece.packed);
     output_.write(piece.packed);
     if (piece.part == Piece::Part::lastBlock) {
-      if (large_.aes) output_.write(large_.aes->code());
+      if (largeAes_) output_.write(largeAes_->code());
       output_.patch({entry.disk, static_cast<std::int64_t>(entry.offset)}, localHeader(entry));
       finishFile(source, item.error);
     } else {
@@ -420,7 +413,7 @@ class Writer {
   PackEvents& events_;
   ZipResult& result_;
   Directory directory_;
-  LargeEntry large_;
+  std::unique_ptr<AesEntry> largeAes_;  ///< of the large file that is being written
 };
 
 void packAll(const PackRequest& request, PackEvents& events, ZipResult& result, Output& output) {

@@ -1,5 +1,6 @@
 #include "platform/LocalFiles.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,6 +24,14 @@ bool CreateLocalFolder(const std::string& path) {
 
 bool RemoveLocalFile(const std::string& path) {
   return std::remove(path.c_str()) == 0;
+}
+
+bool FlushLocalFile(const std::string& path) {
+  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (file < 0) return false;
+  const bool flushed = ::fsync(file) == 0;
+  ::close(file);
+  return flushed;
 }
 
 bool LocalFileIsWritable(const std::string& path) {

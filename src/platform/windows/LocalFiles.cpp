@@ -10,6 +10,12 @@ DWORD attributesOf(const std::string& path) {
   return ::GetFileAttributesW(WidePath(path).c_str());
 }
 
+HANDLE openToWrite(const std::string& path) {
+  return ::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
 }  // namespace
 
 bool LocalPathExists(const std::string& path) {
@@ -30,11 +36,13 @@ bool RemoveLocalFile(const std::string& path) {
   return ::DeleteFileW(name.c_str()) != FALSE || ::RemoveDirectoryW(name.c_str()) != FALSE;
 }
 
+bool FlushLocalFile(const std::string& path) {
+  const Handle file(openToWrite(path));
+  return file && ::FlushFileBuffers(file.get()) != FALSE;
+}
+
 bool LocalFileIsWritable(const std::string& path) {
-  const Handle file(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  return static_cast<bool>(file);
+  return static_cast<bool>(Handle(openToWrite(path)));
 }
 
 }  // namespace quillmoor
