@@ -16,11 +16,13 @@ namespace quillmoor {
 class SeenTimer : public wxTimer {
  public:
   /// Begins to tick every `interval` milliseconds. `form` must outlive this. A tick that raises has failed,
-  /// and the next one tries again.
-  void begin(wxWindow* form, int interval, std::function<void()> tick) {
+  /// and the next one tries again. While `alsoUnseen` holds it ticks for a form that is not seen, too.
+  void begin(wxWindow* form, int interval, std::function<void()> tick,
+             std::function<bool()> alsoUnseen = {}) {
     form_ = form;
     interval_ = interval;
     tick_ = std::move(tick);
+    alsoUnseen_ = std::move(alsoUnseen);
     Start(interval_);
     form_->Bind(wxEVT_SHOW, [this](wxShowEvent& event) {
       wake();
@@ -37,12 +39,18 @@ class SeenTimer : public wxTimer {
   static constexpr int kRest = 2000;  // milliseconds
 
   void Notify() override {
-    if (form_->IsShownOnScreen()) {
+    if (form_->IsShownOnScreen() || neededUnseen()) {
       wake();
       tickGuarded();
     } else if (GetInterval() < kRest) {
       Start(kRest);
     }
+  }
+
+  bool neededUnseen() {
+    bool needed = false;
+    if (alsoUnseen_) Guarded([&] { needed = alsoUnseen_(); });
+    return needed;
   }
 
   /// Some toolkits call from C, which no exception may pass.
@@ -57,6 +65,7 @@ class SeenTimer : public wxTimer {
   wxWindow* form_ = nullptr;
   int interval_ = 0;
   std::function<void()> tick_;
+  std::function<bool()> alsoUnseen_;
 };
 
 }  // namespace quillmoor

@@ -5,9 +5,6 @@
 namespace quillmoor {
 namespace {
 
-constexpr const char* kDayNames[8] = {"",          "Sunday",   "Monday", "Tuesday",
-                                      "Wednesday", "Thursday", "Friday", "Saturday"};
-
 std::string twoDigits(std::int32_t number) {
   return (number >= 0 && number < 10 ? "0" : "") + std::to_string(number);
 }
@@ -17,7 +14,7 @@ std::string twoDigits(std::int32_t number) {
 std::string ScheduleText(const std::array<std::int32_t, 8>& days, std::int32_t hour, std::int32_t minute) {
   std::vector<std::string> names;
   for (std::size_t day = 1; day < days.size(); ++day) {
-    if (days[day] == 1) names.emplace_back(kDayNames[day]);
+    if (days[day] == 1) names.emplace_back(kWeekdayNames[day]);
   }
   if (names.empty()) return "Never: no weekday is selected";
   std::string text = "Every ";

@@ -1,6 +1,7 @@
 #include "profiles/SettingsEditor.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 
 #include "connectivity/PrioritySlider.h"
@@ -85,9 +86,18 @@ void SettingsEditor::SetAutoStartUp(bool checked) {
   settings_.AutoStartUp = checked ? 1 : 0;
   writer_.Together([&] {
     writer_.WriteFlag("AutoStartUp", checked);
-    writer_.Attempt("autostart",
-                    [&] { mAutoRun::SetAutoRun(checked ? mAutoRun::Mode::always : mAutoRun::Mode::off); });
+    writer_.Attempt("autostart", [&] { setAutoRun(checked); });
   });
+}
+
+void SettingsEditor::setAutoRun(bool checked) {
+  try {
+    mAutoRun::SetAutoRun(checked ? mAutoRun::Mode::always : mAutoRun::Mode::off);
+    autoStartUpNote = "";
+  } catch (const std::exception& error) {
+    autoStartUpNote = error.what();
+    throw;
+  }
 }
 
 std::int32_t SettingsEditor::storeNumber(const char* key, const std::string& text, std::int32_t largest) {

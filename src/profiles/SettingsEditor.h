@@ -33,6 +33,8 @@ class SettingsEditor {
   bool chkAutoDial = true;
   bool chkAutoHangUp = true;
   bool chkAutoStartUp = true;
+  /// Why the program's start with the session could not be set as the box says, "" when it could.
+  std::string autoStartUpNote;
   std::string txtRetryCount;
   std::string txtConnectionDelay;  // seconds
   std::vector<std::string> lstExtensions;
@@ -49,7 +51,7 @@ class SettingsEditor {
   void SetAutoHangUp(bool checked);
   void ChooseDialUpEntry(const std::string& text);
 
-  /// Also sets or removes the entry that starts the program with the session.
+  /// Also sets or removes the entry that starts the program with the session, and writes the note anew.
   void SetAutoStartUp(bool checked);
 
   /// The texts stay as they were typed; what leads them as a number counts, nothing below 0.
@@ -70,6 +72,7 @@ class SettingsEditor {
   void Save();
 
  private:
+  void setAutoRun(bool checked);
   std::int32_t storeNumber(const char* key, const std::string& text, std::int32_t largest);
   void storeStartTime();
   void storeDay(std::size_t weekday);

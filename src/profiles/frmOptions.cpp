@@ -1,72 +1,203 @@
 #include "profiles/frmOptions.h"
 
-#include <wx/sizer.h>
-#include <wx/stattext.h>
-
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "profiles/JoinedList.h"
+#include "controls/AccessibleName.h"
 
 namespace quillmoor {
 namespace {
 
-const std::vector<ReportControl::Column> kColumns = {{"Option", 240}, {"In force", 420}};
+struct RunBox {
+  const char* caption;
+  const char* name;
+  const char* browse;  // name of the button that chooses a file for it, nullptr where there is none
+};
+/// As in kRunTexts.
+constexpr std::array<RunBox, kRunTexts.size()> kRunBoxes = {
+    {{"&Program before the backup:", "txtRunBefore", "cmdBrowseRunBefore"},
+     {"Program af&ter the backup:", "txtRunAfter", "cmdBrowseRunAfter"},
+     {"Addre&ss before the backup:", "txtConnectBefore", nullptr},
+     {"Address after the bac&kup:", "txtConnectAfter", nullptr}}};
 
-std::string yesNo(std::int32_t flag) {
-  return flag == 1 ? "Yes" : "No";
-}
+constexpr const char* kProgramTip =
+    "A program or document that is opened as if by a double click, without parameters. Nobody waits for its "
+    "end. Empty: none";
+constexpr const char* kAddressTip =
+    "A web address that is called once, http://www.example.org/done for instance. Only an answer with status "
+    "200 is a success. Empty: none";
 
-std::string orNone(const std::string& text) {
-  return text.empty() ? "None" : text;
-}
-
-std::string listOrNone(std::string folders) {
-  std::replace(folders.begin(), folders.end(), kListSeparator, ' ');
-  return orNone(folders);
-}
-
-std::vector<std::pair<std::string, std::string>> optionsOf(const ApplicationSettings& s) {
-  return {{"Files fetched",
-           s.BackupMode == 1 ? "All of them" : "Those that are missing or listed with an earlier date"},
-          {"A folder of its own for every run", s.UniqueBackup != 0 ? "Yes" : "No"},
-          {"Archive after the download", yesNo(s.CreateZip)},
-          {"Archive split into volumes",
-           s.SplitZip == 1 ? "Yes, of " + std::to_string(s.ZipSpanSize) + " KB" : "No"},
-          {"Archive extracts itself", yesNo(s.ZipSelfExtract)},
-          {"Archive has a password", s.ZipPassword.empty() ? "No" : "Yes"},
-          {"Archive copied to", listOrNone(s.ZipCopies)},
-          {"Program started before a run", orNone(s.RunBefore)},
-          {"Program started after a run", orNone(s.RunAfter)},
-          {"Address called before a run", orNone(s.ConnectBefore)},
-          {"Address called after a run", orNone(s.ConnectAfter)}};
+std::string textOf(const wxTextCtrl* box) {
+  return box->GetValue().utf8_string();
 }
 
 }  // namespace
 
-frmOptions::frmOptions(wxWindow* parent, const ApplicationSettings& settings)
-    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "frmOptions"),
-      settings_(settings) {
-  const int gap = FromDIP(6);
-  auto* const all = new wxBoxSizer(wxVERTICAL);
-  all->Add(new wxStaticText(this, wxID_ANY, "What every backup run does:"),
-           wxSizerFlags().Border(wxALL, gap));
-  lvwOptions = new ReportControl(this, kColumns, "Backup options");
-  all->Add(lvwOptions, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
-  SetSizer(all);
-  LoadOptions();
+frmOptions::frmOptions(wxWindow* parent, ApplicationSettings& settings)
+    : ScrolledForm(parent, "frmOptions"), prompts_(this), editor_(settings, prompts_) {
+  layOutMode();
+  layOutArchive();
+  layOutCopies();
+  layOutRunTexts();
+  finish();
+  show();
+  showCopies();
+  connect();
 }
 
-void frmOptions::LoadOptions() {
-  lvwOptions->clear();
-  for (const auto& [option, value] : optionsOf(settings_)) {
-    const std::size_t row = lvwOptions->addRow();
-    lvwOptions->setItem(row, 0, option);
-    lvwOptions->setItem(row, 1, value);
+void frmOptions::layOutMode() {
+  beginGroup("What is fetched");
+  optFull = new wxRadioButton(group(), wxID_ANY, "&Full backup: every file", wxDefaultPosition, wxDefaultSize,
+                              wxRB_GROUP, wxDefaultValidator, "optFull");
+  optIncremental = new wxRadioButton(
+      group(), wxID_ANY, "&Incremental backup: what is missing, or is listed with an earlier date",
+      wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "optIncremental");
+  optIncremental->SetToolTip(
+      "Fetches a file that is not in the backup yet, and one that the server lists with an earlier date than "
+      "its copy's. A later date there does not count");
+  chkUniqueBackup = checkBox("A folder with the &date for every full backup", "chkUniqueBackup",
+                             "Keeps the former backups: each goes into a folder of its own, such as My "
+                             "site-11-24-2026, month first");
+  add(optFull);
+  add(optIncremental);
+  add(chkUniqueBackup);
+  addNote("What is changed here counts from the next start of the program.");
+}
+
+void frmOptions::layOutArchive() {
+  beginGroup("Archive");
+  chkCreateZip = checkBox("C&reate an archive after the download", "chkCreateZip",
+                          "Packs every profile's backup into one file beside its folder");
+  chkSplitZip =
+      checkBox("Sp&lit it into parts", "chkSplitZip", "To unpack, all parts must lie in one folder");
+  lblZipSpanSize = caption("Si&ze of a part:");
+  txtZipSpanSize = textBox(12, "txtZipSpanSize",
+                           "A number of KB, 350 or more: smaller ones count as 350. 1024 KB are one MB");
+  lblZipSpanUnit = label("KB");
+  chkZipSelfExtract = checkBox("Make it a program that &unpacks itself", "chkZipSelfExtract",
+                               "A program for the kind of system that this one is");
+  lblZipPassword = caption("Pass&word:");
+  txtZipPassword =
+      textBox(24, "txtZipPassword",
+              "Enciphers what the files hold, not their names. Whoever unpacks has to type it, and "
+              "there is no way back without it. Empty: none",
+              wxTE_PASSWORD);
+  SetLabelFor(*lblZipSpanSize, *txtZipSpanSize);
+  SetAccessibleName(*txtZipSpanSize, "Size of a part, in KB");
+  SetLabelFor(*lblZipPassword, *txtZipPassword);
+  add(chkCreateZip);
+  add(chkSplitZip, indent());
+  addRow(lblZipSpanSize, txtZipSpanSize, Width::own, {lblZipSpanUnit}, indent());
+  lblSpanSizeNote = addNote("", indent());
+  add(chkZipSelfExtract, indent());
+  addRow(lblZipPassword, txtZipPassword, Width::own, {}, indent());
+  lblPasswordNote = addNote("", indent());
+}
+
+void frmOptions::layOutCopies() {
+  beginGroup("Folders for copies of the archive");
+  lstZipCopies = new wxListBox(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr,
+                               wxLB_SINGLE | wxLB_HSCROLL, wxDefaultValidator, "lstZipCopies");
+  lstZipCopies->SetMinSize(FromDIP(wxSize(120, 90)));
+  SetAccessibleName(*lstZipCopies, "Folders for copies of the archive");
+  cmdAddCopy = button("&Add...", "cmdAddCopy", "A folder that is there: none is made, it may be a disk");
+  cmdRemoveCopy = button("Re&move", "cmdRemoveCopy", "Takes the selected folder out of the list");
+  auto* const buttons = new wxBoxSizer(wxVERTICAL);
+  buttons->Add(cmdAddCopy, wxSizerFlags().Expand());
+  buttons->Add(cmdRemoveCopy, wxSizerFlags().Expand().Border(wxTOP, gap()));
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  row->Add(lstZipCopies, wxSizerFlags(1).Expand());
+  row->Add(buttons, wxSizerFlags().Border(wxLEFT, gap()));
+  add(row);
+}
+
+void frmOptions::layOutRunTexts() {
+  beginGroup("Programs and addresses");
+  for (std::size_t box = 0; box < kRunBoxes.size(); ++box) {
+    const RunBox& it = kRunBoxes[box];
+    wxStaticText* const text = caption(it.caption);
+    txtRun[box] = textBox(16, it.name, it.browse ? kProgramTip : kAddressTip);
+    SetLabelFor(*text, *txtRun[box]);
+    if (!it.browse) {
+      addRow(text, txtRun[box], Width::rest);
+      continue;
+    }
+    wxButton* const browse = button("Browse...", it.browse);
+    SetAccessibleName(*browse, "Browse: " + text->GetLabelText());
+    addRow(text, txtRun[box], Width::rest, {browse});
+    (box == 0 ? cmdBrowseRunBefore : cmdBrowseRunAfter) = browse;
   }
-  lvwOptions->populate();
+}
+
+template <class Event>
+void frmOptions::on(wxWindow* control, const wxEventTypeTag<Event>& event, std::function<void()> change) {
+  control->Bind(event, [this, change = std::move(change)](Event&) {
+    change();
+    show();
+  });
+}
+
+void frmOptions::connect() {
+  on(optFull, wxEVT_RADIOBUTTON, [this] { editor_.ChooseFull(); });
+  on(optIncremental, wxEVT_RADIOBUTTON, [this] { editor_.ChooseIncremental(); });
+  on(chkUniqueBackup, wxEVT_CHECKBOX, [this] { editor_.SetUniqueBackup(chkUniqueBackup->GetValue()); });
+  on(chkCreateZip, wxEVT_CHECKBOX, [this] { editor_.SetCreateZip(chkCreateZip->GetValue()); });
+  on(chkSplitZip, wxEVT_CHECKBOX, [this] { editor_.SetSplitZip(chkSplitZip->GetValue()); });
+  on(txtZipSpanSize, wxEVT_TEXT, [this] { editor_.SetZipSpanSize(textOf(txtZipSpanSize)); });
+  on(chkZipSelfExtract, wxEVT_CHECKBOX, [this] { editor_.SetZipSelfExtract(chkZipSelfExtract->GetValue()); });
+  on(txtZipPassword, wxEVT_TEXT, [this] { editor_.SetZipPassword(textOf(txtZipPassword)); });
+  for (std::size_t box = 0; box < txtRun.size(); ++box)
+    on(txtRun[box], wxEVT_TEXT, [this, box] { editor_.SetRunText(box, textOf(txtRun[box])); });
+  on(cmdBrowseRunBefore, wxEVT_BUTTON, [this] { editor_.BrowseRunText(0); });
+  on(cmdBrowseRunAfter, wxEVT_BUTTON, [this] { editor_.BrowseRunText(1); });
+  on(cmdAddCopy, wxEVT_BUTTON, [this] { addCopy(); });
+  on(cmdRemoveCopy, wxEVT_BUTTON, [this] { removeCopy(); });
+  on(lstZipCopies, wxEVT_LISTBOX, [] {});
+}
+
+void frmOptions::addCopy() {
+  const std::size_t before = editor_.lstZipCopies.size();
+  editor_.AddCopy();
+  showCopies();
+  if (editor_.lstZipCopies.size() > before) lstZipCopies->SetSelection(static_cast<int>(before));
+}
+
+void frmOptions::removeCopy() {
+  const int selected = lstZipCopies->GetSelection();
+  if (selected == wxNOT_FOUND) return;
+  editor_.RemoveCopy(static_cast<std::size_t>(selected));
+  showCopies();
+}
+
+void frmOptions::showCopies() {
+  wxArrayString folders;
+  for (const std::string& folder : editor_.lstZipCopies) folders.Add(wxString::FromUTF8(folder));
+  const int selected = lstZipCopies->GetSelection();
+  lstZipCopies->Set(folders);
+  const int last = static_cast<int>(folders.size()) - 1;
+  if (selected != wxNOT_FOUND && last >= 0) lstZipCopies->SetSelection(std::min(selected, last));
+}
+
+void frmOptions::show() {
+  (editor_.optFull ? optFull : optIncremental)->SetValue(true);
+  chkUniqueBackup->SetValue(editor_.chkUniqueBackup);
+  chkUniqueBackup->Enable(editor_.chkUniqueBackupEnabled);
+  chkCreateZip->SetValue(editor_.chkCreateZip);
+  chkSplitZip->SetValue(editor_.chkSplitZip);
+  ShowText(txtZipSpanSize, wxString::FromUTF8(editor_.txtZipSpanSize));
+  setNote(lblSpanSizeNote, wxString::FromUTF8(editor_.spanSizeNote));
+  chkZipSelfExtract->SetValue(editor_.chkZipSelfExtract);
+  ShowText(txtZipPassword, wxString::FromUTF8(editor_.txtZipPassword));
+  setNote(lblPasswordNote, wxString::FromUTF8(editor_.passwordNote));
+  for (wxWindow* const control :
+       std::initializer_list<wxWindow*>{chkSplitZip, lblZipSpanSize, txtZipSpanSize, lblZipSpanUnit,
+                                        chkZipSelfExtract, lblZipPassword, txtZipPassword})
+    control->Enable(editor_.archiveOptionsEnabled);
+  for (std::size_t box = 0; box < txtRun.size(); ++box)
+    ShowText(txtRun[box], wxString::FromUTF8(editor_.txtRun[box]));
+  cmdRemoveCopy->Enable(lstZipCopies->GetSelection() != wxNOT_FOUND);
 }
 
 }  // namespace quillmoor

@@ -1,25 +1,59 @@
-// The backup options in force.
+// The backup options: what a run fetches, what becomes of it, and what is started and called around it.
 #pragma once
 
-#include <wx/panel.h>
+#include <wx/listbox.h>
+#include <wx/radiobut.h>
 
-#include "controls/ReportControl.h"
-#include "profiles/ApplicationSettings.h"
+#include <array>
+#include <functional>
+
+#include "controls/ScrolledForm.h"
+#include "controls/WindowPrompts.h"
+#include "profiles/OptionsEditor.h"
 
 namespace quillmoor {
 
-class frmOptions : public wxPanel {
+class frmOptions : public ScrolledForm {
  public:
-  /// `settings` must outlive this.
-  frmOptions(wxWindow* parent, const ApplicationSettings& settings);
+  /// `settings` is what runs go by; it must outlive this.
+  frmOptions(wxWindow* parent, ApplicationSettings& settings);
 
-  /// Shows the settings as they are now.
-  void LoadOptions();
-
-  ReportControl* lvwOptions;
+  wxRadioButton* optFull;
+  wxRadioButton* optIncremental;
+  wxCheckBox* chkUniqueBackup;
+  wxCheckBox* chkCreateZip;
+  wxCheckBox* chkSplitZip;
+  wxStaticText* lblZipSpanSize;
+  wxTextCtrl* txtZipSpanSize;
+  wxStaticText* lblZipSpanUnit;
+  wxStaticText* lblSpanSizeNote;
+  wxCheckBox* chkZipSelfExtract;
+  wxStaticText* lblZipPassword;
+  wxTextCtrl* txtZipPassword;
+  wxStaticText* lblPasswordNote;
+  wxListBox* lstZipCopies;
+  wxButton* cmdAddCopy;
+  wxButton* cmdRemoveCopy;
+  std::array<wxTextCtrl*, kRunTexts.size()> txtRun;  // as in kRunTexts
+  wxButton* cmdBrowseRunBefore;
+  wxButton* cmdBrowseRunAfter;
 
  private:
-  const ApplicationSettings& settings_;
+  void layOutMode();
+  void layOutArchive();
+  void layOutCopies();
+  void layOutRunTexts();
+  void connect();
+  /// Lets a control's event change the editor, and shows what has become of it.
+  template <class Event>
+  void on(wxWindow* control, const wxEventTypeTag<Event>& event, std::function<void()> change);
+  void addCopy();
+  void removeCopy();
+  void show();
+  void showCopies();
+
+  WindowPrompts prompts_;
+  OptionsEditor editor_;
 };
 
 }  // namespace quillmoor

@@ -1,94 +1,312 @@
 #include "profiles/frmSettings.h"
 
-#include <wx/sizer.h>
-#include <wx/statbox.h>
+#include <wx/dateevt.h>
+#include <wx/wrapsizer.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <optional>
 #include <utility>
 
 #include "connectivity/modProcessPriority.h"
+#include "controls/AccessibleName.h"
 #include "profiles/ScheduleText.h"
 
 namespace quillmoor {
 namespace {
 
-void setText(wxStaticText* label, const std::string& text) {
-  const wxString shown = wxString::FromUTF8(text);
-  if (label->GetLabelText() != shown) label->SetLabelText(shown);
+constexpr int kLastPosition = static_cast<int>(modProcessPriority::kClasses.size());
+
+std::string textOf(const wxTextCtrl* box) {
+  return box->GetValue().utf8_string();
+}
+
+/// The position in a list that an editor knows, too.
+std::optional<std::size_t> selectionOf(const wxListBox* list) {
+  const int selected = list->GetSelection();
+  if (selected == wxNOT_FOUND) return std::nullopt;
+  return static_cast<std::size_t>(selected);
 }
 
 }  // namespace
 
 frmSettings::frmSettings(wxWindow* parent, Sources sources)
-    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "frmSettings"),
+    : ScrolledForm(parent, "frmSettings"),
       sources_(std::move(sources)),
-      Ras1_(MakeDialUp(Pump())),  // no events in the middle of a tick: they may end the program
-      dialUp_(*Ras1_, sources_.settings) {
-  layOut();
-  cmdResetLayout->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
+      prompts_(this),
+      dialUp_(*sources_.dialUp, sources_.settings),
+      editor_(sources_.settings, dialUp_, prompts_) {
+  layOutSchedule();
+  layOutConnection();
+  layOutDialUp();
+  layOutExtensions();
+  layOutProgram();
+  finish();
+  fillConnections();
+  showExtensions();
+  show();
+  connect();
+  startTimers();
+}
+
+/// A text that the program writes, in a room that it neither leaves nor changes.
+wxStaticText* frmSettings::status(const char* name) {
+  wxStaticText* const made = label(" ", wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END, name);
+  made->SetMinSize({GetTextExtent("0").x * 16, -1});
+  return made;
+}
+
+void frmSettings::layOutSchedule() {
+  beginGroup("Schedule");
+  wxStaticText* const start = caption("&Start at:");
+  dtpStartTime = new wxTimePickerCtrl(group(), wxID_ANY, wxDefaultDateTime, wxDefaultPosition, wxDefaultSize,
+                                      wxTP_DEFAULT, wxDefaultValidator, "dtpStartTime");
+  dtpStartTime->SetToolTip("The hour and the minute at which a backup starts; the seconds do not count");
+  SetLabelFor(*start, *dtpStartTime);
+  addRow(start, dtpStartTime, Width::own);
+  wxStaticText* const now = caption("Time now:");
+  lblTimeNow = status("lblTimeNow");
+  addRow(now, lblTimeNow, Width::rest);
+  auto* const days = new wxWrapSizer(wxHORIZONTAL);
+  for (std::size_t day = 1; day < chkDay.size(); ++day) {
+    chkDay[day] = checkBox(kWeekdayNames.at(day), wxString("chk") + kWeekdayNames.at(day));
+    days->Add(chkDay[day], wxSizerFlags().Border(wxRIGHT | wxBOTTOM, gap()));
+  }
+  add(days);
+  lblSchedule = addNote("");
+  addNote("A day that is ticked or cleared counts from the next start of the program, a new time at once.");
+}
+
+void frmSettings::layOutConnection() {
+  beginGroup("Connection");
+  wxStaticText* const lan = caption("Local network:");
+  lblLANstatus = status("lblLANstatus");
+  addRow(lan, lblLANstatus, Width::rest);
+  wxStaticText* const attempts = caption("A&ttempts:");
+  txtRetryCount = textBox(8, "txtRetryCount",
+                          "A number: how often each step on the server is tried before it is passed over");
+  SetLabelFor(*attempts, *txtRetryCount);
+  addRow(attempts, txtRetryCount, Width::own);
+  wxStaticText* const delay = caption("Dela&y:");
+  txtConnectionDelay =
+      textBox(8, "txtConnectionDelay", "A number of seconds between two attempts to connect");
+  SetLabelFor(*delay, *txtConnectionDelay);
+  SetAccessibleName(*txtConnectionDelay, "Delay, in seconds");
+  addRow(delay, txtConnectionDelay, Width::own, {label("seconds")});
+}
+
+void frmSettings::layOutDialUp() {
+  beginGroup("Dial-up");
+  wxStaticText* const entry = caption("&Entry:");
+  cboConnections = new wxChoice(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0,
+                                wxDefaultValidator, "cboConnections");
+  cboConnections->SetMinSize({GetTextExtent("0").x * 24, -1});
+  cboConnections->SetToolTip("The dial-up connections that this computer knows");
+  SetLabelFor(*entry, *cboConnections);
+  chkAutoDial =
+      checkBox("Dial &before a backup", "chkAutoDial",
+               "Leave this off on a computer that has a network of its own: a run would wait for the "
+               "dial-up connection");
+  chkAutoHangUp =
+      checkBox("Hang up a&fter a backup", "chkAutoHangUp", "Also a connection that was there before");
+  wxStaticText* const state = caption("Status:");
+  lblRasStatus = status("lblRasStatus");
+  cmdDial = button("&Dial", "cmdDial");
+  cmdHangUp = button("&Hang Up", "cmdHangUp");
+  addRow(entry, cboConnections, Width::own);
+  add(chkAutoDial);
+  add(chkAutoHangUp);
+  addRow(state, lblRasStatus, Width::rest, {cmdDial, cmdHangUp});
+}
+
+void frmSettings::layOutExtensions() {
+  beginGroup("Files transferred as text");
+  lstExtensions = new wxListBox(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr,
+                                wxLB_SINGLE | wxLB_HSCROLL, wxDefaultValidator, "lstExtensions");
+  lstExtensions->SetMinSize(FromDIP(wxSize(100, 130)));
+  SetAccessibleName(*lstExtensions, "Extensions of files transferred as text");
+  wxStaticText* const extension = label("Ne&w extension:");
+  txtExtension = textBox(14, "txtExtension", "One extension, such as .txt", wxTE_PROCESS_ENTER);
+  txtExtension->SetHint(".txt");
+  SetLabelFor(*extension, *txtExtension);
+  cmdAddExtension = button("&Add", "cmdAddExtension");
+  cmdRemoveExtension =
+      button("&Remove", "cmdRemoveExtension", "Takes the selected extension out of the list");
+  cmdRestoreExtensions = button("Restore Defau&lt", "cmdRestoreExtensions",
+                                "Puts the list back as it is when the program is new");
+  auto* const side = new wxBoxSizer(wxVERTICAL);
+  side->Add(extension);
+  for (wxWindow* const control : std::initializer_list<wxWindow*>{txtExtension, cmdAddExtension,
+                                                                  cmdRemoveExtension, cmdRestoreExtensions})
+    side->Add(control, wxSizerFlags().Expand().Border(wxTOP, gap()));
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  row->Add(lstExtensions, wxSizerFlags(1).Expand());
+  row->Add(side, wxSizerFlags().Border(wxLEFT, gap()));
+  add(row);
+  addNote(
+      "Their lines come to end as is usual on this computer. All other files are transferred byte by byte.");
+}
+
+void frmSettings::layOutProgram() {
+  beginGroup("Program");
+  chkAutoStartUp = checkBox("Start the program when I log &in", "chkAutoStartUp",
+                            "It has to be running when a backup is due");
+  add(chkAutoStartUp);
+  lblAutoStartNote = addNote("", indent());
+  wxStaticText* const priority = caption("&Priority:");
+  SliderlPriority =
+      new wxSlider(group(), wxID_ANY, modProcessPriority::ClassToPosition(modProcessPriority::kNormalClass),
+                   1, kLastPosition, wxDefaultPosition, wxDefaultSize, wxSL_HORIZONTAL | wxSL_AUTOTICKS,
+                   wxDefaultValidator, "SliderlPriority");
+  SliderlPriority->SetMinSize(FromDIP(wxSize(160, -1)));
+  SliderlPriority->SetToolTip(
+      "How much of the computer's time the program may claim, also while it backs up. \"Normal\" is right "
+      "for "
+      "nearly everyone");
+  SetLabelFor(*priority, *SliderlPriority);
+  lblPriority = status("lblPriority");
+  addRow(priority, SliderlPriority, Width::own, {lblPriority});
+  cmdResetLayout = button("Put Panes Bac&k", "cmdResetLayout", "Puts all panes behind one row of tabs again");
+  add(cmdResetLayout);
+}
+
+void frmSettings::fillConnections() {
+  const DialUpPanel::EntryList entries = dialUp_.LoadEntries();
+  for (const std::string& name : entries.names) cboConnections->Append(wxString::FromUTF8(name));
+  if (entries.selected) cboConnections->SetSelection(static_cast<int>(*entries.selected));
+}
+
+template <class Event>
+void frmSettings::on(wxWindow* control, const wxEventTypeTag<Event>& event, std::function<void()> change) {
+  control->Bind(event, [this, change = std::move(change)](Event&) {
+    change();
+    show();
+  });
+}
+
+void frmSettings::connect() {
+  on(dtpStartTime, wxEVT_TIME_CHANGED, [this] { setStartTime(); });
+  for (std::size_t day = 1; day < chkDay.size(); ++day)
+    on(chkDay[day], wxEVT_CHECKBOX, [this, day] { editor_.SetDay(day, chkDay[day]->GetValue()); });
+  on(txtRetryCount, wxEVT_TEXT, [this] { editor_.SetRetryCount(textOf(txtRetryCount)); });
+  on(txtConnectionDelay, wxEVT_TEXT, [this] { editor_.SetConnectionDelay(textOf(txtConnectionDelay)); });
+  on(cboConnections, wxEVT_CHOICE,
+     [this] { editor_.ChooseDialUpEntry(cboConnections->GetStringSelection().utf8_string()); });
+  on(chkAutoDial, wxEVT_CHECKBOX, [this] { editor_.SetAutoDial(chkAutoDial->GetValue()); });
+  on(chkAutoHangUp, wxEVT_CHECKBOX, [this] { editor_.SetAutoHangUp(chkAutoHangUp->GetValue()); });
+  on(cmdDial, wxEVT_BUTTON, [this] { dialUp_.Dial(); });
+  on(cmdHangUp, wxEVT_BUTTON, [this] { dialUp_.HangUp(); });
+  on(lstExtensions, wxEVT_LISTBOX, [] {});
+  on(txtExtension, wxEVT_TEXT, [this] { editor_.txtExtension = textOf(txtExtension); });
+  on(txtExtension, wxEVT_TEXT_ENTER, [this] { addExtension(); });
+  on(cmdAddExtension, wxEVT_BUTTON, [this] { addExtension(); });
+  on(cmdRemoveExtension, wxEVT_BUTTON, [this] { removeExtension(); });
+  on(cmdRestoreExtensions, wxEVT_BUTTON, [this] {
+    editor_.RestoreExtensions();
+    showExtensions();
+  });
+  on(chkAutoStartUp, wxEVT_CHECKBOX, [this] { editor_.SetAutoStartUp(chkAutoStartUp->GetValue()); });
+  // Once a drag has come to its end: on its way the slider must not make the program a realtime one.
+  on(SliderlPriority, wxEVT_SCROLL_CHANGED, [this] { editor_.MovePriority(SliderlPriority->GetValue()); });
+  on(cmdResetLayout, wxEVT_BUTTON, [this] {
     if (onResetLayout) onResetLayout();
   });
-  tmrOnlineStatus.begin(this, kTmrOnlineStatus, [this] { tmrOnlineStatus_Timer(); });
+}
+
+void frmSettings::startTimers() {
+  // What the component is told of while it dials it takes in when it is asked.
+  tmrOnlineStatus.begin(
+      this, kTmrOnlineStatus, [this] { tmrOnlineStatus_Timer(); },
+      [this] { return sources_.dialUp->Busy(); });
   tmrLANstatus.begin(this, kTmrLANstatus, [this] { tmrLANstatus_Timer(); });
   tmrTimeNow.begin(this, kTmrTimeNow, [this] { tmrTimeNow_Timer(); });
 }
 
-void frmSettings::layOut() {
-  const int gap = FromDIP(6);
-  auto* const all = new wxBoxSizer(wxVERTICAL);
-  const auto group = [&](const char* title) {
-    auto* const box = new wxStaticBoxSizer(wxVERTICAL, this, title);
-    auto* const grid = new wxFlexGridSizer(2, gap, 2 * gap);
-    grid->AddGrowableCol(1);
-    box->Add(grid, wxSizerFlags(1).Expand().Border(wxALL, gap));
-    all->Add(box, wxSizerFlags().Expand().Border(wxALL, gap));
-    return std::pair(box->GetStaticBox(), grid);
-  };
-  const auto row = [&](auto where, const char* caption, const char* name) {
-    auto* const text = new wxStaticText(where.first, wxID_ANY, caption);
-    text->SetMinSize({std::max(text->GetBestSize().x, FromDIP(150)), -1});
-    auto* const value = new wxStaticText(where.first, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
-                                         wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END, name);
-    where.second->Add(text);
-    where.second->Add(value, wxSizerFlags().Expand());
-    return value;
-  };
-  const auto network = group("Network");
-  lblLANstatus = row(network, "Local network:", "lblLANstatus");
-  lblRasStatus = row(network, "Dial-up:", "lblRasStatus");
-  const auto schedule = group("Schedule");
-  lblSchedule = row(schedule, "Backup:", "lblSchedule");
-  lblTimeNow = row(schedule, "Time now:", "lblTimeNow");
-  const auto program = group("Program");
-  lblPriority = row(program, "Priority:", "lblPriority");
-  setText(lblPriority, modProcessPriority::ClassName(sources_.settings.ProcessPriority));
-  lblAutoStartUp = row(program, "Starts with the session:", "lblAutoStartUp");
-  cmdResetLayout = new wxButton(this, wxID_ANY, "&Put Panes Back", wxDefaultPosition, wxDefaultSize, 0,
-                                wxDefaultValidator, "cmdResetLayout");
-  cmdResetLayout->SetToolTip("Puts all panes behind one row of tabs again");
-  all->Add(cmdResetLayout, wxSizerFlags().Border(wxALL, gap));
-  SetSizer(all);
+void frmSettings::setStartTime() {
+  int hour = 0, minute = 0, second = 0;
+  if (dtpStartTime->GetTime(&hour, &minute, &second)) editor_.SetStartTime(hour, minute);
+}
+
+void frmSettings::addExtension() {
+  editor_.AddExtension();
+  showExtensions();
+  ShowText(txtExtension, wxString::FromUTF8(editor_.txtExtension));
+  const int added = lstExtensions->FindString(txtExtension->GetValue(), true);
+  if (added != wxNOT_FOUND) lstExtensions->SetSelection(added);
+  txtExtension->SetFocus();
+  txtExtension->SelectAll();
+}
+
+void frmSettings::removeExtension() {
+  editor_.RemoveExtension(selectionOf(lstExtensions));
+  showExtensions();
+}
+
+void frmSettings::showExtensions() {
+  const int selected = lstExtensions->GetSelection();
+  wxArrayString extensions;
+  for (const std::string& extension : editor_.lstExtensions) extensions.Add(wxString::FromUTF8(extension));
+  lstExtensions->Set(extensions);
+  const int last = static_cast<int>(extensions.size()) - 1;
+  if (selected != wxNOT_FOUND && last >= 0) lstExtensions->SetSelection(std::min(selected, last));
+}
+
+void frmSettings::show() {
+  showStartTime();
+  for (std::size_t day = 1; day < chkDay.size(); ++day) chkDay[day]->SetValue(editor_.days[day]);
+  ShowText(txtRetryCount, wxString::FromUTF8(editor_.txtRetryCount));
+  ShowText(txtConnectionDelay, wxString::FromUTF8(editor_.txtConnectionDelay));
+  chkAutoDial->SetValue(editor_.chkAutoDial);
+  chkAutoHangUp->SetValue(editor_.chkAutoHangUp);
+  cmdRemoveExtension->Enable(lstExtensions->GetSelection() != wxNOT_FOUND);
+  chkAutoStartUp->SetValue(editor_.chkAutoStartUp);
+  const std::string& problem = editor_.autoStartUpNote;
+  setNote(lblAutoStartNote, wxString::FromUTF8(problem.empty() ? "" : "Could not be set: " + problem));
+  showPriority();
+  showDialUp();
+}
+
+/// A picker that shows that time already is left alone: somebody may be typing in it.
+void frmSettings::showStartTime() {
+  int hour = 0, minute = 0, second = 0;
+  if (dtpStartTime->GetTime(&hour, &minute, &second) && hour == editor_.startHour &&
+      minute == editor_.startMinute)
+    return;
+  dtpStartTime->SetTime(editor_.startHour, editor_.startMinute, 0);
+}
+
+/// A class that the slider does not have leaves it where it is.
+void frmSettings::showPriority() {
+  if (editor_.priorityPosition <= kLastPosition) SliderlPriority->SetValue(editor_.priorityPosition);
+  ShowText(lblPriority, wxString::FromUTF8(editor_.lblPriority));
+}
+
+void frmSettings::showDialUp() {
+  ShowText(lblRasStatus, wxString::FromUTF8(dialUp_.lblRasStatus));
+  cmdDial->Enable(dialUp_.cmdDialEnabled);
+  cmdHangUp->Enable(dialUp_.cmdHangUpEnabled);
 }
 
 void frmSettings::showAutostartProblem(const std::string& problem) {
-  setText(lblAutoStartUp, !problem.empty()                     ? "Could not be set: " + problem
-                          : sources_.settings.AutoStartUp == 1 ? "Yes"
-                                                               : "No");
+  editor_.autoStartUpNote = problem;
+  show();
 }
 
 void frmSettings::tmrOnlineStatus_Timer() {
   dialUp_.RefreshStatus();
-  setText(lblRasStatus, dialUp_.lblRasStatus);
+  showDialUp();
 }
 
 void frmSettings::tmrLANstatus_Timer() {
-  setText(lblLANstatus, IsLanConnected(sources_.network) ? "Connected" : "Not Connected");
+  ShowText(lblLANstatus, IsLanConnected(sources_.network) ? "Connected" : "Not Connected");
 }
 
 void frmSettings::tmrTimeNow_Timer() {
-  setText(lblTimeNow, ClockText(sources_.now()));
+  ShowText(lblTimeNow, wxString::FromUTF8(ClockText(sources_.now())));
   const ApplicationSettings& settings = sources_.settings;
-  setText(lblSchedule, ScheduleText(sources_.ScheduleDays, settings.ScheduleHour, settings.ScheduleMinute));
+  const std::string inForce =
+      ScheduleText(sources_.ScheduleDays, settings.ScheduleHour, settings.ScheduleMinute);
+  setNote(lblSchedule, wxString::FromUTF8("In force: " + inForce));
 }
 
 void frmSettings::wake() {
@@ -101,6 +319,7 @@ void frmSettings::unload() {
   tmrOnlineStatus.Stop();
   tmrLANstatus.Stop();
   tmrTimeNow.Stop();
+  editor_.Save();
 }
 
 }  // namespace quillmoor

@@ -1,9 +1,10 @@
-// The settings in force: the network, the clock and the schedule, the program itself.
+// The settings: the schedule, the connection, and how the program behaves on this machine.
 #pragma once
 
-#include <wx/button.h>
-#include <wx/panel.h>
-#include <wx/stattext.h>
+#include <wx/choice.h>
+#include <wx/listbox.h>
+#include <wx/slider.h>
+#include <wx/timectrl.h>
 
 #include <array>
 #include <cstdint>
@@ -14,21 +15,25 @@
 #include "connectivity/DialUp.h"
 #include "connectivity/DialUpPanel.h"
 #include "connectivity/mNetworkConnection.h"
+#include "controls/ScrolledForm.h"
 #include "controls/SeenTimer.h"
+#include "controls/WindowPrompts.h"
 #include "platform/LocalTime.h"
-#include "profiles/ApplicationSettings.h"
+#include "profiles/SettingsEditor.h"
 
 namespace quillmoor {
 
-class frmSettings : public wxPanel {
+class frmSettings : public ScrolledForm {
  public:
-  /// What the form asks; all must outlive it.
+  /// What the form changes and asks; all that is referred to must outlive it.
   struct Sources {
     ApplicationSettings& settings;
     const NetworkSource& network;
     std::function<LocalDateTime()> now;
     std::array<std::int32_t, 8> ScheduleDays;  // in force since the start
+    std::unique_ptr<DialUp> dialUp;            // the form's own component; the run has another
   };
+  /// Raises RegistryStoreError when the store cannot be read.
   frmSettings(wxWindow* parent, Sources sources);
 
   /// Why the entry that starts the program with the user's session could not be set; "" when it was.
@@ -36,6 +41,7 @@ class frmSettings : public wxPanel {
 
   /// The window is shown again.
   void wake();
+  /// Stops the timers and takes the editor's save step.
   void unload();
 
   std::function<void()> onResetLayout;
@@ -45,27 +51,62 @@ class frmSettings : public wxPanel {
   static constexpr int kTmrLANstatus = 500;
   static constexpr int kTmrTimeNow = 500;
 
-  wxStaticText* lblLANstatus;
-  wxStaticText* lblRasStatus;
+  wxTimePickerCtrl* dtpStartTime;
   wxStaticText* lblTimeNow;
+  std::array<wxCheckBox*, 8> chkDay{};  // 1 = Sunday .. 7 = Saturday
   wxStaticText* lblSchedule;
+  wxStaticText* lblLANstatus;
+  wxTextCtrl* txtRetryCount;
+  wxTextCtrl* txtConnectionDelay;
+  wxChoice* cboConnections;
+  wxCheckBox* chkAutoDial;
+  wxCheckBox* chkAutoHangUp;
+  wxStaticText* lblRasStatus;
+  wxButton* cmdDial;
+  wxButton* cmdHangUp;
+  wxListBox* lstExtensions;
+  wxTextCtrl* txtExtension;
+  wxButton* cmdAddExtension;
+  wxButton* cmdRemoveExtension;
+  wxButton* cmdRestoreExtensions;
+  wxCheckBox* chkAutoStartUp;
+  wxStaticText* lblAutoStartNote;
+  wxSlider* SliderlPriority;
   wxStaticText* lblPriority;
-  wxStaticText* lblAutoStartUp;
   wxButton* cmdResetLayout;
   SeenTimer tmrOnlineStatus;
   SeenTimer tmrLANstatus;
   SeenTimer tmrTimeNow;
 
  private:
-  void layOut();
+  void layOutSchedule();
+  void layOutConnection();
+  void layOutDialUp();
+  void layOutExtensions();
+  void layOutProgram();
+  wxStaticText* status(const char* name);
+  void fillConnections();
+  void connect();
+  void startTimers();
+  /// Lets a control's event change the editor, and shows what has become of it.
+  template <class Event>
+  void on(wxWindow* control, const wxEventTypeTag<Event>& event, std::function<void()> change);
+  void setStartTime();
+  void addExtension();
+  void removeExtension();
+  void show();
+  void showStartTime();
+  void showExtensions();
+  void showPriority();
+  void showDialUp();
   void tmrOnlineStatus_Timer();
   void tmrLANstatus_Timer();
   void tmrTimeNow_Timer();
 
   Sources sources_;
-  /// The form's own component; the run has another.
-  std::unique_ptr<DialUp> Ras1_;
+  WindowPrompts prompts_;
   DialUpPanel dialUp_;
+  SettingsEditor editor_;
 };
 
 }  // namespace quillmoor

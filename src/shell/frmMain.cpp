@@ -134,7 +134,9 @@ void frmMain::createPanes() {
 
   site = new frmSite(panes, services_->profilesFile);
   process = new frmProcess(panes, *services_, pump_);
-  settingsForm = new frmSettings(panes, {settings, services_->network, now, scheduler_->ScheduleDays()});
+  // Its component gets no events in the middle of a tick: they may end the program.
+  settingsForm = new frmSettings(
+      panes, {settings, services_->network, now, scheduler_->ScheduleDays(), MakeDialUp(Pump())});
   options = new frmOptions(panes, settings);
   panes->addPane(kProfilesPane, site);
   panes->addPane(kBackupPane, process);

@@ -358,7 +358,7 @@ TEST_F(MainWindowTest, ShowsNetworkAndClockWhileTheSettingsAreSeen) {
   EXPECT_TRUE(waitUntil([&] { return form.lblTimeNow->GetLabelText() == "03:05:09 PM"; }));
   EXPECT_TRUE(waitUntil([&] { return form.lblLANstatus->GetLabelText() == "Connected"; }));
   EXPECT_TRUE(waitUntil([&] { return form.lblRasStatus->GetLabelText() == "Not Connected"; }));
-  EXPECT_EQ(form.lblSchedule->GetLabelText(), "Never: no weekday is selected");
+  EXPECT_EQ(form.lblSchedule->GetLabelText(), "In force: Never: no weekday is selected");
 }
 
 }  // namespace

@@ -101,6 +101,7 @@ TEST_F(SettingsEditorTest, StoresTheCheckBoxesAndTheEntry) {
     EXPECT_EQ(settings.AutoDial + settings.AutoHangUp + settings.AutoStartUp, on ? 3 : 0);
     EXPECT_EQ(startsWithSession(), on);
     EXPECT_EQ(editor.chkAutoDial && editor.chkAutoHangUp && editor.chkAutoStartUp, on);
+    EXPECT_EQ(editor.autoStartUpNote, "");
   }
   editor.ChooseDialUpEntry("Home");
   EXPECT_EQ(stored("AutoDialUpConnection") + settings.AutoDialUpConnection, "HomeHome");
@@ -187,6 +188,7 @@ TEST_F(SettingsEditorTest, TellsInOneMessageOfWhatCannotBeStored) {
   EXPECT_THAT(prompts.takeMessages()[0].text, HasSubstr("forgotten when the program ends"));
   EXPECT_EQ(settings.AutoStartUp, 1);
   EXPECT_TRUE(editor.chkAutoStartUp);
+  EXPECT_NE(editor.autoStartUpNote, "");
 
   editor.SetStartTime(1, 2);
   editor.SetAutoDial(false);

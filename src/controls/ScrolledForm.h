@@ -1,0 +1,85 @@
+// A form of labelled fields in titled groups, one below the other; it scrolls where its pane is too small.
+#pragma once
+
+#include <wx/button.h>
+#include <wx/checkbox.h>
+#include <wx/scrolwin.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+#include <initializer_list>
+#include <vector>
+
+namespace quillmoor {
+
+/// Controls are made with `group()` as their parent, in the order of the Tab key, and then given a row.
+/// `finish` comes last. A wheel that turns over a control scrolls the form and leaves the control's value
+/// alone, unless the control has lines of its own to scroll.
+class ScrolledForm : public wxScrolledWindow {
+ public:
+  ScrolledForm(wxWindow* parent, const wxString& name);
+
+ protected:
+  /// Nothing may be added afterwards.
+  void finish();
+
+  /// The captions of a group are as wide as its widest.
+  void beginGroup(const wxString& title);
+  wxWindow* group() const { return box_; }
+  /// Device-independent pixels between controls, in those of the screen.
+  int gap() const { return FromDIP(6); }
+  /// As far as what depends on a check box stands in from it.
+  int indent() const { return FromDIP(20); }
+
+  /// A label to be put before a field; make it before the field, so that its mnemonic leads there.
+  wxStaticText* caption(const wxString& text);
+  /// A label of the group, such as a unit, or a line that the program writes.
+  wxStaticText* label(const wxString& text, long style = 0, const wxString& name = wxStaticTextNameStr);
+
+  wxCheckBox* checkBox(const wxString& caption, const wxString& name, const wxString& tip = "");
+  wxButton* button(const wxString& caption, const wxString& name, const wxString& tip = "");
+  /// As wide as so many digits.
+  wxTextCtrl* textBox(int digits, const wxString& name, const wxString& tip = "", long style = 0);
+
+  enum class Width { own, rest };
+  /// `behind` stand to the right of the field, as wide as they want to be.
+  void addRow(wxStaticText* caption, wxWindow* field, Width width,
+              std::initializer_list<wxWindow*> behind = {}, int indented = 0);
+  wxSizerItem* add(wxWindow* control, int indented = 0);
+  wxSizerItem* add(wxSizer* row);
+
+  /// A quieter line that wraps; what it says may change, and it takes no room while it says nothing.
+  wxStaticText* addNote(const wxString& text, int indented = 0);
+  void setNote(wxStaticText* note, const wxString& text);
+
+ private:
+  struct Note {
+    wxStaticText* label;
+    wxSizerItem* row;
+    wxString text;
+    int indented;
+  };
+
+  void alignCaptions();
+  void wrapNotes();
+  void wrap(const Note& note);
+  void keepFromWheel(wxWindow* window);
+
+  wxBoxSizer* all_;
+  wxSizer* group_ = nullptr;
+  wxWindow* box_ = nullptr;
+  struct Caption {
+    wxStaticText* label;
+    int indented;
+  };
+  std::vector<Caption> captions_;  // of the group
+  std::vector<Note> notes_;
+  int wrappedAt_ = 0;
+};
+
+/// Shows the text, and does nothing where it stands already: a caret stays where it is, nothing flickers.
+void ShowText(wxStaticText* label, const wxString& text);
+void ShowText(wxTextCtrl* box, const wxString& text);
+
+}  // namespace quillmoor
