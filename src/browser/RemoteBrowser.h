@@ -52,6 +52,8 @@ class RemoteBrowser final : private BrowserEvents {
   void connect();
   /// Takes over what the session has done since. Does nothing when entered again from inside itself.
   void takeNews();
+  /// Waits until there is something to take. For callers that have no timer.
+  void waitForNews();
   /// Keeps the server from dropping an idle connection; nothing while busy or not connected.
   void keepAlive();
 
@@ -69,8 +71,8 @@ class RemoteBrowser final : private BrowserEvents {
 
   /// A row's box was clicked. That of a file is unticked again at once, which the view is told.
   void setChecked(std::size_t row, bool checked);
-  void selectAll();
-  void unselectAll();
+  void selectAll() { checkAll(true); }
+  void unselectAll() { checkAll(false); }
   void addChecked();
 
   /// The window is closed: stores its placement (the `foldersOnly` of it is set here) and logs out, ending
@@ -106,8 +108,11 @@ class RemoteBrowser final : private BrowserEvents {
 
   template <class Operation>
   void start(Operation operation);
+  template <class Operation>
+  void startListing(Operation operation);
+  void enter(std::string path);
+  void checkAll(bool checked);
   void passSettings();
-  void listAnewIfAsked();
 
   const ApplicationSettings& settings_;
   BrowserView& view_;

@@ -12,8 +12,20 @@ wxString fromUtf8(std::string_view text) {
   return wxString::FromUTF8(text.data(), text.size());
 }
 
+long styleOf(Message::Icon icon) {
+  switch (icon) {
+    case Message::Icon::critical:
+      return wxICON_ERROR;
+    case Message::Icon::warning:
+      return wxICON_WARNING;
+    case Message::Icon::information:
+      break;
+  }
+  return wxICON_INFORMATION;
+}
+
 long styleOf(const Message& message) {
-  long style = message.icon == Message::Icon::critical ? wxICON_ERROR : wxICON_WARNING;
+  long style = styleOf(message.icon);
   switch (message.buttons) {
     case Message::Buttons::ok:
       return style | wxOK;

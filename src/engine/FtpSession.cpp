@@ -5,6 +5,7 @@
 
 #include "engine/BusyFlag.h"
 #include "engine/ErrorGuard.h"
+#include "engine/FtpConnection.h"
 #include "engine/LogColours.h"
 #include "engine/mGeneral.h"
 #include "profiles/LenientNumber.h"
@@ -20,14 +21,7 @@ FtpSession::FtpSession(const RunServices& services, RunState& state, RunLog& log
 }
 
 void FtpSession::SetFtpProperties() {
-  const RunProfileFields& profile = state_.profile;
-  client_.timeoutMs = MultiplyLong(profile.Timeout, 1000);
-  client_.proxyType = profile.ProxyType;
-  client_.proxyUserName = profile.ProxyUsername;
-  client_.proxyPassword = profile.ProxyPassword;
-  client_.proxyHost = profile.ProxyHost;
-  client_.proxyPort = profile.ProxyPort;
-  if (!connected() && client_.passive() != profile.PASV) client_.setPassive(profile.PASV);
+  quillmoor::SetFtpProperties(client_, state_.profile);
 }
 
 void FtpSession::ConnectAndLogin() {
@@ -136,16 +130,7 @@ void FtpSession::showError(const std::string& description) {
 }
 
 void FtpSession::showState(FtpState state) {
-  switch (state) {
-    case FtpState::connecting:
-      return log_.AppendLog("Connecting... \r\n", log_colour::kConnection, true);
-    case FtpState::connected:
-      return log_.AppendLog("Connected to: " + state_.profile.Host + "\r\n", log_colour::kConnection, true);
-    case FtpState::closing:
-      return log_.AppendLog("Closing Connection\r\n", log_colour::kConnection, true);
-    case FtpState::closed:
-      return log_.AppendLog("Connection Closed\r\n", log_colour::kConnection, true);
-  }
+  log_.AppendLog(ConnectionStateLine(state, state_.profile.Host), log_colour::kConnection, true);
 }
 
 void FtpSession::showProgress(const FtpProgress& progress) {

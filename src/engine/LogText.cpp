@@ -2,18 +2,13 @@
 
 #include <algorithm>
 
-#include "platform/CodePage.h"
-#include "platform/Utf8.h"
+#include "engine/ShownText.h"
 
 namespace quillmoor {
 namespace {
 
 bool continues(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
-bool isControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
 }  // namespace
@@ -37,21 +32,7 @@ void LogText::appendToLine(std::string_view text) {
   if (line.runs.empty() || line.runs.back().colour != colour_) {
     line.runs.push_back({line.text.size(), colour_});
   }
-  std::size_t characters = 0;
-  while (!text.empty()) {
-    const Utf8Character one = DecodeUtf8(text);
-    const std::size_t bytes = std::max<std::size_t>(one.length, 1);
-    if (one.length == 0) {
-      const std::string ansi = FromAnsi(text.substr(0, 1));
-      line.text += isControl(DecodeUtf8(ansi).character) ? "?" : ansi;
-    } else if (isControl(one.character)) {
-      line.text += '?';
-    } else {
-      line.text += text.substr(0, bytes);
-    }
-    ++characters;
-    text.remove_prefix(bytes);
-  }
+  const std::size_t characters = AppendShown(line.text, text);
   line.characters += characters;
   length_ += characters;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "engine/FtpConnection.h"
 #include "engine/ListingDate.h"
 #include "engine/ListingParser.h"
 #include "engine/LogColours.h"
@@ -180,17 +181,11 @@ void TreeWalk::walkFile(const std::string& localFile, const std::string& remoteF
   services_.display.repopulateReport();
 }
 
-/// Can the current folder be changed to the path, and back? Leaves no trace in the log.
+/// Leaves no trace in the log.
 bool TreeWalk::IsRemoteFolderLink(const std::string& path) {
-  if (!state_.LoggedIn) return false;
+  if (!state_.LoggedIn || !Guarded([&] { session_.SetFtpProperties(); })) return false;
   const FtpSession::Mute mute(session_);
-  return Guarded([&] {
-    session_.SetFtpProperties();
-    session_.sendAhead({"PWD", "CWD " + path}, false);
-    const std::string here = session_.currentRemoteDirectory();
-    session_.setCurrentRemoteDirectory(path);
-    session_.setCurrentRemoteDirectory(here);
-  });
+  return quillmoor::IsRemoteFolderLink(session_, path);
 }
 
 }  // namespace quillmoor

@@ -1,6 +1,7 @@
 #include "profiles/SiteProfileEditor.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include "profiles/ProfileText.h"
@@ -166,9 +167,9 @@ void SiteProfileEditor::AddFolder() {
 }
 
 void SiteProfileEditor::AddFolders(const std::vector<std::string>& folders) {
+  std::unordered_set<std::string> known(shown.Folders.begin(), shown.Folders.end());
   for (const std::string& folder : folders) {
-    const bool known = std::find(shown.Folders.begin(), shown.Folders.end(), folder) != shown.Folders.end();
-    if (!known) shown.Folders.push_back(folder);
+    if (known.insert(folder).second) shown.Folders.push_back(folder);
   }
 }
 

@@ -10,7 +10,7 @@ namespace quillmoor {
 
 struct Message {
   enum class Buttons { ok, yesNo, yesNoCancel };
-  enum class Icon { critical, warning };
+  enum class Icon { critical, warning, information };
 
   std::string title;
   std::string text;

@@ -1,0 +1,204 @@
+#include "browser/RemoteBrowser.h"
+
+#include <iterator>
+#include <utility>
+
+#include "browser/SessionThread.h"
+#include "browser/UnparsedListing.h"
+#include "engine/BusyFlag.h"
+#include "engine/RunLog.h"
+#include "engine/ShownText.h"
+
+namespace quillmoor {
+
+RemoteBrowser::RemoteBrowser(const BrowsedSite& site, const ApplicationSettings& settings, bool foldersOnly,
+                             BrowserView& view, UserPrompts& prompts, AddFolders addFolders)
+    : settings_(settings),
+      view_(view),
+      prompts_(prompts),
+      addFolders_(std::move(addFolders)),
+      foldersOnly_(foldersOnly),
+      listedFoldersOnly_(foldersOnly),
+      session_(std::make_unique<SessionThread>(site)) {}
+
+RemoteBrowser::~RemoteBrowser() = default;
+
+void RemoteBrowser::passSettings() {
+  session_->session().timeout = settings_.Timeout;
+  session_->session().connectionDelay = settings_.ConnectionDelay;
+}
+
+template <class Operation>
+void RemoteBrowser::start(Operation operation) {
+  if (!begun_ || busy_ || closing_) return;
+  busy_ = true;
+  passSettings();
+  session_->start(std::move(operation));
+  view_.showBusy(true);
+}
+
+template <class Operation>
+void RemoteBrowser::startListing(Operation operation) {
+  if (!begun_ || busy_ || closing_) return;
+  listedFoldersOnly_ = foldersOnly_;
+  start([operation = std::move(operation), foldersOnly = foldersOnly_](RemoteSession& session) {
+    session.foldersOnly = foldersOnly;
+    operation(session);
+  });
+}
+
+void RemoteBrowser::connect() {
+  if (std::exchange(begun_, true)) return;
+  startListing([](RemoteSession& session) { session.connect(); });
+}
+
+void RemoteBrowser::refresh() {
+  startListing([](RemoteSession& session) { session.refresh(); });
+}
+
+void RemoteBrowser::changeFolder(const std::string& path) {
+  if (path.empty()) return;
+  const auto known = folders_.find(path);
+  enter(known == folders_.end() ? path : known->second);
+}
+
+void RemoteBrowser::enter(std::string path) {
+  startListing([path = std::move(path)](RemoteSession& session) { session.changeFolder(path); });
+}
+
+void RemoteBrowser::activate(std::size_t row) {
+  if (row >= rows_.size()) return;
+  const BrowserRow& activated = rows_[row];
+  switch (activated.icon) {
+    case RowIcon::Cdup:
+      return startListing([](RemoteSession& session) { session.changeToParent(); });
+    case RowIcon::FolderClose:
+      return enter(activated.text());
+    case RowIcon::FolderLink:
+      return enter(activated.tag.substr(0, activated.tag.find("->")));
+    case RowIcon::Link:
+      return startListing(
+          [path = activated.text(), row](RemoteSession& session) { session.tryLink(path, row); });
+    default:
+      return;  // a file
+  }
+}
+
+void RemoteBrowser::keepAlive() {
+  start([](RemoteSession& session) { session.keepAlive(); });
+}
+
+void RemoteBrowser::setFoldersOnly(bool foldersOnly) {
+  foldersOnly_ = foldersOnly;
+  refresh();
+}
+
+void RemoteBrowser::setChecked(std::size_t row, bool checked) {
+  if (row >= rows_.size()) return;
+  rows_[row].checked = checked && IsNavigable(rows_[row].icon);
+  if (rows_[row].checked != checked) view_.rowsChanged(row, row);
+}
+
+void RemoteBrowser::checkAll(bool checked) {
+  if (rows_.empty()) return;
+  for (BrowserRow& row : rows_) row.checked = checked && IsNavigable(row.icon);
+  view_.rowsChanged(0, rows_.size() - 1);
+}
+
+void RemoteBrowser::addChecked() {
+  std::vector<std::string> folders;
+  for (const BrowserRow& row : rows_) {
+    if (!row.checked || row.tag.empty()) continue;
+    const std::string shown = ShownText(row.tag);
+    if (shown == row.tag) {
+      folders.push_back(row.tag);
+    } else {
+      // The editor holds text, and what it would make of these bytes is another folder.
+      logLine("Not added, a profile cannot hold all characters of its name: " + shown + "\r\n");
+    }
+  }
+  addFolders_(folders);
+}
+
+void RemoteBrowser::close(BrowserPlacement placement) {
+  if (closing_) return;
+  logLine("Logging out ...\r\n");
+  if (!std::exchange(busy_, true)) view_.showBusy(true);
+  closing_ = true;
+  placement.foldersOnly = foldersOnly_;
+  SaveBrowserPlacement(placement);
+  session_->finish();
+}
+
+void RemoteBrowser::takeNews() {
+  const BusyFlag taking(takingNews_);
+  if (!taking.taken()) return;
+  passSettings();
+  session_->deliver(*this);
+}
+
+void RemoteBrowser::waitForNews() {
+  session_->waitForEvents();
+}
+
+std::string RemoteBrowser::cell(std::size_t row, std::size_t column) const {
+  return ShownText(rows_[row].cells[column]);
+}
+
+// --- what the session tells
+
+void RemoteBrowser::logLine(std::string text) {
+  if (log_.length() > RunLog::kLongestLog) log_.trim(RunLog::kTrimmed);
+  log_.append(text);
+  if (!closing_) view_.logChanged();
+}
+
+void RemoteBrowser::clearRows() {
+  rows_.clear();
+  if (!closing_) view_.rowsCleared();
+}
+
+void RemoteBrowser::addRows(std::vector<BrowserRow> rows) {
+  if (rows.empty()) return;
+  const std::size_t first = rows_.size();
+  if (first == 0) {
+    rows_ = std::move(rows);
+  } else {
+    rows_.insert(rows_.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
+  }
+  if (!closing_) view_.rowsAdded(first);
+}
+
+void RemoteBrowser::linkLeadsToFolder(std::size_t row) {
+  if (row >= rows_.size()) return;
+  rows_[row].icon = RowIcon::FolderLink;
+  if (!closing_) view_.rowsChanged(row, row);
+}
+
+void RemoteBrowser::folderChanged(std::string path) {
+  const std::string shown = ShownText(path);
+  const bool isNew = folders_.insert_or_assign(shown, std::move(path)).second;
+  if (!closing_) view_.showFolder(shown, isNew);
+}
+
+void RemoteBrowser::loginChanged(bool loggedIn) {
+  loggedIn_ = loggedIn;
+}
+
+void RemoteBrowser::unparsedListing(std::string text) {
+  if (!closing_) ReportUnparsedListing(text, prompts_);
+}
+
+void RemoteBrowser::operationEnded() {
+  if (closing_) return;
+  busy_ = false;
+  view_.showBusy(false);
+  if (listedFoldersOnly_ != foldersOnly_) refresh();
+}
+
+void RemoteBrowser::sessionEnded() {
+  busy_ = false;
+  view_.closed();
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,206 @@
+#include "browser/RemoteSession.h"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "engine/ErrorGuard.h"
+#include "engine/FtpConnection.h"
+#include "engine/ListingParser.h"
+#include "profiles/LenientNumber.h"
+
+namespace quillmoor {
+namespace {
+
+/// A number too large is as wrong as the largest one, and the client says so.
+std::int32_t numberOf(const std::string& text) {
+  try {
+    return ToLong(text);
+  } catch (const std::overflow_error&) {
+    return std::numeric_limits<std::int32_t>::max();
+  }
+}
+
+RunProfileFields fieldsOf(const BrowsedSite& site) {
+  RunProfileFields fields;
+  fields.Host = site.host;
+  fields.UserID = site.userId;
+  fields.Password = site.password;
+  fields.Account = site.account;
+  fields.Port = site.port;
+  fields.DefaultDir = site.defaultDir;
+  fields.PASV = site.passive;
+  fields.ProxyType = site.proxyType;
+  fields.ProxyHost = site.proxyHost;
+  fields.ProxyPort = numberOf(site.proxyPort);
+  fields.ProxyUsername = site.proxyUsername;
+  fields.ProxyPassword = site.proxyPassword;
+  return fields;
+}
+
+}  // namespace
+
+RemoteSession::RemoteSession(const BrowsedSite& site, BrowserEvents& events)
+    : events_(events), profile_(fieldsOf(site)) {
+  client_.maxListingBytes = kMostListingBytes;
+  client_.pump = [this] { pump(); };
+  client_.onState = [this](FtpState state) { events_.logLine(ConnectionStateLine(state, profile_.Host)); };
+  client_.onError = [this](int number, const std::string& description) {
+    if (muted_ || stopping()) return;
+    events_.logLine("Error: " + std::to_string(number) + ", " + description + "\r\n");
+  };
+}
+
+void RemoteSession::raiseStop(Stop stop) {
+  {
+    const std::lock_guard lock(stopMutex_);
+    stop_ = std::max(stop_.load(), stop);
+  }
+  stopRaised_.notify_all();
+}
+
+void RemoteSession::pump() {
+  if (stop_ == Stop::everything || (stop_ == Stop::operations && !farewell_)) client_.abort();
+}
+
+void RemoteSession::setLoggedIn(bool loggedIn) {
+  loggedIn_ = loggedIn;
+  events_.loginChanged(loggedIn);
+}
+
+void RemoteSession::waitSeconds(std::int32_t seconds) {
+  // A delay of nothing must not make the loop spin.
+  const auto time =
+      std::max<std::chrono::milliseconds>(std::chrono::seconds(seconds), std::chrono::milliseconds(10));
+  std::unique_lock lock(stopMutex_);
+  stopRaised_.wait_for(lock, time, [&] { return stopping(); });
+}
+
+void RemoteSession::tryLogin() {
+  constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max() / 1000;
+  profile_.Timeout = std::clamp(timeout.load(), std::int32_t{0}, kLongest);
+  try {
+    SetFtpProperties(client_, profile_);
+    client_.login(profile_.Host, profile_.UserID, profile_.Password, profile_.Account,
+                  numberOf(profile_.Port));
+  } catch (const FtpError& error) {
+    if (!stopping())
+      events_.logLine("Login error: " + std::to_string(error.number()) + "," + error.what() + "\r\n");
+  }
+}
+
+bool RemoteSession::logIn() {
+  setLoggedIn(false);
+  events_.clearRows();
+  for (std::int64_t attempts = 1; !stopping(); ++attempts) {
+    tryLogin();
+    if (connected()) {
+      setLoggedIn(true);
+      return true;
+    }
+    if (stopping()) break;
+    const std::int32_t delay = connectionDelay;
+    events_.logLine("Retry : " + std::to_string(attempts) + "\r\n");
+    events_.logLine("Waiting " + std::to_string(delay) + " Seconds...\r\n");
+    waitSeconds(delay);
+  }
+  return false;
+}
+
+bool RemoteSession::logInAnew(const std::string& folder) {
+  if (!logIn()) return false;
+  if (!folder.empty()) Guarded([&] { client_.setCurrentRemoteDirectory(folder); });
+  return true;
+}
+
+void RemoteSession::connect() {
+  if (logInAnew(profile_.DefaultDir)) Guarded([&] { listFolder(); });
+}
+
+/// Performs the change of folder and lists what is current then. When the change fails, what is shown stays:
+/// that is where the connection still is. A server that has dropped the connection meanwhile shows it at the
+/// first command, so then it is done over.
+template <class Change>
+void RemoteSession::go(Change change) {
+  const std::string from = folder_.empty() ? profile_.DefaultDir : folder_;
+  for (int round = 0; round < 2 && !stopping(); ++round) {
+    const bool anew = !connected();
+    if (anew && !logInAnew(from)) return;
+    const bool changed = Guarded(change);
+    if (changed || anew) Guarded([&] { listFolder(); });
+    if (connected()) return;
+  }
+}
+
+void RemoteSession::refresh() {
+  go([] {});
+}
+
+void RemoteSession::changeFolder(const std::string& path) {
+  go([&] { client_.setCurrentRemoteDirectory(path); });
+}
+
+void RemoteSession::changeToParent() {
+  go([&] { client_.changeToParent(); });
+}
+
+void RemoteSession::listFolder() {
+  events_.clearRows();
+  events_.addRows({ParentRow()});
+  client_.sendAhead({"PWD"}, true);
+  folder_ = client_.currentRemoteDirectory();
+  events_.folderChanged(folder_);
+
+  RemoteListing listing = ParseListing(client_.list(), LocalNow());
+  if (listing.text.empty()) return;
+  if (listing.format == ListingFormat::neither) {
+    if (loggedIn_) events_.unparsedListing(std::move(listing.text));
+    return;
+  }
+  std::vector<BrowserRow> rows = FolderRows(listing, folder_, foldersOnly);
+  std::vector<std::size_t> links;
+  std::vector<std::string> paths;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].icon != RowIcon::Link) continue;
+    links.push_back(i + 1);  // behind the parent row
+    paths.push_back(rows[i].tag);
+  }
+  events_.addRows(std::move(rows));
+  testLinks(links, paths);
+}
+
+/// The rows are shown by now. Leaves no trace in the log: that a link leads to a file is no error.
+void RemoteSession::testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths) {
+  if (!loggedIn_) return;
+  muted_ = true;
+  TestRemoteFolderLinks(client_, folder_, paths, [&](std::size_t i, bool leadsToFolder) {
+    if (leadsToFolder) events_.linkLeadsToFolder(rows[i]);
+    return connected() && !stopping();
+  });
+  muted_ = false;
+}
+
+void RemoteSession::tryLink(const std::string& path, std::size_t row) {
+  if (!connected()) return refresh();
+  Guarded([&] {
+    client_.setCurrentRemoteDirectory(path);
+    events_.linkLeadsToFolder(row);
+    client_.setCurrentRemoteDirectory(folder_);
+  });
+}
+
+void RemoteSession::keepAlive() {
+  if (connected()) Guarded([&] { client_.command("PWD"); });
+}
+
+void RemoteSession::logOut() {
+  farewell_ = muted_ = true;
+  client_.timeoutMs = kFarewellMs;
+  if (connected()) Guarded([&] { client_.logout(); });
+  setLoggedIn(false);
+}
+
+}  // namespace quillmoor

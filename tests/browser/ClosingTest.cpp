@@ -1,0 +1,140 @@
+// The window is closed in the middle of something, or the program ends.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "browser/BrowserWorld.h"
+#include "profiles/SettingsStore.h"
+
+namespace quillmoor {
+namespace {
+
+using namespace testing;  // of this project
+using std::chrono::steady_clock;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class ClosingTest : public ::testing::Test, protected BrowserWorld {
+ protected:
+  /// Closes, and takes what still comes as the hidden window does. No call of the view may come meanwhile.
+  void close() {
+    browser->close({BrowserPlacement::Rectangle{1, 2, 3, 4}, false});
+    const auto calls = view.calls;
+    const auto folders = view.folders;
+    takeUntil([&] { return view.isClosed; });
+    EXPECT_EQ(view.calls, calls);
+    EXPECT_EQ(view.folders, folders);
+    EXPECT_FALSE(browser->loggedIn());
+    EXPECT_FALSE(browser->busy());
+  }
+};
+
+TEST_F(ClosingTest, LogsOutAndStoresThePlacement) {
+  open();
+  browser->setFoldersOnly(true);
+  settle();
+  close();
+  EXPECT_EQ(server.count("QUIT"), 1U);
+  EXPECT_THAT(logLines(), Contains("Logging out ..."));
+  EXPECT_EQ(ReadSetting("FtpBrowseFoldersOnly", ""), "1");
+  EXPECT_EQ(ReadSetting("FtpBrowseHeight", ""), "4");
+  browser->refresh();
+  browser->close({});
+  EXPECT_FALSE(browser->busy()) << "it is over";
+}
+
+/// Where a window may be closed, and how a test gets there.
+struct Moment {
+  const char* name;
+  void (*prepare)(BrowserWorld&);
+};
+void PrintTo(const Moment& moment, std::ostream* out) {
+  *out << moment.name;
+}
+
+class ClosingInTheMiddle : public ClosingTest, public ::testing::WithParamInterface<Moment> {
+ protected:
+  ClosingInTheMiddle() {
+    settings.Timeout = 3600;
+    settings.ConnectionDelay = 3600;
+    std::string links;
+    for (int i = 0; i < 50; ++i) links += "lrwxrwxrwx 1 o g 1 Jan 1 2020 l" + std::to_string(i) + " -> x\r\n";
+    server.setListing("/", links);
+  }
+};
+
+constexpr Moment kMoments[] = {{"Greeting",
+                                [](BrowserWorld& world) {
+                                  world.server.on("", staysSilent());
+                                  world.make();
+                                  world.browser->connect();
+                                }},
+                               {"LoginWait",
+                                [](BrowserWorld& world) {
+                                  world.server.on("PASS", replies("530 No."));
+                                  world.make();
+                                  world.browser->connect();
+                                  world.takeUntil([&] {
+                                    return world.logLines().at(world.logLines().size() - 1).empty() &&
+                                           world.browser->log().lineCount() > 6;
+                                  });
+                                }},
+                               {"Listing",
+                                [](BrowserWorld& world) {
+                                  world.open();
+                                  world.server.on("LIST", staysSilent());
+                                  world.browser->refresh();
+                                  world.takeUntil([&] { return world.browser->rowCount() == 1; });
+                                }},
+                               {"LinkTest",
+                                [](BrowserWorld& world) {
+                                  world.server.on("CWD /l20", staysSilent());
+                                  world.make();
+                                  world.browser->connect();
+                                  world.takeUntil([&] { return world.browser->rowCount() == 51; });
+                                }},
+                               {"Farewell", [](BrowserWorld& world) {
+                                  world.open();
+                                  world.server.on("QUIT", staysSilent());
+                                }}};
+
+TEST_P(ClosingInTheMiddle, ClosesAtOnce) {
+  GetParam().prepare(*this);
+  const auto begin = steady_clock::now();
+  browser->close({});
+  EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(1)) << "the caller does not wait";
+  close();
+  EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(10)) << "nor does the session for long";
+}
+
+TEST_P(ClosingInTheMiddle, CanBeDestroyed) {
+  GetParam().prepare(*this);
+  const auto calls = view.calls;
+  const auto begin = steady_clock::now();
+  browser.reset();
+  EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(10));
+  EXPECT_EQ(view.calls, calls);
+}
+
+TEST_P(ClosingInTheMiddle, CanBeDestroyedBetweenClosingAndTheEnd) {
+  GetParam().prepare(*this);
+  browser->close({});
+  browser.reset();
+  EXPECT_FALSE(view.isClosed);
+}
+
+INSTANTIATE_TEST_SUITE_P(Moments, ClosingInTheMiddle, ::testing::ValuesIn(kMoments),
+                         [](const auto& moment) { return moment.param.name; });
+
+TEST_F(ClosingTest, NeverConnectsWhenItIsClosedBeforeItCould) {
+  make();
+  close();
+  EXPECT_EQ(server.commands().size(), 0U);
+  browser->connect();
+  EXPECT_FALSE(browser->busy());
+}
+
+}  // namespace
+}  // namespace quillmoor

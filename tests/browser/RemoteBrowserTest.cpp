@@ -1,0 +1,411 @@
+// The remote browser against a server in memory.
+#include "browser/RemoteBrowser.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "browser/BrowserWorld.h"
+
+namespace quillmoor {
+namespace {
+
+using namespace testing;  // of this project
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+class RemoteBrowserTest : public ::testing::Test, protected BrowserWorld {};
+
+std::string linkLine(const std::string& name, const std::string& target) {
+  return "lrwxrwxrwx   1 0  0   11 Jan 15 2020 " + name + " -> " + target + "\r\n";
+}
+
+// --- connecting
+
+TEST_F(RemoteBrowserTest, LogsInAndListsTheProfilesFolder) {
+  server.addFile("/pub/readme.txt", "hello", "Jan  5  2009");
+  server.addFolder("/pub/images");
+  site.defaultDir = "/pub";
+  open();
+  EXPECT_TRUE(browser->loggedIn());
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose images", "TextFile readme.txt"));
+  EXPECT_THAT(view.folders, ElementsAre("+/pub"));
+  EXPECT_THAT(logLines(), ElementsAre("Connecting... ", "Connected to: 127.0.0.1", ""));
+  std::vector<std::string> cells;
+  for (std::size_t i = 0; i < kBrowserColumns.size(); ++i) cells.push_back(browser->cell(2, i));
+  EXPECT_THAT(cells, ElementsAre("readme.txt", "5", "Jan 5 2009", "owner", "group", "420"));
+  EXPECT_EQ(browser->cell(0, 1) + browser->cell(0, 2), "");
+}
+
+TEST_F(RemoteBrowserTest, StaysWhereTheServerPutsItWhenThereIsNoSuchFolder) {
+  server.addFolder("/www");
+  site.defaultDir = "/gone";
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www"));
+  EXPECT_THAT(view.folders, ElementsAre("+/"));
+  EXPECT_THAT(logLines(), Contains(StartsWith("Error: 550, ")));
+}
+
+TEST_F(RemoteBrowserTest, TriesAgainUntilALoginWorks) {
+  server.once("PASS", replies("530 Not today."));
+  server.once("PASS", replies("530 Not today."));
+  open();
+  const std::vector<std::string> attempt = {
+      "Connecting... ", "Connection Closed", "Error: 530, The server refused the password: 530 Not today.",
+      "Login error: 530,The server refused the password: 530 Not today."};
+  std::vector<std::string> expected;
+  for (const char* retry : {"Retry : 1", "Retry : 2"}) {
+    expected.insert(expected.end(), attempt.begin(), attempt.end());
+    expected.insert(expected.end(), {retry, "Waiting 0 Seconds..."});
+  }
+  expected.insert(expected.end(), {"Connecting... ", "Connected to: 127.0.0.1", ""});
+  EXPECT_EQ(logLines(), expected);
+  EXPECT_TRUE(browser->loggedIn());
+}
+
+TEST_F(RemoteBrowserTest, WaitsAsLongAsTheProgramsSettingSaysAndNotTheProfiles) {
+  server.once("PASS", staysSilent());
+  settings.Timeout = 1;
+  site.timeout = "9999";
+  open();
+  EXPECT_THAT(logLines(), Contains(StartsWith("Login error: 1006,")));
+  EXPECT_TRUE(browser->loggedIn());
+}
+
+TEST_F(RemoteBrowserTest, SaysThatAPortIsNone) {
+  for (const char* port : {"", "abc", "0", "65536", "99999999999999999999"}) {
+    site.port = port;
+    make();
+    browser->connect();
+    takeUntil([&] { return browser->log().lineCount() > 4; });
+    EXPECT_THAT(logLines(), Contains(HasSubstr("is no port number"))) << port;
+  }
+}
+
+// --- walking
+
+TEST_F(RemoteBrowserTest, EntersFoldersAndLeavesThem) {
+  server.addFile("/www/a b/x.zip", "x");
+  open();
+  activate("www");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose a b"));
+  activate("a b");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "ZipFile x.zip"));
+  activate("..");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose a b"));
+  EXPECT_THAT(view.folders, ElementsAre("+/", "+/www", "+/www/a b", "/www"));
+  EXPECT_EQ(server.count("CWD www"), 1U);
+  EXPECT_EQ(server.count("CWD a b"), 1U);
+  EXPECT_EQ(server.count("CDUP"), 1U);
+
+  const std::size_t before = server.commands().size();
+  browser->changeFolder("/www/a b");  // out of the box's list
+  settle();
+  EXPECT_EQ(view.folders.back(), "/www/a b");
+  activate("x.zip");
+  browser->activate(browser->rowCount());
+  EXPECT_FALSE(browser->busy());
+  EXPECT_THAT(commandsSince(before), ElementsAre("CWD /www/a b", "PWD", "EPSV", "LIST -a"));
+}
+
+TEST_F(RemoteBrowserTest, KeepsListAndTicksWhenAFolderCannotBeEntered) {
+  server.addFolder("/www");
+  open();
+  browser->setChecked(1, true);
+  const auto shown = view.folders;
+  browser->changeFolder("/gone");
+  settle();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www"));
+  EXPECT_THAT(tickedRows(), ElementsAre("www"));
+  EXPECT_EQ(view.folders, shown);
+  EXPECT_THAT(logLines(), Contains(StartsWith("Error: 550, ")));
+}
+
+TEST_F(RemoteBrowserTest, ListsAgainOnRefresh) {
+  server.addFolder("/www");
+  open();
+  server.addFolder("/new");
+  view.calls.clear();
+  browser->refresh();
+  settle();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose new", "FolderClose www"));
+  EXPECT_THAT(view.calls, ElementsAre("busy", "cleared", "added from 0", "added from 1", "idle"));
+}
+
+TEST_F(RemoteBrowserTest, DoesNothingWhileTheClientIsBusy) {
+  server.addFolder("/www");
+  open();
+  Gate gate;
+  server.once("LIST", gate.action());
+  browser->refresh();
+  gate.waitUntilReached();
+  takeUntil([&] { return browser->rowCount() == 1; });
+  browser->activate(0);
+  browser->changeFolder("/www");
+  browser->keepAlive();
+  browser->refresh();
+  gate.open();
+  settle();
+  EXPECT_EQ(server.count("CDUP"), 0U);
+  EXPECT_EQ(server.count("CWD"), 0U);
+  EXPECT_EQ(server.count("LIST"), 2U);
+  EXPECT_THAT(view.folders, ElementsAre("+/", "/"));
+}
+
+// --- what is listed
+
+TEST_F(RemoteBrowserTest, ShowsNoFilesWhenOnlyFoldersAreWanted) {
+  server.addFile("/only/a.txt", "x");
+  server.addFile("/only/b", "x");
+  site.defaultDir = "/only";
+  foldersOnly = true;
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup .."));
+  browser->setFoldersOnly(false);
+  settle();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "TextFile a.txt", "File b"));
+
+  // While the client is busy the change has to wait.
+  Gate gate;
+  server.once("LIST", gate.action());
+  browser->refresh();
+  gate.waitUntilReached();
+  browser->setFoldersOnly(true);
+  gate.open();
+  settle();
+  EXPECT_THAT(rows(), ElementsAre("Cdup .."));
+}
+
+TEST_F(RemoteBrowserTest, TellsOfAListingThatNobodyCanRead) {
+  server.setListing("/", "gibberish\r\nand \x1b[2J more\r\n");
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup .."));
+  ASSERT_EQ(prompts.messages.size(), 1U);
+  const Message& message = prompts.messages[0];
+  EXPECT_EQ(message.title, "Quillmoor");
+  EXPECT_EQ(message.icon, Message::Icon::information);
+  EXPECT_EQ(
+      message.text,
+      "Some non-UNIX or non-DOS listing were encountered. \r\nThis sample only supports UNIX and DOS "
+      "listings. \r\n\r\nHere are some of the lines that failed: \r\n\r\ngibberish\r\nand ?[2J more\r\n");
+
+  server.setListing("/", std::string(1'000'000, 'x'));
+  browser->refresh();
+  settle();
+  EXPECT_LT(prompts.messages.at(1).text.size(), 10'000U);
+
+  server.setListing("/", "");
+  browser->refresh();
+  settle();
+  EXPECT_EQ(prompts.messages.size(), 2U) << "a folder without a line is an empty one";
+  EXPECT_THAT(rows(), ElementsAre("Cdup .."));
+}
+
+TEST_F(RemoteBrowserTest, GivesUpAListingWithoutEnd) {
+  server.addFolder("/www");
+  server.setListing("/www", std::string(17 << 20, 'x'));
+  open();
+  activate("www");
+  EXPECT_THAT(rows(), ElementsAre("Cdup .."));
+  EXPECT_THAT(logLines(), Contains(HasSubstr("longer than 16777216 bytes")));
+  activate("..");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www"));
+}
+
+TEST_F(RemoteBrowserTest, ShowsOddNamesAndAddsNoneThatAProfileWouldChange) {
+  server.setListing("/",
+                    "drwxr-xr-x 1 o g 0 Jan 1 2020 caf\xe9\r\ndrwxr-xr-x 1 o g 0 Jan 1 2020 a\x1b[31mb\r\n"
+                    "drwxr-xr-x 1 o g 0 Jan 1 2020 pl\xc3\xa4ne\r\n");
+  server.addFolder("/caf\xe9");
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose caf\xc3\xa9", "FolderClose a?[31mb",
+                                  "FolderClose pl\xc3\xa4ne"));
+  browser->selectAll();
+  browser->addChecked();
+  EXPECT_THAT(editor.shown.Folders, ElementsAre("/pl\xc3\xa4ne"));
+  EXPECT_THAT(logLines(), Contains(HasSubstr("Not added")).Times(2));
+
+  // What the box shows leads back to the server's own bytes.
+  activate("caf\xc3\xa9");
+  EXPECT_EQ(view.folders.back(), "+/caf\xc3\xa9");
+  activate("..");
+  browser->changeFolder("/caf\xc3\xa9");
+  settle();
+  EXPECT_EQ(server.commands().at(server.commands().size() - 4), "CWD /caf\xe9");
+}
+
+// --- links
+
+TEST_F(RemoteBrowserTest, TellsLinksToFoldersFromOthers) {
+  server.setListing("/pub", linkLine("current", "../releases/42") + linkLine("file", "a.txt") +
+                                "-rw-r--r-- 1 o g 1 Jan 1 2020 z.txt\r\n");
+  server.addFile("/pub/current/inside.gif", "x");
+  site.defaultDir = "/pub";
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderLink current->../releases/42", "Link file->a.txt",
+                                  "TextFile z.txt"));
+  EXPECT_THAT(logLines(), Each(Not(HasSubstr("Error")))) << "a link to a file is no error";
+
+  browser->setChecked(1, true);
+  browser->addChecked();
+  EXPECT_THAT(editor.shown.Folders, ElementsAre("/pub/current"));
+
+  const std::size_t before = server.commands().size();
+  activate("file->a.txt");
+  EXPECT_EQ(rows()[2], "Link file->a.txt");
+  EXPECT_THAT(commandsSince(before), ElementsAre("CWD file->a.txt")) << "nothing changes, nothing is listed";
+  EXPECT_THAT(logLines(), Contains(StartsWith("Error: 550, ")));
+
+  activate("current->../releases/42");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "ImageFile inside.gif"));
+  EXPECT_EQ(view.folders.back(), "+/pub/current");
+}
+
+TEST_F(RemoteBrowserTest, TakesALinkThatCanBeEnteredByItsTextForAFolder) {
+  server.setListing("/", linkLine("odd", "place"));
+  server.addFolder("/odd->place");
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "Link odd->place"));
+  const std::size_t before = server.commands().size();
+  view.calls.clear();
+  activate("odd->place");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderLink odd->place"));
+  EXPECT_THAT(commandsSince(before), ElementsAre("CWD odd->place", "CWD /"));
+  EXPECT_THAT(view.calls, ElementsAre("busy", "changed 1 to 1", "idle"));
+}
+
+TEST_F(RemoteBrowserTest, ShowsEveryRowAndAnswersClicksWhileLinksAreTested) {
+  std::string listing = "drwxr-xr-x 1 o g 0 Jan 1 2020 images\r\n";
+  for (int i = 0; i < 300; ++i) {
+    listing += linkLine("l" + std::to_string(i), "target");
+    if (i % 3 == 0) server.addFolder("/l" + std::to_string(i));
+  }
+  listing += "-rw-r--r-- 1 o g 1 Jan 1 2020 last.txt\r\n";
+  server.setListing("/", listing);
+  Gate gate;
+  server.once("CWD /l7", gate.action());
+  make();
+  browser->connect();
+  gate.waitUntilReached();
+  takeUntil([&] { return browser->rowCount() == 303; });
+  EXPECT_EQ(rows().back(), "TextFile last.txt");
+
+  browser->selectAll();
+  browser->setChecked(302, true);
+  browser->setChecked(2, false);
+  browser->addChecked();
+  browser->activate(1);
+  EXPECT_EQ(editor.shown.Folders.size(), 300U);  // images and the links but one
+  EXPECT_TRUE(browser->busy());
+  gate.open();
+  settle();
+
+  for (std::size_t i = 0; i < 300; ++i)
+    EXPECT_EQ(browser->icon(i + 2), i % 3 == 0 ? RowIcon::FolderLink : RowIcon::Link) << i;
+  EXPECT_EQ(tickedRows().size(), 301U) << "the ticks outlast the tests";
+  EXPECT_EQ(server.count("CWD images"), 0U) << "a click on a folder is not made up for";
+  EXPECT_GT(server.commandsSentAhead(), 300U) << "a test should not cost a round trip";
+  EXPECT_EQ(server.count("CWD /l8"), 1U + 10U);
+}
+
+TEST_F(RemoteBrowserTest, TestsLinksOneByOneWhereTheServerDoesNotReadAhead) {
+  std::string listing;
+  for (int i = 0; i < 3; ++i) listing += linkLine("l" + std::to_string(i), "target");
+  server.setListing("/", listing);
+  server.addFolder("/l1");
+  server.discardInputBehindCommands();
+  settings.Timeout = 1;
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "Link l0->target", "FolderLink l1->target", "Link l2->target"));
+}
+
+// --- ticks
+
+TEST_F(RemoteBrowserTest, TicksWhatCanBeEnteredAndNothingElse) {
+  server.addFolder("/www");
+  server.addFile("/a.txt", "x");
+  server.setListing("/", "drwxr-xr-x 1 o g 0 Jan 1 2020 www\r\n-rw-r--r-- 1 o g 1 Jan 1 2020 a.txt\r\n" +
+                             linkLine("link", "a.txt"));
+  open();
+  view.calls.clear();
+  browser->setChecked(2, true);
+  EXPECT_THAT(view.calls, ElementsAre("changed 2 to 2")) << "the tick is undone at once";
+  EXPECT_THAT(tickedRows(), IsEmpty());
+  for (const std::size_t row : {0, 1, 3}) browser->setChecked(row, true);
+  EXPECT_THAT(view.calls, ElementsAre("changed 2 to 2")) << "what the user sees already";
+  EXPECT_THAT(tickedRows(), ElementsAre("..", "www", "link->a.txt"));
+  browser->setChecked(1, false);
+  EXPECT_THAT(tickedRows(), ElementsAre("..", "link->a.txt"));
+
+  browser->selectAll();
+  EXPECT_THAT(tickedRows(), ElementsAre("..", "www", "link->a.txt"));
+  EXPECT_EQ(view.calls.back(), "changed 0 to 3");
+  browser->unselectAll();
+  EXPECT_THAT(tickedRows(), IsEmpty());
+}
+
+TEST_F(RemoteBrowserTest, AddsEachTickedPathOnce) {
+  server.addFolder("/www");
+  server.addFolder("/cgi-bin");
+  editor.shown.Folders = {"/www", "/WWW"};
+  open();
+  browser->selectAll();
+  browser->addChecked();
+  browser->addChecked();
+  EXPECT_THAT(editor.shown.Folders, ElementsAre("/www", "/WWW", "/cgi-bin"));
+  EXPECT_THAT(tickedRows(), ElementsAre("..", "cgi-bin", "www")) << "they stay ticked";
+  browser->refresh();
+  settle();
+  EXPECT_THAT(tickedRows(), IsEmpty());
+}
+
+// --- staying connected
+
+TEST_F(RemoteBrowserTest, KeepsAnIdleConnectionAlive) {
+  open();
+  const auto log = logLines();
+  const std::size_t before = server.commands().size();
+  browser->keepAlive();
+  settle();
+  EXPECT_THAT(commandsSince(before), ElementsAre("PWD"));
+  EXPECT_EQ(logLines(), log);
+
+  server.once("PWD", drops());
+  browser->keepAlive();
+  settle();
+  const std::size_t logins = server.count("USER");
+  browser->keepAlive();
+  settle();
+  EXPECT_EQ(server.count("USER"), logins) << "only a connected session is kept alive";
+}
+
+TEST_F(RemoteBrowserTest, ComesBackToItsFolderWhenTheServerHasDroppedTheConnection) {
+  server.addFolder("/a/b/c");
+  const struct {
+    const char* dropsAt;
+    void (*command)(RemoteBrowser&);
+    const char* endsIn;
+  } cases[] = {{"CDUP", [](auto& b) { b.activate(0); }, "/a"},
+               {"CWD c", [](auto& b) { b.activate(1); }, "/a/b/c"},
+               {"PWD", [](auto& b) { b.refresh(); }, "/a/b"},
+               {"LIST", [](auto& b) { b.refresh(); }, "/a/b"}};
+  site.defaultDir = "/a/b";
+  for (const auto& one : cases) {
+    open();
+    server.once(one.dropsAt, drops());
+    one.command(*browser);
+    settle();
+    EXPECT_TRUE(browser->loggedIn());
+    EXPECT_EQ(view.folders.back().substr(view.folders.back().find('/')), one.endsIn) << one.dropsAt;
+    EXPECT_EQ(logLines().at(logLines().size() - 2), "Connected to: 127.0.0.1") << one.dropsAt;
+  }
+}
+
+}  // namespace
+}  // namespace quillmoor
