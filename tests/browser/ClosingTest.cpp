@@ -95,6 +95,12 @@ constexpr Moment kMoments[] = {{"Greeting",
                                   world.browser->connect();
                                   world.takeUntil([&] { return world.browser->rowCount() == 51; });
                                 }},
+                               {"NewsNotTaken",
+                                [](BrowserWorld& world) {
+                                  world.open();
+                                  world.browser->refresh();
+                                  world.browser->waitForNews();
+                                }},
                                {"Farewell", [](BrowserWorld& world) {
                                   world.open();
                                   world.server.on("QUIT", staysSilent());
@@ -127,6 +133,14 @@ TEST_P(ClosingInTheMiddle, CanBeDestroyedBetweenClosingAndTheEnd) {
 
 INSTANTIATE_TEST_SUITE_P(Moments, ClosingInTheMiddle, ::testing::ValuesIn(kMoments),
                          [](const auto& moment) { return moment.param.name; });
+
+TEST_F(ClosingTest, GivesTheServerTimeToAnswerTheFarewell) {
+  open();
+  server.on("QUIT", staysSilent());
+  const auto begin = steady_clock::now();
+  close();
+  EXPECT_GT(steady_clock::now() - begin, std::chrono::seconds(1));
+}
 
 TEST_F(ClosingTest, NeverConnectsWhenItIsClosedBeforeItCould) {
   make();

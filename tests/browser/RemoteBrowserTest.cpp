@@ -4,9 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <utility>
 
 #include "browser/BrowserWorld.h"
+#include "engine/RunWorld.h"
 
 namespace quillmoor {
 namespace {
@@ -280,6 +281,17 @@ TEST_F(RemoteBrowserTest, TakesALinkThatCanBeEnteredByItsTextForAFolder) {
   EXPECT_THAT(view.calls, ElementsAre("busy", "changed 1 to 1", "idle"));
 }
 
+TEST_F(RemoteBrowserTest, CutsThePathOfALinkBeforeAnArrowWhereverThatStands) {
+  server.addFolder("/x->y/link");
+  server.setListing("/x->y", linkLine("link", "elsewhere"));
+  server.addFolder("/x/inside");
+  site.defaultDir = "/x->y";
+  open();
+  activate("link->elsewhere");
+  EXPECT_EQ(server.count("CWD /x"), 1U + server.count("CWD /x->y"));
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose inside"));
+}
+
 TEST_F(RemoteBrowserTest, ShowsEveryRowAndAnswersClicksWhileLinksAreTested) {
   std::string listing = "drwxr-xr-x 1 o g 0 Jan 1 2020 images\r\n";
   for (int i = 0; i < 300; ++i) {
@@ -383,6 +395,35 @@ TEST_F(RemoteBrowserTest, KeepsAnIdleConnectionAlive) {
   browser->keepAlive();
   settle();
   EXPECT_EQ(server.count("USER"), logins) << "only a connected session is kept alive";
+}
+
+TEST_F(RemoteBrowserTest, WorksInTheMiddleOfABackupRunAndDoesNotHoldItUp) {
+  RunWorld run;
+  run.server.addFile("/a.txt", "x");
+  std::promise<void> listed;
+  run.server.once("RETR", [&](auto& session) {
+    listed.get_future().wait();
+    session.answerAsUsual();
+  });
+  server.addFolder("/www");
+  server.once("PASS", replies("530 Not yet."));
+  make();
+  bool told = false;
+  run.pump = [&] {
+    browser->connect();
+    browser->takeNews();
+    if (!browser->busy() && !std::exchange(told, true)) listed.set_value();
+  };
+  run.run();
+  EXPECT_EQ(run.display.item(0, ReportColumn::status), "Completed");
+  EXPECT_EQ(contentsOf(run.target() / "a.txt").substr(0, 1), "x");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www"));
+
+  server.on("PASS", replies("530 Never."));
+  make();
+  run.run();
+  EXPECT_TRUE(browser->busy()) << "it still tries to log in";
+  EXPECT_EQ(run.display.item(1, ReportColumn::status), "Completed");
 }
 
 TEST_F(RemoteBrowserTest, ComesBackToItsFolderWhenTheServerHasDroppedTheConnection) {
