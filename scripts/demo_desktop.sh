@@ -67,7 +67,7 @@ until_true 20 shown || { cat "$work/quillmoor.log" >&2; echo "demo: the window d
 begun() { [ -e "$target/Sample site" ]; }
 press() {
   shown || return
-  xdotool mousemove --window "$(window)" 170 25 click 1 && xdotool key --delay 100 alt+s && until_true 1 begun
+  xdotool windowfocus --sync "$(window)" key --delay 100 ctrl+Tab alt+s && until_true 1 begun
 }
 until_true 5 press || echo 'Click its icon in the notification area or the taskbar, then "Backup" and "Start Now".'
 complete() {

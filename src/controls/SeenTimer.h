@@ -3,6 +3,7 @@
 #pragma once
 
 #include <wx/timer.h>
+#include <wx/toplevel.h>
 #include <wx/window.h>
 
 #include <functional>
@@ -39,7 +40,7 @@ class SeenTimer : public wxTimer {
   static constexpr int kRest = 2000;  // milliseconds
 
   void Notify() override {
-    if (form_->IsShownOnScreen() || neededUnseen()) {
+    if (isSeen() || neededUnseen()) {
       wake();
       tickGuarded();
     } else if (GetInterval() < kRest) {
@@ -51,6 +52,11 @@ class SeenTimer : public wxTimer {
     bool needed = false;
     if (alsoUnseen_) Guarded([&] { needed = alsoUnseen_(); });
     return needed;
+  }
+
+  bool isSeen() const {
+    const auto* const window = dynamic_cast<wxTopLevelWindow*>(wxGetTopLevelParent(form_));
+    return form_->IsShownOnScreen() && !(window && window->IsIconized());
   }
 
   /// Some toolkits call from C, which no exception may pass.

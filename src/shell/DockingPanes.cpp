@@ -26,6 +26,7 @@ DockingPanes::DockingPanes(wxWindow* parent)
   SetName("DockingPanes");
   SetMeasuringFont(GetFont().Bold());  // that of the tab in front
   Bind(wxEVT_AUINOTEBOOK_TAB_RIGHT_UP, [this](wxAuiNotebookEvent&) { showMenu(); });
+  Bind(wxEVT_CHAR_HOOK, &DockingPanes::onKey, this);
 }
 
 void DockingPanes::addPane(int id, wxWindow* form) {
@@ -44,6 +45,22 @@ int DockingPanes::idOf(const wxWindow* form) const {
 
 void DockingPanes::activate(int id) {
   SetSelection(static_cast<std::size_t>(FindPage(form(id))));
+}
+
+void DockingPanes::activateNext(bool backward) {
+  const std::size_t count = kPanes.size();
+  const auto at = static_cast<std::size_t>(&paneOf(activePane()) - kPanes.data());
+  const Pane& next = kPanes.at((at + (backward ? count - 1 : 1)) % count);
+  activate(next.id);
+  form(next.id)->SetFocus();
+}
+
+void DockingPanes::onKey(wxKeyEvent& event) {
+  if (event.GetKeyCode() != WXK_TAB || !event.RawControlDown() || event.AltDown()) {
+    event.Skip();
+  } else if (GetPageCount() == kPanes.size()) {
+    activateNext(event.ShiftDown());
+  }
 }
 
 int DockingPanes::activePane() const {

@@ -19,6 +19,9 @@ class DockingPanes : public wxAuiNotebook {
 
   /// Brings a pane to the front of its group and makes it the active one.
   void activate(int id);
+  /// The same for the pane after the active one, or before it, in the order of the table; the keyboard goes
+  /// with it. Ctrl+Tab and Ctrl+Shift+Tab do it wherever the focus is.
+  void activateNext(bool backward);
   int activePane() const;
 
   /// The layout now.
@@ -35,6 +38,7 @@ class DockingPanes : public wxAuiNotebook {
   bool placeGroups(const std::string& places, std::size_t groups);
   void moveTo(int id, wxAuiTabCtrl* group);
   void showMenu();
+  void onKey(wxKeyEvent& event);
 };
 
 }  // namespace quillmoor

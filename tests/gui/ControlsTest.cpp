@@ -2,6 +2,9 @@
 #include <wx/frame.h>
 #include <wx/sizer.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "GuiFixture.h"
 #include "controls/LogView.h"
 #include "controls/SeenTimer.h"
@@ -49,17 +52,19 @@ TEST_F(LogViewTest, KeepsUpWithTenThousandLinesASecond) {
   constexpr int kLines = 20'000;
   constexpr std::chrono::microseconds kPerLine{100};
   const auto begin = Clock::now();
-  std::chrono::duration<double, std::milli> worst{0};
+  std::vector<std::chrono::duration<double, std::milli>> turns;
   for (int line = 0; line < kLines;) {
     const auto due = std::min<std::int64_t>((Clock::now() - begin) / kPerLine + 1, kLines);
     for (; line < due; ++line) append("Retriving: /www/a folder/file " + std::to_string(line) + ".html\r\n");
     const auto turn = Clock::now();
     wxEventLoopBase::GetActive()->YieldFor(wxEVT_CATEGORY_ALL);
-    worst = std::max<decltype(worst)>(worst, Clock::now() - turn);
+    turns.emplace_back(Clock::now() - turn);
   }
   const std::chrono::duration<double> took = Clock::now() - begin;
   EXPECT_LT(took.count(), 2.0 * kLines / 10'000) << "lines come faster than they are shown";
-  RecordProperty("WorstTurnMs", std::to_string(worst.count()));
+  // Nine of ten clicks are answered at once; what the machine does beside may hold up one.
+  std::sort(turns.begin(), turns.end());
+  EXPECT_LT(turns.at(turns.size() * 9 / 10).count(), 50);
   EXPECT_TRUE(waitUntil([&] { return newestIsInView(); }));
   EXPECT_EQ(log.line(log.lineCount() - 2).text, "Retriving: /www/a folder/file 19999.html");
 }

@@ -97,6 +97,26 @@ TEST_F(PanesTest, LetTheTabKeyReachEveryControlInReadingOrder) {
   })) << "from the log to the report";
 }
 
+TEST_F(PanesTest, AreGoneThroughByTheKeyboard) {
+  start();
+  stayOpen();
+  main->Raise();
+  form(0)->SetFocus();
+  ASSERT_TRUE(waitUntil([&] { return wxWindow::FindFocus() != nullptr; }));
+  wxUIActionSimulator hand;
+  const auto goesTo = [&](int modifiers, const Pane& pane) {
+    hand.Char(WXK_TAB, modifiers);
+    EXPECT_TRUE(waitUntil([&] {
+      wxWindow* focus = wxWindow::FindFocus();
+      while (focus && focus->GetParent() != main->panes) focus = focus->GetParent();
+      return main->panes->activePane() == pane.id &&
+             focus == main->panes->GetPage(main->panes->GetSelection());
+    })) << pane.title;
+  };
+  for (std::size_t i = 1; i <= kPanes.size(); ++i) goesTo(wxMOD_CONTROL, kPanes[i % kPanes.size()]);
+  goesTo(wxMOD_CONTROL | wxMOD_SHIFT, kPanes.back());
+}
+
 TEST_F(PanesTest, HaveNoMnemonicTwice) {
   start();
   stayOpen();
