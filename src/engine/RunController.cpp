@@ -141,11 +141,6 @@ bool RunController::prepareTarget(const std::string& profileId) {
     logError("Error: " + state_.profile.unreadable + "\r\n");
     return false;
   }
-  if (state_.profile.ProxyType != static_cast<std::int32_t>(FtpProxyType::none)) {
-    // The login would be refused, and tried again without end.
-    logError("Error: This build does not connect through a proxy.\r\n");
-    return false;
-  }
   if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId)) {
     // The name becomes a folder below SaveTo; this one could lead out of it.
     logError("Error: The profile's name cannot be the name of a folder: " + PrintableName(profileId) +

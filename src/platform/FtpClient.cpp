@@ -9,23 +9,13 @@
 #include "platform/FtpTransfer.h"
 #include "platform/LocalPath.h"
 #include "platform/NvtText.h"
+#include "platform/ProxyLogin.h"
 #include "platform/WholeFile.h"
 
 namespace quillmoor {
 namespace {
 
 using std::chrono::milliseconds;
-
-/// A refusal that also carries the reply, for the progress event.
-class Refused : public FtpError {
- public:
-  Refused(const std::string& description, FtpReply reply)
-      : FtpError(reply.code, description), reply_(std::move(reply)) {}
-  const FtpReply& reply() const { return reply_; }
-
- private:
-  FtpReply reply_;
-};
 
 /// After these the server's answers can no longer be told apart, or there is no server any more.
 bool endsSession(int number) {
@@ -106,7 +96,7 @@ class FtpClient::Impl {
     } catch (const Aborted&) {
       closeUnlessTransfer(method);
       fail(FtpError(FtpErrorNumber::aborted, "The operation was stopped."), "");
-    } catch (const Refused& error) {
+    } catch (const FtpRefusal& error) {
       if (endsSession(error.number())) control_.close();
       fail(error, error.reply().text);
     } catch (const FtpError& error) {
@@ -141,8 +131,9 @@ class FtpClient::Impl {
   void progress(FtpStatus status, const std::string& replyText, std::int64_t count = 0,
                 std::int64_t size = 0);
   FtpReply require(const std::string& line);
-  FtpReply requireShownAs(const std::string& line, const std::string& shown);
-  FtpReply logIn(const std::string& user, const std::string& password, const std::string& account);
+  std::string shown(const std::string& replyText) const {
+    return printableReply(printableReply(replyText, secret_), proxySecret_);
+  }
   void negotiateNames();
   FtpTransfer::Outcome runList(const std::string& command, std::string& text);
   [[noreturn]] void fail(const FtpError& error, const std::string& replyText);
@@ -153,7 +144,7 @@ class FtpClient::Impl {
   FtpControl control_;
   FtpTransfer transfer_;
   FtpMethod method_ = FtpMethod::command;
-  std::string secret_;
+  std::string secret_, proxySecret_;
   bool asciiType_ = true;  // RFC 959 §5.1: the type is ASCII until said otherwise
   enum class HiddenFiles { unknown, listed, refused } hiddenFiles_ = HiddenFiles::unknown;
 };
@@ -175,16 +166,16 @@ void FtpClient::Impl::closeNow() {
 void FtpClient::Impl::progress(FtpStatus status, const std::string& replyText, std::int64_t count,
                                std::int64_t size) {
   if (!client_.onProgress) return;
-  std::string text = replyText.empty() ? std::string() : printableReply(replyText, secret_) + "\r\n";
+  std::string text = replyText.empty() ? std::string() : shown(replyText) + "\r\n";
   client_.onProgress({method_, status, std::move(text), count, size});
 }
 
 void FtpClient::Impl::fail(const FtpError& error, const std::string& replyText) {
   if (state != FtpState::closed && !control_.isOpen()) closeNow();
-  const FtpError shown(error.number(), oneLine(printableReply(error.what(), secret_)));
-  if (client_.onError) client_.onError(shown.number(), shown.what());
-  progress(FtpStatus::failed, replyText.empty() ? shown.what() : replyText);
-  throw shown;
+  const FtpError told(error.number(), oneLine(shown(error.what())));
+  if (client_.onError) client_.onError(told.number(), told.what());
+  progress(FtpStatus::failed, replyText.empty() ? told.what() : replyText);
+  throw told;
 }
 
 /// For an operation that never began: it must not touch what is in progress.
@@ -193,14 +184,12 @@ void FtpClient::Impl::raiseOutside(FtpErrorNumber number, const char* descriptio
   throw FtpError(number, description);
 }
 
-FtpReply FtpClient::Impl::requireShownAs(const std::string& line, const std::string& shown) {
-  FtpReply reply = control_.exchange(line, timeout());
-  if (reply.refusal()) throw Refused("The server refused " + shown + ": " + reply.text, reply);
-  return reply;
-}
-
 FtpReply FtpClient::Impl::require(const std::string& line) {
-  return requireShownAs(line, line.substr(0, line.find(' ')));
+  FtpReply reply = control_.exchange(line, timeout());
+  if (reply.refusal()) {
+    throw FtpRefusal("The server refused " + line.substr(0, line.find(' ')) + ": " + reply.text, reply);
+  }
+  return reply;
 }
 
 void FtpClient::Impl::login(const std::string& host, const std::string& user, const std::string& password,
@@ -208,29 +197,21 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
   perform(FtpMethod::login, false, [&] {
     if (state != FtpState::closed) closeNow();
     secret_ = password;
-    if (client_.proxyType != static_cast<std::int32_t>(FtpProxyType::none)) {
-      throw FtpError(FtpErrorNumber::proxyNotSupported, "Logging in through a proxy of type " +
-                                                            std::to_string(client_.proxyType) +
-                                                            " is not supported by this version.");
-    }
+    proxySecret_ = client_.proxyPassword;
+    const FtpProxy proxy = checkedProxy(client_.proxyType, client_.proxyHost, client_.proxyPort,
+                                        client_.proxyUserName, client_.proxyPassword);
     if (port < 1 || port > 65535) {
       throw FtpError(FtpErrorNumber::badArgument, std::to_string(port) + " is no port number.");
     }
     setState(FtpState::connecting);
     try {
-      std::vector<asio::ip::tcp::endpoint> endpoints;
-      try {
-        endpoints = resolveHost(io_, host, static_cast<std::uint16_t>(port),
-                                std::chrono::steady_clock::now() + timeout());
-      } catch (const std::system_error& error) {
-        throw FtpError(FtpErrorNumber::hostNotFound,
-                       "Cannot find the host " + host + ": " + ErrorText(error.code()) + ".");
-      }
-      control_.connect(endpoints, host, timeout());
-      transfer_.reset(passive);
+      const FtpLogin login{{host, static_cast<std::uint16_t>(port)}, user, password, account, proxy};
+      transfer_.reset(passive, connectControl(io_, control_, login.server, proxy, timeout()));
       asciiType_ = true;
       hiddenFiles_ = HiddenFiles::unknown;
-      const FtpReply reply = logIn(user, password, account);
+      const FtpReply reply = logInAtServer(control_, login, timeout(), [this](const FtpReply& before) {
+        progress(FtpStatus::inProgress, before.text);
+      });
       negotiateNames();
       setState(FtpState::connected);
       progress(FtpStatus::done, reply.text);
@@ -239,31 +220,6 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
       throw;
     }
   });
-}
-
-/// RFC 959 §5.4: greeting, then USER, PASS and ACCT as far as the server asks for them.
-FtpReply FtpClient::Impl::logIn(const std::string& user, const std::string& password,
-                                const std::string& account) {
-  const auto deadline = std::chrono::steady_clock::now() + timeout();
-  FtpReply reply = control_.readReply(deadline);
-  while (reply.preliminary()) {  // 120: ready in so many minutes
-    progress(FtpStatus::inProgress, reply.text);
-    reply = control_.readReply(deadline);
-  }
-  if (!reply.completion()) throw Refused("The server does not want to talk: " + reply.text, reply);
-  progress(FtpStatus::inProgress, reply.text);
-
-  reply = requireShownAs("USER " + user, "the user name");
-  if (reply.code == 331) reply = requireShownAs("PASS " + password, "the password");
-  if (reply.code == 332) {
-    if (account.empty()) {
-      throw Refused("The server asks for an account (ACCT), and the profile has none: " + reply.text, reply);
-    }
-    reply = requireShownAs("ACCT " + account, "the account");
-    if (reply.code == 331) reply = requireShownAs("PASS " + password, "the password");
-  }
-  if (!reply.completion()) throw Refused("The server did not complete the login: " + reply.text, reply);
-  return reply;
 }
 
 /// RFC 2640, RFC 2389: some servers send UTF-8 names only when they have been asked to. Whatever they answer,
@@ -342,7 +298,7 @@ std::string FtpClient::Impl::list() {
       if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::refused;
     }
     if (outcome.reply.refusal() && !saysNoFiles(outcome.reply)) {
-      throw Refused("The server refused LIST: " + outcome.reply.text, outcome.reply);
+      throw FtpRefusal("The server refused LIST: " + outcome.reply.text, outcome.reply);
     }
     if (outcome.reply.refusal()) text.clear();
     progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
@@ -374,7 +330,7 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
     };
     const FtpTransfer::Outcome outcome = transfer_.run(order);
     if (outcome.reply.refusal())
-      throw Refused("The server refused RETR: " + outcome.reply.text, outcome.reply);
+      throw FtpRefusal("The server refused RETR: " + outcome.reply.text, outcome.reply);
     if (text.heldCarriageReturn()) file.write("\r");
     file.commit();
     progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
@@ -394,7 +350,9 @@ void FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnect
   if (busy || state != FtpState::connected || !control_.takesCommandsAhead()) return;
   io_.clearAbort();
   try {
-    if (dataConnection) lines.push_back(transfer_.request(client_.dataPortRange));
+    if (dataConnection) {
+      if (auto request = transfer_.requestAhead(client_.dataPortRange)) lines.push_back(*std::move(request));
+    }
     control_.sendAhead(lines);
   } catch (const FtpError&) {  // NOLINT(bugprone-empty-catch): the operation itself will meet it and tell
   }

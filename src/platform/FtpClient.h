@@ -31,20 +31,24 @@ enum class FtpMethod {
 
 enum class FtpStatus { done = 0, inProgress = 1, failed = 2 };
 
-/// Ways through a proxy; the numbers are those stored in a profile.
+/// Ways through a proxy; the numbers are those stored in a profile. From siteHostname on the proxy speaks
+/// FTP: all connections, for data too, lead to it, and a port other than 21 is told to it behind the host.
 enum class FtpProxyType {
   none = 0,
-  socks4 = 1,
-  socks5 = 2,
-  siteHostname = 3,
-  userLogon = 4,
-  userNoLogon = 5,
-  open = 6,
-  pipe = 7
+  socks4 = 1,  // SOCKS 4; 4a where the host is a name
+  socks5 = 2,  // SOCKS 5 (RFC 1928), with a login (RFC 1929) where there is a user name
+  siteHostname =
+      3,          // USER and PASS of the proxy, "SITE host" or "SITE host port", USER and PASS of the server
+  userLogon = 4,  // USER and PASS of the proxy, "USER user@host" or "USER user@host:port", PASS of the server
+  userNoLogon = 5,  // "USER user@host" or "USER user@host:port", PASS of the server
+  open = 6,         // as siteHostname, with OPEN in place of SITE
+  pipe = 7          // the proxy is a pipe to one server and says nothing itself, also called a transparent or
+                    // plug proxy: the client connects to it and talks as if to the server
 };
 
 /// Numbers of the failures that no server reply names. A refusal by the server bears the reply's own code
-/// (421, 530, 550, ...), which is always below these.
+/// (421, 530, 550, ...), which is always below these. Where a proxy refused, the description has "the proxy
+/// says".
 enum class FtpErrorNumber : int {
   notConnected = 1001,
   busy,
@@ -59,7 +63,7 @@ enum class FtpErrorNumber : int {
   incomplete,
   tooLong,
   localFile,
-  proxyNotSupported
+  proxyRefused  // by SOCKS; an FTP proxy's refusal bears the reply's code as a server's does
 };
 
 /// Raised by every operation that fails, after the error event. `what()` is a sentence for a person and holds
@@ -122,6 +126,8 @@ class FtpClient {
   std::int32_t timeoutMs = 0;
   static constexpr std::int32_t kDefaultTimeoutMs = 60'000;
 
+  /// The proxy for the next login. Host and port are needed for every type but `none`; types that know no
+  /// login ignore the user name and password, and an empty user name leaves the login at the proxy out.
   std::int32_t proxyType = 0;  // an FtpProxyType
   std::string proxyHost;
   std::int32_t proxyPort = 0;
@@ -151,8 +157,8 @@ class FtpClient {
   // --- operations, blocking
 
   /// Connects and logs in (USER, then PASS and ACCT as the server asks). A session that is still open is
-  /// closed first. After a failure the state is `closed`. A proxy type that is not built raises
-  /// proxyNotSupported before anything is sent.
+  /// closed first. After a failure the state is `closed`. A proxy type that is none, or a proxy without a
+  /// host or port, raises badArgument before anything is sent.
   void login(const std::string& host, const std::string& user, const std::string& password,
              const std::string& account, std::int32_t port);
 

@@ -17,21 +17,8 @@ Deadline in(milliseconds time) {
   return std::chrono::steady_clock::now() + time;
 }
 
-[[noreturn]] void raiseSilent() {
-  throw FtpError(FtpErrorNumber::timedOut, "The server did not answer in time.");
-}
-
 bool isTimeOut(const FtpError& error) {
   return error.number() == static_cast<int>(FtpErrorNumber::timedOut);
-}
-
-/// 421: the service is not available and the server closes the control connection (RFC 959 §4.2.1).
-[[noreturn]] void raiseClosedByServer(const FtpReply& reply) {
-  throw FtpError(reply.code, "The server closed the session: " + printableReply(reply.text, ""));
-}
-
-[[noreturn]] void raiseFlood() {
-  throw FtpError(FtpErrorNumber::badReply, "The server sends replies that answer nothing, without end.");
 }
 
 /// RFC 854: a byte 255 inside a line is doubled, else it would begin a Telnet command.
@@ -47,6 +34,20 @@ std::string wireForm(std::string_view line) {
 }
 
 }  // namespace
+
+void FtpControl::raiseSilent() const {
+  throw FtpError(FtpErrorNumber::timedOut, "The " + speaker() + " did not answer in time.");
+}
+
+/// 421: the service is not available and the server closes the control connection (RFC 959 §4.2.1).
+void FtpControl::raiseClosed(const FtpReply& reply) const {
+  throw FtpError(reply.code, "The " + speaker() + " closed the session: " + saidBy(speaker(), reply));
+}
+
+void FtpControl::raiseFlood() const {
+  throw FtpError(FtpErrorNumber::badReply,
+                 "The " + speaker() + " sends replies that answer nothing, without end.");
+}
 
 void FtpControl::checkLine(std::string_view line) {
   if (line.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) {
@@ -82,6 +83,7 @@ void FtpControl::close() {
   ahead_.clear();
   takesAhead_ = true;
   ended_ = false;
+  setSpeaker(kServer);
 }
 
 asio::ip::address FtpControl::localAddress() const {
@@ -89,26 +91,17 @@ asio::ip::address FtpControl::localAddress() const {
   return channel_.socket.local_endpoint(ignored).address();
 }
 
-asio::ip::address FtpControl::remoteAddress() const {
+asio::ip::tcp::endpoint FtpControl::remoteEndpoint() const {
   asio::error_code ignored;
-  return channel_.socket.remote_endpoint(ignored).address();
+  return channel_.socket.remote_endpoint(ignored);
 }
 
 void FtpControl::write(const std::string& bytes, milliseconds timeout) {
-  const Deadline deadline = in(timeout);
-  for (std::size_t sent = 0; sent != bytes.size();) {
-    asio::error_code error;
-    sent += channel_.socket.write_some(asio::buffer(bytes) + sent, error);
-    if (error == asio::error::would_block) {
-      error = runToEnd(io_, channel_, deadline, [&](auto handler) {
-        channel_.socket.async_wait(asio::socket_base::wait_write, std::move(handler));
-      });
-    }
-    if (error == asio::error::timed_out) raiseSilent();
-    if (error) {
-      throw FtpError(FtpErrorNumber::connectionLost,
-                     "The connection to the server is lost: " + ErrorText(error) + ".");
-    }
+  const asio::error_code error = writeAll(io_, channel_, bytes, in(timeout));
+  if (error == asio::error::timed_out) raiseSilent();
+  if (error) {
+    throw FtpError(FtpErrorNumber::connectionLost,
+                   "The connection to the " + speaker() + " is lost: " + ErrorText(error) + ".");
   }
 }
 
@@ -128,7 +121,8 @@ bool FtpControl::receive() {
 std::optional<FtpReply> FtpControl::pollReply() {
   for (;;) {
     if (auto reply = reader_.next()) return reply;
-    if (ended_) throw FtpError(FtpErrorNumber::connectionLost, "The server closed the connection.");
+    if (ended_)
+      throw FtpError(FtpErrorNumber::connectionLost, "The " + speaker() + " closed the connection.");
     if (!receive() && !ended_) return std::nullopt;
   }
 }
@@ -153,7 +147,7 @@ FtpReply FtpControl::readFinalReply(Deadline deadline) {
   for (std::size_t passed = 0;; ++passed) {
     if (passed == kMostReplies) raiseFlood();
     FtpReply reply = readReply(deadline);
-    if (reply.code == 421) raiseClosedByServer(reply);
+    if (reply.code == 421) raiseClosed(reply);
     if (!reply.preliminary()) return reply;
     if (onStray) onStray(reply);
   }
@@ -164,7 +158,7 @@ void FtpControl::passStrayReplies() {
     if (passed == kMostReplies) raiseFlood();
     auto reply = pollReply();
     if (!reply) return;
-    if (reply->code == 421) raiseClosedByServer(*reply);
+    if (reply->code == 421) raiseClosed(*reply);
     if (onStray) onStray(*reply);
   }
 }

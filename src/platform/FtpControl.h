@@ -23,14 +23,19 @@ class FtpControl {
   /// Called with a reply that answers no command, and with preliminary replies.
   std::function<void(const FtpReply&)> onStray;
 
-  /// Connects to the first of the endpoints that answers; they share the time.
+  /// Who answers, for the errors: kServer, or kProxy before it leads to one. Closing makes it the server.
+  void setSpeaker(const char* speaker) { reader_.speaker = speaker; }
+  const std::string& speaker() const { return reader_.speaker; }
+
+  /// Connects to the first of the endpoints that answers; they share the time. `host` is what an error calls
+  /// them.
   void connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, const std::string& host,
                std::chrono::milliseconds timeout);
   void close();
   bool isOpen() const { return channel_.socket.is_open(); }
 
   asio::ip::address localAddress() const;
-  asio::ip::address remoteAddress() const;
+  asio::ip::tcp::endpoint remoteEndpoint() const;
   TcpChannel& channel() { return channel_; }
 
   /// Sends a command line and returns its final reply, passing over preliminary ones. Takes the reply of the
@@ -43,6 +48,8 @@ class FtpControl {
   /// The next reply if it has come, preliminary or not; does not wait. Raises when the connection has ended.
   std::optional<FtpReply> pollReply();
   FtpReply readReply(Deadline deadline);
+  /// The next reply that is not a preliminary one; those go to `onStray`.
+  FtpReply readFinalReply(Deadline deadline);
 
   /// Sends the lines in one go and remembers them. See FtpClient::sendAhead.
   void sendAhead(const std::vector<std::string>& lines);
@@ -64,7 +71,9 @@ class FtpControl {
   void write(const std::string& bytes, std::chrono::milliseconds timeout);
   bool receive();
   void passStrayReplies();
-  FtpReply readFinalReply(Deadline deadline);
+  [[noreturn]] void raiseSilent() const;
+  [[noreturn]] void raiseClosed(const FtpReply& reply) const;
+  [[noreturn]] void raiseFlood() const;
   std::optional<FtpReply> takeAheadReply(std::size_t position, std::chrono::milliseconds timeout);
   std::vector<FtpReply> resynchronise(std::chrono::milliseconds timeout);
 

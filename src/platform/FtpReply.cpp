@@ -43,8 +43,8 @@ std::optional<FtpReply> FtpReplyReader::next() {
   for (;;) {
     const auto end = bytes_.find('\n', scan_);
     if ((end == std::string::npos ? bytes_.size() : end) - at_ > kMaxLine) {
-      throw FtpError(FtpErrorNumber::tooLong,
-                     "The server sent a reply line of more than " + std::to_string(kMaxLine) + " bytes.");
+      throw FtpError(FtpErrorNumber::tooLong, "The " + speaker + " sent a reply line of more than " +
+                                                  std::to_string(kMaxLine) + " bytes.");
     }
     if (end == std::string::npos) {
       bytes_.erase(0, at_);
@@ -58,7 +58,7 @@ std::optional<FtpReply> FtpReplyReader::next() {
 
     if (multiLineCode_.empty()) {
       if (!hasCode(line) || line[0] < '1' || line[0] > '5') {
-        throw FtpError(FtpErrorNumber::badReply, "The server sent something that is no FTP reply: " +
+        throw FtpError(FtpErrorNumber::badReply, "The " + speaker + " sent something that is no FTP reply: " +
                                                      printableReply(line.substr(0, 200), ""));
       }
       reply_.code = (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
@@ -70,8 +70,8 @@ std::optional<FtpReply> FtpReplyReader::next() {
     reply_.text += "\r\n";
     reply_.text += line;
     if (reply_.text.size() > kMaxReply) {
-      throw FtpError(FtpErrorNumber::tooLong,
-                     "The server sent a reply of more than " + std::to_string(kMaxReply) + " bytes.");
+      throw FtpError(FtpErrorNumber::tooLong, "The " + speaker + " sent a reply of more than " +
+                                                  std::to_string(kMaxReply) + " bytes.");
     }
     // Lines inside may begin with digits of their own; only this code and a blank end the reply.
     if (line.starts_with(multiLineCode_) && (line.size() == 3 || line[3] == ' ')) {
@@ -151,6 +151,10 @@ std::optional<std::int64_t> announcedSize(std::string_view replyText) {
     }
   }
   return std::nullopt;
+}
+
+std::string saidBy(std::string_view speaker, const FtpReply& reply) {
+  return (speaker == kProxy ? "the proxy says " : "") + printableReply(reply.text, "");
 }
 
 std::string printableReply(std::string_view replyText, std::string_view secret) {

@@ -7,10 +7,26 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/FtpClient.h"
 
 namespace quillmoor {
+
+/// Who talks on the other end of a control connection.
+inline constexpr const char* kServer = "server";
+inline constexpr const char* kProxy = "proxy";
+
+/// A refusal that also carries the reply, for the progress event. Its number is the reply's code.
+class FtpRefusal : public FtpError {
+ public:
+  FtpRefusal(const std::string& description, FtpReply reply)
+      : FtpError(reply.code, description), reply_(std::move(reply)) {}
+  const FtpReply& reply() const { return reply_; }
+
+ private:
+  FtpReply reply_;
+};
 
 /// Cuts the bytes of a control connection into replies. Raises FtpError `tooLong` when a line passes
 /// kMaxLine or a reply kMaxReply bytes, `badReply` when a reply does not begin with three digits; the
@@ -19,6 +35,9 @@ class FtpReplyReader {
  public:
   static constexpr std::size_t kMaxLine = 16 * 1024;
   static constexpr std::size_t kMaxReply = 256 * 1024;
+
+  /// Who is talking, for the errors.
+  std::string speaker = kServer;
 
   void append(std::string_view bytes);
   /// The next whole reply, preliminary ones included; nothing when more bytes are needed.
@@ -45,6 +64,10 @@ std::optional<std::string> pwdPath(std::string_view replyText);
 
 /// The size that a 150 reply mentions as "(N bytes)".
 std::optional<std::int64_t> announcedSize(std::string_view replyText);
+
+/// What a reply says, at the end of a sentence: "550 No such file" of a server, "the proxy says 530 No" of a
+/// proxy.
+std::string saidBy(std::string_view speaker, const FtpReply& reply);
 
 /// Reply text fit to be shown: control characters but CR LF between lines become "?", and the secret, if
 /// any, is blotted out.

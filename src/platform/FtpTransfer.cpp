@@ -81,25 +81,30 @@ struct FtpTransfer::Reception {
   }
 };
 
-void FtpTransfer::reset(bool passive) {
+void FtpTransfer::reset(bool passive, std::optional<SocksRoute> socks) {
   closeData();
   passive_ = passive;
+  socks_ = std::move(socks);
   extended_ = true;
 }
 
 void FtpTransfer::closeData() {
   data_.close();
   acceptor_.close();
+  bound_.close();
+  boundAnswer_.clear();
   listeningRequest_.clear();
 }
 
-std::string FtpTransfer::request(const std::string& dataPortRange) {
+std::optional<std::string> FtpTransfer::requestAhead(const std::string& dataPortRange) {
   if (passive_) return extended_ ? "EPSV" : "PASV";
-  if (listeningRequest_.empty()) listenForServer(dataPortRange);
+  if (socks_) return std::nullopt;
+  if (listeningRequest_.empty()) listeningRequest_ = listenForServer(dataPortRange);
   return listeningRequest_;
 }
 
-void FtpTransfer::listenForServer(const std::string& dataPortRange) {
+/// Opens a port here; returns the command that names it.
+std::string FtpTransfer::listenForServer(const std::string& dataPortRange) {
   const auto [low, high] = parsePortRange(dataPortRange);
   const asio::ip::address address = plainAddress(control_.localAddress());
   asio::error_code error;
@@ -118,7 +123,57 @@ void FtpTransfer::listenForServer(const std::string& dataPortRange) {
     throw FtpError(FtpErrorNumber::dataConnectionFailed, "Cannot listen for a data connection (ports " +
                                                              dataPortRange + "): " + ErrorText(error) + ".");
   }
-  listeningRequest_ = portCommand(address, acceptor_.socket.local_endpoint().port());
+  return portCommand(address, acceptor_.socket.local_endpoint().port());
+}
+
+void FtpTransfer::connectToProxy(TcpChannel& channel, Deadline deadline) {
+  const auto error = connectTo(io_, channel, control_.remoteEndpoint(), deadline);
+  if (error) {
+    throw FtpError(FtpErrorNumber::connectFailed, "cannot connect to the proxy: " + ErrorText(error));
+  }
+}
+
+/// Has the proxy open a port (SOCKS BIND); returns the command that names it.
+std::string FtpTransfer::listenAtProxy(milliseconds timeout) {
+  const Deadline deadline = steady_clock::now() + timeout;
+  try {
+    connectToProxy(bound_, deadline);
+    const SocksAddress at = socksBind(io_, bound_, socks_->login, socks_->server, deadline);
+    return portCommand(plainAddress(asio::ip::make_address(at.host)), at.port);
+  } catch (const FtpError& error) {
+    throw FtpError(FtpErrorNumber::dataConnectionFailed,
+                   std::string("The proxy lets no data connection come in (passive mode needs none): ") +
+                       error.what() + ".");
+  }
+}
+
+/// Connects to a port of the server.
+void FtpTransfer::connectData(std::uint16_t port, milliseconds timeout) {
+  const Deadline deadline = steady_clock::now() + timeout;
+  std::string why;
+  if (!socks_) {
+    const auto error = connectTo(io_, data_, {control_.remoteEndpoint().address(), port}, deadline);
+    if (!error) return;
+    why = ErrorText(error);
+  } else {
+    try {
+      connectToProxy(data_, deadline);
+      return socksConnect(io_, data_, socks_->login, {socks_->server.host, port}, deadline);
+    } catch (const FtpError& error) {
+      data_.close();
+      why = error.what();
+    }
+  }
+  throw FtpError(FtpErrorNumber::dataConnectionFailed,
+                 "Cannot open the data connection to port " + std::to_string(port) + ": " + why + ".");
+}
+
+/// Whether the server is known to be reached over IPv6. What a name means to a proxy is not.
+bool FtpTransfer::overIPv6() const {
+  if (!socks_) return plainAddress(control_.remoteEndpoint().address()).is_v6();
+  asio::error_code isName;
+  const auto address = asio::ip::make_address(socks_->server.host, isName);
+  return !isName && address.is_v6();
 }
 
 bool FtpTransfer::openPassive(const Order& order, bool extended) {
@@ -135,25 +190,28 @@ bool FtpTransfer::openPassive(const Order& order, bool extended) {
   }
   // The host is the control connection's, whatever the reply says: a server has no business to send its
   // clients to other machines, and one behind address translation names an address that leads nowhere.
-  const auto error =
-      connectTo(io_, data_, {control_.remoteAddress(), *port}, steady_clock::now() + order.timeout);
-  if (!error) return true;
-  if (extended) return false;
-  throw FtpError(
-      FtpErrorNumber::dataConnectionFailed,
-      "Cannot open the data connection to port " + std::to_string(*port) + ": " + ErrorText(error) + ".");
+  try {
+    connectData(*port, order.timeout);
+  } catch (const FtpError&) {
+    if (extended) return false;
+    throw;
+  }
+  return true;
 }
 
 void FtpTransfer::open(const Order& order) {
   if (!passive_) {
-    const std::string line = request(order.dataPortRange);
+    if (listeningRequest_.empty()) {
+      listeningRequest_ = socks_ ? listenAtProxy(order.timeout) : listenForServer(order.dataPortRange);
+    }
+    const std::string line = listeningRequest_;
     const FtpReply reply = control_.exchange(line, order.timeout);
     if (reply.refusal()) throw refused(line, reply);
     return;
   }
   if (extended_ && openPassive(order, true)) return;
   // PASV speaks of IPv4 only (RFC 2428 §1).
-  if (plainAddress(control_.remoteAddress()).is_v6()) {
+  if (overIPv6()) {
     throw FtpError(FtpErrorNumber::dataConnectionFailed,
                    "The server offers no extended passive mode over IPv6.");
   }
@@ -176,8 +234,10 @@ FtpTransfer::Outcome FtpTransfer::run(const Order& order) {
     return receive(order);
   } catch (const FtpError& error) {
     switch (static_cast<FtpErrorNumber>(error.number())) {
-      case FtpErrorNumber::badArgument:
       case FtpErrorNumber::dataConnectionFailed:
+        if (sent) endInOrder(order.timeout);
+        break;
+      case FtpErrorNumber::badArgument:
       case FtpErrorNumber::incomplete:
         break;
       case FtpErrorNumber::timedOut:
@@ -207,6 +267,7 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
   while (!state.over()) {
     bool moved = takeReplies(state);
     if (!data_.socket.is_open() && acceptor_.socket.is_open()) tryAccept();
+    if (bound_.ready()) tryTakeFromProxy();
     if (data_.socket.is_open() && !state.dataEnded && !state.over()) moved |= readData(order, state);
     if (!moved && !state.over()) wait(order, state);
   }
@@ -277,10 +338,34 @@ void FtpTransfer::tryAccept() {
   asio::ip::tcp::endpoint peer;
   TcpSocket accepted(io_.context().get_executor());
   acceptor_.socket.accept(accepted, peer, error);
-  if (error || plainAddress(peer.address()) != plainAddress(control_.remoteAddress())) return;
+  if (error || plainAddress(peer.address()) != plainAddress(control_.remoteEndpoint().address())) return;
   data_.socket = std::move(accepted);
   data_.socket.non_blocking(true, error);
   acceptor_.close();
+}
+
+/// Active through SOCKS: takes the connection once the proxy has told who is at the other end of it. Only
+/// when the channel is ready: its socket must not move while it is being watched.
+void FtpTransfer::tryTakeFromProxy() {
+  std::string why;
+  try {
+    const auto peer = pollSocksPeer(bound_, socks_->login.version, boundAnswer_);
+    if (!peer) return;
+    asio::error_code peerIsName, serverIsName;
+    const auto address = asio::ip::make_address(peer->host, peerIsName);
+    const auto server = asio::ip::make_address(socks_->server.host, serverIsName);
+    if (peerIsName || serverIsName || address.is_unspecified() ||
+        plainAddress(address) == plainAddress(server)) {
+      data_.socket = std::move(bound_.socket);
+      return;
+    }
+    why = "the proxy let in another machine than the server";
+  } catch (const FtpError& error) {
+    why = error.what();
+  }
+  bound_.close();
+  throw FtpError(FtpErrorNumber::dataConnectionFailed,
+                 "The server's data connection did not come: " + why + ".");
 }
 
 /// Reads until nothing more has come or the server has ended. False when nothing has come.
@@ -330,8 +415,9 @@ void FtpTransfer::wait(const Order& order, Reception& state) {
   if (forReply) control_.channel().arm();
   data_.arm();
   acceptor_.arm();
+  bound_.arm();
   const auto arrived = [&] {
-    return data_.ready() || acceptor_.ready() || (forReply && control_.channel().ready());
+    return data_.ready() || acceptor_.ready() || bound_.ready() || (forReply && control_.channel().ready());
   };
   if (io_.runUntil(arrived, state.lastEvent + order.timeout)) return;
   if (state.dataEnded) {

@@ -9,13 +9,15 @@
 #include <string>
 
 #include "platform/FtpControl.h"
+#include "platform/FtpRoute.h"
 
 namespace quillmoor {
 
 /// Receives files and listings. Belongs to one session: `reset` begins the next.
 class FtpTransfer {
  public:
-  FtpTransfer(PumpedIo& io, FtpControl& control) : io_(io), control_(control), data_(io), acceptor_(io) {}
+  FtpTransfer(PumpedIo& io, FtpControl& control)
+      : io_(io), control_(control), data_(io), acceptor_(io), bound_(io) {}
 
   /// What a transfer does with what arrives. `data[-1]` may be written to. May raise; the transfer is then
   /// ended in order and the exception passed on.
@@ -37,26 +39,31 @@ class FtpTransfer {
     std::int64_t count = 0;
   };
 
-  void reset(bool passive);
+  void reset(bool passive, std::optional<SocksRoute> socks = std::nullopt);
 
   /// Opens the data connection, sends the command and receives. Afterwards the control connection is either
   /// in order or closed; the exception tells what went wrong.
   Outcome run(const Order& order);
 
   /// The command line that will ask for the next data connection: what to send ahead. Active: opens the
-  /// port it names.
-  std::string request(const std::string& dataPortRange);
+  /// port it names. Nothing where that takes a conversation with a proxy.
+  std::optional<std::string> requestAhead(const std::string& dataPortRange);
 
  private:
   struct Reception;
 
   void open(const Order& order);
   bool openPassive(const Order& order, bool extended);
-  void listenForServer(const std::string& dataPortRange);
+  void connectData(std::uint16_t port, std::chrono::milliseconds timeout);
+  void connectToProxy(TcpChannel& channel, Deadline deadline);
+  bool overIPv6() const;
+  std::string listenForServer(const std::string& dataPortRange);
+  std::string listenAtProxy(std::chrono::milliseconds timeout);
   void closeData();
   Outcome receive(const Order& order);
   bool takeReplies(Reception& state);
   void tryAccept();
+  void tryTakeFromProxy();
   bool readData(const Order& order, Reception& state);
   void wait(const Order& order, Reception& state);
   void endInOrder(std::chrono::milliseconds timeout);
@@ -67,6 +74,9 @@ class FtpTransfer {
   FtpControl& control_;
   TcpChannel data_;
   ListenChannel acceptor_;
+  TcpChannel bound_;         // active through SOCKS: where the proxy will tell of the server's connection
+  std::string boundAnswer_;  // what of that has come
+  std::optional<SocksRoute> socks_;
   bool passive_ = true;
   bool extended_ = true;          // EPSV until the session has shown that it takes PASV only
   std::string listeningRequest_;  // the PORT or EPRT line that names the open acceptor

@@ -65,4 +65,37 @@ asio::error_code connectTo(PumpedIo& io, TcpChannel& channel, const asio::ip::tc
   return error;
 }
 
+asio::error_code writeAll(PumpedIo& io, TcpChannel& channel, std::string_view bytes, Deadline deadline) {
+  while (!bytes.empty()) {
+    asio::error_code error;
+    bytes.remove_prefix(channel.socket.write_some(asio::buffer(bytes), error));
+    if (error == asio::error::would_block) {
+      error = runToEnd(io, channel, deadline, [&](auto handler) {
+        channel.socket.async_wait(asio::socket_base::wait_write, std::move(handler));
+      });
+    }
+    if (error) return error;
+  }
+  return {};
+}
+
+asio::error_code readSome(PumpedIo& io, TcpChannel& channel, char* bytes, std::size_t most, std::size_t& size,
+                          Deadline deadline) {
+  for (;;) {
+    // Drops are no reason to forget the pump or the time.
+    io.pumpIfDue();
+    if (std::chrono::steady_clock::now() >= deadline) return asio::error::timed_out;
+    asio::error_code error;
+    size = channel.socket.read_some(asio::buffer(bytes, most), error);
+    if (error == asio::error::would_block || error == asio::error::interrupted) {
+      error = runToEnd(io, channel, deadline, [&](auto handler) {
+        channel.socket.async_wait(asio::socket_base::wait_read, std::move(handler));
+      });
+      if (error) return error;
+      continue;
+    }
+    return error;
+  }
+}
+
 }  // namespace quillmoor

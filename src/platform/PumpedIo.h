@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -215,5 +216,13 @@ std::vector<asio::ip::tcp::endpoint> resolveHost(PumpedIo& io, const std::string
 /// Connects, non-blocking afterwards. The error tells why not; asio::error::timed_out at the deadline.
 asio::error_code connectTo(PumpedIo& io, TcpChannel& channel, const asio::ip::tcp::endpoint& endpoint,
                            Deadline deadline);
+
+/// Sends all of the bytes. The error tells why not; asio::error::timed_out at the deadline.
+asio::error_code writeAll(PumpedIo& io, TcpChannel& channel, std::string_view bytes, Deadline deadline);
+
+/// Waits until something has come and reads at most `most` bytes of it into `bytes`; `size` tells how many.
+/// The error tells why none came: asio::error::eof at the end, asio::error::timed_out at the deadline.
+asio::error_code readSome(PumpedIo& io, TcpChannel& channel, char* bytes, std::size_t most, std::size_t& size,
+                          Deadline deadline);
 
 }  // namespace quillmoor

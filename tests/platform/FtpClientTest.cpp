@@ -123,10 +123,22 @@ TEST_F(FtpClientTest, ALoginCanBeAborted) {
   EXPECT_EQ(client.state(), FtpState::closed);
 }
 
-TEST_F(FtpClientTest, SaysThatAProxyIsNotSupportedBeforeAnythingIsSent) {
-  for (std::int32_t type = 1; type <= 7; ++type) {
-    client.proxyType = type;
-    EXPECT_EQ(errorOf([&] { login(); }).number(), number(FtpErrorNumber::proxyNotSupported));
+TEST_F(FtpClientTest, RefusesAProxyThatCannotBeBeforeAnythingIsSent) {
+  const struct {
+    std::int32_t type;
+    const char* host;
+    std::int32_t port;
+    const char* words;
+  } cases[] = {{1, "", 1080, "host is missing"}, {3, "", 21, "host is missing"}, {2, "proxy", 0, "no port"},
+               {7, "proxy", 65536, "no port"},   {5, "proxy", -1, "no port"},    {8, "proxy", 21, "type 8"},
+               {-1, "proxy", 21, "type -1"}};
+  for (const auto& c : cases) {
+    client.proxyType = c.type;
+    client.proxyHost = c.host;
+    client.proxyPort = c.port;
+    const FtpError error = errorOf([&] { login(); });
+    EXPECT_EQ(error.number(), number(FtpErrorNumber::badArgument));
+    EXPECT_THAT(error.what(), HasSubstr(c.words));
   }
   EXPECT_THAT(states, ElementsAre());
   EXPECT_THAT(server.commands(), ElementsAre());

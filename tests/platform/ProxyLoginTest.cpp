@@ -1,0 +1,235 @@
+// Logins through proxies that speak FTP: a server takes the proxy's part, as a test tells it to.
+#include "platform/FtpClientFixture.h"
+
+namespace quillmoor {
+namespace {
+
+using namespace testing;  // of this project
+using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class ProxyLoginTest : public FtpClientTest {
+ protected:
+  void loginBy(FtpProxyType type, std::int32_t port = 21, const std::string& host = "ftp.example.org",
+               const std::string& account = "") {
+    client.proxyType = static_cast<std::int32_t>(type);
+    client.proxyHost = "127.0.0.1";
+    client.login(host, "joe", "hunter22", account, port);
+  }
+};
+
+TEST_F(ProxyLoginTest, SendsWhatTheStyleAsksFor) {
+  const struct {
+    const char* name;
+    FtpProxyType type;
+    const char* proxyUser;
+    const char* host;
+    std::int32_t port;
+    std::vector<std::string> sent;
+  } cases[] = {
+      {"SITE",
+       FtpProxyType::siteHostname,
+       "gate",
+       "ftp.example.org",
+       21,
+       {"USER gate", "PASS opensesame", "SITE ftp.example.org", "USER joe", "PASS hunter22"}},
+      {"SITE, port",
+       FtpProxyType::siteHostname,
+       "gate",
+       "ftp.example.org",
+       2121,
+       {"USER gate", "PASS opensesame", "SITE ftp.example.org 2121", "USER joe", "PASS hunter22"}},
+      {"SITE, no login",
+       FtpProxyType::siteHostname,
+       "",
+       "ftp.example.org",
+       21,
+       {"SITE ftp.example.org", "USER joe", "PASS hunter22"}},
+      {"USER with logon",
+       FtpProxyType::userLogon,
+       "gate",
+       "ftp.example.org",
+       21,
+       {"USER gate", "PASS opensesame", "USER joe@ftp.example.org", "PASS hunter22"}},
+      {"USER with logon, port",
+       FtpProxyType::userLogon,
+       "gate",
+       "ftp.example.org",
+       2121,
+       {"USER gate", "PASS opensesame", "USER joe@ftp.example.org:2121", "PASS hunter22"}},
+      // The editor has no user name for this type; one that is left from another type must not be used.
+      {"USER without logon",
+       FtpProxyType::userNoLogon,
+       "gate",
+       "ftp.example.org",
+       21,
+       {"USER joe@ftp.example.org", "PASS hunter22"}},
+      {"USER without logon, IPv6",
+       FtpProxyType::userNoLogon,
+       "",
+       "2001:db8::1",
+       2121,
+       {"USER joe@[2001:db8::1]:2121", "PASS hunter22"}},
+      {"OPEN",
+       FtpProxyType::open,
+       "gate",
+       "192.0.2.1",
+       21,
+       {"USER gate", "PASS opensesame", "OPEN 192.0.2.1", "USER joe", "PASS hunter22"}},
+      {"OPEN, no login, port",
+       FtpProxyType::open,
+       "",
+       "ftp.example.org",
+       990,
+       {"OPEN ftp.example.org 990", "USER joe", "PASS hunter22"}},
+      {"pipe", FtpProxyType::pipe, "gate", "ftp.example.org", 2121, {"USER joe", "PASS hunter22"}},
+  };
+  for (const auto& c : cases) {
+    ScriptedFtpServer proxy;
+    proxy.on("SITE", replies("200 Connected."));
+    proxy.on("OPEN", replies("200 Connected."));
+    proxy.addFile("/f", "hello");
+    client.proxyPort = proxy.port();
+    client.proxyUserName = c.proxyUser;
+    client.proxyPassword = "opensesame";
+    loginBy(c.type, c.port, c.host);
+    client.getFile("/f", (folder / "f").string());
+    EXPECT_EQ(contentsOf(folder / "f"), "hello") << c.name << ": data connections lead to the proxy";
+    client.logout();
+    auto sent = proxy.commands();
+    sent.resize(c.sent.size());
+    EXPECT_THAT(sent, ElementsAreArray(c.sent)) << c.name;
+  }
+  EXPECT_THAT(shownTexts(), Not(HasSubstr("hunter22")));
+  EXPECT_THAT(shownTexts(), Not(HasSubstr("opensesame")));
+}
+
+TEST_F(ProxyLoginTest, TakesTheAnswersThatProxiesGive) {
+  const struct {
+    const char* name;
+    FtpProxyType type;
+    const char* command;  // whose answer is replaced
+    const char* answer;
+    const char* account;
+    const char* next;  // what is sent after all
+  } cases[] = {
+      {"no password at the proxy", FtpProxyType::siteHostname, "USER gate", "230 In.", "", "PASS hunter22"},
+      {"account at the proxy", FtpProxyType::userLogon, "PASS opensesame", "332 Account?", "acc",
+       "PASS hunter22"},
+      {"account at the server", FtpProxyType::userLogon, "PASS hunter22", "332 Account?", "acc", "ACCT acc"},
+      {"the server's greeting is the answer", FtpProxyType::siteHostname, "SITE", "220 Server ready.", "",
+       "PASS hunter22"},
+      {"the server's greeting comes behind", FtpProxyType::open, "OPEN",
+       "200 Connecting.\r\n220-Server\r\n220 ready.", "", "PASS hunter22"},
+      {"a delayed greeting", FtpProxyType::open, "OPEN", "150 Wait.\r\n120 In a minute.\r\n220 Ready.", "",
+       "PASS hunter22"},
+      {"the greeting comes as the user name goes", FtpProxyType::siteHostname, "USER joe",
+       "220 Ready.\r\n331 Password?", "", "PASS hunter22"},
+      {"a banner inside the answer", FtpProxyType::userNoLogon, "USER joe@",
+       "331-(connected)\r\n331-(220 Ready.)\r\n331 Password?", "", "PASS hunter22"},
+      {"no password at the server", FtpProxyType::userNoLogon, "USER joe@", "230 In.", "", "FEAT"},
+  };
+  client.proxyUserName = "gate";
+  client.proxyPassword = "opensesame";
+  for (const auto& c : cases) {
+    ScriptedFtpServer proxy;
+    proxy.on("SITE", replies("200 Connected."));
+    proxy.on("OPEN", replies("200 Connected."));
+    proxy.on("ACCT", replies("230 In."));
+    proxy.once(c.command, replies(c.answer));
+    client.proxyPort = proxy.port();
+    const FtpError error = errorOf([&] { loginBy(c.type, 21, "ftp.example.org", c.account); });
+    EXPECT_EQ(client.state(), FtpState::connected) << c.name << ": " << error.what();
+    EXPECT_EQ(proxy.count(c.next), 1U) << c.name;
+    EXPECT_EQ(errorOf([&] { EXPECT_EQ(client.currentRemoteDirectory(), "/") << c.name; }).number(), 0)
+        << c.name;
+    client.abort();
+  }
+}
+
+TEST_F(ProxyLoginTest, TellsWhoRefused) {
+  const struct {
+    const char* name;
+    FtpProxyType type;
+    const char* command;
+    std::function<void(Session&)> action;
+    int error;
+    const char* words;
+  } cases[] = {
+      {"greeting", FtpProxyType::siteHostname, "", replies("421 Too many."), 421,
+       "the proxy says 421 Too many."},
+      {"user", FtpProxyType::userLogon, "USER gate", replies("530 No."), 530, "the proxy says 530 No."},
+      {"password", FtpProxyType::open, "PASS opensesame", replies("530 Not opensesame."), 530,
+       "The proxy refused the password: the proxy says 530 Not ****."},
+      {"account", FtpProxyType::siteHostname, "PASS opensesame", replies("332 Account?"), 332,
+       "The proxy asks for an account (ACCT)"},
+      {"SITE unknown", FtpProxyType::siteHostname, "SITE", replies("500 What?"), 500,
+       "did not connect to ftp.example.org (SITE): the proxy says 500 What?"},
+      {"OPEN fails", FtpProxyType::open, "OPEN", replies("425 No route."), 425,
+       "the proxy says 425 No route."},
+      {"OPEN fails and closes", FtpProxyType::open, "OPEN", replies("421 No route."), 421,
+       "the proxy says 421 No route."},
+      {"USER at host", FtpProxyType::userNoLogon, "USER joe@", replies("550 No such host."), 550,
+       "the proxy says 550 No such host."},
+      {"silent", FtpProxyType::userLogon, "USER gate", staysSilent(), number(FtpErrorNumber::timedOut),
+       "The proxy did not answer in time"},
+      {"silent at OPEN", FtpProxyType::open, "OPEN", staysSilent(), number(FtpErrorNumber::timedOut),
+       "The proxy did not answer in time"},
+      {"dropped", FtpProxyType::siteHostname, "SITE", drops(), number(FtpErrorNumber::connectionLost),
+       "The proxy closed the connection"},
+      {"no FTP", FtpProxyType::userNoLogon, "", replies("HTTP/1.1 400 Bad Request"),
+       number(FtpErrorNumber::badReply), "The proxy sent something that is no FTP reply"},
+      // From here on it is the server that speaks.
+      {"server's user", FtpProxyType::siteHostname, "USER joe", replies("530 Who?"), 530,
+       "The server refused the user name: 530 Who?"},
+      {"server's password", FtpProxyType::userNoLogon, "PASS", replies("530 Wrong."), 530,
+       "The server refused the password: 530 Wrong."},
+      {"server closed", FtpProxyType::userLogon, "PASS hunter22", replies("421 Full."), 421,
+       "The server closed the session: 421 Full."},
+      {"pipe", FtpProxyType::pipe, "", replies("421 Full."), 421, "The server"},
+      // Greetings without end are no way to hold a login up.
+      {"greetings only", FtpProxyType::siteHostname, "USER joe",
+       [](Session& s) {
+         for (int i = 0; i < 1000; ++i) s.reply("220 Ready.");
+       },
+       220, "did not answer the user name"},
+  };
+  client.proxyUserName = "gate";
+  client.proxyPassword = "opensesame";
+  for (const auto& c : cases) {
+    ScriptedFtpServer proxy;
+    proxy.on("SITE", replies("200 Connected."));
+    proxy.on("OPEN", replies("200 Connected."));
+    proxy.on(c.command, c.action);
+    client.proxyPort = proxy.port();
+    client.timeoutMs = c.error == number(FtpErrorNumber::timedOut) ? kShortMs : 10'000;
+    const FtpError error = errorOf([&] { loginBy(c.type); });
+    EXPECT_EQ(error.number(), c.error) << c.name << ": " << error.what();
+    EXPECT_EQ(client.state(), FtpState::closed) << c.name;
+    EXPECT_THAT(error.what(), HasSubstr(c.words)) << c.name;
+    EXPECT_THAT(shownTexts(), Not(HasSubstr("opensesame"))) << c.name;
+  }
+}
+
+TEST_F(ProxyLoginTest, NeverSendsASecondCommandHiddenInAHost) {
+  client.proxyPort = server.port();
+  for (const auto type : {FtpProxyType::siteHostname, FtpProxyType::userNoLogon, FtpProxyType::open}) {
+    EXPECT_EQ(errorOf([&] { loginBy(type, 21, "a\r\nDELE b"); }).number(),
+              number(FtpErrorNumber::badArgument));
+  }
+  EXPECT_EQ(server.count("DELE"), 0U);
+}
+
+TEST_F(ProxyLoginTest, CanBeAborted) {
+  server.on("SITE", staysSilent());
+  client.proxyPort = server.port();
+  client.pump = [&] {
+    if (server.count("SITE") > 0) client.abort();
+  };
+  EXPECT_EQ(errorOf([&] { loginBy(FtpProxyType::siteHostname); }).number(), number(FtpErrorNumber::aborted));
+  EXPECT_EQ(client.state(), FtpState::closed);
+}
+
+}  // namespace
+}  // namespace quillmoor
