@@ -9,9 +9,9 @@ packages=("$@" g++ cmake ninja-build libasio-dev libwxgtk3.2-dev libgtk-3-dev pk
 packages+=(xvfb xauth openbox trayer xdotool x11-utils)
 # Other programs for archives, which must read ours.
 packages+=(unzip p7zip-full libarchive-tools)
-# What the unpacked FTP daemons of the tests are linked to (tests/servers/serve.sh fetches the daemons).
+# What the unpacked FTP daemons and proxies of the tests are linked to (tests/servers/*.sh fetch them).
 packages+=(openssl libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libmemcached11 libmemcachedutil2 libpam0g
-  libpcre2-posix3 libsodium23 libssl3 libwrap0)
+  libldap-2.5-0 libpcre2-posix3 libsodium23 libssl3 libwrap0)
 
 missing=()
 installed=$(dpkg-query -W -f='${db:Status-Abbrev}${Package}\n' "${packages[@]}" 2>/dev/null || true)

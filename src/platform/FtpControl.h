@@ -53,6 +53,8 @@ class FtpControl {
 
   /// Sends the lines in one go and remembers them. See FtpClient::sendAhead.
   void sendAhead(const std::vector<std::string>& lines);
+  /// For what is on the other end of this connection: sends no command before the reply to the one before.
+  void sendNothingAhead() { takesAhead_ = false; }
   /// False once the server was seen to lose commands that arrived while it was busy.
   bool takesCommandsAhead() const { return takesAhead_; }
   bool hasSentAhead() const { return !ahead_.empty(); }

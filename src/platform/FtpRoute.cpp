@@ -46,7 +46,12 @@ std::optional<SocksRoute> connectControl(PumpedIo& io, FtpControl& control, cons
     return std::nullopt;
   }
   connectDirectly(io, control, {proxy.host, proxy.port}, true, timeout);
-  if (proxy.type != FtpProxyType::socks4 && proxy.type != FtpProxyType::socks5) return std::nullopt;
+  if (proxy.type != FtpProxyType::socks4 && proxy.type != FtpProxyType::socks5) {
+    // Such a proxy answers some commands itself, PORT for one, and so before the server has answered those
+    // that were sent earlier.
+    control.sendNothingAhead();
+    return std::nullopt;
+  }
 
   const auto version = proxy.type == FtpProxyType::socks4 ? SocksVersion::v4 : SocksVersion::v5;
   const SocksRoute route{{version, proxy.userName, proxy.password}, server};

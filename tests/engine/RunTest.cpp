@@ -13,6 +13,7 @@
 #include "platform/WholeFile.h"
 #include "profiles/mIni.h"
 #include "support/LocalLines.h"
+#include "support/ScriptedSocksServer.h"
 
 namespace quillmoor {
 namespace {
@@ -264,6 +265,29 @@ TEST_F(RunTest, AStopEndsTheLoginLoopAndTheProfile) {
   EXPECT_FALSE(display.logged("Finished at:"));
   EXPECT_THAT(stages.calls, ElementsAre("before", "profile ", "after"));
   EXPECT_TRUE(display.logged("Good Bye."));
+}
+
+TEST_F(RunTest, TriesAProxyAgainUntilItLeadsToTheServer) {
+  ScriptedSocksServer proxy;
+  proxy.set({.reply = "\x05\x05"});
+  server.addFile("/a.bin", "a");
+  profile.ProxyType = 2;
+  profile.ProxyHost = "127.0.0.1";
+  profile.ProxyPort = std::to_string(proxy.port());
+  profile.ProxyUsername = "keeper";
+  profile.ProxyPassword = "dGhpcw==";  // as it is, whatever it looks like
+  pump = [&] {
+    if (display.count("the proxy says that the host refuses the connection") == 2) proxy.set({});
+  };
+  EXPECT_TRUE(run().at(0).completed);
+  EXPECT_EQ(contentsOf(target() / "a.bin"), "a");
+  EXPECT_EQ(proxy.requests().back().password, "dGhpcw==");
+
+  profile.ProxyHost.clear();
+  pump = [&] {
+    if (display.count("proxy's host is missing") == 2) controller->Stop();
+  };
+  EXPECT_FALSE(run().at(0).completed);
 }
 
 // --- networks

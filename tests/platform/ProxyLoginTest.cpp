@@ -94,6 +94,9 @@ TEST_F(ProxyLoginTest, SendsWhatTheStyleAsksFor) {
     client.proxyUserName = c.proxyUser;
     client.proxyPassword = "opensesame";
     loginBy(c.type, c.port, c.host);
+    client.sendAhead({"TYPE I"}, true);
+    EXPECT_EQ(proxy.count("TYPE I"), 0U) << "a proxy may answer out of turn";
+    client.command("TYPE I");
     client.getFile("/f", (folder / "f").string());
     EXPECT_EQ(contentsOf(folder / "f"), "hello") << c.name << ": data connections lead to the proxy";
     client.logout();

@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# mirror_test.sh PROGRAMS SERVER MODE   backs the sample site up from a real server (MODE passive or active), and
-# once more incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and quillmoor-config.
+# mirror_test.sh PROGRAMS SERVER MODE [PROXY TYPE]   backs the sample site up from a real server (MODE passive or active),
+# and once more incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and quillmoor-config. With a PROXY of
+# proxy.sh, through that as a profile of that TYPE, and without the packing.
 set -euo pipefail
-programs=$(realpath "$1") server=$2 mode=$3
+programs=$(realpath "$1") server=$2 mode=$3 proxy=${4:-} type=${5:-0}
 export TZ=UTC                                     # some servers list UTC, which is local time then
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/../support/programs.sh"
 work=$(mktemp -d -t quillmoor-mirror.XXXXXX)
-trap '"$here/serve.sh" stop "$work/server"; rm -rf "$work"' EXIT
+trap '"$here/proxy.sh" stop "$work/proxy"; "$here/serve.sh" stop "$work/server"; rm -rf "$work"' EXIT
 chmod 755 "$work"
 fail() { echo "FAILED: $*" >&2; [ ! -e "$work/log" ] || tail -n 40 "$work/log" >&2; exit 1; }
 
@@ -20,6 +21,16 @@ lay_out "$programs" "$work"
 for setting in AutoDial AutoHangUp CreateZip; do "$config" setting set "$setting" 0; done
 "$config" profile set site Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- SaveTo="$(native "$work/backup/")" \
   Folder="$FTP_ROOT" Timeout=20 PASV="$([ "$mode" = passive ] && echo 1 || echo 0)" <<<"$FTP_PASSWORD"
+if [ -n "$proxy" ]; then
+  settings=$("$here/proxy.sh" start "$proxy" "$FTP_PORT" "$work/proxy") || exit $?
+  eval "$settings"
+  # Only the proxy knows the way: the server's port is no use to a pipe, nor its name to one who looked it up here.
+  host=$FTP_HOST
+  [ "$type" != 2 ] || host=localhost
+  [ "$type" != 7 ] || host=server.invalid
+  "$config" profile set site Host="$host" ProxyType="$type" ProxyHost=127.0.0.1 ProxyPort="$PROXY_PORT" \
+    ProxyUsername="$PROXY_USER" ProxyPassword=- <<<"$PROXY_PASSWORD"
+fi
 
 backup() { "$run" --assume-network >"$work/log" || fail "quillmoor-run ended with status $?"; }
 copy=$work/backup/site${FTP_ROOT%/}
@@ -28,6 +39,7 @@ dates() { (cd "$1" && find . -type f -printf '%TF %TH:%TM %p\n' | sort -k3); }
 
 backup
 grep -qF "$FTP_PASSWORD" "$work/log" && fail "the password is in the log"
+[ -z "$proxy" ] || [ -z "$PROXY_PASSWORD" ] || ! grep -qF "$PROXY_PASSWORD" "$work/log" || fail "the proxy's password is in the log"
 grep -q 'Completed' "$work/log" || fail "the report does not say Completed"
 # What a backup of the site is: all but the link, with the platform's line ends in what is fetched as text.
 cp -a "$work/site" "$work/expected"
@@ -55,6 +67,14 @@ rm "$copy/www/index.html"
 backup
 diff -r "$work/expected" "$copy" || fail "a missing file was not fetched again"
 [ "$(grep -c '^Skipped: File upto date$' "$work/log")" = "$((files - 1))" ] || fail "more than the missing file was fetched"
+
+if [ -n "$proxy" ]; then
+  # Data connections too went through it: it notes every one, or at least every command.
+  noted=$(cat "$work"/proxy/*.log | wc -l)
+  [ "$noted" -gt "$files" ] || fail "the proxy has noted only $noted lines"
+  echo "ok: $server, $mode, through $proxy as type $type, $files files"
+  exit 0
+fi
 
 # An archive in segments, with a password, and a copy of the whole set, which another program opens; and one that
 # unpacks itself.

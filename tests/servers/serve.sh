@@ -8,36 +8,10 @@
 # The three daemons conflict as Debian packages, so they are fetched without being installed and started from a
 # cache outside the checkout.
 set -euo pipefail
-
-unavailable() { echo "serve.sh: $*" >&2; exit 77; }
-cache=${XDG_CACHE_HOME:-$HOME/.cache}/quillmoor/servers
-
-unpack() {                                        # PACKAGE: prints the folder it is unpacked into
-  local version folder fetch
-  version=$(apt-cache policy "$1" 2>/dev/null | sed -n 's/^ *Candidate: //p')
-  folder=$cache/$1_${version//[:\/]/_}
-  if [ ! -d "$folder" ]; then
-    mkdir -p "$cache"
-    fetch=$(mktemp -d "$cache/fetch.XXXXXX")
-    if (cd "$fetch" && apt-get download -qq "$1" && dpkg -x ./*.deb unpacked) >/dev/null 2>&1; then
-      mv -T "$fetch/unpacked" "$folder" 2>/dev/null || true    # another test may have been faster
-    else                                          # no package lists or no network: what was fetched earlier
-      folder=$(find "$cache" -maxdepth 1 -name "$1_*" -print -quit)
-    fi
-    rm -rf "$fetch"
-    [ -n "$folder" ] || unavailable "$1 could not be fetched"
-  fi
-  echo "$folder"
-}
+. "$(dirname "${BASH_SOURCE[0]}")/daemons.sh"
 
 if [ "${1:-}" = stop ]; then
-  pid=$(cat "${2:?usage: serve.sh stop STATE}/pid" 2>/dev/null) || exit 0
-  kill -- "-$pid" 2>/dev/null || exit 0           # its own process group, sessions included
-  for _ in {1..100}; do
-    kill -0 -- "-$pid" 2>/dev/null || exit 0
-    sleep 0.05
-  done
-  kill -KILL -- "-$pid" 2>/dev/null || true
+  take_down "${2:?usage: serve.sh stop STATE}"
   exit 0
 fi
 if [ "${1:-}" != start ] || [ $# != 4 ]; then
@@ -47,16 +21,7 @@ fi
 
 server=$2; dir=$(realpath "$3"); mkdir -p "$4"; state=$(realpath "$4")
 user=keeper password="correct horse" root=/
-# A free port, and below the range from which other tests' connections are given theirs meanwhile.
-port=$(/usr/bin/python3 - <<'PY'
-import random, socket
-for port in random.sample(range(20000, 32000), 100):
-    with socket.socket() as s:
-        if s.connect_ex(("127.0.0.1", port)) != 0:
-            print(port)
-            break
-PY
-)
+port=$(free_port)
 # As root, the daemons serve under another user and shut themselves into the site, which is world-readable. As anyone
 # else, vsftpd and proftpd serve under that user, and a client sees the site with its whole path.
 as_user=nobody as_group=nogroup
@@ -137,13 +102,6 @@ CONF
   echo "serve.sh: what server is $server?" >&2; exit 2 ;;
 esac
 
-if ! ldd "${command[0]}" >"$state/libraries" 2>&1 || grep -q "not found" "$state/libraries"; then
-  grep "not found" "$state/libraries" >&2 || true
-  unavailable "$server lacks libraries; scripts/setup.sh installs them"
-fi
-# The hour ends a server whose test was killed before it could.
-setsid timeout 3600 "${command[@]}" >"$state/server.log" 2>&1 </dev/null &
-echo $! >"$state/pid"
 ready() {
   /usr/bin/python3 - "$port" "$user" "$password" <<'PY'
 import ftplib, sys
@@ -156,16 +114,5 @@ except (OSError, EOFError, ftplib.Error):
     sys.exit(1)
 PY
 }
-for _ in $(seq 100); do
-  if ready; then
-    printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\nFTP_ROOT=%q\n' \
-      "$port" "$user" "$password" "$root"
-    exit 0
-  fi
-  kill -0 "$(cat "$state/pid")" 2>/dev/null || break
-  sleep 0.05
-done
-echo "serve.sh: $server did not come up:" >&2
-tail -n 15 "$state/server.log" >&2
-"$0" stop "$state"
-exit 1
+bring_up "$state" ready "${command[@]}"
+printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\nFTP_ROOT=%q\n' "$port" "$user" "$password" "$root"
