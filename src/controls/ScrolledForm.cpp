@@ -1,6 +1,5 @@
 #include "controls/ScrolledForm.h"
 
-#include <wx/listbox.h>
 #include <wx/settings.h>
 #include <wx/statbox.h>
 
@@ -15,21 +14,42 @@ constexpr int kScrollStep = 10;  // device-independent pixels
 constexpr int kNarrowest = 160;  // that a note is wrapped to
 constexpr double kQuieter = 0.3;
 
+/// As wide as its title. The toolkit's own asks its children where they are now, and so never gets narrower.
+class GroupBox final : public wxStaticBox {
+ public:
+  using wxStaticBox::wxStaticBox;
+
+ private:
+  wxSize DoGetBestSize() const override {
+    const wxSize text = GetTextExtent(GetLabelText());
+    return {text.x + 2 * text.y, 2 * text.y};
+  }
+};
+
+bool scrollsItself(const wxWindow* window) {
+  const auto* const list = dynamic_cast<const wxListBox*>(window);
+  return list && static_cast<int>(list->GetCount()) * list->GetCharHeight() * 3 / 2 > list->GetClientSize().y;
+}
+
 }  // namespace
 
 ScrolledForm::ScrolledForm(wxWindow* parent, const wxString& name)
     : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, name),
       all_(new wxBoxSizer(wxVERTICAL)) {
   SetScrollRate(FromDIP(kScrollStep), FromDIP(kScrollStep));
+  Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
+    if (event.GetWindow() != this) bringIntoView(event.GetWindow());
+    event.Skip();
+  });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
-    wrapNotes();
+    wrapRows();
     event.Skip();
   });
 }
 
 void ScrolledForm::beginGroup(const wxString& title) {
   alignCaptions();
-  auto* const frame = new wxStaticBoxSizer(wxVERTICAL, this, title);
+  auto* const frame = new wxStaticBoxSizer(new GroupBox(this, wxID_ANY, title), wxVERTICAL);
   box_ = frame->GetStaticBox();
   group_ = new wxBoxSizer(wxVERTICAL);
   frame->Add(group_, wxSizerFlags(1).Expand().Border(wxALL, gap() / 2));
@@ -116,18 +136,35 @@ void ScrolledForm::setNote(wxStaticText* note, const wxString& text) {
   Layout();
 }
 
-/// The scroll bar counts as there: it must not come and go with the lines that it leaves room for.
+/// Of a row. The scroll bar counts as there: it must not come and go with the lines that it leaves room for.
+int ScrolledForm::room() const {
+  const int edges = 6 * gap() + wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this);
+  return std::max(GetSize().x - edges, FromDIP(kNarrowest));
+}
+
 void ScrolledForm::wrap(const Note& note) {
   note.label->SetLabel(wxControl::EscapeMnemonics(note.text));
-  const int edges = 6 * gap() + wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this) + note.indented;
-  note.label->Wrap(std::max(GetSize().x - edges, FromDIP(kNarrowest)));
+  note.label->Wrap(room() - note.indented);
   note.row->Show(!note.text.empty());
 }
 
-void ScrolledForm::wrapNotes() {
+void ScrolledForm::addColumns(const std::vector<wxWindow*>& windows) {
+  auto* const grid = new wxFlexGridSizer(static_cast<int>(windows.size()), gap(), 2 * gap());
+  for (wxWindow* const window : windows) grid->Add(window);
+  add(grid);
+  columns_.push_back(grid);
+}
+
+void ScrolledForm::wrapRows() {
   if (GetSize().x == wrappedAt_) return;
   wrappedAt_ = GetSize().x;
   for (const Note& note : notes_) wrap(note);
+  for (wxFlexGridSizer* const grid : columns_) {
+    int columns = static_cast<int>(grid->GetItemCount());
+    do {
+      grid->SetCols(columns);
+    } while (grid->CalcMin().x > room() && --columns > 0);
+  }
   FitInside();
 }
 
@@ -138,10 +175,26 @@ void ScrolledForm::finish() {
   FitInside();
 }
 
+/// A step of room around it is kept in view, too. Of what does not fit the beginning is shown.
+void ScrolledForm::bringIntoView(const wxWindow* window) {
+  wxPoint step;
+  GetScrollPixelsPerUnit(&step.x, &step.y);
+  const auto scrolled = [](int from, int begin, int length, int room, int unit) {
+    const int back = begin - unit;
+    const int by = back < 0 ? back : std::clamp(begin + length + unit - room, 0, back);
+    return std::max(from + (by + (by < 0 ? 1 - unit : unit - 1)) / unit, 0);
+  };
+  const wxPoint view = GetViewStart(), place = ScreenToClient(window->GetScreenPosition());
+  const wxSize size = window->GetSize(), room = GetClientSize();
+  Scroll(scrolled(view.x, place.x, size.x, room.x, step.x),
+         scrolled(view.y, place.y, size.y, room.y, step.y));
+}
+
 void ScrolledForm::keepFromWheel(wxWindow* window) {
   for (wxWindow* const child : window->GetChildren()) {
-    if (dynamic_cast<wxListBox*>(child)) continue;
-    child->Bind(wxEVT_MOUSEWHEEL, [this](wxMouseEvent& event) { HandleOnMouseWheel(event); });
+    child->Bind(wxEVT_MOUSEWHEEL, [this, child](wxMouseEvent& event) {
+      scrollsItself(child) ? event.Skip() : HandleOnMouseWheel(event);
+    });
     keepFromWheel(child);
   }
 }
@@ -152,6 +205,25 @@ void ShowText(wxStaticText* label, const wxString& text) {
 
 void ShowText(wxTextCtrl* box, const wxString& text) {
   if (box->GetValue() != text) box->ChangeValue(text);
+}
+
+std::string TextOf(const wxTextCtrl& box) {
+  return box.GetValue().utf8_string();
+}
+
+void ShowItems(wxListBox& list, const std::vector<std::string>& items) {
+  const int selected = list.GetSelection();
+  wxArrayString shown;
+  for (const std::string& item : items) shown.Add(wxString::FromUTF8(item));
+  list.Set(shown);
+  const int last = static_cast<int>(items.size()) - 1;
+  if (selected != wxNOT_FOUND && last >= 0) list.SetSelection(std::min(selected, last));
+}
+
+std::optional<std::size_t> SelectionOf(const wxListBox& list) {
+  const int selected = list.GetSelection();
+  if (selected == wxNOT_FOUND) return std::nullopt;
+  return static_cast<std::size_t>(selected);
 }
 
 }  // namespace quillmoor

@@ -3,19 +3,23 @@
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
+#include <wx/listbox.h>
 #include <wx/scrolwin.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
+#include <cstddef>
 #include <initializer_list>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace quillmoor {
 
 /// Controls are made with `group()` as their parent, in the order of the Tab key, and then given a row.
 /// `finish` comes last. A wheel that turns over a control scrolls the form and leaves the control's value
-/// alone, unless the control has lines of its own to scroll.
+/// alone, unless it is a list with items out of view.
 class ScrolledForm : public wxScrolledWindow {
  public:
   ScrolledForm(wxWindow* parent, const wxString& name);
@@ -49,6 +53,9 @@ class ScrolledForm : public wxScrolledWindow {
   wxSizerItem* add(wxWindow* control, int indented = 0);
   wxSizerItem* add(wxSizer* row);
 
+  /// Side by side in columns, as many as there is room for.
+  void addColumns(const std::vector<wxWindow*>& windows);
+
   /// A quieter line that wraps; what it says may change, and it takes no room while it says nothing.
   wxStaticText* addNote(const wxString& text, int indented = 0);
   void setNote(wxStaticText* note, const wxString& text);
@@ -62,9 +69,13 @@ class ScrolledForm : public wxScrolledWindow {
   };
 
   void alignCaptions();
-  void wrapNotes();
+  void wrapRows();
+  int room() const;
   void wrap(const Note& note);
   void keepFromWheel(wxWindow* window);
+  /// The toolkit's own way of it leaves out what is wider than the view.
+  bool ShouldScrollToChildOnFocus(wxWindow*) override { return false; }
+  void bringIntoView(const wxWindow* window);
 
   wxBoxSizer* all_;
   wxSizer* group_ = nullptr;
@@ -75,11 +86,17 @@ class ScrolledForm : public wxScrolledWindow {
   };
   std::vector<Caption> captions_;  // of the group
   std::vector<Note> notes_;
+  std::vector<wxFlexGridSizer*> columns_;
   int wrappedAt_ = 0;
 };
 
 /// Shows the text, and does nothing where it stands already: a caret stays where it is, nothing flickers.
 void ShowText(wxStaticText* label, const wxString& text);
 void ShowText(wxTextCtrl* box, const wxString& text);
+std::string TextOf(const wxTextCtrl& box);
+
+/// Shows the items; what is selected is then at the same position, or the last one.
+void ShowItems(wxListBox& list, const std::vector<std::string>& items);
+std::optional<std::size_t> SelectionOf(const wxListBox& list);
 
 }  // namespace quillmoor

@@ -1,11 +1,11 @@
 #include "profiles/frmOptions.h"
 
-#include <algorithm>
 #include <initializer_list>
 #include <string>
 #include <utility>
 
 #include "controls/AccessibleName.h"
+#include "controls/WindowPrompts.h"
 
 namespace quillmoor {
 namespace {
@@ -29,14 +29,12 @@ constexpr const char* kAddressTip =
     "A web address that is called once, http://www.example.org/done for instance. Only an answer with status "
     "200 is a success. Empty: none";
 
-std::string textOf(const wxTextCtrl* box) {
-  return box->GetValue().utf8_string();
-}
-
 }  // namespace
 
-frmOptions::frmOptions(wxWindow* parent, ApplicationSettings& settings)
-    : ScrolledForm(parent, "frmOptions"), prompts_(this), editor_(settings, prompts_) {
+frmOptions::frmOptions(wxWindow* parent, ApplicationSettings& settings, std::unique_ptr<UserPrompts> prompts)
+    : ScrolledForm(parent, "frmOptions"),
+      prompts_(prompts ? std::move(prompts) : std::make_unique<WindowPrompts>(this)),
+      editor_(settings, *prompts_) {
   layOutMode();
   layOutArchive();
   layOutCopies();
@@ -51,17 +49,18 @@ void frmOptions::layOutMode() {
   beginGroup("What is fetched");
   optFull = new wxRadioButton(group(), wxID_ANY, "&Full backup: every file", wxDefaultPosition, wxDefaultSize,
                               wxRB_GROUP, wxDefaultValidator, "optFull");
-  optIncremental = new wxRadioButton(
-      group(), wxID_ANY, "&Incremental backup: what is missing, or is listed with an earlier date",
-      wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "optIncremental");
-  optIncremental->SetToolTip(
-      "Fetches a file that is not in the backup yet, and one that the server lists with an earlier date than "
-      "its copy's. A later date there does not count");
+  optIncremental = new wxRadioButton(group(), wxID_ANY, "&Incremental backup", wxDefaultPosition,
+                                     wxDefaultSize, 0, wxDefaultValidator, "optIncremental");
   chkUniqueBackup = checkBox("A folder with the &date for every full backup", "chkUniqueBackup",
                              "Keeps the former backups: each goes into a folder of its own, such as My "
                              "site-11-24-2026, month first");
   add(optFull);
   add(optIncremental);
+  addNote(
+      "Fetches what is missing in the backup, and what the server lists with an earlier date than the "
+      "copy's. A "
+      "file with a later date there is left out.",
+      indent());
   add(chkUniqueBackup);
   addNote("What is changed here counts from the next start of the program.");
 }
@@ -118,7 +117,7 @@ void frmOptions::layOutRunTexts() {
   for (std::size_t box = 0; box < kRunBoxes.size(); ++box) {
     const RunBox& it = kRunBoxes[box];
     wxStaticText* const text = caption(it.caption);
-    txtRun[box] = textBox(16, it.name, it.browse ? kProgramTip : kAddressTip);
+    txtRun[box] = textBox(10, it.name, it.browse ? kProgramTip : kAddressTip);
     SetLabelFor(*text, *txtRun[box]);
     if (!it.browse) {
       addRow(text, txtRun[box], Width::rest);
@@ -145,11 +144,11 @@ void frmOptions::connect() {
   on(chkUniqueBackup, wxEVT_CHECKBOX, [this] { editor_.SetUniqueBackup(chkUniqueBackup->GetValue()); });
   on(chkCreateZip, wxEVT_CHECKBOX, [this] { editor_.SetCreateZip(chkCreateZip->GetValue()); });
   on(chkSplitZip, wxEVT_CHECKBOX, [this] { editor_.SetSplitZip(chkSplitZip->GetValue()); });
-  on(txtZipSpanSize, wxEVT_TEXT, [this] { editor_.SetZipSpanSize(textOf(txtZipSpanSize)); });
+  on(txtZipSpanSize, wxEVT_TEXT, [this] { editor_.SetZipSpanSize(TextOf(*txtZipSpanSize)); });
   on(chkZipSelfExtract, wxEVT_CHECKBOX, [this] { editor_.SetZipSelfExtract(chkZipSelfExtract->GetValue()); });
-  on(txtZipPassword, wxEVT_TEXT, [this] { editor_.SetZipPassword(textOf(txtZipPassword)); });
+  on(txtZipPassword, wxEVT_TEXT, [this] { editor_.SetZipPassword(TextOf(*txtZipPassword)); });
   for (std::size_t box = 0; box < txtRun.size(); ++box)
-    on(txtRun[box], wxEVT_TEXT, [this, box] { editor_.SetRunText(box, textOf(txtRun[box])); });
+    on(txtRun[box], wxEVT_TEXT, [this, box] { editor_.SetRunText(box, TextOf(*txtRun[box])); });
   on(cmdBrowseRunBefore, wxEVT_BUTTON, [this] { editor_.BrowseRunText(0); });
   on(cmdBrowseRunAfter, wxEVT_BUTTON, [this] { editor_.BrowseRunText(1); });
   on(cmdAddCopy, wxEVT_BUTTON, [this] { addCopy(); });
@@ -165,19 +164,12 @@ void frmOptions::addCopy() {
 }
 
 void frmOptions::removeCopy() {
-  const int selected = lstZipCopies->GetSelection();
-  if (selected == wxNOT_FOUND) return;
-  editor_.RemoveCopy(static_cast<std::size_t>(selected));
+  editor_.RemoveCopy(SelectionOf(*lstZipCopies));
   showCopies();
 }
 
 void frmOptions::showCopies() {
-  wxArrayString folders;
-  for (const std::string& folder : editor_.lstZipCopies) folders.Add(wxString::FromUTF8(folder));
-  const int selected = lstZipCopies->GetSelection();
-  lstZipCopies->Set(folders);
-  const int last = static_cast<int>(folders.size()) - 1;
-  if (selected != wxNOT_FOUND && last >= 0) lstZipCopies->SetSelection(std::min(selected, last));
+  ShowItems(*lstZipCopies, editor_.lstZipCopies);
 }
 
 void frmOptions::show() {

@@ -6,17 +6,18 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 
 #include "controls/ScrolledForm.h"
-#include "controls/WindowPrompts.h"
 #include "profiles/OptionsEditor.h"
+#include "profiles/UserPrompts.h"
 
 namespace quillmoor {
 
 class frmOptions : public ScrolledForm {
  public:
-  /// `settings` is what runs go by; it must outlive this.
-  frmOptions(wxWindow* parent, ApplicationSettings& settings);
+  /// `settings` is what runs go by; it must outlive this. Without `prompts` windows of the form's own ask.
+  frmOptions(wxWindow* parent, ApplicationSettings& settings, std::unique_ptr<UserPrompts> prompts = nullptr);
 
   wxRadioButton* optFull;
   wxRadioButton* optIncremental;
@@ -52,7 +53,7 @@ class frmOptions : public ScrolledForm {
   void show();
   void showCopies();
 
-  WindowPrompts prompts_;
+  std::unique_ptr<UserPrompts> prompts_;
   OptionsEditor editor_;
 };
 

@@ -1,15 +1,13 @@
 #include "profiles/frmSettings.h"
 
 #include <wx/dateevt.h>
-#include <wx/wrapsizer.h>
 
-#include <algorithm>
 #include <initializer_list>
-#include <optional>
 #include <utility>
 
 #include "connectivity/modProcessPriority.h"
 #include "controls/AccessibleName.h"
+#include "controls/WindowPrompts.h"
 #include "profiles/ScheduleText.h"
 
 namespace quillmoor {
@@ -17,25 +15,13 @@ namespace {
 
 constexpr int kLastPosition = static_cast<int>(modProcessPriority::kClasses.size());
 
-std::string textOf(const wxTextCtrl* box) {
-  return box->GetValue().utf8_string();
-}
-
-/// The position in a list that an editor knows, too.
-std::optional<std::size_t> selectionOf(const wxListBox* list) {
-  const int selected = list->GetSelection();
-  if (selected == wxNOT_FOUND) return std::nullopt;
-  return static_cast<std::size_t>(selected);
-}
-
 }  // namespace
 
 frmSettings::frmSettings(wxWindow* parent, Sources sources)
     : ScrolledForm(parent, "frmSettings"),
       sources_(std::move(sources)),
-      prompts_(this),
       dialUp_(*sources_.dialUp, sources_.settings),
-      editor_(sources_.settings, dialUp_, prompts_) {
+      editor_(sources_.settings, dialUp_, prompts()) {
   layOutSchedule();
   layOutConnection();
   layOutDialUp();
@@ -49,10 +35,15 @@ frmSettings::frmSettings(wxWindow* parent, Sources sources)
   startTimers();
 }
 
+UserPrompts& frmSettings::prompts() {
+  if (!sources_.prompts) sources_.prompts = std::make_unique<WindowPrompts>(this);
+  return *sources_.prompts;
+}
+
 /// A text that the program writes, in a room that it neither leaves nor changes.
 wxStaticText* frmSettings::status(const char* name) {
   wxStaticText* const made = label(" ", wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END, name);
-  made->SetMinSize({GetTextExtent("0").x * 16, -1});
+  made->SetMinSize({GetTextExtent("0").x * 12, -1});
   return made;
 }
 
@@ -67,12 +58,9 @@ void frmSettings::layOutSchedule() {
   wxStaticText* const now = caption("Time now:");
   lblTimeNow = status("lblTimeNow");
   addRow(now, lblTimeNow, Width::rest);
-  auto* const days = new wxWrapSizer(wxHORIZONTAL);
-  for (std::size_t day = 1; day < chkDay.size(); ++day) {
+  for (std::size_t day = 1; day < chkDay.size(); ++day)
     chkDay[day] = checkBox(kWeekdayNames.at(day), wxString("chk") + kWeekdayNames.at(day));
-    days->Add(chkDay[day], wxSizerFlags().Border(wxRIGHT | wxBOTTOM, gap()));
-  }
-  add(days);
+  addColumns({chkDay.begin() + 1, chkDay.end()});
   lblSchedule = addNote("");
   addNote("A day that is ticked or cleared counts from the next start of the program, a new time at once.");
 }
@@ -98,8 +86,8 @@ void frmSettings::layOutConnection() {
 void frmSettings::layOutDialUp() {
   beginGroup("Dial-up");
   wxStaticText* const entry = caption("&Entry:");
-  cboConnections = new wxChoice(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0,
-                                wxDefaultValidator, "cboConnections");
+  cboConnections = new wxComboBox(group(), wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, nullptr,
+                                  wxCB_READONLY, wxDefaultValidator, "cboConnections");
   cboConnections->SetMinSize({GetTextExtent("0").x * 24, -1});
   cboConnections->SetToolTip("The dial-up connections that this computer knows");
   SetLabelFor(*entry, *cboConnections);
@@ -188,16 +176,16 @@ void frmSettings::connect() {
   on(dtpStartTime, wxEVT_TIME_CHANGED, [this] { setStartTime(); });
   for (std::size_t day = 1; day < chkDay.size(); ++day)
     on(chkDay[day], wxEVT_CHECKBOX, [this, day] { editor_.SetDay(day, chkDay[day]->GetValue()); });
-  on(txtRetryCount, wxEVT_TEXT, [this] { editor_.SetRetryCount(textOf(txtRetryCount)); });
-  on(txtConnectionDelay, wxEVT_TEXT, [this] { editor_.SetConnectionDelay(textOf(txtConnectionDelay)); });
-  on(cboConnections, wxEVT_CHOICE,
+  on(txtRetryCount, wxEVT_TEXT, [this] { editor_.SetRetryCount(TextOf(*txtRetryCount)); });
+  on(txtConnectionDelay, wxEVT_TEXT, [this] { editor_.SetConnectionDelay(TextOf(*txtConnectionDelay)); });
+  on(cboConnections, wxEVT_COMBOBOX,
      [this] { editor_.ChooseDialUpEntry(cboConnections->GetStringSelection().utf8_string()); });
   on(chkAutoDial, wxEVT_CHECKBOX, [this] { editor_.SetAutoDial(chkAutoDial->GetValue()); });
   on(chkAutoHangUp, wxEVT_CHECKBOX, [this] { editor_.SetAutoHangUp(chkAutoHangUp->GetValue()); });
   on(cmdDial, wxEVT_BUTTON, [this] { dialUp_.Dial(); });
   on(cmdHangUp, wxEVT_BUTTON, [this] { dialUp_.HangUp(); });
   on(lstExtensions, wxEVT_LISTBOX, [] {});
-  on(txtExtension, wxEVT_TEXT, [this] { editor_.txtExtension = textOf(txtExtension); });
+  on(txtExtension, wxEVT_TEXT, [this] { editor_.txtExtension = TextOf(*txtExtension); });
   on(txtExtension, wxEVT_TEXT_ENTER, [this] { addExtension(); });
   on(cmdAddExtension, wxEVT_BUTTON, [this] { addExtension(); });
   on(cmdRemoveExtension, wxEVT_BUTTON, [this] { removeExtension(); });
@@ -238,17 +226,12 @@ void frmSettings::addExtension() {
 }
 
 void frmSettings::removeExtension() {
-  editor_.RemoveExtension(selectionOf(lstExtensions));
+  editor_.RemoveExtension(SelectionOf(*lstExtensions));
   showExtensions();
 }
 
 void frmSettings::showExtensions() {
-  const int selected = lstExtensions->GetSelection();
-  wxArrayString extensions;
-  for (const std::string& extension : editor_.lstExtensions) extensions.Add(wxString::FromUTF8(extension));
-  lstExtensions->Set(extensions);
-  const int last = static_cast<int>(extensions.size()) - 1;
-  if (selected != wxNOT_FOUND && last >= 0) lstExtensions->SetSelection(std::min(selected, last));
+  ShowItems(*lstExtensions, editor_.lstExtensions);
 }
 
 void frmSettings::show() {

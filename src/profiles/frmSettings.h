@@ -1,7 +1,7 @@
 // The settings: the schedule, the connection, and how the program behaves on this machine.
 #pragma once
 
-#include <wx/choice.h>
+#include <wx/combobox.h>
 #include <wx/listbox.h>
 #include <wx/slider.h>
 #include <wx/timectrl.h>
@@ -17,9 +17,9 @@
 #include "connectivity/mNetworkConnection.h"
 #include "controls/ScrolledForm.h"
 #include "controls/SeenTimer.h"
-#include "controls/WindowPrompts.h"
 #include "platform/LocalTime.h"
 #include "profiles/SettingsEditor.h"
+#include "profiles/UserPrompts.h"
 
 namespace quillmoor {
 
@@ -32,6 +32,7 @@ class frmSettings : public ScrolledForm {
     std::function<LocalDateTime()> now;
     std::array<std::int32_t, 8> ScheduleDays;  // in force since the start
     std::unique_ptr<DialUp> dialUp;            // the form's own component; the run has another
+    std::unique_ptr<UserPrompts> prompts{};    // without, windows of the form's own ask
   };
   /// Raises RegistryStoreError when the store cannot be read.
   frmSettings(wxWindow* parent, Sources sources);
@@ -58,7 +59,7 @@ class frmSettings : public ScrolledForm {
   wxStaticText* lblLANstatus;
   wxTextCtrl* txtRetryCount;
   wxTextCtrl* txtConnectionDelay;
-  wxChoice* cboConnections;
+  wxComboBox* cboConnections;
   wxCheckBox* chkAutoDial;
   wxCheckBox* chkAutoHangUp;
   wxStaticText* lblRasStatus;
@@ -79,6 +80,7 @@ class frmSettings : public ScrolledForm {
   SeenTimer tmrTimeNow;
 
  private:
+  UserPrompts& prompts();
   void layOutSchedule();
   void layOutConnection();
   void layOutDialUp();
@@ -104,7 +106,6 @@ class frmSettings : public ScrolledForm {
   void tmrTimeNow_Timer();
 
   Sources sources_;
-  WindowPrompts prompts_;
   DialUpPanel dialUp_;
   SettingsEditor editor_;
 };

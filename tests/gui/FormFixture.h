@@ -1,0 +1,151 @@
+// A form of settings alone in a frame, over a registry of its own, and a hand for its controls.
+#pragma once
+
+#include <wx/frame.h>
+#include <wx/sizer.h>
+
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "GuiFixture.h"
+#include "controls/ScrolledForm.h"
+#include "profiles/ApplicationSettings.h"
+#include "profiles/ScriptedPrompts.h"
+
+namespace quillmoor {
+
+class FormTest : public ::testing::Test {
+ protected:
+  FormTest()
+      : prompts(*new testing::ScriptedPrompts),
+        frame(new wxFrame(nullptr, wxID_ANY, "form", wxPoint(40, 40), wxSize(760, 560))),
+        prompts_(&prompts) {}
+
+  void TearDown() override {
+    bool gone = false;
+    frame->Bind(wxEVT_DESTROY, [&](wxWindowDestroyEvent& event) {
+      gone = gone || event.GetEventObject() == frame;
+      event.Skip();
+    });
+    frame->Destroy();
+    EXPECT_TRUE(waitUntil([&] { return gone; }));
+  }
+
+  /// For the form that is made; it becomes their owner.
+  std::unique_ptr<UserPrompts> ownPrompts() { return std::move(prompts_); }
+
+  void present(ScrolledForm* made) {
+    form = made;
+    auto* const all = new wxBoxSizer(wxVERTICAL);
+    all->Add(form, wxSizerFlags(1).Expand());
+    frame->SetSizer(all);
+    frame->Show();
+    ASSERT_TRUE(waitUntil([&] { return form->IsShownOnScreen() && form->GetSize().y > 100; }));
+  }
+  void resize(wxSize size) {
+    frame->SetClientSize(size);
+    ASSERT_TRUE(waitUntil([&] { return form->GetSize() == size; })) << form->GetSize().x;
+  }
+
+  static void command(wxWindow* control, const wxEventTypeTag<wxCommandEvent>& type) {
+    wxCommandEvent event(type, control->GetId());
+    event.SetEventObject(control);
+    control->ProcessWindowEvent(event);
+  }
+  static void press(wxButton* button) {
+    EXPECT_TRUE(button->IsEnabled()) << button->GetName();
+    command(button, wxEVT_BUTTON);
+  }
+  static void tick(wxCheckBox* box, bool on) {
+    box->SetValue(on);
+    command(box, wxEVT_CHECKBOX);
+  }
+  static std::string text(const wxControl* label) { return label->GetLabelText().utf8_string(); }
+
+  /// What the user can put the focus on, composite controls as one.
+  std::vector<wxWindow*> inputs() const {
+    std::vector<wxWindow*> found;
+    collect(form, found);
+    return found;
+  }
+  std::set<std::string> inputNames() const {
+    std::set<std::string> names;
+    for (const wxWindow* input : inputs()) names.insert(input->GetName().utf8_string());
+    return names;
+  }
+  static bool hasFocus(const wxWindow* control) {
+    for (const wxWindow* window = wxWindow::FindFocus(); window; window = window->GetParent()) {
+      if (window == control) return true;
+    }
+    return false;
+  }
+  wxWindow* focused() const {
+    for (wxWindow* input : inputs()) {
+      if (hasFocus(input)) return input;
+    }
+    return nullptr;
+  }
+
+  /// The names that the Tab key leads through, once around from the first on.
+  std::vector<std::string> tabOrder(wxWindow* first) {
+    wxUIActionSimulator hand;
+    frame->Raise();
+    first->SetFocus();
+    EXPECT_TRUE(waitUntil([&] { return hasFocus(first); }));
+    std::vector<std::string> names;
+    wxWindow* at = first;
+    do {
+      names.push_back(at->GetName().utf8_string());
+      wxWindow* const before = at;
+      // Of one that is made of several, each may be a stop, and not all of them are the toolkit's to tell of.
+      for (int keys = 0; (!at || at == before) && keys < 4; ++keys) {
+        hand.Char(WXK_TAB);
+        waitUntil([&] { return (at = focused()) && at != before; }, std::chrono::milliseconds(500));
+      }
+    } while (at && at != first && at->GetName() != names.back());
+    return names;
+  }
+
+  /// Whatever has a text must have the room for it, and whatever gets the focus must come into view.
+  void expectRoom(wxSize size) {
+    resize(size);
+    if (size.x >= form->FromDIP(400)) {
+      EXPECT_LE(form->GetVirtualSize().x, size.x) << "scrolls sideways at " << size.x;
+    }
+    for (wxWindow* const input : inputs()) {
+      const bool captioned = !input->GetLabel().empty() && !dynamic_cast<wxTextCtrl*>(input);
+      EXPECT_TRUE(!captioned || input->GetSize().x >= input->GetBestSize().x) << input->GetName();
+      if (!input->IsEnabled()) continue;
+      input->SetFocus();
+      EXPECT_TRUE(waitUntil([&] {
+        const wxRect view = form->GetScreenRect(), place = input->GetScreenRect();
+        return hasFocus(input) && place.GetTop() >= view.GetTop() && place.GetLeft() < view.GetRight() &&
+               place.GetTop() + std::min(place.height, view.height) <= view.GetBottom() + 1;
+      })) << input->GetName()
+          << " at " << input->GetScreenRect().y << " of height " << input->GetSize().y << " in a form at "
+          << form->GetScreenRect().y << (hasFocus(input) ? "" : ", not focused");
+    }
+  }
+
+  testing::OwnRegistry registry;
+  ApplicationSettings settings;
+  testing::ScriptedPrompts& prompts;
+  wxFrame* frame;
+  ScrolledForm* form = nullptr;
+
+ private:
+  static void collect(const wxWindow* window, std::vector<wxWindow*>& found) {
+    for (wxWindow* const child : window->GetChildren()) {
+      const bool composite = child->GetName().StartsWith("dtp");
+      if (composite || child->AcceptsFocus()) found.push_back(child);
+      if (!composite) collect(child, found);
+    }
+  }
+
+  std::unique_ptr<testing::ScriptedPrompts> prompts_;
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,209 @@
+// The options form under the user's hands: every control reaches its rule.
+#include <gmock/gmock.h>
+
+#include "FormFixture.h"
+#include "profiles/frmOptions.h"
+#include "profiles/mRC4.h"
+
+namespace quillmoor {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class OptionsFormTest : public FormTest {
+ protected:
+  void open() {
+    options = new frmOptions(frame, settings, ownPrompts());
+    present(options);
+  }
+  void choose(wxRadioButton* option) {
+    option->SetValue(true);
+    command(option, wxEVT_RADIOBUTTON);
+  }
+  std::vector<std::string> copies() const {
+    std::vector<std::string> all;
+    for (const wxString& item : options->lstZipCopies->GetStrings()) all.push_back(item.utf8_string());
+    return all;
+  }
+
+  frmOptions* options = nullptr;
+};
+
+TEST_F(OptionsFormTest, StoresWhatEveryControlSays) {
+  open();
+  frmOptions& f = *options;
+  const auto number = [](const std::int32_t& value) { return [&value] { return std::to_string(value); }; };
+  const auto word = [](const std::string& value) { return [&value] { return value; }; };
+  const struct {
+    wxWindow* control;
+    std::function<void()> hand;
+    const char* key;
+    std::string stored;
+    std::function<std::string()> running;
+    std::string runsGoBy;
+  } rows[] = {
+      {f.optIncremental, [&] { choose(f.optIncremental); }, "BackupMode", "2", number(settings.BackupMode),
+       "1"},
+      {f.optFull, [&] { choose(f.optFull); }, "BackupMode", "1", number(settings.BackupMode), "1"},
+      {f.chkUniqueBackup, [&] { tick(f.chkUniqueBackup, true); }, "UniqueBackup", "1",
+       number(settings.UniqueBackup), "0"},
+      {f.chkCreateZip, [&] { tick(f.chkCreateZip, false); }, "CreateZip", "0", number(settings.CreateZip),
+       "0"},
+      {f.chkCreateZip, [&] { tick(f.chkCreateZip, true); }, "CreateZip", "1", number(settings.CreateZip),
+       "1"},
+      {f.chkSplitZip, [&] { tick(f.chkSplitZip, true); }, "SplitZip", "1", number(settings.SplitZip), "1"},
+      {f.txtZipSpanSize, [&] { f.txtZipSpanSize->SetValue("700 KB"); }, "ZipSpanSize", "700",
+       number(settings.ZipSpanSize), "700"},
+      {f.txtZipSpanSize, [&] { f.txtZipSpanSize->SetValue("abc"); }, "ZipSpanSize", "1",
+       number(settings.ZipSpanSize), "1"},
+      {f.chkZipSelfExtract, [&] { tick(f.chkZipSelfExtract, true); }, "ZipSelfExtract", "1",
+       number(settings.ZipSelfExtract), "1"},
+      {f.txtZipPassword, [&] { f.txtZipPassword->SetValue(wxString::FromUTF8("geheim ü")); }, "ZipPassword",
+       mRC4::Encipher("geheim ü"), word(settings.ZipPassword), mRC4::Encipher("geheim ü")},
+      {f.txtRun[0], [&] { f.txtRun[0]->SetValue("/bin/before"); }, "RunBefore", "/bin/before",
+       word(settings.RunBefore), "/bin/before"},
+      {f.txtRun[1], [&] { f.txtRun[1]->SetValue("/bin/after"); }, "RunAfter", "/bin/after",
+       word(settings.RunAfter), "/bin/after"},
+      {f.txtRun[2], [&] { f.txtRun[2]->SetValue("http://b/?a&b"); }, "ConnectBefore", "http://b/?a&b",
+       word(settings.ConnectBefore), "http://b/?a&b"},
+      {f.txtRun[3], [&] { f.txtRun[3]->SetValue("http://a/"); }, "ConnectAfter", "http://a/",
+       word(settings.ConnectAfter), "http://a/"},
+      {f.cmdBrowseRunBefore, [&] { press(f.cmdBrowseRunBefore); }, "RunBefore", "/chosen",
+       word(settings.RunBefore), "/chosen"},
+      {f.cmdBrowseRunAfter, [&] { press(f.cmdBrowseRunAfter); }, "RunAfter", "/chosen",
+       word(settings.RunAfter), "/chosen"},
+      {f.cmdAddCopy, [&] { press(f.cmdAddCopy); }, "ZipCopies", "/chosen", word(settings.ZipCopies),
+       "/chosen"},
+      {f.lstZipCopies,
+       [&] {
+         f.lstZipCopies->SetSelection(0);
+         command(f.lstZipCopies, wxEVT_LISTBOX);
+         press(f.cmdRemoveCopy);
+       },
+       "ZipCopies", "", word(settings.ZipCopies), ""},
+  };
+  prompts.choice = "/chosen";
+  std::set<std::string> tried{"cmdRemoveCopy"};
+  for (const auto& row : rows) {
+    tried.insert(row.control->GetName().utf8_string());
+    row.hand();
+    EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control->GetName();
+    EXPECT_EQ(row.running(), row.runsGoBy) << row.control->GetName();
+  }
+  EXPECT_EQ(tried, inputNames()) << "a control that nothing happens to";
+  EXPECT_EQ(f.txtZipSpanSize->GetValue(), "abc") << "left as typed";
+  EXPECT_EQ(f.txtRun[0]->GetValue() + f.txtRun[1]->GetValue(), "/chosen/chosen");
+  EXPECT_THAT(prompts.choosers, ElementsAre("file Open: All Files (*.*)|*.*",
+                                            "file Open: All Files (*.*)|*.*", "folder Select folder"));
+  EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(OptionsFormTest, ShowsTheOptionsInForce) {
+  settings.BackupMode = 2;
+  settings.UniqueBackup = settings.SplitZip = settings.ZipSelfExtract = 1;
+  settings.CreateZip = 0;
+  settings.ZipSpanSize = 700;
+  settings.ZipPassword = mRC4::Encipher("secret");
+  settings.ZipCopies = "/b & c|/A";
+  settings.RunBefore = "rb";
+  settings.RunAfter = "ra";
+  settings.ConnectBefore = "cb";
+  settings.ConnectAfter = "ca";
+  open();
+  const frmOptions& f = *options;
+  EXPECT_FALSE(f.optFull->GetValue());
+  EXPECT_TRUE(f.optIncremental->GetValue());
+  EXPECT_TRUE(f.chkUniqueBackup->GetValue() && f.chkSplitZip->GetValue() && f.chkZipSelfExtract->GetValue());
+  EXPECT_FALSE(f.chkCreateZip->GetValue());
+  EXPECT_EQ(f.txtZipSpanSize->GetValue() + f.txtZipPassword->GetValue(), "700secret");
+  EXPECT_TRUE(f.txtZipPassword->HasFlag(wxTE_PASSWORD));
+  EXPECT_THAT(copies(), ElementsAre("/A", "/b & c"));
+  EXPECT_EQ(
+      f.txtRun[0]->GetValue() + f.txtRun[1]->GetValue() + f.txtRun[2]->GetValue() + f.txtRun[3]->GetValue(),
+      "rbracbca");
+  EXPECT_EQ(ReadSetting("RunBefore", "nothing"), "nothing") << "looking stores nothing";
+}
+
+TEST_F(OptionsFormTest, EnablesWhatModeArchiveAndListAllow) {
+  open();
+  frmOptions& f = *options;
+  choose(f.optIncremental);
+  EXPECT_FALSE(f.chkUniqueBackup->IsEnabled());
+  choose(f.optFull);
+  EXPECT_TRUE(f.chkUniqueBackup->IsEnabled());
+  for (const bool archive : {false, true}) {
+    tick(f.chkCreateZip, archive);
+    for (const wxWindow* control :
+         std::initializer_list<wxWindow*>{f.chkSplitZip, f.lblZipSpanSize, f.txtZipSpanSize, f.lblZipSpanUnit,
+                                          f.chkZipSelfExtract, f.lblZipPassword, f.txtZipPassword})
+      EXPECT_EQ(control->IsEnabled(), archive) << control->GetName() << control->GetLabel();
+    EXPECT_TRUE(f.cmdAddCopy->IsEnabled() && f.lstZipCopies->IsEnabled() && f.txtRun[0]->IsEnabled());
+  }
+  EXPECT_FALSE(f.cmdRemoveCopy->IsEnabled()) << "nothing is selected";
+  for (const char* folder : {"/1", "/2", "/3"}) {
+    prompts.choice = folder;
+    press(f.cmdAddCopy);
+  }
+  EXPECT_EQ(f.lstZipCopies->GetStringSelection(), "/3");
+  f.lstZipCopies->SetSelection(1);
+  press(f.cmdRemoveCopy);
+  EXPECT_EQ(f.lstZipCopies->GetStringSelection(), "/3") << "the next one";
+  press(f.cmdRemoveCopy);
+  press(f.cmdRemoveCopy);
+  EXPECT_FALSE(f.cmdRemoveCopy->IsEnabled());
+  EXPECT_EQ(settings.ZipCopies, "");
+}
+
+TEST_F(OptionsFormTest, SaysWhatIsWrongBesideTheField) {
+  settings.ZipPassword = "?";
+  open();
+  frmOptions& f = *options;
+  EXPECT_TRUE(f.lblPasswordNote->IsShown());
+  EXPECT_THAT(text(f.lblPasswordNote), HasSubstr("cannot be read"));
+  EXPECT_FALSE(f.lblSpanSizeNote->IsShown());
+  f.txtZipPassword->SetValue("typed");
+  f.txtZipSpanSize->SetValue("99999999");
+  EXPECT_FALSE(f.lblPasswordNote->IsShown());
+  EXPECT_TRUE(f.lblSpanSizeNote->IsShown());
+}
+
+TEST_F(OptionsFormTest, TellsOnceOfWhatCannotBeStoredAndKeepsWhatWasTyped) {
+  open();
+  registry.refuseWrites();
+  options->txtRun[2]->SetFocus();
+  ASSERT_TRUE(waitUntil([&] { return hasFocus(options->txtRun[2]); }));
+  wxUIActionSimulator hand;
+  hand.Text("http");
+  EXPECT_TRUE(waitUntil([&] { return options->txtRun[2]->GetValue() == "http"; }))
+      << options->txtRun[2]->GetValue();
+  EXPECT_EQ(settings.ConnectBefore, "http");
+  ASSERT_EQ(prompts.messages.size(), 1u);
+  EXPECT_THAT(prompts.messages[0].text, HasSubstr("ConnectBefore"));
+}
+
+TEST_F(OptionsFormTest, LeadsTheTabKeyThroughEveryControlInReadingOrder) {
+  settings.ZipCopies = "/a";
+  open();
+  options->lstZipCopies->SetSelection(0);
+  command(options->lstZipCopies, wxEVT_LISTBOX);
+  EXPECT_THAT(tabOrder(options->optFull),
+              ElementsAre("optFull", "chkUniqueBackup", "chkCreateZip", "chkSplitZip", "txtZipSpanSize",
+                          "chkZipSelfExtract", "txtZipPassword", "lstZipCopies", "cmdAddCopy",
+                          "cmdRemoveCopy", "txtRunBefore", "cmdBrowseRunBefore", "txtRunAfter",
+                          "cmdBrowseRunAfter", "txtConnectBefore", "txtConnectAfter"));
+}
+
+TEST_F(OptionsFormTest, ScrollsInASmallPaneAndCutsNothing) {
+  settings.RunBefore = "/" + std::string(2000, 'x');
+  for (int i = 0; i < 200; ++i)
+    settings.ZipCopies += (i ? "|/" : "/") + std::string(300, 'y') + std::to_string(i);
+  settings.ZipPassword = "?";
+  open();
+  expectRoom(form->FromDIP(wxSize(780, 520)));
+  expectRoom(form->FromDIP(wxSize(420, 240)));
+  expectRoom(wxSize(300, 200));
+}
+
+}  // namespace
+}  // namespace quillmoor

@@ -1,0 +1,333 @@
+// The settings form under the user's hands: every control reaches its rule, every label says what is so.
+#include <gmock/gmock.h>
+#include <wx/dateevt.h>
+
+#include "FormFixture.h"
+#include "connectivity/DialUpStates.h"
+#include "platform/ProgramFolder.h"
+#include "platform/RegistryApi.h"
+#include "profiles/ScheduleText.h"
+#include "profiles/frmSettings.h"
+
+namespace quillmoor {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+/// A line that does what the test says, and notes what it is told to do.
+struct Line {
+  bool busy = false;
+  std::int32_t state = kDialUpDisconnected;
+  std::vector<std::string> calls;
+  int asked = 0;
+};
+
+class LineDialUp final : public DialUp {
+ public:
+  explicit LineDialUp(Line& line) : line_(line) {}
+  bool Busy() override {
+    ++line_.asked;
+    return line_.busy;
+  }
+  std::int32_t State() override { return line_.state; }
+  std::vector<std::string> Entries() override { return {"Office", "Home & Co"}; }
+  void Dial(const std::string& entry) override {
+    line_.calls.push_back("dial " + entry);
+    line_.busy = true;
+    if (onStateChange) onStateChange(5);
+  }
+  void HangUp() override { line_.calls.push_back("hang up"); }
+  void Abort() override { line_.calls.push_back("abort"); }
+  bool IsDialUpConnected() override { return false; }
+  bool HangUpDialUp() override { return false; }
+
+ private:
+  Line& line_;
+};
+
+class SettingsFormTest : public FormTest {
+ protected:
+  void open() {
+    s = new frmSettings(frame, {settings,
+                                network,
+                                [] {
+                                  return *MakeLocalDateTime({2026, 11, 24, 15, 5, 9});
+                                },
+                                {0, 0, 1, 0, 0, 1, 0, 0},
+                                std::make_unique<LineDialUp>(line),
+                                ownPrompts()});
+    present(s);
+  }
+  void setTime(int hour, int minute) {
+    s->dtpStartTime->SetTime(hour, minute, 0);
+    wxDateEvent event(s->dtpStartTime, s->dtpStartTime->GetValue(), wxEVT_TIME_CHANGED);
+    s->dtpStartTime->ProcessWindowEvent(event);
+  }
+  void move(int position) {
+    s->SliderlPriority->SetValue(position);
+    wxScrollEvent event(wxEVT_SCROLL_CHANGED, s->SliderlPriority->GetId(), position);
+    s->SliderlPriority->ProcessWindowEvent(event);
+  }
+  void choose(int entry) {
+    s->cboConnections->SetSelection(entry);
+    command(s->cboConnections, wxEVT_COMBOBOX);
+  }
+  static std::string startsWithSession() {
+    return RegistryApi::queryValue(HKEY_LOCAL_MACHINE_VALUE,
+                                   "Software\\Microsoft\\Windows\\CurrentVersion\\Run", ProgramName())
+               ? "yes"
+               : "no";
+  }
+
+  Line line;
+  std::uint32_t kinds = kNetworkLan;
+  NetworkSource network = [this](std::uint32_t& found) {
+    found = kinds;
+    return true;
+  };
+  frmSettings* s = nullptr;
+};
+
+TEST_F(SettingsFormTest, StoresWhatEveryControlSays) {
+  settings.ProcessPriority = 64;  // so that the slider can be moved to normal
+  WriteSetting("AsciiExts", ".b|.a");
+  bool reset = false;
+  open();
+  s->onResetLayout = [&] { reset = true; };
+  const auto number = [](const std::int32_t& value) { return [&value] { return std::to_string(value); }; };
+  const auto days = [&] {
+    std::string all;
+    for (const std::int32_t day : settings.ScheduleDays) all += std::to_string(day);
+    return all;
+  };
+  const auto extensions = [&] {
+    std::string all;
+    for (const wxString& item : s->lstExtensions->GetStrings()) all += item.utf8_string();
+    return all;
+  };
+  const auto nothing = [] { return std::string(); };
+  const struct {
+    wxWindow* control;
+    std::function<void()> hand;
+    const char* key;
+    std::string stored;
+    std::function<std::string()> running;
+    std::string programGoesBy;
+  } rows[] = {
+      {s->dtpStartTime, [&] { setTime(3, 7); }, "SchedualHour", "3", number(settings.ScheduleHour), "3"},
+      {s->dtpStartTime, [&] { setTime(23, 59); }, "SchedualMinute", "59", number(settings.ScheduleMinute),
+       "59"},
+      {s->chkDay[1], [&] { tick(s->chkDay[1], true); }, "SchedualSunday", "1", days, "00000000"},
+      {s->chkDay[2], [&] { tick(s->chkDay[2], true); }, "SchedualMonday", "1", days, "00000000"},
+      {s->chkDay[3], [&] { tick(s->chkDay[3], true); }, "SchedualTusday", "1", days, "00000000"},
+      {s->chkDay[4], [&] { tick(s->chkDay[4], true); }, "SchedualWednesday", "1", days, "00000000"},
+      {s->chkDay[5], [&] { tick(s->chkDay[5], true); }, "SchedualThrusday", "1", days, "00000000"},
+      {s->chkDay[6], [&] { tick(s->chkDay[6], true); }, "SchedualFriday", "1", days, "00000000"},
+      {s->chkDay[7], [&] { tick(s->chkDay[7], true); }, "SchedualSaturday", "1", days, "00000000"},
+      {s->chkDay[7], [&] { tick(s->chkDay[7], false); }, "SchedualSaturday", "0", days, "00000000"},
+      {s->txtRetryCount, [&] { s->txtRetryCount->SetValue("12 times"); }, "FtpRetryCount", "12",
+       number(settings.FtpRetryCount), "12"},
+      {s->txtConnectionDelay, [&] { s->txtConnectionDelay->SetValue("90"); }, "ConnectionDelay", "90",
+       number(settings.ConnectionDelay), "90"},
+      {s->cboConnections, [&] { choose(1); }, "AutoDialUpConnection", "Home & Co",
+       [&] { return settings.AutoDialUpConnection; }, "Home & Co"},
+      {s->chkAutoDial, [&] { tick(s->chkAutoDial, false); }, "AutoDial", "0", number(settings.AutoDial), "0"},
+      {s->chkAutoHangUp, [&] { tick(s->chkAutoHangUp, false); }, "AutoHangUp", "0",
+       number(settings.AutoHangUp), "0"},
+      {s->chkAutoStartUp, [&] { tick(s->chkAutoStartUp, false); }, "AutoStartUp", "0", startsWithSession,
+       "no"},
+      {s->chkAutoStartUp, [&] { tick(s->chkAutoStartUp, true); }, "AutoStartUp", "1", startsWithSession,
+       "yes"},
+      {s->SliderlPriority, [&] { move(3); }, "ProcessPriority", "32", number(settings.ProcessPriority), "32"},
+      {s->txtExtension, [&] { s->txtExtension->SetValue("TXT"); }, "AsciiExts", ".b|.a", extensions, ".b.a"},
+      {s->cmdAddExtension, [&] { press(s->cmdAddExtension); }, "AsciiExts", ".b|.a|.txt", extensions,
+       ".b.a.txt"},
+      {s->txtExtension,
+       [&] {
+         s->txtExtension->SetValue("css");
+         command(s->txtExtension, wxEVT_TEXT_ENTER);
+       },
+       "AsciiExts", ".b|.a|.txt|.css", extensions, ".b.a.txt.css"},
+      {s->lstExtensions,
+       [&] {
+         s->lstExtensions->SetSelection(0);
+         command(s->lstExtensions, wxEVT_LISTBOX);
+         press(s->cmdRemoveExtension);
+       },
+       "AsciiExts", ".a|.txt|.css", extensions, ".a.txt.css"},
+      {s->cmdRestoreExtensions, [&] { press(s->cmdRestoreExtensions); }, "AsciiExts", kDefaultAsciiExtensions,
+       [&] { return std::to_string(s->lstExtensions->GetCount()); }, "41"},
+      {s->cmdResetLayout, [&] { press(s->cmdResetLayout); }, "PaneLayout", "nothing",
+       [&] { return std::string(reset ? "reset" : ""); }, "reset"},
+      {s->cmdDial, [&] { press(s->cmdDial); }, "AutoDialUpConnection", "Home & Co", nothing, ""},
+      {s->cmdHangUp, [&] { press(s->cmdHangUp); }, "AutoDialUpConnection", "Home & Co", nothing, ""},
+  };
+  std::set<std::string> tried{"cmdRemoveExtension"};
+  for (const auto& row : rows) {
+    tried.insert(row.control->GetName().utf8_string());
+    row.hand();
+    EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control->GetName();
+    EXPECT_EQ(row.running(), row.programGoesBy) << row.control->GetName();
+  }
+  EXPECT_EQ(tried, inputNames()) << "a control that nothing happens to";
+  EXPECT_THAT(line.calls, ElementsAre("dial Home & Co", "abort"));
+  EXPECT_EQ(s->txtRetryCount->GetValue(), "12 times") << "left as typed";
+  EXPECT_EQ(text(s->lblPriority), "Normal");
+  EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(SettingsFormTest, ShowsTheSettingsInForce) {
+  settings.ScheduleHour = 4;
+  settings.ScheduleMinute = 56;
+  settings.ScheduleDays = {0, 1, 0, -1, 0, 0, 0, 1};
+  settings.AutoDial = settings.AutoStartUp = 0;
+  settings.FtpRetryCount = 7;
+  settings.ConnectionDelay = 8;
+  settings.ProcessPriority = 12;
+  WriteSetting("AutoDialUpConnection", "Home & Co");
+  WriteSetting("AsciiExts", ".b|.a");
+  open();
+  int hour = 0, minute = 0, second = 0;
+  ASSERT_TRUE(s->dtpStartTime->GetTime(&hour, &minute, &second));
+  EXPECT_EQ(hour * 100 + minute, 456);
+  for (std::size_t day = 1; day <= 7; ++day) {
+    EXPECT_EQ(s->chkDay[day]->GetValue(), day == 1 || day == 7) << day;
+    EXPECT_EQ(s->chkDay[day]->GetLabel(), kWeekdayNames[day]);
+  }
+  EXPECT_FALSE(s->chkAutoDial->GetValue() || s->chkAutoStartUp->GetValue());
+  EXPECT_TRUE(s->chkAutoHangUp->GetValue());
+  EXPECT_EQ(s->txtRetryCount->GetValue() + s->txtConnectionDelay->GetValue(), "78");
+  EXPECT_EQ(s->cboConnections->GetStringSelection(), "Home & Co");
+  EXPECT_EQ(settings.AutoDialUpConnection, "Home & Co");
+  EXPECT_EQ(text(s->lblPriority), "Unknown:12");
+  EXPECT_EQ(s->SliderlPriority->GetValue(), 3) << "not at a choice that nobody has made";
+  EXPECT_EQ(s->lstExtensions->GetCount(), 2u);
+  EXPECT_FALSE(s->cmdRemoveExtension->IsEnabled());
+  s->showAutostartProblem("no right & reason");
+  EXPECT_EQ(text(s->lblAutoStartNote), "Could not be set: no right & reason");
+  tick(s->chkAutoStartUp, true);
+  EXPECT_FALSE(s->lblAutoStartNote->IsShown()) << "now it could";
+}
+
+TEST_F(SettingsFormTest, KeepsItsLabelsAndButtonsUpToDate) {
+  WriteSetting("AutoDialUpConnection", "Office");
+  open();
+  const auto shows = [&](const wxStaticText* label, const char* wanted) {
+    return waitUntil([&] { return text(label) == wanted; });
+  };
+  EXPECT_TRUE(shows(s->lblTimeNow, "03:05:09 PM"));
+  EXPECT_TRUE(shows(s->lblLANstatus, "Connected"));
+  kinds = kNetworkLan | kNetworkWan;
+  EXPECT_TRUE(shows(s->lblLANstatus, "Not Connected"));
+  EXPECT_TRUE(shows(s->lblSchedule, "In force: Every Monday and Thursday at 12:30"));
+  setTime(1, 2);
+  EXPECT_TRUE(shows(s->lblSchedule, "In force: Every Monday and Thursday at 01:02")) << "at once";
+  EXPECT_TRUE(shows(s->lblRasStatus, "Not Connected"));
+  EXPECT_TRUE(s->cmdDial->IsEnabled());
+  EXPECT_FALSE(s->cmdHangUp->IsEnabled());
+  press(s->cmdDial);
+  EXPECT_EQ(text(s->lblRasStatus), "Authenticate");
+  EXPECT_FALSE(s->cmdDial->IsEnabled());
+  EXPECT_TRUE(s->cmdHangUp->IsEnabled());
+  line.busy = false;
+  line.state = kDialUpConnected;
+  EXPECT_TRUE(shows(s->lblRasStatus, "Connected"));
+  press(s->cmdHangUp);
+  EXPECT_THAT(line.calls, ElementsAre("dial Office", "hang up"));
+}
+
+TEST_F(SettingsFormTest, AsksTheLineThatItDialsAlsoWhileItIsNotSeen) {
+  WriteSetting("AutoDialUpConnection", "Office");
+  open();
+  press(s->cmdDial);
+  form->Hide();
+  line.asked = 0;
+  ASSERT_TRUE(waitUntil([&] { return line.asked > 5; }));
+  EXPECT_EQ(s->tmrOnlineStatus.GetInterval(), frmSettings::kTmrOnlineStatus);
+  line.busy = false;
+  EXPECT_TRUE(waitUntil([&] { return s->tmrOnlineStatus.GetInterval() > frmSettings::kTmrOnlineStatus; }))
+      << "it never rests";
+  EXPECT_TRUE(waitUntil([&] { return s->tmrTimeNow.GetInterval() > frmSettings::kTmrTimeNow; }));
+}
+
+TEST_F(SettingsFormTest, SavesWhatItShowsWhenItIsUnloaded) {
+  settings.ScheduleHour = 4;
+  settings.ScheduleDays[3] = 1;
+  open();
+  WriteSetting("AsciiExts", "somebody else's");
+  s->unload();
+  EXPECT_EQ(ReadSetting("SchedualHour", "") + ReadSetting("SchedualMinute", "") +
+                ReadSetting("SchedualTusday", "") + ReadSetting("SchedualMonday", "") +
+                ReadSetting("ProcessPriority", ""),
+            "4301032");
+  EXPECT_EQ(ReadSetting("AsciiExts", ""), kDefaultAsciiExtensions);
+  EXPECT_FALSE(s->tmrOnlineStatus.IsRunning() || s->tmrLANstatus.IsRunning() || s->tmrTimeNow.IsRunning());
+}
+
+TEST_F(SettingsFormTest, TellsOnceOfWhatCannotBeStoredAndKeepsWhatWasTyped) {
+  open();
+  registry.refuseWrites();
+  s->txtConnectionDelay->SetFocus();
+  ASSERT_TRUE(waitUntil([&] { return hasFocus(s->txtConnectionDelay); }));
+  s->txtConnectionDelay->SelectAll();
+  wxUIActionSimulator hand;
+  hand.Text("120");
+  EXPECT_TRUE(waitUntil([&] { return s->txtConnectionDelay->GetValue() == "120"; }))
+      << s->txtConnectionDelay->GetValue();
+  EXPECT_EQ(settings.ConnectionDelay, 120);
+  tick(s->chkAutoStartUp, true);
+  ASSERT_EQ(prompts.messages.size(), 2u);
+  EXPECT_THAT(prompts.messages[0].text, HasSubstr("ConnectionDelay"));
+  EXPECT_TRUE(s->lblAutoStartNote->IsShown());
+  s->unload();
+  EXPECT_EQ(prompts.messages.size(), 2u) << "whoever leaves has been told";
+}
+
+TEST_F(SettingsFormTest, LeavesItsValuesAloneWhenTheWheelScrollsTheForm) {
+  WriteSetting("AutoDialUpConnection", "Office");
+  open();
+  resize(wxSize(500, 200));
+  for (wxWindow* const input : inputs()) {
+    if (input == s->lstExtensions) continue;
+    s->Scroll(0, 0);
+    wxMouseEvent event(wxEVT_MOUSEWHEEL);
+    event.SetEventObject(input);
+    event.m_wheelRotation = -240;
+    event.m_wheelDelta = 120;
+    event.m_linesPerAction = 3;
+    input->ProcessWindowEvent(event);
+    EXPECT_GT(s->GetViewStart().y, 0) << input->GetName();
+  }
+  EXPECT_EQ(s->cboConnections->GetSelection(), 0);
+  EXPECT_EQ(s->SliderlPriority->GetValue(), 3);
+}
+
+TEST_F(SettingsFormTest, LeadsTheTabKeyThroughEveryControlInReadingOrder) {
+  WriteSetting("AutoDialUpConnection", "Office");
+  open();
+  s->lstExtensions->SetSelection(0);
+  command(s->lstExtensions, wxEVT_LISTBOX);
+  EXPECT_THAT(tabOrder(s->dtpStartTime),
+              ElementsAre("dtpStartTime", "chkSunday", "chkMonday", "chkTuesday", "chkWednesday",
+                          "chkThursday", "chkFriday", "chkSaturday", "txtRetryCount", "txtConnectionDelay",
+                          "cboConnections", "chkAutoDial", "chkAutoHangUp", "cmdDial", "lstExtensions",
+                          "txtExtension", "cmdAddExtension", "cmdRemoveExtension", "cmdRestoreExtensions",
+                          "chkAutoStartUp", "SliderlPriority", "cmdResetLayout"));
+}
+
+TEST_F(SettingsFormTest, ScrollsInASmallPaneAndCutsNothing) {
+  std::string extensions = ".a";
+  for (int i = 0; i < 2000; ++i) extensions += "|." + std::string(60, 'x') + std::to_string(i);
+  WriteSetting("AsciiExts", extensions);
+  open();
+  std::string problem;
+  for (int i = 0; i < 200; ++i) problem += "no right ";
+  s->showAutostartProblem(problem);
+  expectRoom(form->FromDIP(wxSize(780, 520)));
+  expectRoom(form->FromDIP(wxSize(420, 240)));
+  expectRoom(wxSize(300, 200));
+}
+
+}  // namespace
+}  // namespace quillmoor
