@@ -39,6 +39,9 @@ constexpr std::array<Style, 8> kStyles = {{
 constexpr int kMostGreetings = 3;
 constexpr std::uint16_t kFtpPort = 21;
 
+/// RFC 959 §5.4: with these a server refuses USER, PASS or ACCT.
+constexpr std::array<int, 7> kLoginRefusals = {421, 500, 501, 502, 503, 530, 532};
+
 class Login {
  public:
   Login(FtpControl& control, const FtpLogin& login, milliseconds timeout,
@@ -133,7 +136,11 @@ class Login {
     return reply;
   }
 
-  [[noreturn]] void refuse(const std::string& what, const FtpReply& reply) const {
+  [[noreturn]] void refuse(const std::string& what, const FtpReply& reply) {
+    // A proxy that cannot go on may answer in the server's place, by 425 or 550 for example.
+    const bool loginRefusal =
+        std::find(kLoginRefusals.begin(), kLoginRefusals.end(), reply.code) != kLoginRefusals.end();
+    if (greetedByProxy_ && reply.refusal() && !loginRefusal) control_.setSpeaker(kProxy);
     throw FtpRefusal("The " + control_.speaker() + " " + what + ": " + saidBy(control_.speaker(), reply),
                      reply);
   }

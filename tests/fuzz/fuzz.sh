@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# fuzz.sh [SECONDS]   feeds the readers of files damaged ones, for so long each (60), on this machine's inputs and the seeds
-# beside this script. Wants clang with its fuzzing library. What broke a reader is left in build/fuzz.
+# fuzz.sh [SECONDS]   feeds the readers of files and of a proxy's answers damaged ones, for so long each (60), on this
+# machine's inputs and the seeds beside this script. Wants clang with its fuzzing library. What broke a reader is left in build/fuzz.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 seconds=${1:-60}
@@ -10,7 +10,9 @@ flags=(-std=c++20 -O1 -g -Isrc -fsanitize=fuzzer,address,undefined -fno-sanitize
 common=(src/controls/BoundedFile.cpp src/platform/Utf8.cpp src/platform/posix/LocalPath.cpp)
 clang++ "${flags[@]}" tests/fuzz/AviFuzz.cpp src/controls/{AviReader,Rle8}.cpp "${common[@]}" -o build/fuzz/avi
 clang++ "${flags[@]}" tests/fuzz/RtfFuzz.cpp src/controls/{RtfReader,RtfTokenizer}.cpp "${common[@]}" -o build/fuzz/rtf
-for reader in avi rtf; do
+clang++ "${flags[@]}" -DASIO_STANDALONE tests/fuzz/SocksFuzz.cpp src/platform/{SocksProxy,PumpedIo}.cpp src/platform/posix/ErrorText.cpp \
+  -o build/fuzz/socks
+for reader in avi rtf socks; do
   mkdir -p "build/fuzz/$reader-corpus"
   "build/fuzz/$reader" -max_total_time="$seconds" -max_len=4096 -rss_limit_mb=1024 -timeout=10 -print_final_stats=1 \
     -artifact_prefix=build/fuzz/ "build/fuzz/$reader-corpus" "tests/fuzz/seeds/$reader"

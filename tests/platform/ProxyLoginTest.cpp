@@ -183,6 +183,10 @@ TEST_F(ProxyLoginTest, TellsWhoRefused) {
        "The proxy closed the connection"},
       {"no FTP", FtpProxyType::userNoLogon, "", replies("HTTP/1.1 400 Bad Request"),
        number(FtpErrorNumber::badReply), "The proxy sent something that is no FTP reply"},
+      {"lost behind OPEN", FtpProxyType::open, "USER joe", replies("425 No route after all."), 425,
+       "the proxy says 425 No route after all."},
+      {"connects at the password", FtpProxyType::userNoLogon, "PASS", replies("550 No such host."), 550,
+       "the proxy says 550 No such host."},
       // From here on it is the server that speaks.
       {"server's user", FtpProxyType::siteHostname, "USER joe", replies("530 Who?"), 530,
        "The server refused the user name: 530 Who?"},

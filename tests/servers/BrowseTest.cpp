@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -32,6 +33,11 @@ class BrowseTest : public ::testing::Test, protected BrowserWorld {
     site.password = given("FTP_PASSWORD");
     site.passive = given("FTP_MODE") == "passive";
     site.defaultDir = root;
+    site.proxyType = static_cast<std::int16_t>(std::stoi(given("PROXY_TYPE")));
+    site.proxyHost = "127.0.0.1";
+    site.proxyPort = given("PROXY_PORT");
+    site.proxyUsername = given("PROXY_USER");
+    site.proxyPassword = given("PROXY_PASSWORD");
   }
   const std::string root = given("FTP_ROOT");
   const std::string base = root.ends_with('/') ? root : root + "/";
