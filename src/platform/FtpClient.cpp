@@ -4,7 +4,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/ErrorText.h"
 #include "platform/FtpControl.h"
 #include "platform/FtpTransfer.h"
 #include "platform/LocalPath.h"

@@ -1,7 +1,6 @@
 #include "platform/FtpControl.h"
 
 #include <algorithm>
-#include <system_error>
 
 #include "platform/ErrorText.h"
 
