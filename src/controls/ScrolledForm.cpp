@@ -134,6 +134,7 @@ void ScrolledForm::setNote(wxStaticText* note, const wxString& text) {
   wrap(*known);
   FitInside();
   Layout();
+  Refresh();  // not every toolkit draws anew what has moved
 }
 
 /// Of a row. The scroll bar counts as there: it must not come and go with the lines that it leaves room for.
@@ -166,6 +167,7 @@ void ScrolledForm::wrapRows() {
     } while (grid->CalcMin().x > room() && --columns > 0);
   }
   FitInside();
+  Refresh();
 }
 
 void ScrolledForm::finish() {
