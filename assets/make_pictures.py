@@ -19,6 +19,7 @@ PICTURES = [
     for folder, names, sizes in (
         ("panes", "profiles backup settings options help", (32, 64)),
         ("status", "connected disconnected", (32, 64)),
+        ("tasks", "Add Delete Save Exit Profile", (16, 32)),
         ("browser", "Cdup FolderClose FolderLink Link TextFile ZipFile ExeFile ImageFile HelpFile File", (16, 32)),
     )
     for name in names.split()

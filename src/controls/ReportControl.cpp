@@ -2,6 +2,9 @@
 
 #include <wx/settings.h>
 
+#include <algorithm>
+#include <utility>
+
 #include "controls/AccessibleName.h"
 #include "controls/WxColours.h"
 
@@ -20,36 +23,66 @@ class ReportControl::Model : public wxDataViewVirtualListModel {
  public:
   struct Item {
     std::string text;
+    wxBitmapBundle picture;
     bool coloured = false;
+    bool bold = false;
     Colour colour;
   };
   std::vector<std::vector<Item>> rows;
-  std::size_t shown = 0;    // rows that the list knows of
-  std::vector<bool> dirty;  // rows changed since they were shown
+  std::vector<std::string> emptyLines;  // in the place of rows
+  std::vector<bool> pictures;           // by column
+  std::size_t shown = 0;                // rows that the list knows of
+  std::vector<bool> dirty;              // rows changed since they were shown
 
-  void GetValueByRow(wxVariant& value, unsigned row, unsigned column) const override {
-    value = row < rows.size() ? shownText(rows[row].at(column).text) : wxString();
+  void showAnew() {
+    shown = rows.size();
+    Reset(static_cast<unsigned>(rows.empty() ? emptyLines.size() : shown));
   }
+  void GetValueByRow(wxVariant& value, unsigned row, unsigned column) const override {
+    static const Item none;
+    const Item& one = row < rows.size() ? rows[row].at(column) : none;
+    wxString text = shownText(one.text);
+    if (rows.empty() && column == 0 && row < emptyLines.size()) text = shownText(emptyLines[row]);
+    if (pictures.at(column)) {
+      value << wxDataViewIconText(text, one.picture);
+    } else {
+      value = text;
+    }
+  }
+  bool IsEnabledByRow(unsigned row, unsigned) const override { return row < rows.size(); }
   bool GetAttrByRow(unsigned row, unsigned column, wxDataViewItemAttr& attribute) const override {
-    if (row >= rows.size() || !rows[row].at(column).coloured) return false;
-    const Colour& colour = rows[row][column].colour;
-    const Rgb background = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
-    attribute.SetColour(ToWx(ReadableOn({colour.red, colour.green, colour.blue}, background)));
-    return true;
+    if (row >= rows.size()) return false;
+    const Item& one = rows[row].at(column);
+    if (one.bold) attribute.SetBold(true);
+    if (one.coloured) {
+      const Rgb background = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
+      const Rgb colour{one.colour.red, one.colour.green, one.colour.blue};
+      attribute.SetColour(ToWx(ReadableOn(colour, background)));
+    }
+    return one.bold || one.coloured;
   }
   bool SetValueByRow(const wxVariant&, unsigned, unsigned) override { return false; }
 };
 
-ReportControl::ReportControl(wxWindow* parent, const std::vector<Column>& columns, const wxString& name)
+ReportControl::ReportControl(wxWindow* parent, const std::vector<Column>& columns, const wxString& name,
+                             long style)
     : model_(new Model) {
-  Create(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxDV_ROW_LINES | wxBORDER_THEME,
-         wxDefaultValidator, name);
+  Create(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, style | wxBORDER_THEME, wxDefaultValidator,
+         name);
   SetAccessibleName(*this, name);
+  for (const Column& column : columns) model_->pictures.push_back(column.pictures);
   AssociateModel(model_.get());
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    AppendTextColumn(columns[i].caption, static_cast<unsigned>(i), wxDATAVIEW_CELL_INERT,
-                     FromDIP(columns[i].width), columns[i].right ? wxALIGN_RIGHT : wxALIGN_LEFT,
-                     wxDATAVIEW_COL_RESIZABLE);
+    const auto place = static_cast<unsigned>(i);
+    const int width = columns[i].width < 0 ? columns[i].width : FromDIP(columns[i].width);
+    const wxAlignment side = columns[i].right ? wxALIGN_RIGHT : wxALIGN_LEFT;
+    constexpr auto kInert = wxDATAVIEW_CELL_INERT;
+    constexpr int kFlags = wxDATAVIEW_COL_RESIZABLE;
+    if (columns[i].pictures) {
+      AppendIconTextColumn(columns[i].caption, place, kInert, width, side, kFlags);
+    } else {
+      AppendTextColumn(columns[i].caption, place, kInert, width, side, kFlags);
+    }
   }
   // The best size of a list is all of its columns; a pane may be narrower.
   SetMinSize(FromDIP(wxSize(120, 60)));
@@ -73,8 +106,24 @@ void ReportControl::setItemColour(std::size_t row, std::size_t column, Colour co
   model_->dirty.at(row) = true;
 }
 
+void ReportControl::setItemPicture(std::size_t row, std::size_t column, const wxBitmapBundle& picture) {
+  model_->rows.at(row).at(column).picture = picture;
+  model_->dirty.at(row) = true;
+}
+
+void ReportControl::setItemBold(std::size_t row, std::size_t column, bool bold) {
+  Model::Item& one = model_->rows.at(row).at(column);
+  if (one.bold == bold) return;
+  one.bold = bold;
+  model_->dirty.at(row) = true;
+}
+
 const std::string& ReportControl::item(std::size_t row, std::size_t column) const {
   return model_->rows.at(row).at(column).text;
+}
+
+bool ReportControl::isBold(std::size_t row, std::size_t column) const {
+  return model_->rows.at(row).at(column).bold;
 }
 
 std::size_t ReportControl::rowCount() const {
@@ -84,18 +133,53 @@ std::size_t ReportControl::rowCount() const {
 void ReportControl::clear() {
   model_->rows.clear();
   model_->dirty.clear();
-  model_->shown = 0;
-  model_->Reset(0);
+  model_->showAnew();
 }
 
-void ReportControl::populate() {
+void ReportControl::setEmptyLines(std::vector<std::string> lines) {
+  model_->emptyLines = std::move(lines);
+  if (rowCount() == 0) model_->showAnew();
+}
+
+void ReportControl::populate(bool follow) {
   const bool grown = model_->shown < model_->rows.size();
-  for (std::size_t row = 0; row < model_->shown; ++row) {
-    if (model_->dirty[row]) model_->RowChanged(static_cast<unsigned>(row));
+  if (grown && model_->shown == 0) {
+    model_->showAnew();
+  } else {
+    for (std::size_t row = 0; row < model_->shown; ++row) {
+      if (model_->dirty[row]) model_->RowChanged(static_cast<unsigned>(row));
+    }
+    for (; model_->shown < model_->rows.size(); ++model_->shown) model_->RowAppended();
   }
-  for (; model_->shown < model_->rows.size(); ++model_->shown) model_->RowAppended();
   model_->dirty.assign(model_->dirty.size(), false);
-  if (grown) EnsureVisible(model_->GetItem(static_cast<unsigned>(model_->rows.size() - 1)));
+  if (grown && follow) EnsureVisible(itemAt(rowCount() - 1));
+}
+
+std::vector<std::size_t> ReportControl::selectedRows() const {
+  wxDataViewItemArray items;
+  GetSelections(items);
+  std::vector<std::size_t> rows;
+  for (const wxDataViewItem& item : items) {
+    const std::size_t row = model_->GetRow(item);
+    if (row < rowCount()) rows.push_back(row);
+  }
+  std::sort(rows.begin(), rows.end());
+  return rows;
+}
+
+void ReportControl::selectRow(std::size_t row) {
+  Select(itemAt(row));
+}
+
+wxDataViewItem ReportControl::itemAt(std::size_t row) const {
+  return model_->GetItem(static_cast<unsigned>(row));
+}
+
+std::size_t ReportControl::rowAt(const wxPoint& point) const {
+  wxDataViewItem item;
+  wxDataViewColumn* column = nullptr;
+  HitTest(point, item, column);
+  return item.IsOk() ? std::min<std::size_t>(model_->GetRow(item), rowCount()) : rowCount();
 }
 
 }  // namespace quillmoor

@@ -1,10 +1,13 @@
 #include "controls/ScrolledForm.h"
 
+#include <wx/choice.h>
+#include <wx/dataview.h>
 #include <wx/settings.h>
 #include <wx/statbox.h>
 
 #include <algorithm>
 
+#include "controls/InnerFocus.h"
 #include "controls/WxColours.h"
 
 namespace quillmoor {
@@ -27,6 +30,7 @@ class GroupBox final : public wxStaticBox {
 };
 
 bool scrollsItself(const wxWindow* window) {
+  if (dynamic_cast<const wxDataViewCtrl*>(window)) return true;
   const auto* const list = dynamic_cast<const wxListBox*>(window);
   return list && static_cast<int>(list->GetCount()) * list->GetCharHeight() * 3 / 2 > list->GetClientSize().y;
 }
@@ -38,7 +42,9 @@ ScrolledForm::ScrolledForm(wxWindow* parent, const wxString& name)
       all_(new wxBoxSizer(wxVERTICAL)) {
   SetScrollRate(FromDIP(kScrollStep), FromDIP(kScrollStep));
   Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
-    if (event.GetWindow() != this) bringIntoView(event.GetWindow());
+    const wxWindow* const window = event.GetWindow();
+    const auto* const list = dynamic_cast<const wxDataViewCtrl*>(window->GetParent());
+    if (window != this) bringIntoView(list ? list : window);  // with its captions
     event.Skip();
   });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
@@ -172,7 +178,7 @@ void ScrolledForm::wrapRows() {
 
 void ScrolledForm::finish() {
   alignCaptions();
-  keepFromWheel(this);
+  prepare(this);
   SetSizer(all_);
   FitInside();
 }
@@ -192,12 +198,14 @@ void ScrolledForm::bringIntoView(const wxWindow* window) {
          scrolled(view.y, place.y, size.y, room.y, step.y));
 }
 
-void ScrolledForm::keepFromWheel(wxWindow* window) {
+void ScrolledForm::prepare(wxWindow* window) {
+  if (dynamic_cast<wxDataViewCtrl*>(window)) return;  // its parts do as it does
   for (wxWindow* const child : window->GetChildren()) {
+    if (dynamic_cast<wxChoice*>(child)) TellInnerFocus(*child);
     child->Bind(wxEVT_MOUSEWHEEL, [this, child](wxMouseEvent& event) {
       scrollsItself(child) ? event.Skip() : HandleOnMouseWheel(event);
     });
-    keepFromWheel(child);
+    prepare(child);
   }
 }
 

@@ -72,7 +72,8 @@ class ScrolledForm : public wxScrolledWindow {
   void wrapRows();
   int room() const;
   void wrap(const Note& note);
-  void keepFromWheel(wxWindow* window);
+  /// The controls in the window: their wheel, and the focus of their parts.
+  void prepare(wxWindow* window);
   /// The toolkit's own way of it leaves out what is wider than the view.
   bool ShouldScrollToChildOnFocus(wxWindow*) override { return false; }
   void bringIntoView(const wxWindow* window);

@@ -1,49 +1,110 @@
 #include "profiles/frmSite.h"
 
-#include <wx/msgdlg.h>
 #include <wx/sizer.h>
+#include <wx/splitter.h>
 
 #include <exception>
 #include <utility>
+#include <vector>
 
 #include "controls/BoundedFile.h"
 #include "engine/ErrorGuard.h"
-#include "profiles/SiteProfileStore.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr int kLookEvery = 1000;  // milliseconds
 constexpr std::size_t kLargestFile = std::size_t{4} << 20;
+constexpr int kTaskPanelWidth = 170;  // device-independent pixels
 
-enum Column : std::size_t { kName, kStatus, kHost, kFolders, kSaveTo };
-const std::vector<ReportControl::Column> kColumns = {
-    {"Profile", 140}, {"Status", 80}, {"Host", 150}, {"Folders", 180}, {"Saved to", 180}};
+/// As kCommandItems, each with its mnemonic and its picture.
+const std::vector<TaskPanel::Command> kCommands = {{kAddItem, "&Add", "tasks/Add"},
+                                                   {kDeleteItem, "&Delete", "tasks/Delete"},
+                                                   {kSaveItem, "&Save", "tasks/Save"},
+                                                   {kExitItem, "E&xit", "tasks/Exit"}};
 
-std::string joined(const std::vector<std::string>& folders) {
-  std::string text;
-  for (const std::string& folder : folders) text += (text.empty() ? "" : ", ") + folder;
-  return text;
+wxString fromUtf8(std::string_view text) {
+  return wxString::FromUTF8(text.data(), text.size());
 }
 
 }  // namespace
 
-frmSite::frmSite(wxWindow* parent, std::string profilesFile)
+frmSite::frmSite(wxWindow* parent, const ApplicationSettings& settings, std::string profilesFile)
     : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "frmSite"),
-      profilesFile_(std::move(profilesFile)) {
-  const int gap = FromDIP(6);
+      settings_(settings),
+      profilesFile_(std::move(profilesFile)),
+      prompts_(this),
+      editor_(profilesFile_, prompts_) {
+  auto* const halves = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                            wxSP_LIVE_UPDATE | wxSP_NO_XP_THEME);
+  wndTaskPanel = new TaskPanel(halves, "wndTaskPanel");
+  wndTaskPanel->addCommands(fromUtf8(kCommandGroup), kCommands);
+  wndTaskPanel->addList(fromUtf8(kProfileGroup), "tasks/Profile");
+  fields = new SiteFields(halves, editor_);
+  halves->SetMinimumPaneSize(FromDIP(80));
+  halves->SplitVertically(wndTaskPanel, fields, FromDIP(kTaskPanelWidth));
   auto* const all = new wxBoxSizer(wxVERTICAL);
-  lblProfiles = new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
-  lvwProfiles = new ReportControl(this, kColumns, "Current Profiles");
-  cmdExit = new wxButton(this, wxID_ANY, "E&xit", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator,
-                         "cmdExit");
-  all->Add(lblProfiles, wxSizerFlags().Expand().Border(wxALL, gap));
-  all->Add(lvwProfiles, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, gap));
-  all->Add(cmdExit, wxSizerFlags().Right().Border(wxALL, gap));
+  all->Add(halves, wxSizerFlags(1).Expand());
   SetSizer(all);
-  cmdExit->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { exitItem(); });
+
+  wndTaskPanel->onItem = [this](int id) { itemClicked(id); };
+  fields->onConnect = [this] { connect(); };
+  editor_.onExit = [this] {
+    if (onExit) onExit();
+  };
   lookForChange();
   tmrProfiles_.begin(this, kLookEvery, [this] { lookForChange(); });
+}
+
+void frmSite::itemClicked(int id) {
+  const bool wasStored = !editor_.currentName().empty();
+  try {
+    editor_.ItemClicked(id);
+  } catch (const std::exception& error) {
+    prompts_.ShowMessage(ErrorMessage(profilesFile_ + ": " + error.what()));
+  }
+  // What the browser still shows belongs to the profile it was opened for.
+  const bool opened = id != kSaveItem && id != kExitItem && id != kDeleteItem;
+  const bool deleted = wasStored && editor_.currentName().empty();
+  if (opened || deleted) closeBrowser();
+  showProfiles();
+  fields->show();
+  fields->putFocusOn(editor_.focus);
+}
+
+/// Anew with every click: the fields may have changed since.
+void frmSite::connect() {
+  const std::optional<BrowsedSite> site = editor_.Connect();
+  fields->putFocusOn(editor_.focus);
+  if (!site) return;
+  closeBrowser();
+  browser_ = new frmFtpBrowse(wxGetTopLevelParent(this), *site, settings_,
+                              [this](const std::vector<std::string>& folders) {
+                                editor_.AddFolders(folders);
+                                fields->show();
+                              });
+  browser_->Show();
+}
+
+void frmSite::closeBrowser() {
+  if (browser_) browser_->unload();
+  browser_ = nullptr;
+}
+
+void frmSite::unload() {
+  tmrProfiles_.Stop();
+  closeBrowser();
+}
+
+void frmSite::showProfiles() {
+  std::vector<TaskPanel::Item> items;
+  int current = 0;
+  for (const TaskItem& item : editor_.profileItems) {
+    items.push_back({item.id, item.caption});
+    if (item.caption == editor_.currentName()) current = item.id;
+  }
+  wndTaskPanel->setItems(items);
+  wndTaskPanel->markItem(current);
 }
 
 /// By what the file holds: its time may have no finer steps than a second. A missing file holds nothing.
@@ -52,42 +113,8 @@ void frmSite::lookForChange() {
   Guarded([&] { contents = ReadBoundedFile(profilesFile_, kLargestFile); });
   if (contents == contents_) return;
   contents_ = std::move(contents);
-  LoadSitesInfo();
-}
-
-void frmSite::LoadSitesInfo() {
-  try {
-    showProfiles();
-  } catch (const std::exception& error) {
-    lvwProfiles->populate();
-    lblProfiles->SetLabelText(wxString::FromUTF8(profilesFile_ + " cannot be read: " + error.what()));
-  }
-}
-
-void frmSite::showProfiles() {
-  lvwProfiles->clear();
-  const std::vector<std::string> names = quillmoor::LoadSitesInfo(profilesFile_);
-  for (const std::string& name : names) {
-    const SiteProfile profile = LoadSiteProfile(name, profilesFile_);
-    const std::size_t row = lvwProfiles->addRow();
-    lvwProfiles->setItem(row, kName, name);
-    lvwProfiles->setItem(row, kStatus, profile.Status == 1 ? "Enabled" : "Disabled");
-    lvwProfiles->setItem(row, kHost, profile.Host);
-    lvwProfiles->setItem(row, kFolders, joined(profile.Folders));
-    lvwProfiles->setItem(row, kSaveTo, profile.SaveTo);
-  }
-  lvwProfiles->populate();
-  const wxString file = wxString::FromUTF8(profilesFile_);
-  lblProfiles->SetLabelText(
-      names.empty()
-          ? "There is no profile yet in " + file
-          : wxString::Format("%zu %s in ", names.size(), names.size() == 1 ? "profile" : "profiles") + file);
-}
-
-void frmSite::exitItem() {
-  wxMessageDialog box(this, "Are you sure you want to exit the application?.", "Quillmoor",
-                      wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING);
-  if (box.ShowModal() == wxID_YES && onExit) onExit();
+  Guarded([&] { editor_.LoadSitesInfo(); });
+  showProfiles();
 }
 
 }  // namespace quillmoor

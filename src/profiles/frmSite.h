@@ -1,44 +1,53 @@
-// The site profiles: which there are, and the way out of the program.
+// The site profile form: the task panel with the commands and the stored profiles, and the profile's fields.
 #pragma once
 
-#include <wx/button.h>
 #include <wx/panel.h>
-#include <wx/stattext.h>
+#include <wx/weakref.h>
 
 #include <functional>
 #include <optional>
 #include <string>
 
-#include "controls/ReportControl.h"
+#include "browser/frmFtpBrowse.h"
 #include "controls/SeenTimer.h"
+#include "controls/TaskPanel.h"
+#include "controls/WindowPrompts.h"
+#include "profiles/ApplicationSettings.h"
+#include "profiles/SiteFields.h"
+#include "profiles/SiteProfileEditor.h"
 
 namespace quillmoor {
 
 class frmSite : public wxPanel {
  public:
-  frmSite(wxWindow* parent, std::string profilesFile);
-
-  /// Reads the profile file and shows what is in it, or why it cannot be read. Happens by itself when the
-  /// file changes.
-  void LoadSitesInfo();
+  /// `settings` is what the remote browser goes by; it must outlive the form.
+  frmSite(wxWindow* parent, const ApplicationSettings& settings, std::string profilesFile);
 
   /// The window is shown again.
   void wake() { tmrProfiles_.wake(); }
-  void unload() { tmrProfiles_.Stop(); }
+  /// Form unload: the remote browser disappears with it.
+  void unload();
 
   /// The exit item was chosen and confirmed.
   std::function<void()> onExit;
 
-  ReportControl* lvwProfiles;
-  wxStaticText* lblProfiles;
-  wxButton* cmdExit;
+  TaskPanel* wndTaskPanel;
+  SiteFields* fields;
+  /// The remote browser while it is open, nullptr otherwise.
+  frmFtpBrowse* browser() const { return browser_.get(); }
 
  private:
-  void exitItem();
-  void lookForChange();
+  void connect();
+  void closeBrowser();
+  void itemClicked(int id);
   void showProfiles();
+  void lookForChange();
 
+  const ApplicationSettings& settings_;
   const std::string profilesFile_;
+  WindowPrompts prompts_;
+  SiteProfileEditor editor_;
+  wxWeakRef<frmFtpBrowse> browser_;
   SeenTimer tmrProfiles_;
   std::optional<std::string> contents_;  // of the file, as it was read last
 };

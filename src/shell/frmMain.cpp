@@ -132,7 +132,7 @@ void frmMain::createPanes() {
   all->Add(panes, wxSizerFlags(1).Expand());
   SetSizer(all);
 
-  site = new frmSite(panes, services_->profilesFile);
+  site = new frmSite(panes, settings, services_->profilesFile);
   process = new frmProcess(panes, *services_, pump_);
   // Its component gets no events in the middle of a tick: they may end the program.
   settingsForm = new frmSettings(

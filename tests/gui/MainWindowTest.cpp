@@ -221,9 +221,11 @@ TEST_F(MainWindowTest, ExitsFromTheProfilesPaneOnlyWhenThatIsConfirmed) {
   stayOpen();
   constexpr long style = wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING;
   const char* const text = "Are you sure you want to exit the application?.";
-  wxTEST_DIALOG(clickEvent(main->site->cmdExit), ExpectBox("Quillmoor", text, style, wxID_CANCEL));
+  wxTEST_DIALOG(clickEvent(main->site->wndTaskPanel->command(kExitItem)),
+                ExpectBox("Quillmoor", text, style, wxID_CANCEL));
   EXPECT_FALSE(main->tmrEndProgram.IsRunning());
-  wxTEST_DIALOG(clickEvent(main->site->cmdExit), ExpectBox("Quillmoor", text, style, wxID_YES));
+  wxTEST_DIALOG(clickEvent(main->site->wndTaskPanel->command(kExitItem)),
+                ExpectBox("Quillmoor", text, style, wxID_YES));
   EXPECT_TRUE(waitUntil([&] { return !main; }));
 }
 
@@ -337,16 +339,14 @@ TEST_F(MainWindowTest, HasItsMenuInTheTray) {
 TEST_F(MainWindowTest, ShowsTheProfilesThatTheFileHoldsNow) {
   start();
   stayOpen();
-  ReportControl& list = *main->site->lvwProfiles;
+  ReportControl& list = main->site->wndTaskPanel->list();
   ASSERT_EQ(list.rowCount(), 1u);
   EXPECT_EQ(list.item(0, 0), "site");
   profile.name = "another";
   profile.ID.clear();
-  profile.Status = 0;
   ASSERT_TRUE(SaveSiteProfile(profile, profilesFile()));
   ASSERT_TRUE(waitUntil([&] { return list.rowCount() == 2; }));
   EXPECT_EQ(list.item(0, 0), "another");
-  EXPECT_EQ(list.item(0, 1), "Disabled");
 }
 
 TEST_F(MainWindowTest, ShowsNetworkAndClockWhileTheSettingsAreSeen) {

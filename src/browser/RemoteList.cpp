@@ -1,0 +1,127 @@
+#include "browser/RemoteList.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "controls/AccessibleName.h"
+#include "controls/Pictures.h"
+
+namespace quillmoor {
+namespace {
+
+constexpr unsigned kBoxColumn = 0;  // the columns of the rows follow
+constexpr unsigned kNameColumn = 1;
+constexpr int kWidths[] = {220, 90, 110, 70, 70, 90};  // device-independent pixels
+static_assert(std::size(kWidths) == kBrowserColumns.size());
+/// More at once are drawn anew together.
+constexpr std::size_t kSingly = 200;
+
+}  // namespace
+
+class RemoteList::Model : public wxDataViewVirtualListModel {
+ public:
+  Model(const RemoteBrowser& browser, const RemoteList& list) : browser_(browser), list_(list) {
+    for (std::size_t i = 0; i < pictures_.size(); ++i)
+      pictures_[i] = Picture("browser/" + std::string(kIconKeys[i]));
+  }
+
+  void GetValueByRow(wxVariant& value, unsigned row, unsigned column) const override {
+    const bool known = row < browser_.rowCount();
+    if (column == kBoxColumn) {
+      value = known && browser_.checked(row);
+      return;
+    }
+    const wxString text = known ? wxString::FromUTF8(browser_.cell(row, column - kNameColumn)) : wxString();
+    if (column == kNameColumn) {
+      const auto icon = known ? browser_.icon(row) : RowIcon::File;
+      value << wxDataViewIconText(text, pictures_.at(static_cast<std::size_t>(icon)));
+    } else {
+      value = text;
+    }
+  }
+  bool GetAttrByRow(unsigned, unsigned, wxDataViewItemAttr&) const override { return false; }
+  /// The box of a file shows unticked whatever is tried.
+  bool SetValueByRow(const wxVariant& value, unsigned row, unsigned) override {
+    if (list_.onChecked && row < browser_.rowCount()) list_.onChecked(row, value.GetBool());
+    return true;
+  }
+
+ private:
+  const RemoteBrowser& browser_;
+  const RemoteList& list_;
+  std::array<wxBitmapBundle, kIconKeys.size()> pictures_;
+};
+
+RemoteList::RemoteList(wxWindow* parent, const RemoteBrowser& browser)
+    : browser_(browser), model_(new Model(browser, *this)) {
+  Create(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxDV_SINGLE | wxBORDER_THEME, wxDefaultValidator,
+         "lvwRemote");
+  SetAccessibleName(*this, "The server's folder");
+  AssociateModel(model_.get());
+  AppendToggleColumn("", kBoxColumn, wxDATAVIEW_CELL_ACTIVATABLE, FromDIP(30), wxALIGN_CENTER, 0);
+  for (unsigned i = 0; i < kBrowserColumns.size(); ++i) {
+    const wxString caption(kBrowserColumns[i].data(), kBrowserColumns[i].size());
+    const int width = FromDIP(kWidths[i]);
+    if (i + kNameColumn == kNameColumn) {
+      AppendIconTextColumn(caption, i + kNameColumn, wxDATAVIEW_CELL_INERT, width);
+    } else {
+      AppendTextColumn(caption, i + kNameColumn, wxDATAVIEW_CELL_INERT, width,
+                       caption == "Size" ? wxALIGN_RIGHT : wxALIGN_LEFT);
+    }
+  }
+  SetMinSize(FromDIP(wxSize(200, 100)));
+  Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
+    if (onActivated) onActivated(model_->GetRow(event.GetItem()));
+  });
+  GetMainWindow()->Bind(wxEVT_KEY_DOWN, &RemoteList::onKey, this);
+}
+
+void RemoteList::onKey(wxKeyEvent& event) {
+  const wxDataViewItem item = GetCurrentItem();
+  if (event.GetKeyCode() != WXK_SPACE || event.HasAnyModifiers() || !item.IsOk()) return event.Skip();
+  wxVariant ticked;
+  model_->GetValue(ticked, item, kBoxColumn);
+  const unsigned row = model_->GetRow(item);
+  if (onChecked) onChecked(row, !ticked.GetBool());
+  changeRows(row, row);
+}
+
+void RemoteList::showRows() {
+  model_->Reset(static_cast<unsigned>(browser_.rowCount()));
+}
+
+void RemoteList::addRows(std::size_t first) {
+  if (first == 0 || browser_.rowCount() - first > kSingly) return showRows();
+  while (shownRows() < browser_.rowCount()) model_->RowAppended();
+}
+
+void RemoteList::changeRows(std::size_t first, std::size_t last) {
+  if (last - first >= kSingly) return GetMainWindow()->Refresh();
+  for (std::size_t row = first; row <= last && row < shownRows(); ++row)
+    model_->RowChanged(static_cast<unsigned>(row));
+}
+
+std::size_t RemoteList::shownRows() const {
+  return model_->GetCount();
+}
+
+wxRect RemoteList::place(std::size_t row, unsigned column) const {
+  wxRect place = GetItemRect(model_->GetItem(static_cast<unsigned>(row)), GetColumn(column));
+  if (!place.IsEmpty()) place.SetPosition(ClientToScreen(place.GetPosition()));
+  return place;
+}
+
+wxRect RemoteList::boxPlace(std::size_t row) const {
+  return place(row, kBoxColumn);
+}
+
+wxRect RemoteList::namePlace(std::size_t row) const {
+  return place(row, kNameColumn);
+}
+
+void RemoteList::selectRow(std::size_t row) {
+  Select(model_->GetItem(static_cast<unsigned>(row)));
+}
+
+}  // namespace quillmoor

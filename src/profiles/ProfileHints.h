@@ -1,0 +1,19 @@
+// What the fields of a site profile want: told before anything is wrong, and beside a text that will not do.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "profiles/SiteProfile.h"
+
+namespace quillmoor {
+
+/// What belongs into the field of this key ("name", "Folders" or a key of the profile file), as a sentence or
+/// two; "" where the caption says it all.
+std::string_view FieldHint(std::string_view key);
+
+/// What is wrong with what the field holds, as one sentence, "" when nothing is. It forbids nothing: a save
+/// refuses and corrects by rules of its own. A field that is empty, or that nothing looks at, is passed over.
+std::string FieldNote(const SiteProfile& profile, std::string_view key);
+
+}  // namespace quillmoor

@@ -1,0 +1,292 @@
+// The window "Browse FTP Site" as it is opened from a profile: walked, ticked, closed in the middle of
+// things.
+#include <chrono>
+#include <future>
+
+#include "SiteFormFixture.h"
+
+namespace quillmoor {
+namespace {
+
+using testing::contentsOf;
+using Session = testing::ScriptedFtpServer::Session;
+
+class BrowserFormTest : public SiteFormTest {
+ protected:
+  /// The profile "site" in the form, and its site in the browser.
+  void browse() {
+    open();
+    clickProfile("site");
+    ASSERT_TRUE(isOpen("site"));
+    connect();
+    ASSERT_TRUE(waitUntil([&] { return listed("/"); }));
+    ASSERT_TRUE(waitUntil([&] { return window->IsActive() && window->lvwRemote->IsShownOnScreen(); }));
+  }
+  void connect() {
+    clickEvent(fields->cmdConnect);
+    window = form->browser();
+    ASSERT_TRUE(window);
+  }
+  /// Nothing is in progress, and the folder of that path is shown.
+  bool listed(const wxString& path) const {
+    return window && !window->browser().busy() && window->cmbRemoteDir->GetValue() == path &&
+           window->lvwRemote->shownRows() == window->browser().rowCount() && window->browser().rowCount() > 0;
+  }
+  bool shows(const wxString& path, const std::vector<std::string>& wanted) {
+    return waitUntil([&] { return listed(path) && rows() == wanted; });
+  }
+  std::vector<std::string> rows() const {
+    std::vector<std::string> all;
+    const RemoteBrowser& browser = window->browser();
+    for (std::size_t row = 0; row < browser.rowCount(); ++row)
+      all.push_back((browser.checked(row) ? "x " : "") + browser.cell(row, 0));
+    return all;
+  }
+  void clickAt(const wxRect& place, bool twice = false) {
+    hand.MouseMove(place.x + std::min(place.width / 2, 40), place.y + place.height / 2);
+    twice ? hand.MouseDblClick() : hand.MouseClick();
+  }
+  wxRect seen(std::function<wxRect()> place) {
+    EXPECT_TRUE(waitUntil([&] { return !place().IsEmpty(); }));
+    return place();
+  }
+  void clickBox(std::size_t row) {
+    clickAt(seen([&] { return window->lvwRemote->boxPlace(row); }));
+  }
+  void doubleClick(std::size_t row) {
+    clickAt(seen([&] { return window->lvwRemote->namePlace(row); }), true);
+  }
+  bool gone() {
+    return waitUntil([&] { return !form->browser(); }, std::chrono::seconds(5));
+  }
+
+  wxWeakRef<frmFtpBrowse> window;
+};
+
+using Rows = std::vector<std::string>;
+
+TEST_F(BrowserFormTest, WalksTheSiteAndAddsWhatIsTicked) {
+  server.addFile("/readme.txt", "hello");
+  server.addFile("/www/index.html", "hello");
+  server.addFolder("/www/images");
+  browse();
+  EXPECT_EQ(window->GetTitle(), "Browse FTP Site");
+  EXPECT_EQ(rows(), (Rows{"..", "www", "readme.txt"}));
+  clickBox(1);
+  EXPECT_TRUE(waitUntil([&] { return rows()[1] == "x www"; }));
+  clickBox(2);
+  click(window->cmdAdd);
+  EXPECT_TRUE(waitUntil([&] { return folders() == std::vector<std::string>{"/", "/www"}; }));
+  EXPECT_EQ(rows(), (Rows{"..", "x www", "readme.txt"})) << "a file keeps a tick";
+  clickEvent(window->cmdAdd);
+  EXPECT_EQ(folders().size(), 2u) << "added twice";
+
+  const Rows www = {"..", "images", "index.html"};
+  doubleClick(1);
+  ASSERT_TRUE(shows("/www", www));
+  clickEvent(window->cmdSelectAll);
+  EXPECT_EQ(rows(), (Rows{"x ..", "x images", "index.html"}));
+  clickEvent(window->cmdUnSelectAll);
+  EXPECT_EQ(rows(), www);
+  window->lvwRemote->selectRow(1);
+  focus(window->lvwRemote);
+  hand.Char(WXK_SPACE);
+  EXPECT_TRUE(waitUntil([&] { return rows()[1] == "x images"; })) << "the space bar does not tick";
+  doubleClick(0);
+  ASSERT_TRUE(shows("/", {"..", "www", "readme.txt"}));
+
+  window->cmbRemoteDir->SetValue("/www");
+  clickEvent(window->cmdChDir);
+  ASSERT_TRUE(shows("/www", www));
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(window->lvwRemote); }));
+  window->cmbRemoteDir->SetValue("/www/images");
+  focus(window->cmbRemoteDir);
+  hand.Char(WXK_RETURN);
+  ASSERT_TRUE(shows("/www/images", {".."}));
+  ASSERT_EQ(window->cmbRemoteDir->GetCount(), 3u) << "the folders seen so far";
+  window->cmbRemoteDir->SetSelection(1);
+  wxCommandEvent chosen(wxEVT_COMBOBOX, window->cmbRemoteDir->GetId());
+  window->cmbRemoteDir->ProcessWindowEvent(chosen);
+  ASSERT_TRUE(shows("/www", www));
+
+  server.addFolder("/www/new");
+  clickEvent(window->cmdRefresh);
+  ASSERT_TRUE(shows("/www", {"..", "images", "new", "index.html"}));
+  click(window->chkFoldersOnly);
+  ASSERT_TRUE(shows("/www", {"..", "images", "new"}));
+  click(window->cmdClose);
+  ASSERT_TRUE(gone());
+  EXPECT_EQ(server.count("QUIT"), 1u);
+}
+
+TEST_F(BrowserFormTest, ComesBackWhereItStoodAndAsItWas) {
+  browse();
+  window->SetSize(wxRect(window->FromDIP(wxPoint(150, 120)), window->FromDIP(wxSize(640, 420))));
+  ASSERT_TRUE(waitUntil([&] { return window->GetSize() == window->FromDIP(wxSize(640, 420)); }));
+  const wxRect stood = window->GetRect();
+  window->chkFoldersOnly->SetValue(true);
+  wxCommandEvent ticked(wxEVT_CHECKBOX, window->chkFoldersOnly->GetId());
+  window->chkFoldersOnly->ProcessWindowEvent(ticked);
+  hand.Char(WXK_ESCAPE);
+  ASSERT_TRUE(gone());
+  connect();
+  EXPECT_TRUE(waitUntil([&] { return window->GetRect() == stood; }))
+      << window->GetRect().x << "," << window->GetRect().y << " for " << stood.x << "," << stood.y;
+  EXPECT_TRUE(window->chkFoldersOnly->GetValue());
+  window->Close();
+  ASSERT_TRUE(gone());
+  // A screen that is gone must not keep the window.
+  WriteSetting("FtpBrowseLeft", "90000");
+  connect();
+  const int left = window->GetPosition().x;
+  EXPECT_LT(left, 9000);
+}
+
+TEST_F(BrowserFormTest, ClosesAtOnceInTheMiddleOfAnything) {
+  server.on("PASS", [](Session& s) { s.reply("530 Never."); });
+  WriteSetting("ConnectionDelay", "3600");
+  open();
+  clickProfile("site");
+  ASSERT_TRUE(isOpen("site"));
+  connect();
+  const auto logs = [&](const char* text) {
+    const LogText& log = window->browser().log();
+    for (std::size_t i = 0; i < log.lineCount(); ++i) {
+      if (log.line(i).text.find(text) != std::string::npos) return true;
+    }
+    return false;
+  };
+  ASSERT_TRUE(waitUntil([&] { return logs("Waiting 3600 Seconds"); }));
+  auto begin = std::chrono::steady_clock::now();
+  window->Close();
+  EXPECT_FALSE(window->IsShown());
+  ASSERT_TRUE(gone());
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+
+  server.on("PASS", [](Session& s) { s.answerAsUsual(); });
+  std::promise<void> reached;
+  server.once("LIST", [&](Session& s) {
+    s.openData();
+    s.reply("150 Here it comes.");
+    reached.set_value();
+    s.waitForClient();
+  });
+  connect();
+  const std::future<void> listing = reached.get_future();
+  ASSERT_TRUE(
+      waitUntil([&] { return listing.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+  begin = std::chrono::steady_clock::now();
+  window->Close();
+  ASSERT_TRUE(gone());
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+
+  connect();
+  main->ExitRoutine();
+  EXPECT_TRUE(waitUntil([&] { return !main; })) << "an open browser holds up the exit";
+}
+
+TEST_F(BrowserFormTest, WorksBesideABackupRun) {
+  testing::ScriptedFtpServer other;
+  other.addFolder("/www");
+  server.addFile("/a.bin", "bytes");
+  std::promise<void> listed_;
+  server.on("RETR /a.bin", [looked = listed_.get_future().share()](Session& s) {
+    looked.wait_for(kPatience);
+    s.answerAsUsual();
+  });
+  open();
+  clickProfile("site");
+  ASSERT_TRUE(isOpen("site"));
+  fields->box("Port")->SetValue(std::to_string(other.port()));
+  clickEvent(main->process->cmdStart);
+  steps.when([&] { return server.count("RETR") == 1; }, [&] { connect(); })
+      .when([&] { return window && listed("/"); },
+            [&] {
+              EXPECT_EQ(rows(), (Rows{"..", "www"}));
+              listed_.set_value();
+            })
+      .when([&] { return status() == "Completed" && !main->process->active(); })
+      .take();
+  EXPECT_TRUE(form->browser()) << "the run's end took the browser with it";
+}
+
+TEST_F(BrowserFormTest, BelongsToTheProfileItWasOpenedFor) {
+  profile.name = "another";
+  profile.ID.clear();
+  ASSERT_TRUE(SaveSiteProfile(profile, profilesFile()));
+  browse();
+  command(kSaveItem);
+  EXPECT_EQ(form->browser(), window.get());
+  window->Move(form->wndTaskPanel->GetScreenRect().GetRight() + 50, 300);  // off the list
+  ASSERT_TRUE(waitUntil(
+      [&] { return !window->GetScreenRect().Intersects(form->wndTaskPanel->list().GetScreenRect()); }));
+  clickProfile("another");
+  ASSERT_TRUE(isOpen("another"));
+  EXPECT_TRUE(gone());
+  connect();
+  command(kAddItem);
+  EXPECT_TRUE(gone());
+  fields->box("name")->SetValue("third");
+  for (const char* key : {"Host", "UserID", "Password"}) fields->box(key)->SetValue("x");
+  fields->txtAddFolder->SetValue("/x");
+  clickEvent(fields->cmdAddFolder);
+  connect();
+  command(kSaveItem);
+  EXPECT_TRUE(ProfileExists("third", profilesFile()));
+  EXPECT_TRUE(form->browser()) << "to be saved is to stay the same profile";
+  wxTEST_DIALOG(command(kDeleteItem),
+                ExpectBox("Warning", "Are you sure you want to delete this site profile: third",
+                          wxYES_NO | wxNO_DEFAULT | wxICON_WARNING, wxID_YES));
+  EXPECT_TRUE(gone());
+  EXPECT_FALSE(fields->cmdConnect->IsEnabled());
+  fields->box("Host")->SetValue(" ");
+  EXPECT_TRUE(fields->cmdConnect->IsEnabled());
+  wxTEST_DIALOG(clickEvent(fields->cmdConnect),
+                ExpectBox("Error", "Please enter the FTP host address or IP", wxOK | wxICON_ERROR, wxID_OK));
+  EXPECT_FALSE(form->browser());
+}
+
+TEST_F(BrowserFormTest, SaysThatAListingCannotBeRead) {
+  server.setListing("/", "this is no listing\r\n");
+  open();
+  clickProfile("site");
+  ASSERT_TRUE(isOpen("site"));
+  const wxString text =
+      "Some non-UNIX or non-DOS listing were encountered. \r\nThis sample only supports UNIX and DOS "
+      "listings. "
+      "\r\n\r\nHere are some of the lines that failed: \r\n\r\nthis is no listing\r\n";
+  wxTEST_DIALOG(
+      {
+        connect();
+        EXPECT_TRUE(waitUntil([&] { return listed("/"); }));
+      },
+      ExpectBox("Quillmoor", text, wxOK | wxICON_INFORMATION, wxID_OK));
+  EXPECT_EQ(rows(), Rows{".."});
+}
+
+TEST_F(BrowserFormTest, ShowsAHugeFolderAtOnceAndTicksAllOfIt) {
+  constexpr int kFolders = 20'000;
+  std::string listing;
+  for (int i = 0; i < kFolders; ++i)
+    listing += "drwxr-xr-x 2 u g 4096 Jan  1 2020 folder " + std::to_string(i) + "\r\n";
+  server.setListing("/", listing);
+  browse();
+  EXPECT_EQ(rows().size(), kFolders + 1u);
+  const auto turn = [](const std::function<void()>& action) {
+    const auto begin = std::chrono::steady_clock::now();
+    action();
+    wxEventLoopBase::GetActive()->YieldFor(wxEVT_CATEGORY_ALL);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin)
+        .count();
+  };
+  const auto ms = turn([&] { window->lvwRemote->showRows(); });
+  const auto ticking = turn([&] { clickEvent(window->cmdSelectAll); });
+  EXPECT_EQ(rows().back(), "x folder " + std::to_string(kFolders - 1));
+  RecordProperty("ShownMs", std::to_string(ms));
+  RecordProperty("TickedMs", std::to_string(ticking));
+  EXPECT_LT(ms, 1000);
+  EXPECT_LT(ticking, 400);
+}
+
+}  // namespace
+}  // namespace quillmoor
