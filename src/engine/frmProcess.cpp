@@ -19,7 +19,7 @@ namespace quillmoor {
 namespace {
 
 constexpr int kGap = 6;                 // device-independent pixels, between controls
-constexpr int kShowFiguresEvery = 120;  // milliseconds
+constexpr int kShowFiguresEvery = 200;  // milliseconds
 constexpr double kLogsShare = 0.7;      // of the height, beside the report
 
 const std::vector<ReportControl::Column>& reportColumns() {
