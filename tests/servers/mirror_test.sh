@@ -26,7 +26,7 @@ if [ -n "$proxy" ]; then
   eval "$settings"
   # Only the proxy knows the way: the server's port is no use to a pipe, nor its name to one who looked it up here.
   host=$FTP_HOST
-  [ "$type" != 2 ] || host=localhost
+  if [ "$type" = 2 ] && getent ahostsv4 localhost >/dev/null; then host=localhost; fi
   [ "$type" != 7 ] || host=server.invalid
   "$config" profile set site Host="$host" ProxyType="$type" ProxyHost=127.0.0.1 ProxyPort="$PROXY_PORT" \
     ProxyUsername="$PROXY_USER" ProxyPassword=- <<<"$PROXY_PASSWORD"
