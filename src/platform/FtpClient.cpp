@@ -116,7 +116,7 @@ class FtpClient::Impl {
   std::string list();
   void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t expectedSize);
   void abort();
-  void sendAhead(std::vector<std::string> lines, bool dataConnection);
+  bool sendAhead(std::vector<std::string> lines, bool dataConnection);
 
  private:
   milliseconds timeout() const {
@@ -185,9 +185,7 @@ void FtpClient::Impl::raiseOutside(FtpErrorNumber number, const char* descriptio
 
 FtpReply FtpClient::Impl::require(const std::string& line) {
   FtpReply reply = control_.exchange(line, timeout());
-  if (reply.refusal()) {
-    throw FtpRefusal("The server refused " + line.substr(0, line.find(' ')) + ": " + reply.text, reply);
-  }
+  if (reply.refusal()) control_.raiseRefused(line, reply);
   return reply;
 }
 
@@ -296,9 +294,7 @@ std::string FtpClient::Impl::list() {
       outcome = runList("LIST", text);
       if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::refused;
     }
-    if (outcome.reply.refusal() && !saysNoFiles(outcome.reply)) {
-      throw FtpRefusal("The server refused LIST: " + outcome.reply.text, outcome.reply);
-    }
+    if (outcome.reply.refusal() && !saysNoFiles(outcome.reply)) control_.raiseRefused("LIST", outcome.reply);
     if (outcome.reply.refusal()) text.clear();
     progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
     if (!control_.isOpen()) closeNow();
@@ -328,8 +324,7 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
       progress(FtpStatus::inProgress, "", count, expectedSize > 0 ? expectedSize : size);
     };
     const FtpTransfer::Outcome outcome = transfer_.run(order);
-    if (outcome.reply.refusal())
-      throw FtpRefusal("The server refused RETR: " + outcome.reply.text, outcome.reply);
+    if (outcome.reply.refusal()) control_.raiseRefused("RETR", outcome.reply);
     if (text.heldCarriageReturn()) file.write("\r");
     file.commit();
     progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
@@ -345,15 +340,16 @@ void FtpClient::Impl::abort() {
   }
 }
 
-void FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnection) {
-  if (busy || state != FtpState::connected || !control_.takesCommandsAhead()) return;
+bool FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnection) {
+  if (busy || state != FtpState::connected || !control_.takesCommandsAhead()) return false;
   io_.clearAbort();
   try {
     if (dataConnection) {
       if (auto request = transfer_.requestAhead(client_.dataPortRange)) lines.push_back(*std::move(request));
     }
-    control_.sendAhead(lines);
-  } catch (const FtpError&) {  // NOLINT(bugprone-empty-catch): the operation itself will meet it and tell
+    return control_.sendAhead(lines);
+  } catch (const FtpError&) {
+    return false;  // the operation itself will meet it and tell
   }
 }
 
@@ -405,8 +401,8 @@ void FtpClient::getFile(const std::string& remotePath, const std::string& localP
 void FtpClient::abort() {
   impl_->abort();
 }
-void FtpClient::sendAhead(const std::vector<std::string>& commandLines, bool dataConnection) {
-  impl_->sendAhead(commandLines, dataConnection);
+bool FtpClient::sendAhead(const std::vector<std::string>& commandLines, bool dataConnection) {
+  return impl_->sendAhead(commandLines, dataConnection);
 }
 
 }  // namespace quillmoor

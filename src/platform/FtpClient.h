@@ -48,7 +48,7 @@ enum class FtpProxyType {
 
 /// Numbers of the failures that no server reply names. A refusal by the server bears the reply's own code
 /// (421, 530, 550, ...), which is always below these. Where a proxy refused, the description has "the proxy
-/// says".
+/// says"; where that or the server may have, "The server, or the proxy before it,".
 enum class FtpErrorNumber : int {
   notConnected = 1001,
   busy,
@@ -194,8 +194,9 @@ class FtpClient {
   /// Sends command lines, and then the request for a data connection if asked, without waiting for replies:
   /// the caller's promise that its next operations will send just these. Each such operation then only
   /// takes its reply; any other operation first lets the outstanding replies pass. Changes nothing but
-  /// time: never raises, and does nothing when not connected or when the server does not read ahead.
-  void sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
+  /// time: never raises, and does nothing when not connected or when the server does not read ahead. Whether
+  /// they were sent.
+  bool sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
 
  private:
   class Impl;

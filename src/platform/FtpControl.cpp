@@ -43,6 +43,11 @@ void FtpControl::raiseClosed(const FtpReply& reply) const {
   throw FtpError(reply.code, "The " + speaker() + " closed the session: " + saidBy(speaker(), reply));
 }
 
+void FtpControl::raiseRefused(const std::string& line, const FtpReply& reply) const {
+  throw FtpRefusal("The " + speaker() + " refused " + line.substr(0, line.find(' ')) + ": " + reply.text,
+                   reply);
+}
+
 void FtpControl::raiseFlood() const {
   throw FtpError(FtpErrorNumber::badReply,
                  "The " + speaker() + " sends replies that answer nothing, without end.");
@@ -180,9 +185,9 @@ FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
   return readFinalReply(in(timeout));
 }
 
-void FtpControl::sendAhead(const std::vector<std::string>& lines) {
+bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
   // With replies outstanding from before, an old answer could be taken for a new one of the same line.
-  if (!takesAhead_ || ended_ || !ahead_.empty()) return;
+  if (!takesAhead_ || ended_ || !ahead_.empty()) return false;
   passStrayReplies();
   std::string wire;
   for (const auto& line : lines) {
@@ -192,9 +197,13 @@ void FtpControl::sendAhead(const std::vector<std::string>& lines) {
   // What does not go out at once is not sent at all: a hint is not worth waiting for.
   asio::error_code error;
   const std::size_t sent = channel_.socket.write_some(asio::buffer(wire), error);
-  if (error) return;
-  if (sent != wire.size()) return close();  // half a command is on its way
+  if (error) return false;
+  if (sent != wire.size()) {  // half a command is on its way
+    close();
+    return false;
+  }
   ahead_.insert(ahead_.end(), lines.begin(), lines.end());
+  return true;
 }
 
 /// The reply to the line at `position` of those sent ahead; the replies before it are let pass. Nothing when

@@ -23,7 +23,7 @@ class FtpControl {
   /// Called with a reply that answers no command, and with preliminary replies.
   std::function<void(const FtpReply&)> onStray;
 
-  /// Who answers, for the errors: kServer, or kProxy before it leads to one. Closing makes it the server.
+  /// Who answers, for the errors: one of the names in FtpReply.h. Closing makes it the server.
   void setSpeaker(const char* speaker) { reader_.speaker = speaker; }
   const std::string& speaker() const { return reader_.speaker; }
 
@@ -51,8 +51,8 @@ class FtpControl {
   /// The next reply that is not a preliminary one; those go to `onStray`.
   FtpReply readFinalReply(Deadline deadline);
 
-  /// Sends the lines in one go and remembers them. See FtpClient::sendAhead.
-  void sendAhead(const std::vector<std::string>& lines);
+  /// Sends the lines in one go and remembers them; false where they stay here. See FtpClient::sendAhead.
+  bool sendAhead(const std::vector<std::string>& lines);
   /// For what is on the other end of this connection: sends no command before the reply to the one before.
   void sendNothingAhead() { takesAhead_ = false; }
   /// False once the server was seen to lose commands that arrived while it was busy.
@@ -62,6 +62,9 @@ class FtpControl {
   /// The Telnet "interrupt process" and "synch" of RFC 959 §4.1.3 (RFC 854), then ABOR, and SYST as a mark
   /// behind its replies.
   void sendAbort();
+
+  /// Raises FtpRefusal for the answer to this command line.
+  [[noreturn]] void raiseRefused(const std::string& line, const FtpReply& reply) const;
 
   /// Refuses what cannot be one command: a CR, LF or NUL inside would make it two. Raises badArgument.
   static void checkLine(std::string_view line);

@@ -39,11 +39,6 @@ std::string portCommand(const asio::ip::address& address, std::uint16_t port) {
   return "PORT " + numbers + "," + std::to_string(port / 256) + "," + std::to_string(port % 256);
 }
 
-FtpError refused(const std::string& command, const FtpReply& reply) {
-  return FtpError(reply.code, "The server refused " + command.substr(0, command.find(' ')) + ": " +
-                                  printableReply(reply.text, ""));
-}
-
 }  // namespace
 
 void FtpDataConnection::reset(bool passive, const std::optional<SocksRoute>& socks) {
@@ -77,7 +72,7 @@ std::string FtpDataConnection::listenForServer(const std::string& dataPortRange)
     acceptor_.close();
     const asio::ip::tcp::endpoint endpoint(address, static_cast<std::uint16_t>(port));
     acceptor_.socket.open(endpoint.protocol(), error);
-    if (!error) acceptor_.socket.set_option(asio::socket_base::reuse_address(true), error);
+    if (!error && port != 0) acceptor_.socket.set_option(asio::socket_base::reuse_address(true), error);
     if (!error) acceptor_.socket.bind(endpoint, error);
     if (!error) acceptor_.socket.listen(1, error);
     if (!error) acceptor_.socket.non_blocking(true, error);
@@ -106,9 +101,12 @@ std::string FtpDataConnection::listenAtProxy(milliseconds timeout) {
     const SocksAddress at = socksBind(io_, bound_, socks_->login, socks_->server, deadline);
     return portCommand(plainAddress(asio::ip::make_address(at.host)), at.port);
   } catch (const FtpError& error) {
-    throw FtpError(FtpErrorNumber::dataConnectionFailed,
-                   std::string("The proxy lets no data connection come in (passive mode needs none): ") +
-                       error.what() + ".");
+    const bool refused = error.number() == static_cast<int>(FtpErrorNumber::proxyRefused);
+    throw FtpError(
+        FtpErrorNumber::dataConnectionFailed,
+        std::string(refused ? "The proxy lets no data connection come in (passive mode needs none): "
+                            : "Cannot have a data connection come in through the proxy: ") +
+            error.what() + ".");
   }
 }
 
@@ -145,7 +143,7 @@ bool FtpDataConnection::openPassive(bool extended, milliseconds timeout) {
   const FtpReply reply = control_.exchange(extended ? "EPSV" : "PASV", timeout);
   if (reply.refusal()) {
     if (extended) return false;
-    throw refused("PASV", reply);
+    control_.raiseRefused("PASV", reply);
   }
   const auto port = extended ? epsvPort(reply.text) : pasvPort(reply.text);
   if (!port) {
@@ -158,7 +156,7 @@ bool FtpDataConnection::openPassive(bool extended, milliseconds timeout) {
   try {
     connectToServer(*port, timeout);
   } catch (const FtpError&) {
-    if (extended) return false;
+    if (extended && !overIPv6()) return false;
     throw;
   }
   return true;
@@ -171,7 +169,7 @@ void FtpDataConnection::open(const std::string& dataPortRange, milliseconds time
     }
     const std::string line = listeningRequest_;
     const FtpReply reply = control_.exchange(line, timeout);
-    if (reply.refusal()) throw refused(line, reply);
+    if (reply.refusal()) control_.raiseRefused(line, reply);
     return;
   }
   if (extended_ && openPassive(true, timeout)) return;

@@ -16,6 +16,8 @@ namespace quillmoor {
 /// Who talks on the other end of a control connection.
 inline constexpr const char* kServer = "server";
 inline constexpr const char* kProxy = "proxy";
+/// Behind an FTP proxy: it passes on what the server says, and says some things itself.
+inline constexpr const char* kServerOrProxy = "server, or the proxy before it,";
 
 /// A refusal that also carries the reply, for the progress event. Its number is the reply's code.
 class FtpRefusal : public FtpError {

@@ -4,7 +4,6 @@
 #include <exception>
 #include <utility>
 
-
 namespace quillmoor {
 namespace {
 
@@ -108,7 +107,8 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
     return {{226, "226 Connection lost after the last byte."}, state.count};
   }
   if (state.finalReply->code == 421) {
-    throw FtpError(421, "The server closed the session: " + printableReply(state.finalReply->text, ""));
+    throw FtpError(421, "The " + control_.speaker() +
+                            " closed the session: " + printableReply(state.finalReply->text, ""));
   }
   if (state.finalReply->completion() && state.dataBroken) {
     throw FtpError(FtpErrorNumber::incomplete, "The data connection broke before the end.");

@@ -40,7 +40,7 @@ constexpr int kMostGreetings = 3;
 constexpr std::uint16_t kFtpPort = 21;
 
 /// RFC 959 §5.4: with these a server refuses USER, PASS or ACCT.
-constexpr std::array<int, 7> kLoginRefusals = {421, 500, 501, 502, 503, 530, 532};
+constexpr std::array<int, 5> kLoginRefusals = {421, 500, 501, 503, 530};
 
 class Login {
  public:
@@ -58,6 +58,7 @@ class Login {
     for (const Step step : style.steps) {
       if (step != Step::none) reply = take(step);
     }
+    if (greetedByProxy_) control_.setSpeaker(kServerOrProxy);
     return reply;
   }
 
@@ -137,10 +138,12 @@ class Login {
   }
 
   [[noreturn]] void refuse(const std::string& what, const FtpReply& reply) {
-    // A proxy that cannot go on may answer in the server's place, by 425 or 550 for example.
+    // A proxy that cannot go on may answer in the server's place, by 425 or 550 for example; but servers are
+    // known to use these as well.
     const bool loginRefusal =
         std::find(kLoginRefusals.begin(), kLoginRefusals.end(), reply.code) != kLoginRefusals.end();
-    if (greetedByProxy_ && reply.refusal() && !loginRefusal) control_.setSpeaker(kProxy);
+    if (greetedByProxy_ && control_.speaker() == kServer && reply.refusal() && !loginRefusal)
+      control_.setSpeaker(kServerOrProxy);
     throw FtpRefusal("The " + control_.speaker() + " " + what + ": " + saidBy(control_.speaker(), reply),
                      reply);
   }

@@ -48,8 +48,8 @@ std::size_t socksReplyLength(SocksVersion version, std::string_view begun);
 SocksAddress socksReplyAddress(SocksVersion version, std::string_view reply);
 
 // --- conversation. The channel is connected to the proxy. Each raises FtpError with a text that ends a
-// sentence
-// ("the proxy says that ..."): proxyRefused, badReply, timedOut, connectionLost, badArgument. Raises Aborted.
+// sentence ("the proxy says that ..."): proxyRefused, badReply, timedOut, connectionLost, badArgument. Raises
+// Aborted.
 
 /// Afterwards the channel leads to the target.
 void socksConnect(PumpedIo& io, TcpChannel& channel, const SocksLogin& login, const SocksAddress& target,

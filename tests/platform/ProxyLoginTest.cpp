@@ -95,11 +95,11 @@ TEST_F(ProxyLoginTest, SendsWhatTheStyleAsksFor) {
     client.proxyPassword = "opensesame";
     loginBy(c.type, c.port, c.host);
     client.sendAhead({"TYPE I"}, true);
-    EXPECT_EQ(proxy.count("TYPE I"), 0U) << "a proxy may answer out of turn";
     client.command("TYPE I");
     client.getFile("/f", (folder / "f").string());
     EXPECT_EQ(contentsOf(folder / "f"), "hello") << c.name << ": data connections lead to the proxy";
     client.logout();
+    EXPECT_EQ(proxy.commandsSentAhead(), 0U) << c.name << ": a proxy may answer out of turn";
     auto sent = proxy.commands();
     sent.resize(c.sent.size());
     EXPECT_THAT(sent, ElementsAreArray(c.sent)) << c.name;
@@ -184,9 +184,11 @@ TEST_F(ProxyLoginTest, TellsWhoRefused) {
       {"no FTP", FtpProxyType::userNoLogon, "", replies("HTTP/1.1 400 Bad Request"),
        number(FtpErrorNumber::badReply), "The proxy sent something that is no FTP reply"},
       {"lost behind OPEN", FtpProxyType::open, "USER joe", replies("425 No route after all."), 425,
-       "the proxy says 425 No route after all."},
+       "The server, or the proxy before it, refused the user name: 425 No route after all."},
       {"connects at the password", FtpProxyType::userNoLogon, "PASS", replies("550 No such host."), 550,
-       "the proxy says 550 No such host."},
+       "The server, or the proxy before it, refused the password: 550 No such host."},
+      {"a code of no login at the proxy", FtpProxyType::open, "PASS opensesame", replies("532 No account."),
+       532, "The proxy refused the password: the proxy says 532 No account."},
       // From here on it is the server that speaks.
       {"server's user", FtpProxyType::siteHostname, "USER joe", replies("530 Who?"), 530,
        "The server refused the user name: 530 Who?"},
@@ -194,7 +196,8 @@ TEST_F(ProxyLoginTest, TellsWhoRefused) {
        "The server refused the password: 530 Wrong."},
       {"server closed", FtpProxyType::userLogon, "PASS hunter22", replies("421 Full."), 421,
        "The server closed the session: 421 Full."},
-      {"pipe", FtpProxyType::pipe, "", replies("421 Full."), 421, "The server"},
+      {"pipe", FtpProxyType::pipe, "", replies("421 Full."), 421,
+       "The server does not want to talk: 421 Full."},
       // Greetings without end are no way to hold a login up.
       {"greetings only", FtpProxyType::siteHostname, "USER joe",
        [](Session& s) {
@@ -216,6 +219,30 @@ TEST_F(ProxyLoginTest, TellsWhoRefused) {
     EXPECT_EQ(client.state(), FtpState::closed) << c.name;
     EXPECT_THAT(error.what(), HasSubstr(c.words)) << c.name;
     EXPECT_THAT(shownTexts(), Not(HasSubstr("opensesame"))) << c.name;
+  }
+}
+
+TEST_F(ProxyLoginTest, NamesBothWhereEitherMayHaveRefused) {
+  const struct {
+    FtpProxyType type;
+    const char* words;
+  } cases[] = {{FtpProxyType::siteHostname, "The server, or the proxy before it, refused "},
+               {FtpProxyType::userLogon, "The server, or the proxy before it, refused "},
+               {FtpProxyType::userNoLogon, "The server, or the proxy before it, refused "},
+               {FtpProxyType::open, "The server, or the proxy before it, refused "},
+               {FtpProxyType::pipe, "The server refused "}};
+  for (const auto& c : cases) {
+    ScriptedFtpServer proxy;
+    proxy.on("SITE", replies("200 Connected."));
+    proxy.on("OPEN", replies("200 Connected."));
+    proxy.on("PORT", replies("500 Not from here."));
+    client.proxyPort = proxy.port();
+    client.setPassive(false);
+    loginBy(c.type);
+    EXPECT_EQ(errorOf([&] { client.setCurrentRemoteDirectory("/gone"); }).what(),
+              std::string(c.words) + "CWD: 550 There is no such folder.");
+    EXPECT_EQ(errorOf([&] { client.list(); }).what(), std::string(c.words) + "PORT: 500 Not from here.");
+    client.logout();
   }
 }
 

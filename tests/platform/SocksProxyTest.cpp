@@ -172,6 +172,28 @@ TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
   EXPECT_THAT(shownTexts(), Not(HasSubstr("rror")));
 }
 
+TEST_F(SocksSessionTest, ReachesAServerOverIPv6) {
+  ScriptedFtpServer server6(true);
+  server6.addFile("/f", "hello");
+  client.proxyType = static_cast<std::int32_t>(FtpProxyType::socks5);
+  for (const bool passive : {true, false}) {
+    client.setPassive(passive);
+    client.login("::1", "joe", "hunter22", "", server6.port());
+    client.getFile("/f", (folder / "f").string());
+    EXPECT_EQ(contentsOf(folder / "f"), "hello");
+    EXPECT_EQ(server6.count(passive ? "EPSV" : "EPRT |2|::1|"), 1U);
+
+    // Without another way to try, the error is that of the only one.
+    proxy.set({.reply = bytes({5, 2, 0, 1, 0, 0, 0, 0, 0, 0})});
+    const FtpError error = errorOf([&] { client.list(); });
+    EXPECT_EQ(error.number(), number(FtpErrorNumber::dataConnectionFailed));
+    EXPECT_THAT(error.what(), HasSubstr("the proxy says that its rules do not allow"));
+    proxy.set({});
+    client.logout();
+  }
+  EXPECT_EQ(server6.count("PASV"), 0U);
+}
+
 TEST_F(SocksSessionTest, FallsBackToPasvAsWithoutAProxy) {
   server.on("EPSV", replies("500 What?"));
   loginBy(FtpProxyType::socks5);
@@ -325,8 +347,13 @@ TEST_F(SocksSessionTest, CanBeAbortedAnywhere) {
     proxy.set({.reply = "", .then = Then::staySilent}, 1);
     client.setPassive(passive);
     loginBy(FtpProxyType::socks5);
-    client.pump = [&] { client.abort(); };
+    const std::size_t before = proxy.requests().size();
+    client.pump = [&] {
+      if (proxy.requests().size() > before) client.abort();
+    };
+    const auto start = Clock::now();
     EXPECT_EQ(errorOf([&] { client.list(); }).number(), number(FtpErrorNumber::aborted));
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
   }
 }
 
@@ -343,7 +370,10 @@ TEST_F(SocksSessionTest, KeepsTheSessionWhenADataConnectionFails) {
       {false,
        {.reply = refusal(7)},
        "lets no data connection come in (passive mode needs none): the proxy says"},
-      {false, {.reply = bytes({5, 0, 0, 3, 1, 'a', 0, 21})}, "does not tell where it waits"},
+      {false,
+       {.reply = bytes({5, 0, 0, 3, 1, 'a', 0, 21})},
+       "come in through the proxy: the proxy does not tell where"},
+      {false, {.reply = ""}, "come in through the proxy: the proxy closed the connection"},
       {false, {.secondReply = refusal(1)}, "the proxy says that it failed"},
       {false, {.secondReply = ""}, "the proxy closed"},
       {false, {.secondReply = granted(192, 0, 2, 1)}, "another machine than the server"},
