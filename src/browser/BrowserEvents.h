@@ -17,6 +17,8 @@ class BrowserEvents {
   virtual void logLine(std::string text) = 0;
   virtual void clearRows() = 0;
   virtual void addRows(std::vector<BrowserRow> rows) = 0;
+  /// All rows are there; what the operation still does is to test links. Not told where there are none.
+  virtual void linkTestsBegun() = 0;
   /// A link's test has shown that it leads to a folder. Rows are counted from the last clearRows.
   virtual void linkLeadsToFolder(std::size_t row) = 0;
   /// The current remote folder, as the server reports it.

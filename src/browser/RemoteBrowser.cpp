@@ -8,6 +8,7 @@
 #include "engine/BusyFlag.h"
 #include "engine/RunLog.h"
 #include "engine/ShownText.h"
+#include "profiles/ProfileText.h"
 
 namespace quillmoor {
 
@@ -33,12 +34,18 @@ void RemoteBrowser::start(Operation operation) {
   if (!begun_ || busy_ || closing_) return;
   busy_ = true;
   passSettings();
+  session_->session().skipLinkTests = false;
   session_->start(std::move(operation));
   view_.showBusy(true);
 }
 
 template <class Operation>
 void RemoteBrowser::startListing(Operation operation) {
+  if (testingLinks_) {
+    next_ = [this, operation = std::move(operation)] { startListing(operation); };
+    session_->session().skipLinkTests = true;
+    return;
+  }
   if (!begun_ || busy_ || closing_) return;
   listedFoldersOnly_ = foldersOnly_;
   start([operation = std::move(operation), foldersOnly = foldersOnly_](RemoteSession& session) {
@@ -77,6 +84,7 @@ void RemoteBrowser::activate(std::size_t row) {
     case RowIcon::FolderLink:
       return enter(activated.tag.substr(0, activated.tag.find("->")));
     case RowIcon::Link:
+      if (busy_) return;  // its test comes yet
       return startListing(
           [path = activated.text(), row](RemoteSession& session) { session.tryLink(path, row); });
     default:
@@ -110,11 +118,14 @@ void RemoteBrowser::addChecked() {
   for (const BrowserRow& row : rows_) {
     if (!row.checked || row.tag.empty()) continue;
     const std::string shown = ShownText(row.tag);
-    if (shown == row.tag) {
+    // The editor holds text, and what it would make of other bytes is another folder.
+    const std::string why = shown == row.tag
+                                ? WhyNoFolder("A folder", row.tag)
+                                : "A folder holds bytes that are no text a profile can keep: " + shown;
+    if (why.empty()) {
       folders.push_back(row.tag);
     } else {
-      // The editor holds text, and what it would make of these bytes is another folder.
-      logLine("Not added, a profile cannot hold all characters of its name: " + shown + "\r\n");
+      logLine("Not added: " + why + "\r\n");
     }
   }
   addFolders_(folders);
@@ -125,16 +136,22 @@ void RemoteBrowser::close(BrowserPlacement placement) {
   logLine("Logging out ...\r\n");
   if (!std::exchange(busy_, true)) view_.showBusy(true);
   closing_ = true;
+  testingLinks_ = false;
   placement.foldersOnly = foldersOnly_;
   SaveBrowserPlacement(placement);
   session_->finish();
 }
 
 void RemoteBrowser::takeNews() {
-  const BusyFlag taking(takingNews_);
-  if (!taking.taken()) return;
-  passSettings();
-  session_->deliver(*this);
+  {
+    const BusyFlag taking(takingNews_);
+    if (!taking.taken()) return;
+    passSettings();
+    session_->deliver(*this);
+    if (closing_ || !unparsed_) return;
+  }
+  const std::string text = *std::exchange(unparsed_, std::nullopt);
+  ReportUnparsedListing(text, prompts_);
 }
 
 void RemoteBrowser::waitForNews() {
@@ -154,6 +171,7 @@ void RemoteBrowser::logLine(std::string text) {
 }
 
 void RemoteBrowser::clearRows() {
+  testingLinks_ = false;
   rows_.clear();
   if (!closing_) view_.rowsCleared();
 }
@@ -167,6 +185,10 @@ void RemoteBrowser::addRows(std::vector<BrowserRow> rows) {
     rows_.insert(rows_.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
   }
   if (!closing_) view_.rowsAdded(first);
+}
+
+void RemoteBrowser::linkTestsBegun() {
+  testingLinks_ = !closing_;
 }
 
 void RemoteBrowser::linkLeadsToFolder(std::size_t row) {
@@ -186,13 +208,14 @@ void RemoteBrowser::loginChanged(bool loggedIn) {
 }
 
 void RemoteBrowser::unparsedListing(std::string text) {
-  if (!closing_) ReportUnparsedListing(text, prompts_);
+  unparsed_ = std::move(text);
 }
 
 void RemoteBrowser::operationEnded() {
   if (closing_) return;
-  busy_ = false;
+  busy_ = testingLinks_ = false;
   view_.showBusy(false);
+  if (const auto next = std::exchange(next_, nullptr)) return next();
   if (listedFoldersOnly_ != foldersOnly_) refresh();
 }
 

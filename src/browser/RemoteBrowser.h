@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -45,20 +46,24 @@ class RemoteBrowser final : private BrowserEvents {
   /// holds for the next wait. `foldersOnly`: as it was stored. Connects to nothing yet.
   RemoteBrowser(const BrowsedSite& site, const ApplicationSettings& settings, bool foldersOnly,
                 BrowserView& view, UserPrompts& prompts, AddFolders addFolders);
-  /// Ends whatever is in progress, without a farewell to the server and without a call of the view.
+  /// Ends whatever is in progress, without a call of the view. Says no goodbye to the server; where a
+  /// transfer has to be ended in order, that takes up to 2 s.
   ~RemoteBrowser() override;
 
   /// Logs in, retrying without limit, and lists the first folder.
   void connect();
-  /// Takes over what the session has done since. Does nothing when entered again from inside itself.
+  /// Takes over what the session has done since. Does nothing when entered again from inside itself. Its last
+  /// act may be a message box; while that stands, all calls may come, and the browser may go.
   void takeNews();
-  /// Waits until there is something to take. For callers that have no timer.
+  /// Waits until there is something to take; not after BrowserView::closed, when nothing comes any more. For
+  /// callers that have no timer.
   void waitForNews();
   /// Keeps the server from dropping an idle connection; nothing while busy or not connected.
   void keepAlive();
 
   // --- commands; those that need the server do nothing while busy, and log in anew when the connection has
-  // been lost
+  // been lost. While nothing but links is being tested, those that list a folder end the tests and come
+  // behind.
 
   /// Double click or Enter on a row.
   void activate(std::size_t row);
@@ -99,6 +104,7 @@ class RemoteBrowser final : private BrowserEvents {
   void logLine(std::string text) override;
   void clearRows() override;
   void addRows(std::vector<BrowserRow> rows) override;
+  void linkTestsBegun() override;
   void linkLeadsToFolder(std::size_t row) override;
   void folderChanged(std::string path) override;
   void loginChanged(bool loggedIn) override;
@@ -129,6 +135,9 @@ class RemoteBrowser final : private BrowserEvents {
   bool loggedIn_ = false;
   bool closing_ = false;
   bool takingNews_ = false;
+  bool testingLinks_ = false;
+  std::function<void()> next_;  // what is to come behind the tests of links
+  std::optional<std::string> unparsed_;
   std::unique_ptr<SessionThread> session_;
 };
 

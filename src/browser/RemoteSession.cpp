@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/BusyFlag.h"
 #include "engine/ErrorGuard.h"
 #include "engine/FtpConnection.h"
 #include "engine/ListingParser.h"
@@ -49,7 +50,9 @@ RemoteSession::RemoteSession(const BrowsedSite& site, BrowserEvents& events)
   client_.pump = [this] { pump(); };
   client_.onState = [this](FtpState state) { events_.logLine(ConnectionStateLine(state, profile_.Host)); };
   client_.onError = [this](int number, const std::string& description) {
-    if (muted_ || stopping()) return;
+    // What ends the session is told in any case.
+    const bool ended = !connected() && number != static_cast<int>(FtpErrorNumber::notConnected);
+    if (stopping() || (muted_ && !ended)) return;
     events_.logLine("Error: " + std::to_string(number) + ", " + description + "\r\n");
   };
 }
@@ -63,7 +66,8 @@ void RemoteSession::raiseStop(Stop stop) {
 }
 
 void RemoteSession::pump() {
-  if (stop_ == Stop::everything || (stop_ == Stop::operations && !farewell_)) client_.abort();
+  const bool late = farewellEnds_ && std::chrono::steady_clock::now() >= *farewellEnds_;
+  if (late || stop_ == Stop::everything || (stop_ == Stop::operations && !farewellEnds_)) client_.abort();
 }
 
 void RemoteSession::setLoggedIn(bool loggedIn) {
@@ -110,14 +114,8 @@ bool RemoteSession::logIn() {
   return false;
 }
 
-bool RemoteSession::logInAnew(const std::string& folder) {
-  if (!logIn()) return false;
-  if (!folder.empty()) Guarded([&] { client_.setCurrentRemoteDirectory(folder); });
-  return true;
-}
-
 void RemoteSession::connect() {
-  if (logInAnew(profile_.DefaultDir)) Guarded([&] { listFolder(); });
+  go([] {});
 }
 
 /// Performs the change of folder and lists what is current then. When the change fails, what is shown stays:
@@ -128,9 +126,17 @@ void RemoteSession::go(Change change) {
   const std::string from = folder_.empty() ? profile_.DefaultDir : folder_;
   for (int round = 0; round < 2 && !stopping(); ++round) {
     const bool anew = !connected();
-    if (anew && !logInAnew(from)) return;
-    const bool changed = Guarded(change);
-    if (changed || anew) Guarded([&] { listFolder(); });
+    if (anew && !logIn()) return;
+    // From any other folder than the one shown the change would lead to where nobody wanted to go.
+    const bool ready = !anew || from.empty() || Guarded([&] { client_.setCurrentRemoteDirectory(from); });
+    const bool changed = ready && Guarded(change);
+    if (connected()) {
+      if (changed || anew) {
+        Guarded([&] { listFolder(); });
+      } else if (!folder_.empty()) {
+        events_.folderChanged(folder_);
+      }
+    }
     if (connected()) return;
   }
 }
@@ -147,7 +153,7 @@ void RemoteSession::changeToParent() {
   go([&] { client_.changeToParent(); });
 }
 
-void RemoteSession::listFolder() {
+void RemoteSession::listFolder(bool testingLinks) {
   events_.clearRows();
   events_.addRows({ParentRow()});
   client_.sendAhead({"PWD"}, true);
@@ -169,27 +175,33 @@ void RemoteSession::listFolder() {
     paths.push_back(rows[i].tag);
   }
   events_.addRows(std::move(rows));
-  testLinks(links, paths);
+  if (!testingLinks || links.empty() || testLinks(links, paths)) return;
+  if (!connected() || stopping()) return;
+  events_.logLine("Cannot come back from a link to " + folder_ + "; showing where it leads.\r\n");
+  listFolder(false);
 }
 
-/// The rows are shown by now. Leaves no trace in the log: that a link leads to a file is no error.
-void RemoteSession::testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths) {
-  if (!loggedIn_) return;
-  muted_ = true;
-  TestRemoteFolderLinks(client_, folder_, paths, [&](std::size_t i, bool leadsToFolder) {
+/// The rows are shown by now. Leaves no trace in the log: that a link leads to a file is no error. False when
+/// the current folder is another one afterwards.
+bool RemoteSession::testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths) {
+  if (!loggedIn_) return true;
+  events_.linkTestsBegun();
+  const BusyFlag mute(muted_);
+  return TestRemoteFolderLinks(client_, folder_, paths, [&](std::size_t i, bool leadsToFolder) {
     if (leadsToFolder) events_.linkLeadsToFolder(rows[i]);
-    return connected() && !stopping();
+    return connected() && !stopping() && !skipLinkTests;
   });
-  muted_ = false;
 }
 
 void RemoteSession::tryLink(const std::string& path, std::size_t row) {
-  if (!connected()) return refresh();
-  Guarded([&] {
-    client_.setCurrentRemoteDirectory(path);
-    events_.linkLeadsToFolder(row);
-    client_.setCurrentRemoteDirectory(folder_);
-  });
+  if (connected() && Guarded([&] { client_.setCurrentRemoteDirectory(path); })) {
+    if (Guarded([&] { client_.setCurrentRemoteDirectory(folder_); })) {
+      events_.linkLeadsToFolder(row);
+    } else if (connected()) {
+      Guarded([&] { listFolder(false); });
+    }
+  }
+  if (!connected()) refresh();
 }
 
 void RemoteSession::keepAlive() {
@@ -197,9 +209,9 @@ void RemoteSession::keepAlive() {
 }
 
 void RemoteSession::logOut() {
-  farewell_ = muted_ = true;
+  farewellEnds_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(kFarewellMs);
   client_.timeoutMs = kFarewellMs;
-  if (connected()) Guarded([&] { client_.logout(); });
+  if (connected() && stop_ != Stop::everything) Guarded([&] { client_.logout(); });
   setLoggedIn(false);
 }
 

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +19,8 @@
 namespace quillmoor {
 
 /// The operations block, all on one thread; they tell what they do by events and raise nothing. Each that
-/// finds the connection lost logs in anew and goes back to the folder shown before.
+/// finds the connection lost logs in anew and goes back to the folder shown before; where that is gone, it
+/// lists the one it is in.
 class RemoteSession {
  public:
   /// A folder whose listing is longer is not shown.
@@ -33,6 +36,8 @@ class RemoteSession {
   // Seconds; may be set on any thread, at any time.
   std::atomic<std::int32_t> timeout = 30;
   std::atomic<std::int32_t> connectionDelay = 5;
+  /// Ends the tests of links once BrowserEvents::linkTestsBegun was told. To be set back between operations.
+  std::atomic<bool> skipLinkTests = false;
 
   /// For the next listing.
   bool foldersOnly = false;
@@ -54,7 +59,7 @@ class RemoteSession {
 
   /// Ends the operation in progress; any later one but `logOut` does nothing.
   void stop() { raiseStop(Stop::operations); }
-  /// Ends that too, without a farewell to the server.
+  /// Ends that too, and says no goodbye. To end a transfer in order may still take 2 s.
   void kill() { raiseStop(Stop::everything); }
 
  private:
@@ -66,19 +71,18 @@ class RemoteSession {
   void pump();
   void setLoggedIn(bool loggedIn);
   bool logIn();
-  bool logInAnew(const std::string& folder);
   void tryLogin();
   void waitSeconds(std::int32_t seconds);
   template <class Change>
   void go(Change change);
-  void listFolder();
-  void testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths);
+  void listFolder(bool testingLinks = true);
+  bool testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths);
 
   BrowserEvents& events_;
   RunProfileFields profile_;
   bool loggedIn_ = false;
   bool muted_ = false;
-  bool farewell_ = false;
+  std::optional<std::chrono::steady_clock::time_point> farewellEnds_;
   std::string folder_;  // the current one, as the server has reported it
   std::atomic<Stop> stop_ = Stop::no;
   std::mutex stopMutex_;

@@ -82,6 +82,9 @@ void SessionThread::clearRows() {
 void SessionThread::addRows(std::vector<BrowserRow> rows) {
   note([rows = std::move(rows)](BrowserEvents& to) mutable { to.addRows(std::move(rows)); });
 }
+void SessionThread::linkTestsBegun() {
+  note([](BrowserEvents& to) { to.linkTestsBegun(); });
+}
 void SessionThread::linkLeadsToFolder(std::size_t row) {
   note([row](BrowserEvents& to) { to.linkLeadsToFolder(row); });
 }

@@ -21,7 +21,8 @@ class SessionThread final : private BrowserEvents {
   using Operation = std::function<void(RemoteSession&)>;
 
   explicit SessionThread(const BrowsedSite& site);
-  /// Ends whatever is in progress, without a farewell to the server.
+  /// Ends whatever is in progress and says no goodbye to the server. Waits for that: 2 s where a transfer has
+  /// to be ended in order, else no time worth the name.
   ~SessionThread() override;
   SessionThread(const SessionThread&) = delete;
   SessionThread& operator=(const SessionThread&) = delete;
@@ -48,6 +49,7 @@ class SessionThread final : private BrowserEvents {
   void logLine(std::string text) override;
   void clearRows() override;
   void addRows(std::vector<BrowserRow> rows) override;
+  void linkTestsBegun() override;
   void linkLeadsToFolder(std::size_t row) override;
   void folderChanged(std::string path) override;
   void loginChanged(bool loggedIn) override;

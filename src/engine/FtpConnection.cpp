@@ -29,4 +29,33 @@ std::string ConnectionStateLine(FtpState state, const std::string& host) {
   return "Connection Closed\r\n";
 }
 
+bool TestRemoteFolderLinks(FtpClient& client, const std::string& here, const std::vector<std::string>& paths,
+                           const std::function<bool(std::size_t, bool)>& answer) {
+  constexpr std::size_t kMostAtOnce = 16;
+  constexpr std::size_t kMostBytes = 4096;  // a system takes so much at once, and a server's buffer as well
+  const std::string back = "CWD " + here;
+  bool goOn = true;
+  bool elsewhere = false;
+  for (std::size_t done = 0; done < paths.size() && goOn && !elsewhere;) {
+    std::vector<std::string> lines;
+    std::size_t end = done;
+    for (std::size_t bytes = 0; end < paths.size() && end - done < kMostAtOnce; ++end) {
+      bytes += paths[end].size() + back.size() + 16;
+      if (bytes > kMostBytes && end > done) break;
+      lines.push_back("CWD " + paths[end]);
+      lines.push_back(back);
+    }
+    // What was sent ahead the server performs in any case, and its replies must be in before other commands
+    // go, which may be the same.
+    const bool sent = client.sendAhead(lines, false);
+    for (; done < end && (sent || (goOn && !elsewhere)); ++done) {
+      const bool entered = Guarded([&] { client.setCurrentRemoteDirectory(paths[done]); });
+      const bool left = (entered || sent) && Guarded([&] { client.setCurrentRemoteDirectory(here); });
+      if (left || entered) elsewhere = !left;
+      goOn = answer(done, entered && left) && goOn;
+    }
+  }
+  return !elsewhere;
+}
+
 }  // namespace quillmoor

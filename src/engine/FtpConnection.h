@@ -1,8 +1,9 @@
 // What the session of a run and that of the remote browser do alike with the FTP client.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "engine/ErrorGuard.h"
@@ -30,30 +31,10 @@ bool IsRemoteFolderLink(Session& session, const std::string& path) {
 }
 
 /// The same of many paths, which takes a round trip for a dozen of them where the server reads ahead. `here`
-/// is the current folder. Calls `answer` with the position and the answer of each, until that returns false.
-template <class Session, class Answer>
-void TestRemoteFolderLinks(Session& session, const std::string& here, const std::vector<std::string>& paths,
-                           Answer answer) {
-  constexpr std::size_t kMostAtOnce = 16;
-  constexpr std::size_t kMostBytes = 4096;  // a system takes so much at once, and a server's buffer as well
-  const std::string back = "CWD " + here;
-  for (std::size_t done = 0; done < paths.size();) {
-    std::vector<std::string> lines;
-    std::size_t end = done;
-    for (std::size_t bytes = 0; end < paths.size() && end - done < kMostAtOnce; ++end) {
-      bytes += paths[end].size() + back.size() + 16;
-      if (bytes > kMostBytes && end > done) break;
-      lines.push_back("CWD " + paths[end]);
-      lines.push_back(back);
-    }
-    session.sendAhead(lines, false);
-    for (; done < end; ++done) {
-      const bool entered = Guarded([&] { session.setCurrentRemoteDirectory(paths[done]); });
-      // Also where nothing was entered: the reply is on its way, and must be in before more is sent ahead.
-      const bool left = Guarded([&] { session.setCurrentRemoteDirectory(here); });
-      if (!answer(done, entered && left)) return;
-    }
-  }
-}
+/// is the current folder. Calls `answer` with the position and the answer of each, until that returns false;
+/// some more may be answered then, whose commands are on their way already. False, and no more is tested,
+/// when the way back has failed: the current folder is another one now.
+bool TestRemoteFolderLinks(FtpClient& client, const std::string& here, const std::vector<std::string>& paths,
+                           const std::function<bool(std::size_t, bool)>& answer);
 
 }  // namespace quillmoor

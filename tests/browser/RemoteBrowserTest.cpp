@@ -119,12 +119,11 @@ TEST_F(RemoteBrowserTest, KeepsListAndTicksWhenAFolderCannotBeEntered) {
   server.addFolder("/www");
   open();
   browser->setChecked(1, true);
-  const auto shown = view.folders;
   browser->changeFolder("/gone");
   settle();
   EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www"));
   EXPECT_THAT(tickedRows(), ElementsAre("www"));
-  EXPECT_EQ(view.folders, shown);
+  EXPECT_THAT(view.folders, ElementsAre("+/", "/")) << "the box holds the current folder again";
   EXPECT_THAT(logLines(), Contains(StartsWith("Error: 550, ")));
 }
 
@@ -222,15 +221,18 @@ TEST_F(RemoteBrowserTest, GivesUpAListingWithoutEnd) {
 TEST_F(RemoteBrowserTest, ShowsOddNamesAndAddsNoneThatAProfileWouldChange) {
   server.setListing("/",
                     "drwxr-xr-x 1 o g 0 Jan 1 2020 caf\xe9\r\ndrwxr-xr-x 1 o g 0 Jan 1 2020 a\x1b[31mb\r\n"
-                    "drwxr-xr-x 1 o g 0 Jan 1 2020 pl\xc3\xa4ne\r\n");
+                    "drwxr-xr-x 1 o g 0 Jan 1 2020 pl\xc3\xa4ne\r\n"
+                    "drwxr-xr-x 1 o g 0 Jan 1 2020 日本\r\ndrwxr-xr-x 1 o g 0 Jan 1 2020 a~|~b\r\n");
   server.addFolder("/caf\xe9");
   open();
   EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose caf\xc3\xa9", "FolderClose a?[31mb",
-                                  "FolderClose pl\xc3\xa4ne"));
+                                  "FolderClose pl\xc3\xa4ne", "FolderClose 日本", "FolderClose a~|~b"));
   browser->selectAll();
   browser->addChecked();
   EXPECT_THAT(editor.shown.Folders, ElementsAre("/pl\xc3\xa4ne"));
-  EXPECT_THAT(logLines(), Contains(HasSubstr("Not added")).Times(2));
+  EXPECT_THAT(logLines(), Contains(StartsWith("Not added: ")).Times(4));
+  EXPECT_THAT(logLines(), Contains(HasSubstr("the profile file cannot keep: /日本")));
+  EXPECT_THAT(logLines(), Contains(HasSubstr("\"/a~|~b\" cannot be a folder.")));
 
   // What the box shows leads back to the server's own bytes.
   activate("caf\xc3\xa9");
@@ -312,7 +314,6 @@ TEST_F(RemoteBrowserTest, ShowsEveryRowAndAnswersClicksWhileLinksAreTested) {
   browser->setChecked(302, true);
   browser->setChecked(2, false);
   browser->addChecked();
-  browser->activate(1);
   EXPECT_EQ(editor.shown.Folders.size(), 300U);  // images and the links but one
   EXPECT_TRUE(browser->busy());
   gate.open();
@@ -321,9 +322,97 @@ TEST_F(RemoteBrowserTest, ShowsEveryRowAndAnswersClicksWhileLinksAreTested) {
   for (std::size_t i = 0; i < 300; ++i)
     EXPECT_EQ(browser->icon(i + 2), i % 3 == 0 ? RowIcon::FolderLink : RowIcon::Link) << i;
   EXPECT_EQ(tickedRows().size(), 301U) << "the ticks outlast the tests";
-  EXPECT_EQ(server.count("CWD images"), 0U) << "a click on a folder is not made up for";
   EXPECT_GT(server.commandsSentAhead(), 300U) << "a test should not cost a round trip";
   EXPECT_EQ(server.count("CWD /l8"), 1U + 10U);
+}
+
+TEST_F(RemoteBrowserTest, LetsCommandsEndTheTestsOfLinks) {
+  std::string listing = "drwxr-xr-x 1 o g 0 Jan 1 2020 www\r\n";
+  for (int i = 0; i < 100; ++i) listing += linkLine("l" + std::to_string(i), "target");
+  server.addFolder("/www");
+  // One of those whose commands are under way when the tests are ended.
+  server.addFile("/l9/inside", "x");
+  server.setListing("/", listing);
+  const struct {
+    const char* name;
+    void (*command)(RemoteBrowser&);
+    const char* endsIn;
+    std::size_t rows;
+  } cases[] = {
+      {"combo box", [](auto& b) { b.changeFolder("/www"); }, "/www", 1},
+      {"combo box, to such a link", [](auto& b) { b.changeFolder("/l9"); }, "/l9", 2},
+      {"a folder's row", [](auto& b) { b.activate(1); }, "/www", 1},
+      {"a link's row, whose test comes yet", [](auto& b) { b.activate(99); }, "/", 102},
+      {"refresh", [](auto& b) { b.refresh(); }, "/", 102},
+      {"folders only", [](auto& b) { b.setFoldersOnly(true); }, "/", 102},
+      {"the last of several", [](auto& b) { b.refresh(), b.changeFolder("/www"); }, "/www", 1},
+  };
+  for (const auto& one : cases) {
+    Gate gate;
+    server.once("CWD /l7", gate.action());
+    make();
+    browser->connect();
+    gate.waitUntilReached();
+    browser->takeNews();
+    ASSERT_EQ(browser->rowCount(), 102U) << one.name;
+    const std::size_t before = server.count("CWD /l");
+    one.command(*browser);
+    gate.open();
+    settle();
+    EXPECT_EQ(view.folders.back().substr(view.folders.back().find('/')), one.endsIn) << one.name;
+    EXPECT_EQ(browser->rowCount(), one.rows) << one.name;
+    if (std::string(one.endsIn) != "/") {
+      EXPECT_LT(server.count("CWD /l") - before, 50U) << one.name;
+    } else {
+      EXPECT_EQ(browser->icon(11), RowIcon::FolderLink) << one.name;
+    }
+    browser.reset();
+  }
+}
+
+TEST_F(RemoteBrowserTest, TestsLinksWithoutATraceButThatOfALostConnection) {
+  server.setListing("/", linkLine("l0", "x") + linkLine("l1", "x"));
+  server.addFolder("/l1");
+  server.once("CWD /l0", drops());
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "Link l0->x", "FolderLink l1->x"));
+  EXPECT_THAT(logLines(), Contains(StartsWith("Error: ")).Times(1));
+  EXPECT_THAT(logLines(), Contains(StartsWith("Error: 1005, ")));
+}
+
+TEST_F(RemoteBrowserTest, ListsWhereALinkLeadsWhenThereIsNoWayBack) {
+  server.setListing("/pub", linkLine("tested", "x") + linkLine("tried", "y"));
+  server.addFile("/pub/tested/a.txt", "x");
+  server.addFile("/pub/tried->y/b.txt", "x");
+  site.defaultDir = "/pub";
+  const auto noWayBack = [](auto& session) {
+    session.line == "CWD /pub" ? session.reply("550 No more.") : session.answerAsUsual();
+  };
+  server.once("CWD /pub", [](auto& session) { session.answerAsUsual(); });
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderLink tested->x", "Link tried->y"));
+  server.on("CWD /pub", noWayBack);
+  activate("tried->y");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "TextFile b.txt"));
+  EXPECT_EQ(view.folders.back(), "+/pub/tried->y");
+
+  activate("..");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "TextFile a.txt"));
+  EXPECT_EQ(view.folders.back(), "+/pub/tested");
+  EXPECT_THAT(logLines(), Contains(StartsWith("Cannot come back from a link to /pub")));
+}
+
+TEST_F(RemoteBrowserTest, GoesBackFromNoLinkThatItDidNotEnter) {
+  server.setListing("/", linkLine("l0", "x") + linkLine("l1", "x"));
+  server.addFolder("/l1");
+  site.host = "ftp.example.org";
+  site.proxyType = 7;  // nothing is sent ahead
+  site.proxyHost = "127.0.0.1";
+  site.proxyPort = site.port;
+  open();
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "Link l0->x", "FolderLink l1->x"));
+  const auto all = server.commands();
+  EXPECT_THAT(std::vector(all.end() - 3, all.end()), ElementsAre("CWD /l0", "CWD /l1", "CWD /"));
 }
 
 TEST_F(RemoteBrowserTest, TestsLinksOneByOneWhereTheServerDoesNotReadAhead) {
@@ -428,6 +517,8 @@ TEST_F(RemoteBrowserTest, WorksInTheMiddleOfABackupRunAndDoesNotHoldItUp) {
 
 TEST_F(RemoteBrowserTest, ComesBackToItsFolderWhenTheServerHasDroppedTheConnection) {
   server.addFolder("/a/b/c");
+  server.addFolder("/a/b/link->x");
+  server.setListing("/a/b", "drwxr-xr-x 1 o g 0 Jan 1 2020 c\r\n" + linkLine("link", "x"));
   const struct {
     const char* dropsAt;
     void (*command)(RemoteBrowser&);
@@ -435,7 +526,9 @@ TEST_F(RemoteBrowserTest, ComesBackToItsFolderWhenTheServerHasDroppedTheConnecti
   } cases[] = {{"CDUP", [](auto& b) { b.activate(0); }, "/a"},
                {"CWD c", [](auto& b) { b.activate(1); }, "/a/b/c"},
                {"PWD", [](auto& b) { b.refresh(); }, "/a/b"},
-               {"LIST", [](auto& b) { b.refresh(); }, "/a/b"}};
+               {"LIST", [](auto& b) { b.refresh(); }, "/a/b"},
+               {"CWD link", [](auto& b) { b.activate(2); }, "/a/b"},
+               {"CWD /a/b", [](auto& b) { b.activate(2); }, "/a/b"}};
   site.defaultDir = "/a/b";
   for (const auto& one : cases) {
     open();
@@ -446,6 +539,30 @@ TEST_F(RemoteBrowserTest, ComesBackToItsFolderWhenTheServerHasDroppedTheConnecti
     EXPECT_EQ(view.folders.back().substr(view.folders.back().find('/')), one.endsIn) << one.dropsAt;
     EXPECT_EQ(logLines().at(logLines().size() - 2), "Connected to: 127.0.0.1") << one.dropsAt;
   }
+}
+
+TEST_F(RemoteBrowserTest, TriesTheFirstListingAgainWhenTheConnectionIsLost) {
+  server.addFolder("/pub/www");
+  site.defaultDir = "/pub";
+  for (const char* command : {"CWD /pub", "PWD", "LIST"}) {
+    server.once(command, drops());
+    open();
+    EXPECT_TRUE(browser->loggedIn());
+    EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www")) << command;
+  }
+}
+
+TEST_F(RemoteBrowserTest, ChangesNoFolderFromAnotherThanTheOneShown) {
+  server.addFolder("/a/www");
+  server.addFolder("/www");  // where the server puts a new session
+  site.defaultDir = "/a";
+  open();
+  server.once("CWD www", drops());
+  server.once("CWD /a", replies("550 Gone."));
+  activate("www");
+  EXPECT_EQ(view.folders.back(), "+/");
+  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose a", "FolderClose www"));
+  EXPECT_EQ(server.count("CWD www"), 1U);
 }
 
 }  // namespace
