@@ -54,6 +54,7 @@ void FtpDataConnection::close() {
   bound_.close();
   boundAnswer_.clear();
   listeningRequest_.clear();
+  stranger_.clear();
 }
 
 std::optional<std::string> FtpDataConnection::requestAhead(const std::string& dataPortRange) {
@@ -200,7 +201,11 @@ void FtpDataConnection::acceptHere() {
   asio::ip::tcp::endpoint peer;
   TcpSocket accepted(io_.context().get_executor());
   acceptor_.socket.accept(accepted, peer, error);
-  if (error || plainAddress(peer.address()) != plainAddress(control_.remoteEndpoint().address())) return;
+  if (error) return;
+  if (plainAddress(peer.address()) != plainAddress(control_.remoteEndpoint().address())) {
+    stranger_ = plainAddress(peer.address()).to_string();
+    return;
+  }
   data_.socket = std::move(accepted);
   data_.socket.non_blocking(true, error);
   acceptor_.close();

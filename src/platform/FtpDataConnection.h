@@ -35,6 +35,8 @@ class FtpDataConnection {
 
   /// Active: takes the server's connection if it has come.
   void takeIncoming();
+  /// Active: the address of another machine that has come and was turned away; else "".
+  const std::string& stranger() const { return stranger_; }
 
   /// As of a Channel, for whatever is awaited: data, or the server's connection.
   void arm();
@@ -58,7 +60,8 @@ class FtpDataConnection {
   std::string boundAnswer_;  // what of that has come
   std::optional<SocksRoute> socks_;
   bool passive_ = true;
-  bool extended_ = true;          // EPSV until the session has shown that it takes PASV only
+  bool extended_ = true;  // EPSV until the session has shown that it takes PASV only
+  std::string stranger_;
   std::string listeningRequest_;  // the PORT or EPRT line that names the open port
 };
 

@@ -208,9 +208,11 @@ void FtpTransfer::wait(const Order& order, Reception& state) {
     state.controlLost = true;
     return;
   }
-  throw FtpError(FtpErrorNumber::timedOut, data_.isOpen()
-                                               ? "Nothing came over the data connection in time."
-                                               : "The server did not open the data connection in time.");
+  if (data_.isOpen())
+    throw FtpError(FtpErrorNumber::timedOut, "Nothing came over the data connection in time.");
+  const std::string stranger =
+      data_.stranger().empty() ? "" : " Another machine, " + data_.stranger() + ", came and was turned away.";
+  throw FtpError(FtpErrorNumber::timedOut, "The server did not open the data connection in time." + stranger);
 }
 
 /// Ends a transfer whose reply is outstanding (RFC 959 §4.1.3, ABOR). Servers answer it with 426 and 226,

@@ -1,4 +1,6 @@
 // Listings and files: what the FTP client makes of data connections and of what goes wrong on them.
+#include <asio.hpp>
+
 #include <optional>
 #include <utility>
 
@@ -56,6 +58,31 @@ TEST_F(FtpTransferTest, EndsAListingThatNeverEnds) {
   });
   EXPECT_EQ(errorOf([&] { client.list(); }).number(), number(FtpErrorNumber::tooLong));
   EXPECT_EQ(client.currentRemoteDirectory(), "/") << "the session goes on";
+}
+
+TEST_F(FtpTransferTest, TurnsAwayAnotherMachineThanTheServerAndSaysSo) {
+  asio::io_context context;
+  asio::ip::tcp::socket stranger(context);
+  std::uint16_t port = 0;
+  server.on("PORT", [&](Session& s) {
+    const auto comma = s.argument.rfind(',');
+    const auto before = s.argument.rfind(',', comma - 1);
+    port = static_cast<std::uint16_t>(std::stoi(s.argument.substr(before + 1)) * 256 +
+                                      std::stoi(s.argument.substr(comma + 1)));
+    s.answerAsUsual();
+  });
+  server.on("LIST", [&](Session& s) {
+    stranger.open(asio::ip::tcp::v4());
+    stranger.bind({asio::ip::make_address("127.0.0.2"), 0});
+    stranger.connect({asio::ip::address_v4::loopback(), port});
+    s.waitForClient();
+  });
+  client.setPassive(false);
+  client.timeoutMs = kShortMs;
+  login();
+  const FtpError error = errorOf([&] { client.list(); });
+  EXPECT_EQ(error.number(), number(FtpErrorNumber::timedOut));
+  EXPECT_THAT(error.what(), HasSubstr("Another machine, 127.0.0.2, came and was turned away."));
 }
 
 // --- files
