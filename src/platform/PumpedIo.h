@@ -1,6 +1,7 @@
 // Waiting on sockets on one thread while the pump runs: the loop under every blocking network operation.
 #pragma once
 
+// Asio asks what the standard library offers, so a header of that has to stand before it, everywhere alike.
 #include <array>
 #include <asio.hpp>
 #include <chrono>

@@ -4,7 +4,6 @@
 // SOCKS 4 and its extension 4a (the notes of their authors), RFC 1928 (SOCKS 5), RFC 1929 (its login).
 #pragma once
 
-#include <asio.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <optional>

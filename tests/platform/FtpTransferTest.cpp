@@ -1,11 +1,10 @@
 // Listings and files: what the FTP client makes of data connections and of what goes wrong on them.
-#include <asio.hpp>
-
 #include <optional>
 #include <utility>
 
 #include "platform/FtpClientFixture.h"
 #include "platform/NvtText.h"
+#include "platform/PumpedIo.h"
 
 namespace quillmoor {
 namespace {
