@@ -146,9 +146,12 @@ class GuiTest : public ::testing::Test {
       event.Skip();
     });
     main->Load();
+    EXPECT_TRUE(main->tmrHide.IsRunning());
+    main->tmrHide.Stop();  // on a slow machine it would come before the window does
     main->restore();
     const auto settled = [&] { return main->IsActive() && main->GetPosition() == main->placement(); };
     ASSERT_TRUE(waitUntil(settled)) << main->GetPosition().x << "," << main->GetPosition().y;
+    main->tmrHide.Start(frmMain::kTmrHide);
   }
   void stayOpen() { main->tmrHide.Stop(); }
 

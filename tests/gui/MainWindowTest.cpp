@@ -47,13 +47,16 @@ TEST_F(MainWindowTest, StandsWhereItIsStoredAndHidesByItself) {
   WriteSetting("MainWidth", "9000");
   WriteSetting("MainHeight", "7500");
   start();
+  stayOpen();
   const double scale = main->FromDIP(9600) / 9600.0;
   const auto at = [&](int dip) { return static_cast<int>(std::lround(dip * scale)); };
   EXPECT_TRUE(waitUntil([&] { return main->GetPosition() == wxPoint(at(100), at(150)); }))
       << main->GetPosition().x << "," << main->GetPosition().y;
-  EXPECT_EQ(main->GetSize(), wxSize(at(600), at(500)));
+  EXPECT_TRUE(waitUntil([&] { return main->GetSize() == wxSize(at(600), at(500)); }))
+      << main->GetSize().x << "," << main->GetSize().y;
   EXPECT_EQ(main->GetTitle(), "Quillmoor");
   EXPECT_EQ(main->panes->activePane(), kProfilesPane);
+  main->tmrHide.Start(frmMain::kTmrHide);
   EXPECT_TRUE(waitUntil([&] { return !main->IsShown() || main->IsIconized(); }));
   EXPECT_FALSE(main->tmrHide.IsRunning());
 
