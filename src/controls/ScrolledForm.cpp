@@ -1,7 +1,9 @@
 #include "controls/ScrolledForm.h"
 
+#include <wx/arrstr.h>
 #include <wx/choice.h>
 #include <wx/dataview.h>
+#include <wx/dcclient.h>
 #include <wx/settings.h>
 #include <wx/statbox.h>
 
@@ -33,6 +35,31 @@ bool scrollsItself(const wxWindow* window) {
   if (dynamic_cast<const wxDataViewCtrl*>(window)) return true;
   const auto* const list = dynamic_cast<const wxListBox*>(window);
   return list && static_cast<int>(list->GetCount()) * list->GetCharHeight() * 3 / 2 > list->GetClientSize().y;
+}
+
+/// Breaks words that are wider than a line, such as paths, after a separator where one fits.
+wxString withBrokenWords(wxWindow* window, const wxString& text, int width) {
+  wxClientDC screen(window);
+  screen.SetFont(window->GetFont());
+  wxString broken;
+  for (const wxString& line : wxSplit(text, '\n', '\0')) {
+    if (!broken.empty()) broken += '\n';
+    for (const wxString& word : wxSplit(line, ' ', '\0')) {
+      if (!broken.empty() && broken.Last() != '\n') broken += ' ';
+      wxString rest = word;
+      wxArrayInt ends;
+      while (screen.GetTextExtent(rest).x > width && screen.GetPartialTextExtents(rest, ends)) {
+        const auto beyond = std::upper_bound(ends.begin(), ends.end(), width);
+        const auto fitting = std::max<std::size_t>(static_cast<std::size_t>(beyond - ends.begin()), 1);
+        const std::size_t separator = rest.Left(fitting).find_last_of("/\\.-_");
+        const std::size_t end = separator == wxString::npos ? fitting : separator + 1;
+        broken += rest.Left(end) + '\n';
+        rest = rest.Mid(end);
+      }
+      broken += rest;
+    }
+  }
+  return broken;
 }
 
 }  // namespace
@@ -150,8 +177,9 @@ int ScrolledForm::room() const {
 }
 
 void ScrolledForm::wrap(const Note& note) {
-  note.label->SetLabel(wxControl::EscapeMnemonics(note.text));
-  note.label->Wrap(room() - note.indented);
+  const int width = room() - note.indented;
+  note.label->SetLabel(wxControl::EscapeMnemonics(withBrokenWords(note.label, note.text, width)));
+  note.label->Wrap(width);
   note.row->Show(!note.text.empty());
 }
 
@@ -214,7 +242,7 @@ void ShowText(wxStaticText* label, const wxString& text) {
 }
 
 void ShowText(wxTextCtrl* box, const wxString& text) {
-  if (box->GetValue() != text) box->ChangeValue(text);
+  if (TextOf(*box) != text.utf8_string()) box->ChangeValue(text);
 }
 
 std::string TextOf(const wxTextCtrl& box) {

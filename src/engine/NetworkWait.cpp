@@ -52,7 +52,8 @@ bool NetworkWait::dialledConnectionIsUp() const {
 
 void NetworkWait::dialUntilConnected() {
   while (!anyConnectionIsUp() && !state_.StopRequested) {
-    const std::string& entry = services_.settings.AutoDialUpConnection;
+    // The pump lets the user choose another one meanwhile.
+    const std::string entry = services_.settings.AutoDialUpConnection;
     log_.AppendLog("Dialing the connection " + entry + "\r\n", log_colour::kDialling, false);
     if (!entry.empty()) {
       Guarded([&] { services_.dialUp.HangUp(); });

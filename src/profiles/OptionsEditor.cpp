@@ -99,7 +99,9 @@ void OptionsEditor::SetZipPassword(const std::string& text) {
   txtZipPassword = text;
   // Enciphered it would become another password, and nobody could open the archive with this one.
   if (!FitsAnsi(text)) {
-    passwordNote = "This password holds a character that cannot be kept. The one before still holds.";
+    passwordNote =
+        std::string("This password holds a character that cannot be kept. ") +
+        (settings_.ZipPassword.empty() ? "Archives get no password." : "The one before still holds.");
     return;
   }
   passwordNote = "";

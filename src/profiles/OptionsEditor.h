@@ -26,7 +26,7 @@ inline constexpr std::array<RunText, 4> kRunTexts = {{{"RunBefore", &Application
 
 /// The form fills its controls from the public fields when it is loaded, calls a member with the new value
 /// for each control that changes, and then shows what the fields say. Every value is stored at once. A value
-/// that cannot be stored is told of once and holds until the program ends.
+/// that cannot be stored is told of once, and counts as if it had been.
 class OptionsEditor {
  public:
   /// Both must outlive this. `settings` is what runs go by.

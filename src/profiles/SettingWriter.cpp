@@ -8,6 +8,12 @@
 
 namespace quillmoor {
 
+std::string StorageFailure(const std::exception& error) {
+  const auto* const known = dynamic_cast<const RegistryError*>(&error);
+  if (!known) return error.what();
+  return known->place() + (known->reason().empty() ? "" : "\n" + known->reason());
+}
+
 void SettingWriter::Write(const std::string& key, const std::string& text) {
   Attempt(key, [&] { WriteSetting(key, text); });
 }
@@ -19,9 +25,9 @@ void SettingWriter::Attempt(const std::string& key, const std::function<void()>&
     told_.erase(key);
     return;
   } catch (const RegistryError& error) {
-    failure = error.place() + (error.reason().empty() ? "" : "\n" + error.reason());
+    failure = StorageFailure(error);
   } catch (const RegistryStoreError& error) {
-    failure = key + "\n" + error.what();
+    failure = key + "\n" + StorageFailure(error);
   }
   if (telling_ == Telling::never) return;
   if (told_.insert(key).second) failures_.push_back(std::move(failure));

@@ -1,6 +1,7 @@
 // Storing what the controls of a form have changed, and telling the user when that fails.
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <set>
 #include <string>
@@ -9,6 +10,9 @@
 #include "profiles/UserPrompts.h"
 
 namespace quillmoor {
+
+/// What a user is to read of an error from storing: what it was about, and below that why it failed.
+std::string StorageFailure(const std::exception& error);
 
 /// A control stores its value with every change, so one that cannot be stored would be complained of with
 /// every letter: the user is told once of each setting, and again only when it could be stored meanwhile.

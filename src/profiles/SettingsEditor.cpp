@@ -95,7 +95,7 @@ void SettingsEditor::setAutoRun(bool checked) {
     mAutoRun::SetAutoRun(checked ? mAutoRun::Mode::always : mAutoRun::Mode::off);
     autoStartUpNote = "";
   } catch (const std::exception& error) {
-    autoStartUpNote = error.what();
+    autoStartUpNote = StorageFailure(error);
     throw;
   }
 }

@@ -18,7 +18,7 @@ namespace quillmoor {
 
 /// The form fills its controls from the public fields when it is loaded, calls a member with the new value
 /// for each control that changes, and then shows what the fields say. Every value is stored at once. A value
-/// that cannot be stored is told of once and holds until the program ends.
+/// that cannot be stored is told of once, and counts as if it had been.
 class SettingsEditor {
  public:
   /// All must outlive this. `settings` is what the program goes by. Raises RegistryStoreError when the store

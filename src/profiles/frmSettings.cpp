@@ -132,7 +132,8 @@ void frmSettings::layOutExtensions() {
   row->Add(side, wxSizerFlags().Border(wxLEFT, gap()));
   add(row);
   addNote(
-      "Their lines come to end as is usual on this computer. All other files are transferred byte by byte.");
+      "Their lines come to end as is usual on this computer. All other files are transferred byte by byte. "
+      "A change of the list counts from the next start of the program.");
 }
 
 void frmSettings::layOutProgram() {
@@ -244,7 +245,7 @@ void frmSettings::show() {
   cmdRemoveExtension->Enable(lstExtensions->GetSelection() != wxNOT_FOUND);
   chkAutoStartUp->SetValue(editor_.chkAutoStartUp);
   const std::string& problem = editor_.autoStartUpNote;
-  setNote(lblAutoStartNote, wxString::FromUTF8(problem.empty() ? "" : "Could not be set: " + problem));
+  setNote(lblAutoStartNote, wxString::FromUTF8(problem.empty() ? "" : "Could not be set:\n" + problem));
   showPriority();
   showDialUp();
 }

@@ -15,6 +15,7 @@
 #include "engine/BackupRunning.h"
 #include "engine/ErrorGuard.h"
 #include "platform/NetworkAlive.h"
+#include "profiles/SettingWriter.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mAutoRun.h"
@@ -172,7 +173,7 @@ void frmMain::setAutostart() {
   try {
     mAutoRun::SetAutoRun(settings.AutoStartUp == 1 ? mAutoRun::Mode::always : mAutoRun::Mode::off);
   } catch (const std::exception& error) {
-    problem = error.what();
+    problem = StorageFailure(error);
   }
   settingsForm->showAutostartProblem(problem);
 }

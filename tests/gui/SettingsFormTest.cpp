@@ -205,7 +205,7 @@ TEST_F(SettingsFormTest, ShowsTheSettingsInForce) {
   EXPECT_EQ(s->lstExtensions->GetCount(), 2u);
   EXPECT_FALSE(s->cmdRemoveExtension->IsEnabled());
   s->showAutostartProblem("no right & reason");
-  EXPECT_EQ(text(s->lblAutoStartNote), "Could not be set: no right & reason");
+  EXPECT_EQ(text(s->lblAutoStartNote), "Could not be set:\nno right & reason");
   tick(s->chkAutoStartUp, true);
   EXPECT_FALSE(s->lblAutoStartNote->IsShown()) << "now it could";
 }
@@ -323,6 +323,7 @@ TEST_F(SettingsFormTest, ScrollsInASmallPaneAndCutsNothing) {
   open();
   std::string problem;
   for (int i = 0; i < 200; ++i) problem += "no right ";
+  problem += "\n" + std::string(300, 'x') + "/" + std::string(300, 'y');
   s->showAutostartProblem(problem);
   expectRoom(form->FromDIP(wxSize(780, 520)));
   expectRoom(form->FromDIP(wxSize(420, 240)));

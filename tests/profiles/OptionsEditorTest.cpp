@@ -191,6 +191,12 @@ TEST_F(OptionsEditorTest, StoresNoPasswordThatNobodyCouldType) {
   opened.SetZipPassword("typed");
   EXPECT_EQ(opened.passwordNote, "");
   EXPECT_EQ(mRC4::Decipher(settings.ZipPassword), "typed");
+  opened.SetZipPassword("п");
+  EXPECT_THAT(opened.passwordNote, HasSubstr("one before still holds"));
+  opened.SetZipPassword("");
+  opened.SetZipPassword("п");
+  EXPECT_EQ(settings.ZipPassword, "");
+  EXPECT_THAT(opened.passwordNote, HasSubstr("Archives get no password"));
 }
 
 TEST_F(OptionsEditorTest, TellsOnceOfWhatCannotBeStored) {
