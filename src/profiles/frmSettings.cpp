@@ -2,12 +2,14 @@
 
 #include <wx/dateevt.h>
 
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
 #include "connectivity/modProcessPriority.h"
 #include "controls/AccessibleName.h"
 #include "controls/WindowPrompts.h"
+#include "engine/ErrorGuard.h"
 #include "profiles/ScheduleText.h"
 
 namespace quillmoor {
@@ -154,6 +156,10 @@ void frmSettings::layOutProgram() {
       "nearly everyone");
   SetLabelFor(*priority, *SliderlPriority);
   lblPriority = status("lblPriority");
+  int widest = lblPriority->GetMinSize().x;
+  for (const auto& each : modProcessPriority::kClasses)
+    widest = std::max(widest, GetTextExtent(wxString::FromUTF8(std::string(each.name))).x);
+  lblPriority->SetMinSize({widest, -1});
   addRow(priority, SliderlPriority, Width::own, {lblPriority});
   cmdResetLayout = button("Put Panes Bac&k", "cmdResetLayout", "Puts all panes behind one row of tabs again");
   add(cmdResetLayout);
@@ -209,6 +215,8 @@ void frmSettings::startTimers() {
       [this] { return sources_.dialUp->Busy(); });
   tmrLANstatus.begin(this, kTmrLANstatus, [this] { tmrLANstatus_Timer(); });
   tmrTimeNow.begin(this, kTmrTimeNow, [this] { tmrTimeNow_Timer(); });
+  tmrLANstatus_Timer();
+  tmrTimeNow_Timer();
 }
 
 void frmSettings::setStartTime() {
@@ -293,7 +301,18 @@ void frmSettings::tmrTimeNow_Timer() {
   setNote(lblSchedule, wxString::FromUTF8("In force: " + inForce));
 }
 
+/// The system may not have been able to name its connections yet when the form was loaded.
+void frmSettings::refillConnections() {
+  if (cboConnections->GetCount() != 0) return;
+  Guarded([&] {
+    for (const std::string& name : sources_.dialUp->Entries())
+      cboConnections->Append(wxString::FromUTF8(name));
+    cboConnections->SetStringSelection(wxString::FromUTF8(sources_.settings.AutoDialUpConnection));
+  });
+}
+
 void frmSettings::wake() {
+  refillConnections();
   tmrOnlineStatus.wake();
   tmrLANstatus.wake();
   tmrTimeNow.wake();

@@ -88,6 +88,7 @@ class frmSettings : public ScrolledForm {
   void layOutProgram();
   wxStaticText* status(const char* name);
   void fillConnections();
+  void refillConnections();
   void connect();
   void startTimers();
   /// Lets a control's event change the editor, and shows what has become of it.

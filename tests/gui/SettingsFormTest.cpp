@@ -19,6 +19,7 @@ using ::testing::HasSubstr;
 struct Line {
   bool busy = false;
   std::int32_t state = kDialUpDisconnected;
+  std::vector<std::string> entries{"Office", "Home & Co"};
   std::vector<std::string> calls;
   int asked = 0;
 };
@@ -31,7 +32,7 @@ class LineDialUp final : public DialUp {
     return line_.busy;
   }
   std::int32_t State() override { return line_.state; }
-  std::vector<std::string> Entries() override { return {"Office", "Home & Co"}; }
+  std::vector<std::string> Entries() override { return line_.entries; }
   void Dial(const std::string& entry) override {
     line_.calls.push_back("dial " + entry);
     line_.busy = true;
@@ -235,6 +236,35 @@ TEST_F(SettingsFormTest, KeepsItsLabelsAndButtonsUpToDate) {
   EXPECT_TRUE(shows(s->lblRasStatus, "Connected"));
   press(s->cmdHangUp);
   EXPECT_THAT(line.calls, ElementsAre("dial Office", "hang up"));
+}
+
+TEST_F(SettingsFormTest, OffersTheConnectionsThatTheSystemNamesLater) {
+  WriteSetting("AutoDialUpConnection", "Home & Co");
+  line.entries.clear();
+  open();
+  EXPECT_EQ(s->cboConnections->GetCount(), 0u);
+  line.entries = {"Office", "Home & Co"};
+  for (int shown = 0; shown < 2; ++shown) s->wake();
+  EXPECT_EQ(s->cboConnections->GetCount(), 2u) << "each once";
+  EXPECT_EQ(s->cboConnections->GetStringSelection(), "Home & Co");
+}
+
+TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
+  settings.ProcessPriority = 16384;
+  open();
+  wxUIActionSimulator hand;
+  frame->Raise();
+  const auto focus = [&](wxWindow* control) {
+    control->SetFocus();
+    EXPECT_TRUE(waitUntil([&] { return hasFocus(control); })) << control->GetName();
+  };
+  focus(s->chkDay[3]);
+  hand.Char(WXK_SPACE);
+  EXPECT_TRUE(waitUntil([] { return ReadSetting("SchedualTusday", "") == "1"; }));
+  focus(s->SliderlPriority);
+  hand.Char(WXK_RIGHT);
+  EXPECT_TRUE(waitUntil([] { return ReadSetting("ProcessPriority", "") == "32"; }))
+      << s->SliderlPriority->GetValue();
 }
 
 TEST_F(SettingsFormTest, AsksTheLineThatItDialsAlsoWhileItIsNotSeen) {
