@@ -60,18 +60,22 @@ void NotePlacement(ApplicationSettings& settings, PixelRect window, double pixel
   settings.MainHeight = twips(window.height);
 }
 
-PixelRect BroughtOntoScreen(PixelRect window, const std::vector<PixelRect>& screens) {
-  const PixelRect* nearest = nullptr;
-  for (const PixelRect& screen : screens) {
-    if (canBeTaken(window, screen)) return window;
-    if (!nearest || squaredDistance(window, screen) < squaredDistance(window, *nearest)) nearest = &screen;
-  }
-  if (!nearest) return window;
+PixelRect WhollyOnScreen(PixelRect window, const std::vector<PixelRect>& screens) {
+  const auto nearest = std::min_element(screens.begin(), screens.end(), [&](const auto& a, const auto& b) {
+    return squaredDistance(window, a) < squaredDistance(window, b);
+  });
+  if (nearest == screens.end()) return window;
   window.width = std::min(window.width, nearest->width);
   window.height = std::min(window.height, nearest->height);
   window.left = std::clamp(window.left, nearest->left, nearest->left + nearest->width - window.width);
   window.top = std::clamp(window.top, nearest->top, nearest->top + nearest->height - window.height);
   return window;
+}
+
+PixelRect BroughtOntoScreen(PixelRect window, const std::vector<PixelRect>& screens) {
+  const bool seen = std::any_of(screens.begin(), screens.end(),
+                                [&](const PixelRect& screen) { return canBeTaken(window, screen); });
+  return seen ? window : WhollyOnScreen(window, screens);
 }
 
 }  // namespace quillmoor

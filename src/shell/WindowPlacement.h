@@ -25,8 +25,12 @@ PixelRect StoredPlacement(const ApplicationSettings& settings, double pixelsPerI
 /// The reverse: sets the four values.
 void NotePlacement(ApplicationSettings& settings, PixelRect window, double pixelsPerInch);
 
-/// `window` itself while enough of its upper edge to drag it by lies on one of the `screens` (their areas for
-/// windows); else moved onto the nearest screen, and made as small as that is. No screens: as it is.
+/// `window` moved onto the nearest of the `screens` (their areas for windows) so that nothing of it is
+/// outside, and made as small as that is. No screens: as it is.
+PixelRect WhollyOnScreen(PixelRect window, const std::vector<PixelRect>& screens);
+
+/// The same for a window that the user has placed: it stays where it is while enough of its upper edge to
+/// drag it by lies on a screen.
 PixelRect BroughtOntoScreen(PixelRect window, const std::vector<PixelRect>& screens);
 
 }  // namespace quillmoor

@@ -77,7 +77,10 @@ void frmMain::Load() {
   settings = LoadApplicationSettings();
   // Its place is given before it exists: some window managers take a later move for their own business.
   pixelsPerInch_ = FromDIP(kPlainPixelsPerInch * 100) / 100.0;
-  const PixelRect window = BroughtOntoScreen(StoredPlacement(settings, pixelsPerInch_), screens());
+  const PixelRect stored = StoredPlacement(settings, pixelsPerInch_);
+  // The first place has not been chosen by anybody, and a small screen has no room for it.
+  const bool chosen = stored != StoredPlacement({}, pixelsPerInch_);
+  const PixelRect window = (chosen ? BroughtOntoScreen : WhollyOnScreen)(stored, screens());
   Create(nullptr, wxID_ANY, kTitle, {window.left, window.top}, {window.width, window.height},
          wxDEFAULT_FRAME_STYLE, "frmMain");
   SetMinSize(FromDIP(wxSize(360, 300)));

@@ -70,5 +70,12 @@ TEST(WindowPlacement, BringsBackOnlyWhatNoScreenShows) {
     EXPECT_EQ(BroughtOntoScreen(one_.window, one_.screens), one_.shown) << one_.what;
 }
 
+TEST(WindowPlacement, FitsTheFirstWindowIntoASmallScreen) {
+  const std::vector<PixelRect> small = {{0, 0, 800, 570}};
+  EXPECT_EQ(WhollyOnScreen({67, 67, 779, 539}, small), (PixelRect{21, 31, 779, 539}));
+  EXPECT_EQ(WhollyOnScreen({133, 133, 1558, 1078}, small), small.front());
+  EXPECT_EQ(WhollyOnScreen({67, 67, 779, 539}, {{0, 0, 1920, 1040}}), (PixelRect{67, 67, 779, 539}));
+}
+
 }  // namespace
 }  // namespace quillmoor
