@@ -332,7 +332,7 @@ TEST_F(FtpTransferTest, TakesAFileThatIsThereToTheLastByte) {
 TEST_F(FtpTransferTest, TellsADataConnectionThatTheServerNeverOpens) {
   client.setPassive(false);
   login();
-  client.timeoutMs = kShortMs;
+  const auto patience = std::exchange(client.timeoutMs, kShortMs);
   server.once("RETR", [](Session& s) {
     s.reply("150 Any minute now.");
     s.waitForClient();
@@ -341,6 +341,7 @@ TEST_F(FtpTransferTest, TellsADataConnectionThatTheServerNeverOpens) {
   EXPECT_EQ(errorOf([&] { client.getFile("/f", (folder / "f").string()); }).number(),
             number(FtpErrorNumber::timedOut));
   EXPECT_EQ(filesIn(folder.path()), 0U);
+  client.timeoutMs = patience;
   server.once("RETR", replies("425 Will not."));
   EXPECT_EQ(errorOf([&] { client.getFile("/f", (folder / "f").string()); }).number(), 425);
 }
