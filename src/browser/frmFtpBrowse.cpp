@@ -9,6 +9,7 @@
 #include "browser/BrowserPlacement.h"
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
+#include "engine/BusyFlag.h"
 
 namespace quillmoor {
 namespace {
@@ -132,8 +133,10 @@ void frmFtpBrowse::connectControls() {
   Timer1.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { browser_->connect(); });
   tmrKeepAlive.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { browser_->keepAlive(); });
   tmrNews_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+    // The news may show a box. A window closed meanwhile must outlast it, and goes when it has been answered.
+    const BusyFlag taking(takingNews_);
     browser_->takeNews();
-    if (!closed_) return;
+    if (!closed_ || !taking.taken()) return;
     tmrNews_.Stop();
     Destroy();
   });

@@ -62,6 +62,7 @@ class frmFtpBrowse : public wxFrame, private BrowserView {
   WindowPrompts prompts_;
   std::unique_ptr<RemoteBrowser> browser_;
   wxTimer tmrNews_;
+  bool takingNews_ = false;
   bool closing_ = false;
   bool closed_ = false;
 };

@@ -1,5 +1,7 @@
 // The window "Browse FTP Site" as it is opened from a profile: walked, ticked, closed in the middle of
 // things.
+#include <wx/modalhook.h>
+
 #include <chrono>
 #include <future>
 
@@ -262,6 +264,46 @@ TEST_F(BrowserFormTest, SaysThatAListingCannotBeRead) {
       },
       ExpectBox("Quillmoor", text, wxOK | wxICON_INFORMATION, wxID_OK));
   EXPECT_EQ(rows(), Rows{".."});
+}
+
+/// In the place of the message box one that stands in a loop of its own until the test closes it.
+class StandIn : public wxModalDialogHook {
+ public:
+  explicit StandIn(std::function<bool()> mayClose) : mayClose_(std::move(mayClose)) { Register(); }
+  ~StandIn() override { Unregister(); }
+
+ protected:
+  int Enter(wxDialog* dialog) override {
+    if (!dynamic_cast<wxMessageDialog*>(dialog)) return wxID_NONE;
+    wxDialog box(dialog->GetParent(), wxID_ANY, "Quillmoor");
+    wxTimer look;
+    look.Bind(wxEVT_TIMER, [&](wxTimerEvent&) {
+      if (box.IsModal() && mayClose_()) box.EndModal(wxID_OK);
+    });
+    look.Start(20);
+    box.ShowModal();
+    return wxID_OK;
+  }
+
+ private:
+  std::function<bool()> mayClose_;
+};
+
+TEST_F(BrowserFormTest, OutlastsItsBoxWhenTheProgramEndsMeanwhile) {
+  server.setListing("/", "this is no listing\r\n");
+  open();
+  clickProfile("site");
+  ASSERT_TRUE(isOpen("site"));
+  int turns = 0;
+  const StandIn box([&] {
+    main->ExitRoutine();
+    // Once the session has ended some turns more, in whose idle time goes what has been destroyed.
+    return !window || (!window->browser().busy() && ++turns == 10);
+  });
+  connect();
+  EXPECT_TRUE(waitUntil([&] { return !window; }));
+  EXPECT_EQ(turns, 10) << "the window went before its box";
+  EXPECT_TRUE(waitUntil([&] { return !main; }));
 }
 
 TEST_F(BrowserFormTest, ShowsAHugeFolderAtOnceAndTicksAllOfIt) {
