@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "profiles/NameOrder.h"
 #include "profiles/ProfileText.h"
 #include "profiles/SiteProfileStore.h"
 
@@ -76,13 +77,13 @@ void SiteProfileEditor::reset(const std::string& name) {
 
 void SiteProfileEditor::Add() {
   currentName_.clear();
-  editMode_ = false;
+  editMode_ = opened_ = false;
   LoadSiteProfile("");
 }
 
 void SiteProfileEditor::EditSiteProfile(const std::string& name) {
   currentName_ = name;
-  editMode_ = true;
+  editMode_ = opened_ = true;
   LoadSiteProfile(name);
 }
 
@@ -107,8 +108,9 @@ bool SiteProfileEditor::refuse(std::string_view key, std::string text) {
 bool SiteProfileEditor::passesChecks() {
   if (isBlank(shown.name)) return refuse("name", "Please enter a name for this profile");
   // Not asked of a profile that was opened: it may be written under a new name, and the section of the old
-  // one stays.
-  if (!editMode_ && ProfileExists(shown.name, file_))
+  // one stays. One that began as a new profile may be saved again only as what it has been saved as.
+  const bool asked = !opened_ && !(editMode_ && SameName(TrimmedName(shown.name), currentName_));
+  if (asked && ProfileExists(shown.name, file_))
     return refuse("name", "Profile name already exists, please enter a different name");
   for (const RequiredText& required : kRequired) {
     if (isBlank(shown.*required.field)) return refuse(required.key, required.message);
@@ -200,9 +202,18 @@ std::optional<BrowsedSite> SiteProfileEditor::Connect() {
     refuse("Host", "Please enter the FTP host address or IP");
     return std::nullopt;
   }
-  return BrowsedSite{shown.Host,         shown.UserID,    shown.Password,   shown.Port,
-                     shown.Timeout,      shown.Account,   shown.DefaultDir, shown.PASV == 1,
-                     shown.ProxyType,    shown.ProxyHost, shown.ProxyPort,  shown.ProxyUsername,
+  return BrowsedSite{TrimmedName(shown.Host),
+                     shown.UserID,
+                     shown.Password,
+                     TrimmedName(shown.Port),
+                     shown.Timeout,
+                     shown.Account,
+                     shown.DefaultDir,
+                     shown.PASV == 1,
+                     shown.ProxyType,
+                     TrimmedName(shown.ProxyHost),
+                     TrimmedName(shown.ProxyPort),
+                     shown.ProxyUsername,
                      shown.ProxyPassword};
 }
 

@@ -124,6 +124,7 @@ class SiteProfileEditor {
   const std::function<LocalDateTime()> now_;
   std::string currentName_;
   bool editMode_ = false;
+  bool opened_ = false;  // from the stored ones, and not begun as a new one
 };
 
 }  // namespace quillmoor

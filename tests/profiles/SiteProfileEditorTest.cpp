@@ -196,6 +196,24 @@ TEST_F(SiteProfileEditorTest, KeepsIdentityAndTheSectionOfTheOldName) {
   EXPECT_THAT(prompts.messages, IsEmpty());
 }
 
+TEST_F(SiteProfileEditorTest, DoesNotWriteAProfileBegunAsNewOverAnother) {
+  save("other");
+  const SiteProfile other = LoadSiteProfile("other", file);
+  save("site");
+  for (const char* name : {"SITE ", "renamed"}) {
+    editor.shown.name = name;
+    EXPECT_TRUE(editor.SaveSiteProfile()) << name;
+  }
+  EXPECT_THAT(prompts.messages, IsEmpty());
+  editor.shown.name = "Other";
+  editor.shown.Host = "elsewhere";
+  EXPECT_FALSE(editor.SaveSiteProfile());
+  EXPECT_THAT(prompts.takeMessages(),
+              ElementsAre(error("Profile name already exists, please enter a different name")));
+  EXPECT_EQ(editor.focus, "name");
+  EXPECT_EQ(LoadSiteProfile("other", file).Host, other.Host);
+}
+
 TEST_F(SiteProfileEditorTest, SavesThePortRangeAsItStandsOrCorrected) {
   const struct {
     std::int16_t manual, passive;
@@ -287,6 +305,9 @@ TEST_F(SiteProfileEditorTest, ConnectsWithWhatTheFormShows) {
   EXPECT_FALSE(editor.Connect());
   EXPECT_THAT(prompts.takeMessages(), ElementsAre(error("Please enter the FTP host address or IP")));
   for (const ProfileText& text : kProfileTexts) editor.shown.*text.field = std::string(text.key);
+  for (std::string SiteProfile::*text :
+       {&SiteProfile::Host, &SiteProfile::Port, &SiteProfile::ProxyHost, &SiteProfile::ProxyPort})
+    editor.shown.*text = " " + editor.shown.*text + " ";  // blanks around it are no part of a host
   editor.shown.PASV = 0;
   editor.shown.ProxyType = 2;
   const BrowsedSite site = editor.Connect().value();
