@@ -216,8 +216,10 @@ void SiteFields::showNotes() {
 void SiteFields::showFolders() {
   const std::vector<std::string>& folders = editor_.shown.Folders;
   if (folders == shownFolders_) return;
-  const bool grown = folders.size() == shownFolders_.size() + 1 &&
-                     std::equal(shownFolders_.begin(), shownFolders_.end(), folders.begin());
+  const auto place = static_cast<std::size_t>(
+      std::mismatch(shownFolders_.begin(), shownFolders_.end(), folders.begin(), folders.end()).first -
+      shownFolders_.begin());  // of the first change
+  const bool grown = !shownFolders_.empty() && place == shownFolders_.size();
   const wxBitmapBundle folder = Picture("browser/FolderClose");
   if (!grown) lvwFolders->clear();
   for (std::size_t i = lvwFolders->rowCount(); i < folders.size(); ++i) {
@@ -226,6 +228,10 @@ void SiteFields::showFolders() {
     lvwFolders->setItemPicture(row, 0, folder);
   }
   lvwFolders->populate(grown);
+  // A list that is filled anew stands at its top; what has been taken out of it was somewhere else.
+  const bool shrunk = folders.size() < shownFolders_.size();
+  if (shrunk && !folders.empty())
+    lvwFolders->EnsureVisible(lvwFolders->itemAt(std::min(place, folders.size() - 1)));
   shownFolders_ = folders;
 }
 
