@@ -74,6 +74,10 @@ ScrolledForm::ScrolledForm(wxWindow* parent, const wxString& name)
     if (window != this) bringIntoView(list ? list : window);  // with its captions
     event.Skip();
   });
+  Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
+    for (const Note& note : notes_) colour(note);
+    event.Skip();
+  });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     wrapRows();
     event.Skip();
@@ -151,12 +155,17 @@ void ScrolledForm::alignCaptions() {
 
 wxStaticText* ScrolledForm::addNote(const wxString& text, int indented) {
   wxStaticText* const note = label("");
-  const Rgb ink = FromWx(GetForegroundColour());
-  const Rgb paper = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
-  note->SetForegroundColour(ToWx(ReadableOn(Mix(ink, paper, kQuieter), paper)));
   notes_.push_back({note, add(note, indented), text, indented});
+  colour(notes_.back());
   wrap(notes_.back());
   return note;
+}
+
+/// A little quieter than other text, as the theme is now.
+void ScrolledForm::colour(const Note& note) {
+  const Rgb ink = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
+  const Rgb paper = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
+  note.label->SetForegroundColour(ToWx(ReadableOn(Mix(ink, paper, kQuieter), paper)));
 }
 
 void ScrolledForm::setNote(wxStaticText* note, const wxString& text) {

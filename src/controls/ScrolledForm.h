@@ -71,6 +71,7 @@ class ScrolledForm : public wxScrolledWindow {
   void alignCaptions();
   void wrapRows();
   int room() const;
+  void colour(const Note& note);
   void wrap(const Note& note);
   /// The controls in the window: their wheel, and the focus of their parts.
   void prepare(wxWindow* window);
