@@ -178,11 +178,14 @@ void SiteFields::layOutActions() {
   box("RunURL")->SetHint("http://www.example.org/export");
 }
 
-/// Once the click that brought the focus has put its caret where it likes.
+/// Once the click that brought the focus has put its caret where it likes. Whoever types meanwhile, as a
+/// password manager does, keeps what he has typed.
 void SiteFields::selectsAll(wxTextCtrl* text) {
   text->Bind(wxEVT_SET_FOCUS, [text](wxFocusEvent& event) {
     event.Skip();
-    text->CallAfter([text] { text->SelectAll(); });
+    text->CallAfter([text, before = text->GetValue()] {
+      if (text->GetValue() == before) text->SelectAll();
+    });
   });
 }
 
