@@ -50,6 +50,8 @@ microsocks)
   command=("$daemon/usr/bin/microsocks" -i 127.0.0.1 -p "$port" -u "$user" -P "$password") ;;
 ftp-proxy)
   daemon=$(unpack ftp-proxy)
+  # It connects from the first of these or not at all: a port that nobody else is given.
+  data_port=$((10000 + (port - 20000) / 2))
   cat >"$state/ftp-proxy.conf" <<CONF
 ServerType standalone
 Listen 127.0.0.1
@@ -57,8 +59,8 @@ Port $port
 DestinationAddress 127.0.0.1
 DestinationPort $ftp_port
 AllowMagicUser yes
-ActiveMinDataPort 40000
-ActiveMaxDataPort 60000
+ActiveMinDataPort $data_port
+ActiveMaxDataPort $((data_port + 10))
 LogDestination $state/proxy.log
 PidFile $state/proxy.pid
 CONF
