@@ -46,7 +46,7 @@ void RemoteBrowser::startListing(Operation operation) {
     session_->session().skipLinkTests = true;
     return;
   }
-  if (!begun_ || busy_ || closing_) return;
+  if (!takesListing()) return;
   listedFoldersOnly_ = foldersOnly_;
   start([operation = std::move(operation), foldersOnly = foldersOnly_](RemoteSession& session) {
     session.foldersOnly = foldersOnly;
@@ -128,7 +128,10 @@ void RemoteBrowser::addChecked() {
       logLine("Not added: " + why + "\r\n");
     }
   }
-  addFolders_(folders);
+  const std::size_t added = addFolders_(folders);
+  logLine("Added to the profile: " + std::to_string(added) +
+          (added < folders.size() ? ", in it already: " + std::to_string(folders.size() - added) + "\r\n"
+                                  : std::string("\r\n")));
 }
 
 void RemoteBrowser::close(BrowserPlacement placement) {

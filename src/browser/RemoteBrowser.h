@@ -39,8 +39,8 @@ class RemoteBrowser final : private BrowserEvents {
   static constexpr int kNewsEveryMs = 20;
 
   /// What "Add Checked" does with the ticked folders: put them into the editor's list
-  /// (SiteProfileEditor::AddFolders) and show that.
-  using AddFolders = std::function<void(const std::vector<std::string>& folders)>;
+  /// (SiteProfileEditor::AddFolders) and show that. How many were not in it.
+  using AddFolders = std::function<std::size_t(const std::vector<std::string>& folders)>;
 
   /// The references must outlive this. `settings` is what the program goes by: a delay that is changed there
   /// holds for the next wait. `foldersOnly`: as it was stored. Connects to nothing yet.
@@ -96,6 +96,8 @@ class RemoteBrowser final : private BrowserEvents {
   bool foldersOnly() const { return foldersOnly_; }
   /// An operation is in progress.
   bool busy() const { return busy_; }
+  /// A command that lists a folder would do so, now or behind the tests of links.
+  bool takesListing() const { return begun_ && !closing_ && (!busy_ || testingLinks_); }
   /// True after a login without error.
   bool loggedIn() const { return loggedIn_; }
 

@@ -122,14 +122,14 @@ void RemoteSession::connect() {
 /// that is where the connection still is. A server that has dropped the connection meanwhile shows it at the
 /// first command, so then it is done over.
 template <class Change>
-void RemoteSession::go(Change change) {
+void RemoteSession::go(Change change, bool fromAnywhere) {
   const std::string from = folder_.empty() ? profile_.DefaultDir : folder_;
   for (int round = 0; round < 2 && !stopping(); ++round) {
     const bool anew = !connected();
     if (anew && !logIn()) return;
-    // From any other folder than the one shown the change would lead to where nobody wanted to go.
-    const bool ready = !anew || from.empty() || Guarded([&] { client_.setCurrentRemoteDirectory(from); });
-    const bool changed = ready && Guarded(change);
+    // From any other folder than the one shown most changes would lead to where nobody wanted to go.
+    const bool back = !anew || from.empty() || Guarded([&] { client_.setCurrentRemoteDirectory(from); });
+    const bool changed = (back || fromAnywhere) && Guarded(change);
     if (connected()) {
       if (changed || anew) {
         Guarded([&] { listFolder(); });
@@ -146,7 +146,7 @@ void RemoteSession::refresh() {
 }
 
 void RemoteSession::changeFolder(const std::string& path) {
-  go([&] { client_.setCurrentRemoteDirectory(path); });
+  go([&] { client_.setCurrentRemoteDirectory(path); }, path.starts_with('/'));
 }
 
 void RemoteSession::changeToParent() {

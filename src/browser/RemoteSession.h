@@ -74,7 +74,7 @@ class RemoteSession {
   void tryLogin();
   void waitSeconds(std::int32_t seconds);
   template <class Change>
-  void go(Change change);
+  void go(Change change, bool fromAnywhere = false);
   void listFolder(bool testingLinks = true);
   bool testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths);
 

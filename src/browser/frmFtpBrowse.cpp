@@ -123,11 +123,20 @@ void frmFtpBrowse::connectControls() {
   on(chkFoldersOnly, wxEVT_CHECKBOX, [this] { browser_->setFoldersOnly(chkFoldersOnly->GetValue()); });
   on(cmdAdd, wxEVT_BUTTON, [this] { browser_->addChecked(); });
   on(cmdClose, wxEVT_BUTTON, [this] { Close(); });
-  lvwRemote->onActivated = [this](std::size_t row) { browser_->activate(row); };
+  for (const auto& event : {wxEVT_COMBOBOX_DROPDOWN, wxEVT_COMBOBOX_CLOSEUP}) {
+    cmbRemoteDir->Bind(event, [this](wxCommandEvent& dropped) {
+      listDropped_ = dropped.GetEventType() == wxEVT_COMBOBOX_DROPDOWN;
+      dropped.Skip();
+    });
+  }
+  lvwRemote->onActivated = [this](std::size_t row) {
+    takeTypedFolder();
+    browser_->activate(row);
+  };
   lvwRemote->onChecked = [this](std::size_t row, bool checked) { browser_->setChecked(row, checked); };
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { unload(); });
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
-    if (event.GetKeyCode() == WXK_ESCAPE) return unload();
+    if (event.GetKeyCode() == WXK_ESCAPE && !listDropped_) return unload();  // else it closes the list
     event.Skip();
   });
   Timer1.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { browser_->connect(); });
@@ -142,7 +151,14 @@ void frmFtpBrowse::connectControls() {
   });
 }
 
+/// What is typed into the box stays there while the server is slow to answer, until something else is asked
+/// of it.
+void frmFtpBrowse::takeTypedFolder() {
+  if (browser_->takesListing()) shownFolder_ = cmbRemoteDir->GetValue();
+}
+
 void frmFtpBrowse::changeFolder() {
+  takeTypedFolder();
   browser_->changeFolder(cmbRemoteDir->GetValue().utf8_string());
 }
 
@@ -181,7 +197,7 @@ void frmFtpBrowse::unload() {
 void frmFtpBrowse::showFolder(const std::string& path, bool isNew) {
   const wxString shown = wxString::FromUTF8(path);
   if (isNew) cmbRemoteDir->Append(shown);
-  cmbRemoteDir->SetValue(shown);
+  if (cmbRemoteDir->GetValue() == std::exchange(shownFolder_, shown)) cmbRemoteDir->SetValue(shown);
 }
 
 void frmFtpBrowse::showBusy(bool busy) {

@@ -48,6 +48,7 @@ class frmFtpBrowse : public wxFrame, private BrowserView {
   void connectControls();
   void place(const BrowserPlacement& placement);
   BrowserPlacement placement() const;
+  void takeTypedFolder();
   void changeFolder();
 
   // BrowserView
@@ -62,6 +63,8 @@ class frmFtpBrowse : public wxFrame, private BrowserView {
   WindowPrompts prompts_;
   std::unique_ptr<RemoteBrowser> browser_;
   wxTimer tmrNews_;
+  wxString shownFolder_;  // what the program has put into the box, or taken from it
+  bool listDropped_ = false;
   bool takingNews_ = false;
   bool closing_ = false;
   bool closed_ = false;

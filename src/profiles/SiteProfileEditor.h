@@ -91,8 +91,8 @@ class SiteProfileEditor {
 
   /// Puts what the add-folder box holds into the folder list.
   void AddFolder();
-  /// Folders ticked in the remote browser; those already in the list are passed over.
-  void AddFolders(const std::vector<std::string>& folders);
+  /// Folders ticked in the remote browser; those already in the list are passed over. How many are new.
+  std::size_t AddFolders(const std::vector<std::string>& folders);
   /// Takes the selected rows out of the list.
   void RemoveFolders(const std::vector<std::size_t>& rows);
   void ClearFolders();

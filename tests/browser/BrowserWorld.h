@@ -71,7 +71,7 @@ class BrowserWorld {
   void make() {
     browser = std::make_unique<RemoteBrowser>(
         site, settings, foldersOnly, view, prompts,
-        [this](const std::vector<std::string>& folders) { editor.AddFolders(folders); });
+        [this](const std::vector<std::string>& folders) { return editor.AddFolders(folders); });
   }
 
   /// Takes what comes until the operation in progress is over.

@@ -229,8 +229,11 @@ TEST_F(RemoteBrowserTest, ShowsOddNamesAndAddsNoneThatAProfileWouldChange) {
                                   "FolderClose pl\xc3\xa4ne", "FolderClose 日本", "FolderClose a~|~b"));
   browser->selectAll();
   browser->addChecked();
+  browser->addChecked();
   EXPECT_THAT(editor.shown.Folders, ElementsAre("/pl\xc3\xa4ne"));
-  EXPECT_THAT(logLines(), Contains(StartsWith("Not added: ")).Times(4));
+  EXPECT_THAT(logLines(), Contains(StartsWith("Not added: ")).Times(8));
+  EXPECT_THAT(logLines(), Contains("Added to the profile: 1"));
+  EXPECT_THAT(logLines(), Contains("Added to the profile: 0, in it already: 1"));
   EXPECT_THAT(logLines(), Contains(HasSubstr("the profile file cannot keep: /日本")));
   EXPECT_THAT(logLines(), Contains(HasSubstr("\"/a~|~b\" cannot be a folder.")));
 
@@ -563,6 +566,13 @@ TEST_F(RemoteBrowserTest, ChangesNoFolderFromAnotherThanTheOneShown) {
   EXPECT_EQ(view.folders.back(), "+/");
   EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose a", "FolderClose www"));
   EXPECT_EQ(server.count("CWD www"), 1U);
+
+  open();
+  server.once("CWD /www", drops());
+  server.once("CWD /a", replies("550 Gone."));
+  browser->changeFolder("/www");
+  settle();
+  EXPECT_EQ(view.folders.back(), "+/www") << "a whole path leads there from anywhere";
 }
 
 }  // namespace

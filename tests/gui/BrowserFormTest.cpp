@@ -212,6 +212,47 @@ TEST_F(BrowserFormTest, WorksBesideABackupRun) {
   EXPECT_TRUE(form->browser()) << "the run's end took the browser with it";
 }
 
+TEST_F(BrowserFormTest, EndsWithTheProgramBesideABackupRun) {
+  testing::ScriptedFtpServer other;
+  other.addFolder("/www");
+  server.addFile("/a.bin", "bytes");
+  server.on("RETR /a.bin", [](Session& s) { s.waitForClient(); });
+  open();
+  clickProfile("site");
+  ASSERT_TRUE(isOpen("site"));
+  fields->box("Port")->SetValue(std::to_string(other.port()));
+  clickEvent(main->process->cmdStart);
+  steps.when([&] { return server.count("RETR") == 1; }, [&] { connect(); })
+      .when([&] { return window && listed("/"); }, [&] { main->ExitRoutine(); })
+      .when([&] { return !main; })
+      .take();
+}
+
+TEST_F(BrowserFormTest, KeepsTheConnectionAliveAndWhatIsBeingTyped) {
+  std::promise<void> typed;
+  server.addFolder("/www");
+  browse();
+  EXPECT_TRUE(window->tmrKeepAlive.IsRunning());
+  EXPECT_EQ(window->tmrKeepAlive.GetInterval(), 50'000);
+  const std::size_t before = server.count("PWD");
+  window->tmrKeepAlive.Notify();
+  ASSERT_TRUE(waitUntil([&] { return server.count("PWD") == before + 1 && !window->browser().busy(); }));
+
+  server.once("LIST", [done = typed.get_future().share()](Session& s) {
+    done.wait_for(kPatience);
+    s.answerAsUsual();
+  });
+  const std::size_t lists = server.count("LIST");
+  clickEvent(window->cmdRefresh);
+  ASSERT_TRUE(waitUntil([&] { return server.count("LIST") == lists + 1; }));
+  window->cmbRemoteDir->SetValue("/ww");
+  typed.set_value();
+  ASSERT_TRUE(waitUntil([&] { return !window->browser().busy(); }));
+  EXPECT_EQ(window->cmbRemoteDir->GetValue(), "/ww");
+  doubleClick(1);
+  EXPECT_TRUE(waitUntil([&] { return listed("/www"); })) << "what is typed outlasts another choice";
+}
+
 TEST_F(BrowserFormTest, BelongsToTheProfileItWasOpenedFor) {
   profile.name = "another";
   profile.ID.clear();
@@ -327,7 +368,7 @@ TEST_F(BrowserFormTest, ShowsAHugeFolderAtOnceAndTicksAllOfIt) {
   RecordProperty("ShownMs", std::to_string(ms));
   RecordProperty("TickedMs", std::to_string(ticking));
   EXPECT_LT(ms, 1000);
-  EXPECT_LT(ticking, 400);
+  EXPECT_LT(ticking, 400) << "a tenth of that is usual, where nothing else runs";
 }
 
 }  // namespace
