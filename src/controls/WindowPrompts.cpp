@@ -3,6 +3,7 @@
 #include <wx/dirdlg.h>
 #include <wx/filedlg.h>
 #include <wx/filefn.h>
+#include <wx/filename.h>
 #include <wx/msgdlg.h>
 
 namespace quillmoor {
@@ -41,6 +42,14 @@ long styleOf(const Message& message) {
   return style;
 }
 
+/// The folder itself, or else the nearest one above it that is there; empty when there is none.
+wxString nearestFolder(const wxString& path) {
+  wxFileName folder = wxFileName::DirName(path);
+  if (!folder.IsAbsolute()) return "";
+  while (!folder.DirExists() && folder.GetDirCount() > 0) folder.RemoveLastDir();
+  return folder.DirExists() ? folder.GetPath() : wxString();
+}
+
 }  // namespace
 
 UserPrompts::Answer WindowPrompts::ShowMessage(const Message& message) {
@@ -58,17 +67,21 @@ UserPrompts::Answer WindowPrompts::ShowMessage(const Message& message) {
   }
 }
 
-std::optional<std::string> WindowPrompts::ChooseFile(std::string_view title, std::string_view filter) {
+std::optional<std::string> WindowPrompts::ChooseFile(std::string_view title, std::string_view filter,
+                                                     const std::string& chosen) {
   wxString pattern = fromUtf8(filter);
   // Where a name need not have a dot, "*.*" would hide those that have none.
   pattern.Replace("|*.*", wxString("|") + wxFileSelectorDefaultWildcardStr);
-  wxFileDialog chooser(form_, fromUtf8(title), "", "", pattern, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+  const wxFileName start(fromUtf8(chosen));
+  wxFileDialog chooser(form_, fromUtf8(title), nearestFolder(start.GetPath()),
+                       start.FileExists() ? start.GetFullName() : wxString(), pattern,
+                       wxFD_OPEN | wxFD_FILE_MUST_EXIST);
   if (chooser.ShowModal() != wxID_OK) return std::nullopt;
   return chooser.GetPath().utf8_string();
 }
 
-std::optional<std::string> WindowPrompts::ChooseFolder(std::string_view title) {
-  wxDirDialog chooser(form_, fromUtf8(title), "", wxDD_DEFAULT_STYLE);
+std::optional<std::string> WindowPrompts::ChooseFolder(std::string_view title, const std::string& chosen) {
+  wxDirDialog chooser(form_, fromUtf8(title), nearestFolder(fromUtf8(chosen)), wxDD_DEFAULT_STYLE);
   if (chooser.ShowModal() != wxID_OK) return std::nullopt;
   return chooser.GetPath().utf8_string();
 }

@@ -13,8 +13,9 @@ class WindowPrompts final : public UserPrompts {
   explicit WindowPrompts(wxWindow* form) : form_(form) {}
 
   Answer ShowMessage(const Message& message) override;
-  std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter) override;
-  std::optional<std::string> ChooseFolder(std::string_view title) override;
+  std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter,
+                                        const std::string& chosen) override;
+  std::optional<std::string> ChooseFolder(std::string_view title, const std::string& chosen) override;
 
  private:
   wxWindow* const form_;

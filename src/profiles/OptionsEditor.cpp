@@ -116,12 +116,13 @@ void OptionsEditor::SetRunText(std::size_t box, const std::string& text) {
 }
 
 void OptionsEditor::BrowseRunText(std::size_t box) {
-  if (const auto program = prompts_.ChooseFile(kFileChooserTitle, kFileChooserFilter))
+  if (const auto program = prompts_.ChooseFile(kFileChooserTitle, kFileChooserFilter, txtRun.at(box)))
     SetRunText(box, *program);
 }
 
 void OptionsEditor::AddCopy() {
-  const auto folder = prompts_.ChooseFolder(kFolderChooserTitle);
+  const auto folder =
+      prompts_.ChooseFolder(kFolderChooserTitle, lstZipCopies.empty() ? "" : lstZipCopies.back());
   if (!folder) return;
   if (folder->find(kListSeparator) != std::string::npos) {
     prompts_.ShowMessage(

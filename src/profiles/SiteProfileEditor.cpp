@@ -168,11 +168,13 @@ void SiteProfileEditor::AddFolder() {
   if (!txtAddFolder.empty()) AddFolders({txtAddFolder});
 }
 
-void SiteProfileEditor::AddFolders(const std::vector<std::string>& folders) {
+std::size_t SiteProfileEditor::AddFolders(const std::vector<std::string>& folders) {
+  const std::size_t before = shown.Folders.size();
   std::unordered_set<std::string> known(shown.Folders.begin(), shown.Folders.end());
   for (const std::string& folder : folders) {
     if (known.insert(folder).second) shown.Folders.push_back(folder);
   }
+  return shown.Folders.size() - before;
 }
 
 void SiteProfileEditor::RemoveFolders(const std::vector<std::size_t>& rows) {
@@ -188,11 +190,11 @@ void SiteProfileEditor::ClearFolders() {
 }
 
 void SiteProfileEditor::BrowseSaveTo() {
-  if (const auto folder = prompts_.ChooseFolder(kFolderChooserTitle)) shown.SaveTo = *folder;
+  if (const auto folder = prompts_.ChooseFolder(kFolderChooserTitle, shown.SaveTo)) shown.SaveTo = *folder;
 }
 
 void SiteProfileEditor::BrowseRunProgram() {
-  if (const auto program = prompts_.ChooseFile(kFileChooserTitle, kFileChooserFilter))
+  if (const auto program = prompts_.ChooseFile(kFileChooserTitle, kFileChooserFilter, shown.RunProgram))
     shown.RunProgram = *program;
 }
 

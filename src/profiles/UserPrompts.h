@@ -38,9 +38,10 @@ class UserPrompts {
   /// `no` where there is no such button.
   virtual Answer ShowMessage(const Message& message) = 0;
   /// An existing file; nothing when the user thinks better of it. `filter` is pairs of a name and a pattern,
-  /// all joined with "|".
-  virtual std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter) = 0;
-  virtual std::optional<std::string> ChooseFolder(std::string_view title) = 0;
+  /// all joined with "|". `chosen`: what has been chosen so far, where the user starts if that is there.
+  virtual std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter,
+                                                const std::string& chosen) = 0;
+  virtual std::optional<std::string> ChooseFolder(std::string_view title, const std::string& chosen) = 0;
 };
 
 }  // namespace quillmoor

@@ -4,6 +4,8 @@
 #include <wx/frame.h>
 #include <wx/sizer.h>
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -14,6 +16,7 @@
 #include "controls/ScrolledForm.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/ScriptedPrompts.h"
+#include "profiles/SettingsStore.h"
 
 namespace quillmoor {
 
@@ -62,6 +65,32 @@ class FormTest : public ::testing::Test {
   static void tick(wxCheckBox* box, bool on) {
     box->SetValue(on);
     command(box, wxEVT_CHECKBOX);
+  }
+  /// A control that is used, what is stored then, and what the program goes by from then on.
+  struct ControlRow {
+    wxWindow* control;
+    std::function<void()> hand;
+    const char* key;
+    std::string stored;
+    std::function<std::string()> running;
+    std::string programGoesBy;
+  };
+  /// One after the other. Together with `others`, whose use is part of another row, they are all that there
+  /// are.
+  void expectEachDoesAsSaid(const std::vector<ControlRow>& rows, std::set<std::string> others) {
+    for (const auto& row : rows) {
+      others.insert(row.control->GetName().utf8_string());
+      row.hand();
+      EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control->GetName();
+      EXPECT_EQ(row.running(), row.programGoesBy) << row.control->GetName();
+    }
+    EXPECT_EQ(others, inputNames()) << "a control that nothing happens to";
+  }
+  static std::function<std::string()> number(const std::int32_t& value) {
+    return [&value] { return std::to_string(value); };
+  }
+  static std::function<std::string()> word(const std::string& value) {
+    return [&value] { return value; };
   }
   static std::string text(const wxControl* label) { return label->GetLabelText().utf8_string(); }
 

@@ -33,16 +33,7 @@ class OptionsFormTest : public FormTest {
 TEST_F(OptionsFormTest, StoresWhatEveryControlSays) {
   open();
   frmOptions& f = *options;
-  const auto number = [](const std::int32_t& value) { return [&value] { return std::to_string(value); }; };
-  const auto word = [](const std::string& value) { return [&value] { return value; }; };
-  const struct {
-    wxWindow* control;
-    std::function<void()> hand;
-    const char* key;
-    std::string stored;
-    std::function<std::string()> running;
-    std::string runsGoBy;
-  } rows[] = {
+  const std::vector<ControlRow> rows = {
       {f.optIncremental, [&] { choose(f.optIncremental); }, "BackupMode", "2", number(settings.BackupMode),
        "1"},
       {f.optFull, [&] { choose(f.optFull); }, "BackupMode", "1", number(settings.BackupMode), "1"},
@@ -84,18 +75,12 @@ TEST_F(OptionsFormTest, StoresWhatEveryControlSays) {
        "ZipCopies", "", word(settings.ZipCopies), ""},
   };
   prompts.choice = "/chosen";
-  std::set<std::string> tried{"cmdRemoveCopy"};
-  for (const auto& row : rows) {
-    tried.insert(row.control->GetName().utf8_string());
-    row.hand();
-    EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control->GetName();
-    EXPECT_EQ(row.running(), row.runsGoBy) << row.control->GetName();
-  }
-  EXPECT_EQ(tried, inputNames()) << "a control that nothing happens to";
+  expectEachDoesAsSaid(rows, {"cmdRemoveCopy"});
   EXPECT_EQ(f.txtZipSpanSize->GetValue(), "abc") << "left as typed";
   EXPECT_EQ(f.txtRun[0]->GetValue() + f.txtRun[1]->GetValue(), "/chosen/chosen");
-  EXPECT_THAT(prompts.choosers, ElementsAre("file Open: All Files (*.*)|*.*",
-                                            "file Open: All Files (*.*)|*.*", "folder Select folder"));
+  EXPECT_THAT(prompts.choosers,
+              ElementsAre("file Open: All Files (*.*)|*.* @ /bin/before",
+                          "file Open: All Files (*.*)|*.* @ /bin/after", "folder Select folder @ "));
   EXPECT_TRUE(prompts.messages.empty());
 }
 

@@ -96,7 +96,6 @@ TEST_F(SettingsFormTest, StoresWhatEveryControlSays) {
   bool reset = false;
   open();
   s->onResetLayout = [&] { reset = true; };
-  const auto number = [](const std::int32_t& value) { return [&value] { return std::to_string(value); }; };
   const auto days = [&] {
     std::string all;
     for (const std::int32_t day : settings.ScheduleDays) all += std::to_string(day);
@@ -108,14 +107,7 @@ TEST_F(SettingsFormTest, StoresWhatEveryControlSays) {
     return all;
   };
   const auto nothing = [] { return std::string(); };
-  const struct {
-    wxWindow* control;
-    std::function<void()> hand;
-    const char* key;
-    std::string stored;
-    std::function<std::string()> running;
-    std::string programGoesBy;
-  } rows[] = {
+  const std::vector<ControlRow> rows = {
       {s->dtpStartTime, [&] { setTime(3, 7); }, "SchedualHour", "3", number(settings.ScheduleHour), "3"},
       {s->dtpStartTime, [&] { setTime(23, 59); }, "SchedualMinute", "59", number(settings.ScheduleMinute),
        "59"},
@@ -164,14 +156,7 @@ TEST_F(SettingsFormTest, StoresWhatEveryControlSays) {
       {s->cmdDial, [&] { press(s->cmdDial); }, "AutoDialUpConnection", "Home & Co", nothing, ""},
       {s->cmdHangUp, [&] { press(s->cmdHangUp); }, "AutoDialUpConnection", "Home & Co", nothing, ""},
   };
-  std::set<std::string> tried{"cmdRemoveExtension"};
-  for (const auto& row : rows) {
-    tried.insert(row.control->GetName().utf8_string());
-    row.hand();
-    EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control->GetName();
-    EXPECT_EQ(row.running(), row.programGoesBy) << row.control->GetName();
-  }
-  EXPECT_EQ(tried, inputNames()) << "a control that nothing happens to";
+  expectEachDoesAsSaid(rows, {"cmdRemoveExtension"});
   EXPECT_THAT(line.calls, ElementsAre("dial Home & Co", "abort"));
   EXPECT_EQ(s->txtRetryCount->GetValue(), "12 times") << "left as typed";
   EXPECT_EQ(text(s->lblPriority), "Normal");

@@ -158,7 +158,8 @@ TEST_F(OptionsEditorTest, KeepsTheFoldersForCopies) {
   opened.AddCopy();
   EXPECT_EQ(inForce(), "/a|/b|/B") << "it would be two";
   EXPECT_EQ(prompts.takeMessages().size(), 1U);
-  EXPECT_THAT(prompts.choosers, ::testing::Each("folder Select folder"));
+  EXPECT_THAT(prompts.choosers, ElementsAre("folder Select folder @ /b", "folder Select folder @ /b",
+                                            "folder Select folder @ /B", "folder Select folder @ /B"));
   opened.RemoveCopy(std::nullopt);
   opened.RemoveCopy(1);
   EXPECT_EQ(inForce(), "/a|/B");
@@ -175,7 +176,8 @@ TEST_F(OptionsEditorTest, TakesTheChosenProgram) {
   editor.BrowseRunText(1);
   EXPECT_EQ(editor.txtRun[1] + settings.RunAfter + ReadSetting("RunAfter", ""),
             "/bin/true/bin/true/bin/true");
-  EXPECT_THAT(prompts.choosers, ::testing::Each("file Open: All Files (*.*)|*.*"));
+  EXPECT_THAT(prompts.choosers,
+              ElementsAre("file Open: All Files (*.*)|*.* @ ", "file Open: All Files (*.*)|*.* @ "));
 }
 
 TEST_F(OptionsEditorTest, StoresNoPasswordThatNobodyCouldType) {

@@ -29,18 +29,19 @@ class ScriptedPrompts final : public UserPrompts {
   Answer answer = Answer::ok;
   std::optional<std::string> choice;
   std::vector<Message> messages;
-  std::vector<std::string> choosers;  // "file TITLE: FILTER", "folder TITLE"
+  std::vector<std::string> choosers;  // "file TITLE: FILTER @ CHOSEN", "folder TITLE @ CHOSEN"
 
   Answer ShowMessage(const Message& message) override {
     messages.push_back(message);
     return answer;
   }
-  std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter) override {
-    choosers.push_back("file " + std::string(title) + ": " + std::string(filter));
+  std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter,
+                                        const std::string& chosen) override {
+    choosers.push_back("file " + std::string(title) + ": " + std::string(filter) + " @ " + chosen);
     return choice;
   }
-  std::optional<std::string> ChooseFolder(std::string_view title) override {
-    choosers.push_back("folder " + std::string(title));
+  std::optional<std::string> ChooseFolder(std::string_view title, const std::string& chosen) override {
+    choosers.push_back("folder " + std::string(title) + " @ " + chosen);
     return choice;
   }
 

@@ -329,8 +329,11 @@ TEST_F(SiteProfileEditorTest, TakesTheChosenFileAndFolder) {
   editor.BrowseRunProgram();
   editor.BrowseSaveTo();
   EXPECT_EQ(editor.shown.RunProgram + editor.shown.SaveTo, "/chosen/chosen");
-  EXPECT_EQ(prompts.choosers[2] + ", " + prompts.choosers[3],
-            "file Open: All Files (*.*)|*.*, folder Select folder");
+  editor.BrowseRunProgram();
+  EXPECT_THAT(prompts.choosers,
+              ElementsAre("file Open: All Files (*.*)|*.* @ ", "folder Select folder @ " + ProgramFolder(),
+                          "file Open: All Files (*.*)|*.* @ ", "folder Select folder @ " + ProgramFolder(),
+                          "file Open: All Files (*.*)|*.* @ /chosen"));
 }
 
 TEST_F(SiteProfileEditorTest, DoesNotSaveAPasswordThatCouldNotBeRead) {
