@@ -3,18 +3,23 @@
 #include <wx/sizer.h>
 #include <wx/splitter.h>
 
+#include <chrono>
 #include <exception>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "controls/BoundedFile.h"
 #include "engine/ErrorGuard.h"
+#include "platform/LocalPath.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr int kLookEvery = 1000;  // milliseconds
-constexpr std::size_t kLargestFile = std::size_t{4} << 20;
+constexpr std::size_t kLargestFile = std::size_t{64} << 20;
+// A time in a file system may have no finer steps than two seconds.
+constexpr std::chrono::seconds kRest{3};
 constexpr int kTaskPanelWidth = 170;  // device-independent pixels
 
 /// As kCommandItems, each with its mnemonic and its picture.
@@ -80,8 +85,9 @@ void frmSite::connect() {
   closeBrowser();
   browser_ = new frmFtpBrowse(wxGetTopLevelParent(this), *site, settings_,
                               [this](const std::vector<std::string>& folders) {
-                                editor_.AddFolders(folders);
+                                const std::size_t added = editor_.AddFolders(folders);
                                 fields->show();
+                                return added;
                               });
   browser_->Show();
 }
@@ -107,8 +113,15 @@ void frmSite::showProfiles() {
   wndTaskPanel->markItem(current);
 }
 
-/// By what the file holds: its time may have no finer steps than a second. A missing file holds nothing.
+/// By what the file holds; it is not read where its size and its time say that nothing can have changed. A
+/// missing file holds nothing.
 void frmSite::lookForChange() {
+  std::error_code size, time;
+  const std::filesystem::path file = LocalPath(profilesFile_);
+  const Stamp now{std::filesystem::file_size(file, size), std::filesystem::last_write_time(file, time)};
+  if (rested_ == now) return;
+  const bool rested = !size && !time && decltype(now.time)::clock::now() - now.time > kRest;
+  rested_ = rested ? std::optional(now) : std::nullopt;
   std::string contents;
   Guarded([&] { contents = ReadBoundedFile(profilesFile_, kLargestFile); });
   if (contents == contents_) return;

@@ -4,6 +4,8 @@
 #include <wx/panel.h>
 #include <wx/weakref.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -43,6 +45,13 @@ class frmSite : public wxPanel {
   void showProfiles();
   void lookForChange();
 
+  /// What can be known of a file without reading it.
+  struct Stamp {
+    std::uintmax_t size = 0;
+    std::filesystem::file_time_type time;
+    bool operator==(const Stamp&) const = default;
+  };
+
   const ApplicationSettings& settings_;
   const std::string profilesFile_;
   WindowPrompts prompts_;
@@ -50,6 +59,7 @@ class frmSite : public wxPanel {
   wxWeakRef<frmFtpBrowse> browser_;
   SeenTimer tmrProfiles_;
   std::optional<std::string> contents_;  // of the file, as it was read last
+  std::optional<Stamp> rested_;          // of the file then, if it had not changed for a while
 };
 
 }  // namespace quillmoor
