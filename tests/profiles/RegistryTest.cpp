@@ -6,12 +6,11 @@
 #include <thread>
 #include <vector>
 
-#include "TestPlatform.h"
 #include "platform/ProgramFolder.h"
 #include "platform/RegistryApi.h"
 #include "profiles/ApplicationSettings.h"
+#include "profiles/RegistryFixture.h"
 #include "profiles/SettingsStore.h"
-#include "profiles/cRegistry.h"
 #include "profiles/mAutoRun.h"
 
 namespace quillmoor {
@@ -22,19 +21,7 @@ using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using Bytes = std::vector<std::uint8_t>;
 
-class Registry : public ::testing::Test {
- protected:
-  static cRegistry value(const std::string& name, std::uint32_t type = 1) {
-    cRegistry registry;
-    registry.ClassKey = HKEY_LOCAL_MACHINE_VALUE;
-    registry.SectionKey = "Software\\Test";
-    registry.ValueKey = name;
-    registry.ValueType = type;
-    return registry;
-  }
-
-  testing::OwnRegistry own;
-};
+using Registry = RegistryFixture;
 
 TEST_F(Registry, GivesBackWhatWasWritten) {
   const struct {

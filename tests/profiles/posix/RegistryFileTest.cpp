@@ -6,14 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "TestPlatform.h"
 #include "platform/ProgramFolder.h"
 #include "platform/RegistryApi.h"
 #include "platform/RegistryFile.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/RegistryExchange.h"
+#include "profiles/RegistryFixture.h"
 #include "profiles/SettingsStore.h"
-#include "profiles/cRegistry.h"
 #include "profiles/mAutoRun.h"
 
 namespace quillmoor {
@@ -24,19 +23,7 @@ using ::testing::HasSubstr;
 using testing::writeFile;
 using Bytes = std::vector<std::uint8_t>;
 
-class RegistryStore : public ::testing::Test {
- protected:
-  static cRegistry value(const std::string& name, std::uint32_t type = 1) {
-    cRegistry registry;
-    registry.ClassKey = HKEY_LOCAL_MACHINE_VALUE;
-    registry.SectionKey = "Software\\Test";
-    registry.ValueKey = name;
-    registry.ValueType = type;
-    return registry;
-  }
-
-  testing::OwnRegistry own;
-};
+using RegistryStore = RegistryFixture;
 
 TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
   value("text").SetValue(std::string("a\\b \"c\""));
