@@ -13,7 +13,7 @@ namespace quillmoor {
 
 /// The form calls a member for each of its events and then shows what the public fields say. Nothing is
 /// raised for a dial that fails: the label tells. What is stored raises RegistryError when it cannot be, and
-/// holds all the same until the program ends.
+/// holds all the same: an entry until `LoadEntries`, the rest until the program ends.
 class DialUpPanel {
  public:
   /// Both must outlive this. Takes the component's state-change event.
