@@ -49,9 +49,13 @@ AnimationPlayer::AnimationPlayer(wxWindow* parent, wxWindowID id, const wxPoint&
 }
 
 bool AnimationPlayer::Open(const std::string& path) {
+  const AviAnimation before = std::exchange(animation_, {});
+  std::vector<wxBitmap> scaled = std::exchange(scaled_, {});
   Close();
   try {
     animation_ = LoadAvi(path);
+    if (animation_.frames == before.frames)
+      scaled_ = std::move(scaled);  // each run opens the same file again
   } catch (const AviError& error) {
     error_ = error.what();
   }

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "controls/AccessibleName.h"
+#include "controls/QuickPaint.h"
 #include "controls/WxColours.h"
 
 namespace quillmoor {
@@ -160,7 +161,7 @@ void LogView::drawText(wxDC& dc, const LogLine& line, std::size_t begin, std::si
     const Rgb given{colour.red, colour.green, colour.blue};
     dc.SetTextForeground(ink ? *ink : ToWx(dark ? ReadableOn(given, background) : given));
     const wxString text = textOf(line.text, from, to);
-    dc.DrawText(text, x, y);
+    DrawTextQuickly(dc, text, x, y);
     if (to < end) x += dc.GetTextExtent(text).x;
   }
 }

@@ -31,7 +31,7 @@ class LogView : public wxScrolled<wxWindow> {
   void selectAll();
   void copy() const;
 
-  static constexpr int kShowEvery = 200;  // milliseconds
+  static constexpr int kShowEvery = 250;  // milliseconds
 
  private:
   /// A place between two characters. Lines are counted from the first ever appended, so that a place stays

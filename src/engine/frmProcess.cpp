@@ -8,19 +8,22 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <initializer_list>
 #include <utility>
 
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
+#include "controls/QuickPaint.h"
 #include "engine/BackupRunning.h"
 #include "platform/ProgramFolder.h"
 
 namespace quillmoor {
 namespace {
 
-constexpr int kGap = 6;                 // device-independent pixels, between controls
-constexpr int kShowFiguresEvery = 200;  // milliseconds
-constexpr double kLogsShare = 0.7;      // of the height, beside the report
+constexpr int kGap = 6;  // device-independent pixels, between controls
+constexpr int kShowFiguresEvery =
+    LogView::kShowEvery;            // milliseconds; what changes together is drawn together
+constexpr double kLogsShare = 0.7;  // of the height, beside the report
 
 const std::vector<ReportControl::Column>& reportColumns() {
   static const std::vector<ReportControl::Column> columns = [] {
@@ -64,6 +67,9 @@ frmProcess::frmProcess(wxWindow* parent, MachineServices& services, EventPump& p
   pbProgress->SetMax(100);
   controller_ = std::make_unique<RunController>(services_.forRun(*this));
   Animation1->Open(ProgramFolder() + "Server.avi");
+  for (wxWindow* const often :
+       std::initializer_list<wxWindow*>{Animation1, pbProgress, rtfLog, wndReportControl})
+    PaintQuickly(*often);
 
   cmdStart->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStart_Click(); });
   cmdStop->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStop_Click(); });
