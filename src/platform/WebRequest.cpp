@@ -1,11 +1,11 @@
 #include "platform/WebRequest.h"
 
-#include <curl/curl.h>
-
 #include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
+
+#include "platform/CurlFunctions.h"
 
 namespace quillmoor {
 namespace {
@@ -17,18 +17,18 @@ template <auto function>
 struct Free {
   template <class T>
   void operator()(T* object) const {
-    function(object);
+    (Curl().*function)(object);
   }
 };
-using Easy = std::unique_ptr<CURL, Free<curl_easy_cleanup>>;
-using Multi = std::unique_ptr<CURLM, Free<curl_multi_cleanup>>;
-using Address = std::unique_ptr<CURLU, Free<curl_url_cleanup>>;
+using Easy = std::unique_ptr<CURL, Free<&CurlFunctions::easyCleanup>>;
+using Multi = std::unique_ptr<CURLM, Free<&CurlFunctions::multiCleanup>>;
+using Address = std::unique_ptr<CURLU, Free<&CurlFunctions::cleanUpUrl>>;
 
 /// The transfer takes part in the multi handle for as long as this lives.
 class Joined {
  public:
-  Joined(CURLM* multi, CURL* easy) : multi_(multi), easy_(easy) { curl_multi_add_handle(multi_, easy_); }
-  ~Joined() { curl_multi_remove_handle(multi_, easy_); }
+  Joined(CURLM* multi, CURL* easy) : multi_(multi), easy_(easy) { Curl().addHandle(multi_, easy_); }
+  ~Joined() { Curl().removeHandle(multi_, easy_); }
   Joined(const Joined&) = delete;
   Joined& operator=(const Joined&) = delete;
 
@@ -72,9 +72,9 @@ Address parsed(std::string_view text) {
   if (first == std::string_view::npos) return nullptr;
   text = text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
   const std::string whole = (hasScheme(text) ? "" : "http://") + std::string(text);
-  Address address(curl_url());
+  Address address(Curl().makeUrl());
   if (!address || whole.find('\0') != std::string::npos) return nullptr;
-  const CURLUcode code = curl_url_set(address.get(), CURLUPART_URL, whole.c_str(), CURLU_URLENCODE);
+  const CURLUcode code = Curl().setUrl(address.get(), CURLUPART_URL, whole.c_str(), CURLU_URLENCODE);
   return code == CURLUE_OK ? std::move(address) : nullptr;
 }
 
@@ -97,43 +97,39 @@ class Busy {
 
 void applyOptions(CURL* easy, const WebRequest& request, CURLU* address, Answer& answer) {
   const std::int32_t timeoutMs = request.timeoutMs > 0 ? request.timeoutMs : WebRequest::kDefaultTimeoutMs;
-  curl_easy_setopt(easy, CURLOPT_CURLU, address);
+  const auto set = Curl().setOption;
+  set(easy, CURLOPT_CURLU, address);
   // Not only what the address may say: a file of this machine is no answer.
-  curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
-  curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(timeoutMs));
-  curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(timeoutMs));
-  curl_easy_setopt(easy, CURLOPT_USERAGENT, "Quillmoor");
+  set(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+  set(easy, CURLOPT_FOLLOWLOCATION, 0L);
+  set(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(timeoutMs));
+  set(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(timeoutMs));
+  set(easy, CURLOPT_USERAGENT, "Quillmoor");
   if (!request.request.body.empty()) {
-    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.request.body.size()));
-    curl_easy_setopt(easy, CURLOPT_COPYPOSTFIELDS, request.request.body.data());
+    set(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.request.body.size()));
+    set(easy, CURLOPT_COPYPOSTFIELDS, request.request.body.data());
   }
-  curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, Answer::takeHeader);
-  curl_easy_setopt(easy, CURLOPT_HEADERDATA, &answer);
-  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, Answer::takeBody);
-  curl_easy_setopt(easy, CURLOPT_WRITEDATA, &answer);
+  set(easy, CURLOPT_HEADERFUNCTION, Answer::takeHeader);
+  set(easy, CURLOPT_HEADERDATA, &answer);
+  set(easy, CURLOPT_WRITEFUNCTION, Answer::takeBody);
+  set(easy, CURLOPT_WRITEDATA, &answer);
   // A name server that does not answer must not hold the end of the request up: the thread that asks it is
   // left to itself.
-  curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+  set(easy, CURLOPT_QUICK_EXIT, 1L);
   // Windows would fetch lists of revoked certificates in the midst of a step, which then has no end that
   // could be foretold.
-  curl_easy_setopt(easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NO_REVOKE));
+  set(easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NO_REVOKE));
 }
 
 }  // namespace
-
-HttpRequest::HttpRequest() {
-  static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
-  if (ready != CURLE_OK) throw std::runtime_error(curl_easy_strerror(ready));
-}
 
 void HttpRequest::perform() {
   const Busy busy(busy_, aborted_);
   response = {};
   const Address address = parsed(request.address);
   if (!address) return;
-  const Multi multi(curl_multi_init());
-  const Easy easy(curl_easy_init());
+  const Multi multi(Curl().multiInit());
+  const Easy easy(Curl().easyInit());
   if (!multi || !easy) throw std::bad_alloc();
   Answer answer;
   applyOptions(easy.get(), *this, address.get(), answer);
@@ -146,15 +142,15 @@ void HttpRequest::perform() {
       if (aborted_) return;
       lastPump = Clock::now();
     }
-    if (curl_multi_perform(multi.get(), &running) != CURLM_OK) return;
-    if (running != 0) curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(kSlice.count()), nullptr);
+    if (Curl().perform(multi.get(), &running) != CURLM_OK) return;
+    if (running != 0) Curl().poll(multi.get(), nullptr, 0, static_cast<int>(kSlice.count()), nullptr);
   }
   int waiting = 0;
-  const CURLMsg* const message = curl_multi_info_read(multi.get(), &waiting);
+  const CURLMsg* const message = Curl().readInfo(multi.get(), &waiting);
   // An answer that takes too long is none, whatever it began with.
   if (!message || message->data.result == CURLE_OPERATION_TIMEDOUT || !answer.headerComplete) return;
   long status = 0;
-  curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
+  Curl().getInfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
   if (status >= 200) response.statusCode = static_cast<std::int32_t>(status);
 }
 

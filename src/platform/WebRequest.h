@@ -35,7 +35,8 @@ class WebRequest {
 
   /// Performs the request and sets the response. Whatever keeps a status from coming (an address that cannot
   /// be, no such host, no answer in time, an answer that is no HTTP, a certificate that does not prove the
-  /// host, an abort) gives the status 0 and is not raised. Raises std::logic_error when called while busy.
+  /// host, an abort) gives the status 0 and is not raised. Raises std::logic_error when called while busy,
+  /// and std::runtime_error where the system cannot make web requests.
   virtual void perform() = 0;
 
   virtual bool busy() const = 0;
@@ -53,8 +54,6 @@ class HttpRequest final : public WebRequest {
  public:
   static constexpr std::int64_t kMaxBodyBytes = std::int64_t{16} << 20;
   static constexpr std::int64_t kMaxHeaderBytes = 256 << 10;
-
-  HttpRequest();
 
   /// Called at least every 20 ms by `perform`; may be empty.
   Pump pump;
