@@ -2,6 +2,7 @@
 #include <wx/app.h>
 #include <wx/log.h>
 #include <wx/msgdlg.h>
+#include <wx/utils.h>
 
 #include <exception>
 
@@ -18,6 +19,18 @@ void tellError(const std::exception& error) {
 
 class QuillmoorApp : public wxApp {
  public:
+  /// Nothing here is drawn by a graphics card. The toolkit would look for one all the same, and where it is
+  /// the first program to do so it waits for a second and keeps a compiler in memory. Not for programs that a
+  /// run starts.
+  bool Initialize(int& count, wxChar** arguments) override {
+    constexpr const char* kVariable = "GDK_GL";
+    if (wxGetEnv(kVariable, nullptr)) return wxApp::Initialize(count, arguments);
+    wxSetEnv(kVariable, "disable");
+    const bool initialised = wxApp::Initialize(count, arguments);
+    wxUnsetEnv(kVariable);
+    return initialised;
+  }
+
   bool OnInit() override {
     // What the toolkit has to say must not stop an unattended program with a box.
     delete wxLog::SetActiveTarget(new wxLogStderr);
