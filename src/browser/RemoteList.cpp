@@ -12,7 +12,7 @@ namespace {
 
 constexpr unsigned kBoxColumn = 0;  // the columns of the rows follow
 constexpr unsigned kNameColumn = 1;
-constexpr int kWidths[] = {220, 90, 110, 70, 70, 90};  // device-independent pixels
+constexpr int kWidths[] = {200, 90, 110, 70, 70, 90};  // device-independent pixels
 static_assert(std::size(kWidths) == kBrowserColumns.size());
 /// More at once are drawn anew together.
 constexpr std::size_t kSingly = 200;
@@ -77,18 +77,27 @@ RemoteList::RemoteList(wxWindow* parent, const RemoteBrowser& browser)
   GetMainWindow()->Bind(wxEVT_KEY_DOWN, &RemoteList::onKey, this);
 }
 
+/// GTK would have either key work on the box, or both on the name, by where the last click was.
 void RemoteList::onKey(wxKeyEvent& event) {
   const wxDataViewItem item = GetCurrentItem();
-  if (event.GetKeyCode() != WXK_SPACE || event.HasAnyModifiers() || !item.IsOk()) return event.Skip();
+  const int key = event.GetKeyCode();
+  const bool enter = key == WXK_RETURN || key == WXK_NUMPAD_ENTER;
+  if ((key != WXK_SPACE && !enter) || event.HasAnyModifiers() || !item.IsOk()) return event.Skip();
+  const unsigned row = model_->GetRow(item);
+  if (enter) {
+    if (onActivated) onActivated(row);
+    return;
+  }
   wxVariant ticked;
   model_->GetValue(ticked, item, kBoxColumn);
-  const unsigned row = model_->GetRow(item);
   if (onChecked) onChecked(row, !ticked.GetBool());
   changeRows(row, row);
 }
 
 void RemoteList::showRows() {
   model_->Reset(static_cast<unsigned>(browser_.rowCount()));
+  // Without a current row the list takes no keys on Windows.
+  if (shownRows() > 0 && !GetCurrentItem().IsOk()) SetCurrentItem(model_->GetItem(0));
 }
 
 void RemoteList::addRows(std::size_t first) {

@@ -16,7 +16,7 @@ namespace {
 
 // Device-independent pixels.
 constexpr int kGap = 6;
-constexpr int kWidth = 720, kHeight = 520;
+constexpr int kWidth = 720, kHeight = 500;
 constexpr int kLogHeight = 110;
 constexpr int kTitleBar = 60;  // enough of the window to drag it by
 
@@ -115,7 +115,9 @@ void frmFtpBrowse::connectControls() {
     changeFolder();
     lvwRemote->SetFocus();
   });
-  on(cmbRemoteDir, wxEVT_COMBOBOX, [this] { changeFolder(); });
+  on(cmbRemoteDir, wxEVT_COMBOBOX, [this] {
+    if (!listEscaped_) changeFolder();
+  });
   on(cmbRemoteDir, wxEVT_TEXT_ENTER, [this] { changeFolder(); });
   on(cmdRefresh, wxEVT_BUTTON, [this] { browser_->refresh(); });
   on(cmdSelectAll, wxEVT_BUTTON, [this] { browser_->selectAll(); });
@@ -123,12 +125,18 @@ void frmFtpBrowse::connectControls() {
   on(chkFoldersOnly, wxEVT_CHECKBOX, [this] { browser_->setFoldersOnly(chkFoldersOnly->GetValue()); });
   on(cmdAdd, wxEVT_BUTTON, [this] { browser_->addChecked(); });
   on(cmdClose, wxEVT_BUTTON, [this] { Close(); });
-  for (const auto& event : {wxEVT_COMBOBOX_DROPDOWN, wxEVT_COMBOBOX_CLOSEUP}) {
-    cmbRemoteDir->Bind(event, [this](wxCommandEvent& dropped) {
-      listDropped_ = dropped.GetEventType() == wxEVT_COMBOBOX_DROPDOWN;
-      dropped.Skip();
-    });
-  }
+  cmbRemoteDir->Bind(wxEVT_COMBOBOX_DROPDOWN, [this](wxCommandEvent& event) {
+    listDropped_ = true;
+    listEscaped_ = false;
+    beforeList_ = cmbRemoteDir->GetValue();
+    event.Skip();
+  });
+  cmbRemoteDir->Bind(wxEVT_COMBOBOX_CLOSEUP, [this](wxCommandEvent& event) {
+    listDropped_ = false;
+    // Windows takes for a choice what the arrow keys had come to.
+    if (std::exchange(listEscaped_, false)) cmbRemoteDir->SetValue(beforeList_);
+    event.Skip();
+  });
   lvwRemote->onActivated = [this](std::size_t row) {
     takeTypedFolder();
     browser_->activate(row);
@@ -136,7 +144,9 @@ void frmFtpBrowse::connectControls() {
   lvwRemote->onChecked = [this](std::size_t row, bool checked) { browser_->setChecked(row, checked); };
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { unload(); });
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
-    if (event.GetKeyCode() == WXK_ESCAPE && !listDropped_) return unload();  // else it closes the list
+    const bool escape = event.GetKeyCode() == WXK_ESCAPE;
+    if (escape && !listDropped_) return unload();
+    listEscaped_ = escape;
     event.Skip();
   });
   Timer1.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { browser_->connect(); });
@@ -162,15 +172,19 @@ void frmFtpBrowse::changeFolder() {
   browser_->changeFolder(cmbRemoteDir->GetValue().utf8_string());
 }
 
-/// Stored in device-independent pixels.
+/// Stored in device-independent pixels; the size is that of what is inside the frame. GTK would wait for the
+/// size of the frame before it shows a window of another size, and show that where it likes.
 void frmFtpBrowse::place(const BrowserPlacement& placement) {
   if (placement.window) {
     const auto& stored = *placement.window;
     const wxRect window(FromDIP(wxPoint(wxRound(stored.left), wxRound(stored.top))),
                         FromDIP(wxSize(wxRound(stored.width), wxRound(stored.height))));
-    if (canBeReached(window, FromDIP(kTitleBar))) return SetSize(window);
+    if (canBeReached(window, FromDIP(kTitleBar))) {
+      SetClientSize(window.GetSize());
+      return Move(window.GetPosition());
+    }
   }
-  SetSize(FromDIP(wxSize(kWidth, kHeight)));
+  SetClientSize(FromDIP(wxSize(kWidth, kHeight)));
   CentreOnParent();
 }
 
@@ -178,7 +192,7 @@ BrowserPlacement frmFtpBrowse::placement() const {
   BrowserPlacement placement;
   if (IsIconized() || IsMaximized()) return placement;
   const wxPoint corner = ToDIP(GetPosition());
-  const wxSize size = ToDIP(GetSize());
+  const wxSize size = ToDIP(GetClientSize());
   placement.window = BrowserPlacement::Rectangle{static_cast<double>(corner.x), static_cast<double>(corner.y),
                                                  static_cast<double>(size.x), static_cast<double>(size.y)};
   return placement;

@@ -64,7 +64,9 @@ class frmFtpBrowse : public wxFrame, private BrowserView {
   std::unique_ptr<RemoteBrowser> browser_;
   wxTimer tmrNews_;
   wxString shownFolder_;  // what the program has put into the box, or taken from it
+  wxString beforeList_;   // what the box held when its list was dropped down
   bool listDropped_ = false;
+  bool listEscaped_ = false;
   bool takingNews_ = false;
   bool closing_ = false;
   bool closed_ = false;

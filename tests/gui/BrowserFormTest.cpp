@@ -121,11 +121,53 @@ TEST_F(BrowserFormTest, WalksTheSiteAndAddsWhatIsTicked) {
   EXPECT_EQ(server.count("QUIT"), 1u);
 }
 
+TEST_F(BrowserFormTest, IsWalkedWithTheKeyboardAlone) {
+  server.addFile("/www/index.html", "hello");
+  browse();
+  EXPECT_TRUE(hasFocus(window->lvwRemote));
+  for (const int key : {WXK_DOWN, WXK_SPACE}) hand.Char(key);
+  ASSERT_TRUE(waitUntil([&] { return rows() == Rows{"..", "x www"}; }));
+  hand.Char(WXK_RETURN);
+  ASSERT_TRUE(shows("/www", {"..", "index.html"}));
+  hand.Char(WXK_RETURN);
+  EXPECT_TRUE(shows("/", {"..", "www"}));
+}
+
+TEST_F(BrowserFormTest, ClosesTheDroppedListAloneWithEsc) {
+  server.addFolder("/www");
+  browse();
+  doubleClick(1);
+  ASSERT_TRUE(shows("/www", {".."}));
+  const std::size_t lists = server.count("LIST");
+  focus(window->cmbRemoteDir);
+  bool dropped = false;
+  window->cmbRemoteDir->Bind(wxEVT_COMBOBOX_DROPDOWN, [&](wxCommandEvent& event) {
+    dropped = true;
+    event.Skip();
+  });
+  window->cmbRemoteDir->Bind(wxEVT_COMBOBOX_CLOSEUP, [&](wxCommandEvent& event) {
+    dropped = false;
+    event.Skip();
+  });
+  window->cmbRemoteDir->Popup();
+  ASSERT_TRUE(waitUntil([&] { return dropped; }));
+  for (const int key : {WXK_UP, WXK_ESCAPE}) hand.Char(key);
+  EXPECT_TRUE(waitUntil([&] { return !dropped; }));
+  ASSERT_TRUE(window && window->IsShown());
+  EXPECT_TRUE(listed("/www")) << window->cmbRemoteDir->GetValue();
+  EXPECT_EQ(server.count("LIST"), lists) << "what the arrow keys had come to is no choice";
+  hand.Char(WXK_ESCAPE);
+  EXPECT_TRUE(gone());
+}
+
 TEST_F(BrowserFormTest, ComesBackWhereItStoodAndAsItWas) {
   browse();
   window->SetSize(wxRect(window->FromDIP(wxPoint(150, 120)), window->FromDIP(wxSize(640, 420))));
   ASSERT_TRUE(waitUntil([&] { return window->GetSize() == window->FromDIP(wxSize(640, 420)); }));
   const wxRect stood = window->GetRect();
+  // What the toolkit says of a window's place may be what it has asked for; that of a control it looks up.
+  ASSERT_TRUE(waitUntil([&] { return window->lvwRemote->GetScreenPosition().x < stood.x + 50; }));
+  const wxPoint list = window->lvwRemote->GetScreenPosition();
   window->chkFoldersOnly->SetValue(true);
   wxCommandEvent ticked(wxEVT_CHECKBOX, window->chkFoldersOnly->GetId());
   window->chkFoldersOnly->ProcessWindowEvent(ticked);
@@ -134,6 +176,9 @@ TEST_F(BrowserFormTest, ComesBackWhereItStoodAndAsItWas) {
   connect();
   EXPECT_TRUE(waitUntil([&] { return window->GetRect() == stood; }))
       << window->GetRect().x << "," << window->GetRect().y << " for " << stood.x << "," << stood.y;
+  ASSERT_TRUE(waitUntil([&] { return window->IsActive() && listed("/"); }));
+  EXPECT_TRUE(waitUntil([&] { return window->lvwRemote->GetScreenPosition() == list; }))
+      << window->lvwRemote->GetScreenPosition().x << " for " << list.x;
   EXPECT_TRUE(window->chkFoldersOnly->GetValue());
   window->Close();
   ASSERT_TRUE(gone());
