@@ -1,5 +1,6 @@
 // Listings and files: what the FTP client makes of data connections and of what goes wrong on them.
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "platform/FtpClientFixture.h"
@@ -50,7 +51,9 @@ TEST_F(FtpTransferTest, EndsAListingThatNeverEnds) {
   server.on("LIST", [](Session& s) {
     s.openData();
     s.reply("150 Here.");
-    while (s.sendData("-rw-r--r-- 1 a b 1 Jan 1 2020 again\r\n")) {
+    std::string lines;
+    for (int i = 0; i < 1000; ++i) lines += "-rw-r--r-- 1 a b 1 Jan 1 2020 again\r\n";
+    while (s.sendData(lines)) {
     }
     s.closeData();
     s.reply("426 Closed.");
