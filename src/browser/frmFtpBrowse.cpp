@@ -131,6 +131,10 @@ void frmFtpBrowse::connectControls() {
     beforeList_ = cmbRemoteDir->GetValue();
     event.Skip();
   });
+  cmbRemoteDir->Bind(wxEVT_KEY_DOWN, [this](wxKeyEvent& event) {
+    listEscaped_ = listDropped_ && event.GetKeyCode() == WXK_ESCAPE;
+    event.Skip();
+  });
   cmbRemoteDir->Bind(wxEVT_COMBOBOX_CLOSEUP, [this](wxCommandEvent& event) {
     listDropped_ = false;
     // Windows takes for a choice what the arrow keys had come to.
@@ -144,9 +148,7 @@ void frmFtpBrowse::connectControls() {
   lvwRemote->onChecked = [this](std::size_t row, bool checked) { browser_->setChecked(row, checked); };
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { unload(); });
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
-    const bool escape = event.GetKeyCode() == WXK_ESCAPE;
-    if (escape && !listDropped_) return unload();
-    listEscaped_ = escape;
+    if (event.GetKeyCode() == WXK_ESCAPE && !listDropped_) return unload();  // else it closes the list
     event.Skip();
   });
   Timer1.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { browser_->connect(); });
