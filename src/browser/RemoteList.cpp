@@ -96,8 +96,11 @@ void RemoteList::onKey(wxKeyEvent& event) {
 
 void RemoteList::showRows() {
   model_->Reset(static_cast<unsigned>(browser_.rowCount()));
-  // Without a current row the list takes no keys on Windows.
-  if (shownRows() > 0 && !GetCurrentItem().IsOk()) SetCurrentItem(model_->GetItem(0));
+  // Without a current row the list takes no keys on Windows; and it would stay scrolled to where another
+  // folder's rows were.
+  if (shownRows() == 0 || GetCurrentItem().IsOk()) return;
+  SetCurrentItem(model_->GetItem(0));
+  EnsureVisible(model_->GetItem(0));
 }
 
 void RemoteList::addRows(std::size_t first) {

@@ -16,6 +16,12 @@ namespace {
 
 constexpr std::size_t kLongestDrawn = 4096;  // bytes of one line; what is beyond is not shown
 
+/// Black is the colour of a text that was given none: it is the theme's then.
+Rgb inTheDark(Rgb given, Rgb background) {
+  return given == Rgb{} ? FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT))
+                        : ReadableOn(given, background);
+}
+
 wxString textOf(const std::string& utf8, std::size_t begin, std::size_t end) {
   return wxString::FromUTF8(utf8.data() + begin, end - begin);
 }
@@ -159,7 +165,7 @@ void LogView::drawText(wxDC& dc, const LogLine& line, std::size_t begin, std::si
     if (from >= to) continue;
     const Colour& colour = line.runs[r].colour;
     const Rgb given{colour.red, colour.green, colour.blue};
-    dc.SetTextForeground(ink ? *ink : ToWx(dark ? ReadableOn(given, background) : given));
+    dc.SetTextForeground(ink ? *ink : ToWx(dark ? inTheDark(given, background) : given));
     const wxString text = textOf(line.text, from, to);
     DrawTextQuickly(dc, text, x, y);
     if (to < end) x += dc.GetTextExtent(text).x;

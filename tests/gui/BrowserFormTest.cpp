@@ -124,13 +124,27 @@ TEST_F(BrowserFormTest, WalksTheSiteAndAddsWhatIsTicked) {
 TEST_F(BrowserFormTest, IsWalkedWithTheKeyboardAlone) {
   server.addFile("/www/index.html", "hello");
   browse();
-  EXPECT_TRUE(hasFocus(window->lvwRemote));
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(window->lvwRemote); }));
   for (const int key : {WXK_DOWN, WXK_SPACE}) hand.Char(key);
   ASSERT_TRUE(waitUntil([&] { return rows() == Rows{"..", "x www"}; }));
   hand.Char(WXK_RETURN);
   ASSERT_TRUE(shows("/www", {"..", "index.html"}));
   hand.Char(WXK_RETURN);
   EXPECT_TRUE(shows("/", {"..", "www"}));
+}
+
+TEST_F(BrowserFormTest, ShowsEveryFolderFromItsTop) {
+  for (int i = 0; i < 100; ++i) {
+    for (const char* const name : {"/f", "/www/f"}) server.addFolder(name + std::to_string(i));
+  }
+  browse();
+  ASSERT_TRUE(waitUntil([&] { return !window->lvwRemote->namePlace(0).IsEmpty(); }));
+  focus(window->lvwRemote);
+  hand.Char(WXK_END);
+  ASSERT_TRUE(waitUntil([&] { return !window->lvwRemote->namePlace(101).IsEmpty(); }));
+  hand.Char(WXK_RETURN);
+  ASSERT_TRUE(waitUntil([&] { return listed("/www"); }));
+  EXPECT_TRUE(waitUntil([&] { return !window->lvwRemote->namePlace(0).IsEmpty(); }, kPatience / 20));
 }
 
 TEST_F(BrowserFormTest, ClosesTheDroppedListAloneWithEsc) {
@@ -166,7 +180,10 @@ TEST_F(BrowserFormTest, ComesBackWhereItStoodAndAsItWas) {
   ASSERT_TRUE(waitUntil([&] { return window->GetSize() == window->FromDIP(wxSize(640, 420)); }));
   const wxRect stood = window->GetRect();
   // What the toolkit says of a window's place may be what it has asked for; that of a control it looks up.
-  ASSERT_TRUE(waitUntil([&] { return window->lvwRemote->GetScreenPosition().x < stood.x + 50; }));
+  ASSERT_TRUE(waitUntil([&] {
+    const int beside = window->lvwRemote->GetScreenPosition().x - stood.x;
+    return beside >= 0 && beside < 50;
+  }));
   const wxPoint list = window->lvwRemote->GetScreenPosition();
   window->chkFoldersOnly->SetValue(true);
   wxCommandEvent ticked(wxEVT_CHECKBOX, window->chkFoldersOnly->GetId());
