@@ -250,6 +250,13 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
   hand.Char(WXK_RIGHT);
   EXPECT_TRUE(waitUntil([] { return ReadSetting("ProcessPriority", "") == "32"; }))
       << s->SliderlPriority->GetValue();
+  hand.Char('S', wxMOD_ALT);
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(s->dtpStartTime); })) << "the label's key leads there";
+  for (const int key : {int{'3'}, int{WXK_RIGHT}, int{'5'}, int{WXK_RIGHT}}) hand.Char(key);
+  EXPECT_TRUE(waitUntil([] {
+    return ReadSetting("SchedualHour", "") + ReadSetting("SchedualMinute", "") == "35";
+  })) << ReadSetting("SchedualHour", "")
+      << ":" << ReadSetting("SchedualMinute", "");
 }
 
 TEST_F(SettingsFormTest, AsksTheLineThatItDialsAlsoWhileItIsNotSeen) {

@@ -7,11 +7,19 @@
 namespace quillmoor {
 namespace {
 
-/// The widget that the focus goes to. Of a control that scrolls the handle is the frame around it.
+/// The widget that the focus goes to. Of a control that scrolls the handle is the frame around it, and of one
+/// that is made of others the focus is one of theirs.
 GtkWidget* focused(wxWindow& window) {
+  for (wxWindow* const part : window.GetChildren()) {
+    if (part->AcceptsFocus()) return focused(*part);
+  }
   GtkWidget* const widget = window.GetHandle();
   GtkWidget* const inner = GTK_IS_SCROLLED_WINDOW(widget) ? gtk_bin_get_child(GTK_BIN(widget)) : nullptr;
   return inner != nullptr ? inner : widget;
+}
+
+gboolean leadTo(GtkWidget*, gboolean groupCycling, gpointer widget) {
+  return gtk_widget_mnemonic_activate(GTK_WIDGET(widget), groupCycling);
 }
 
 }  // namespace
@@ -22,11 +30,18 @@ void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole ro
   atk_object_set_name(accessible, name.utf8_str());
   if (role == AccessibleRole::progressBar) atk_object_set_role(accessible, ATK_ROLE_PROGRESS_BAR);
   if (role == AccessibleRole::picture) atk_object_set_role(accessible, ATK_ROLE_IMAGE);
+  for (wxWindow* const part : window.GetChildren())
+    atk_object_set_name(gtk_widget_get_accessible(part->GetHandle()), name.utf8_str());
 }
 
+/// Which widget a label leads to is overwritten by wx as soon as the program is idle, and a control that is
+/// made of others is then one that takes no focus. A handler of the label's own comes before that.
 void SetLabelFor(wxStaticText& label, wxWindow& control) {
   SetAccessibleName(control, label.GetLabelText());
-  gtk_label_set_mnemonic_widget(GTK_LABEL(label.GetHandle()), focused(control));
+  GtkWidget* const widget = focused(control);
+  gtk_label_set_mnemonic_widget(GTK_LABEL(label.GetHandle()), widget);
+  g_signal_connect_object(label.GetHandle(), "mnemonic-activate", G_CALLBACK(leadTo), widget,
+                          GConnectFlags{});
 }
 
 }  // namespace quillmoor
