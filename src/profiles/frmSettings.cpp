@@ -8,6 +8,7 @@
 
 #include "connectivity/modProcessPriority.h"
 #include "controls/AccessibleName.h"
+#include "controls/TimePicker.h"
 #include "controls/WindowPrompts.h"
 #include "engine/ErrorGuard.h"
 #include "profiles/ScheduleText.h"
@@ -52,8 +53,7 @@ wxStaticText* frmSettings::status(const char* name) {
 void frmSettings::layOutSchedule() {
   beginGroup("Schedule");
   wxStaticText* const start = caption("&Start at:");
-  dtpStartTime = new wxTimePickerCtrl(group(), wxID_ANY, wxDefaultDateTime, wxDefaultPosition, wxDefaultSize,
-                                      wxTP_DEFAULT, wxDefaultValidator, "dtpStartTime");
+  dtpStartTime = new TimePicker(group(), "dtpStartTime");
   dtpStartTime->SetToolTip("The hour and the minute at which a backup starts; the seconds do not count");
   SetLabelFor(*start, *dtpStartTime);
   addRow(start, dtpStartTime, Width::own);

@@ -257,6 +257,8 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
     return ReadSetting("SchedualHour", "") + ReadSetting("SchedualMinute", "") == "35";
   })) << ReadSetting("SchedualHour", "")
       << ":" << ReadSetting("SchedualMinute", "");
+  hand.Char('T', wxMOD_ALT);
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(s->txtRetryCount); })) << "and another's leads out again";
 }
 
 TEST_F(SettingsFormTest, AsksTheLineThatItDialsAlsoWhileItIsNotSeen) {
