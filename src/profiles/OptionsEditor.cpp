@@ -43,6 +43,7 @@ OptionsEditor::OptionsEditor(ApplicationSettings& settings, UserPrompts& prompts
   } catch (const mBase64::DecodeError&) {
     passwordNote = "The stored password cannot be read. Please enter it again.";
   }
+  noteOnUniqueBackup();
   SortNames(lstZipCopies);
   for (std::size_t box = 0; box < kRunTexts.size(); ++box) txtRun[box] = settings.*kRunTexts[box].value;
 }
@@ -58,7 +59,16 @@ void OptionsEditor::ChooseIncremental() {
 void OptionsEditor::chooseMode(bool full) {
   optFull = full;
   chkUniqueBackupEnabled = full;
+  noteOnUniqueBackup();
   writer_.Write("BackupMode", full ? "1" : "2");
+}
+
+/// The box keeps its value while it is disabled, and runs go by it in either mode.
+void OptionsEditor::noteOnUniqueBackup() {
+  uniqueBackupNote =
+      chkUniqueBackup && !chkUniqueBackupEnabled
+          ? "Holds for the incremental backup, too: in the folder of a new day everything is missing."
+          : "";
 }
 
 void OptionsEditor::SetUniqueBackup(bool checked) {

@@ -45,7 +45,8 @@ class OptionsEditor {
   std::vector<std::string> lstZipCopies;
   std::array<std::string, kRunTexts.size()> txtRun;  // as in kRunTexts
 
-  /// Lines beside the span size and the password, "" when there is nothing to say.
+  /// Lines beside unique backup, the span size and the password, "" when there is nothing to say.
+  std::string uniqueBackupNote;
   std::string spanSizeNote;
   std::string passwordNote;
 
@@ -72,6 +73,7 @@ class OptionsEditor {
 
  private:
   void chooseMode(bool full);
+  void noteOnUniqueBackup();
   void storeFlag(const char* key, std::int32_t ApplicationSettings::*value, bool checked);
   void storeCopies();
 

@@ -51,7 +51,7 @@ void frmOptions::layOutMode() {
                               wxRB_GROUP, wxDefaultValidator, "optFull");
   optIncremental = new wxRadioButton(group(), wxID_ANY, "&Incremental backup", wxDefaultPosition,
                                      wxDefaultSize, 0, wxDefaultValidator, "optIncremental");
-  chkUniqueBackup = checkBox("A folder with the &date for every full backup", "chkUniqueBackup",
+  chkUniqueBackup = checkBox("A folder with the &date for every backup", "chkUniqueBackup",
                              "Keeps the former backups: each goes into a folder of its own, such as My "
                              "site-11-24-2026, month first");
   add(optFull);
@@ -62,6 +62,7 @@ void frmOptions::layOutMode() {
       "file with a later date there is left out.",
       indent());
   add(chkUniqueBackup);
+  lblUniqueBackupNote = addNote("", indent());
   addNote("What is changed here counts from the next start of the program.");
 }
 
@@ -176,6 +177,7 @@ void frmOptions::show() {
   (editor_.optFull ? optFull : optIncremental)->SetValue(true);
   chkUniqueBackup->SetValue(editor_.chkUniqueBackup);
   chkUniqueBackup->Enable(editor_.chkUniqueBackupEnabled);
+  setNote(lblUniqueBackupNote, wxString::FromUTF8(editor_.uniqueBackupNote));
   chkCreateZip->SetValue(editor_.chkCreateZip);
   chkSplitZip->SetValue(editor_.chkSplitZip);
   ShowText(txtZipSpanSize, wxString::FromUTF8(editor_.txtZipSpanSize));

@@ -22,6 +22,7 @@ class frmOptions : public ScrolledForm {
   wxRadioButton* optFull;
   wxRadioButton* optIncremental;
   wxCheckBox* chkUniqueBackup;
+  wxStaticText* lblUniqueBackupNote;
   wxCheckBox* chkCreateZip;
   wxCheckBox* chkSplitZip;
   wxStaticText* lblZipSpanSize;

@@ -101,6 +101,7 @@ TEST_F(OptionsFormTest, ShowsTheOptionsInForce) {
   EXPECT_TRUE(f.optIncremental->GetValue());
   EXPECT_TRUE(f.chkUniqueBackup->GetValue() && f.chkSplitZip->GetValue() && f.chkZipSelfExtract->GetValue());
   EXPECT_FALSE(f.chkCreateZip->GetValue());
+  EXPECT_TRUE(f.lblUniqueBackupNote->IsShown());
   EXPECT_EQ(f.txtZipSpanSize->GetValue() + f.txtZipPassword->GetValue(), "700secret");
   EXPECT_TRUE(f.txtZipPassword->HasFlag(wxTE_PASSWORD));
   EXPECT_THAT(copies(), ElementsAre("/A", "/b & c"));

@@ -75,13 +75,16 @@ TEST_F(OptionsEditorTest, StoresEveryChangeAndLetsRunsGoByMostOfThem) {
 
 TEST_F(OptionsEditorTest, EnablesWhatTheModeAndTheArchiveAllow) {
   editor.SetUniqueBackup(true);
+  EXPECT_EQ(editor.uniqueBackupNote, "");
   editor.ChooseIncremental();
   EXPECT_FALSE(editor.optFull);
+  EXPECT_NE(editor.uniqueBackupNote, "") << "it still holds";
   EXPECT_FALSE(editor.chkUniqueBackupEnabled);
   EXPECT_EQ(ReadSetting("UniqueBackup", ""), "1") << "disabled, not changed";
   editor.ChooseFull();
   EXPECT_TRUE(editor.optFull);
   EXPECT_TRUE(editor.chkUniqueBackupEnabled);
+  EXPECT_EQ(editor.uniqueBackupNote, "");
   editor.SetSplitZip(true);
   editor.SetCreateZip(false);
   EXPECT_FALSE(editor.archiveOptionsEnabled);
