@@ -88,8 +88,8 @@ void frmSettings::layOutConnection() {
 void frmSettings::layOutDialUp() {
   beginGroup("Dial-up");
   wxStaticText* const entry = caption("&Entry:");
-  cboConnections = new wxComboBox(group(), wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, nullptr,
-                                  wxCB_READONLY, wxDefaultValidator, "cboConnections");
+  cboConnections = new wxChoice(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0,
+                                wxDefaultValidator, "cboConnections");
   cboConnections->SetMinSize({GetTextExtent("0").x * 24, -1});
   cboConnections->SetToolTip("The dial-up connections that this computer knows");
   SetLabelFor(*entry, *cboConnections);
@@ -185,7 +185,7 @@ void frmSettings::connect() {
     on(chkDay[day], wxEVT_CHECKBOX, [this, day] { editor_.SetDay(day, chkDay[day]->GetValue()); });
   on(txtRetryCount, wxEVT_TEXT, [this] { editor_.SetRetryCount(TextOf(*txtRetryCount)); });
   on(txtConnectionDelay, wxEVT_TEXT, [this] { editor_.SetConnectionDelay(TextOf(*txtConnectionDelay)); });
-  on(cboConnections, wxEVT_COMBOBOX,
+  on(cboConnections, wxEVT_CHOICE,
      [this] { editor_.ChooseDialUpEntry(cboConnections->GetStringSelection().utf8_string()); });
   on(chkAutoDial, wxEVT_CHECKBOX, [this] { editor_.SetAutoDial(chkAutoDial->GetValue()); });
   on(chkAutoHangUp, wxEVT_CHECKBOX, [this] { editor_.SetAutoHangUp(chkAutoHangUp->GetValue()); });
@@ -307,7 +307,8 @@ void frmSettings::refillConnections() {
   Guarded([&] {
     for (const std::string& name : sources_.dialUp->Entries())
       cboConnections->Append(wxString::FromUTF8(name));
-    cboConnections->SetStringSelection(wxString::FromUTF8(sources_.settings.AutoDialUpConnection));
+    const wxString chosen = wxString::FromUTF8(sources_.settings.AutoDialUpConnection);
+    cboConnections->SetSelection(cboConnections->FindString(chosen, true));
   });
 }
 

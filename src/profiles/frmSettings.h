@@ -1,7 +1,7 @@
 // The settings: the schedule, the connection, and how the program behaves on this machine.
 #pragma once
 
-#include <wx/combobox.h>
+#include <wx/choice.h>
 #include <wx/listbox.h>
 #include <wx/slider.h>
 #include <wx/timectrl.h>
@@ -59,7 +59,7 @@ class frmSettings : public ScrolledForm {
   wxStaticText* lblLANstatus;
   wxTextCtrl* txtRetryCount;
   wxTextCtrl* txtConnectionDelay;
-  wxComboBox* cboConnections;
+  wxChoice* cboConnections;
   wxCheckBox* chkAutoDial;
   wxCheckBox* chkAutoHangUp;
   wxStaticText* lblRasStatus;

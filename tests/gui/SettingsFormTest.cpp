@@ -72,7 +72,7 @@ class SettingsFormTest : public FormTest {
   }
   void choose(int entry) {
     s->cboConnections->SetSelection(entry);
-    command(s->cboConnections, wxEVT_COMBOBOX);
+    command(s->cboConnections, wxEVT_CHOICE);
   }
   static std::string startsWithSession() {
     return RegistryApi::queryValue(HKEY_LOCAL_MACHINE_VALUE,
@@ -228,9 +228,9 @@ TEST_F(SettingsFormTest, OffersTheConnectionsThatTheSystemNamesLater) {
   line.entries.clear();
   open();
   EXPECT_EQ(s->cboConnections->GetCount(), 0u);
-  line.entries = {"Office", "Home & Co"};
+  line.entries = {"Office", "home & co", "Home & Co"};
   for (int shown = 0; shown < 2; ++shown) s->wake();
-  EXPECT_EQ(s->cboConnections->GetCount(), 2u) << "each once";
+  EXPECT_EQ(s->cboConnections->GetCount(), 3u) << "each once";
   EXPECT_EQ(s->cboConnections->GetStringSelection(), "Home & Co");
 }
 
