@@ -69,10 +69,12 @@ ScrolledForm::ScrolledForm(wxWindow* parent, const wxString& name)
       all_(new wxBoxSizer(wxVERTICAL)) {
   SetScrollRate(FromDIP(kScrollStep), FromDIP(kScrollStep));
   Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
-    const wxWindow* const window = event.GetWindow();
-    const auto* const list = dynamic_cast<const wxDataViewCtrl*>(window->GetParent());
-    if (window != this) bringIntoView(list ? list : window);  // with its captions
     event.Skip();
+    const wxWindow* const window = event.GetWindow();
+    // A focus that comes back with the window is no reason to scroll: what has been clicked would move away.
+    if (window == this || window == focused_) return;
+    bringIntoView(window);
+    focused_ = window;
   });
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
     for (const Note& note : notes_) colour(note);
@@ -222,6 +224,8 @@ void ScrolledForm::finish() {
 
 /// A step of room around it is kept in view, too. Of what does not fit the beginning is shown.
 void ScrolledForm::bringIntoView(const wxWindow* window) {
+  const auto* const list = dynamic_cast<const wxDataViewCtrl*>(window->GetParent());
+  if (list) window = list;  // with its captions
   wxPoint step;
   GetScrollPixelsPerUnit(&step.x, &step.y);
   const auto scrolled = [](int from, int begin, int length, int room, int unit) {

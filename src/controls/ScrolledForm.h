@@ -60,6 +60,9 @@ class ScrolledForm : public wxScrolledWindow {
   wxStaticText* addNote(const wxString& text, int indented = 0);
   void setNote(wxStaticText* note, const wxString& text);
 
+  /// As happens with every control that gets the focus, unless it had it before.
+  void bringIntoView(const wxWindow* window);
+
  private:
   struct Note {
     wxStaticText* label;
@@ -77,7 +80,6 @@ class ScrolledForm : public wxScrolledWindow {
   void prepare(wxWindow* window);
   /// The toolkit's own way of it leaves out what is wider than the view.
   bool ShouldScrollToChildOnFocus(wxWindow*) override { return false; }
-  void bringIntoView(const wxWindow* window);
 
   wxBoxSizer* all_;
   wxSizer* group_ = nullptr;
@@ -90,6 +92,7 @@ class ScrolledForm : public wxScrolledWindow {
   std::vector<Note> notes_;
   std::vector<wxFlexGridSizer*> columns_;
   int wrappedAt_ = 0;
+  const wxWindow* focused_ = nullptr;  // also while the focus is outside; only to be compared
 };
 
 /// Shows the text, and does nothing where it stands already: a caret stays where it is, nothing flickers.

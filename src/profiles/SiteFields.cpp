@@ -258,11 +258,10 @@ void SiteFields::enableControls() {
 }
 
 void SiteFields::putFocusOn(std::string_view key) {
-  if (key == "Folders") {
-    lvwFolders->SetFocus();
-  } else if (!key.empty()) {
-    box(key)->SetFocus();
-  }
+  if (key.empty()) return;
+  wxWindow* const field = key == "Folders" ? static_cast<wxWindow*>(lvwFolders) : box(key);
+  field->SetFocus();
+  bringIntoView(field);
 }
 
 }  // namespace quillmoor
