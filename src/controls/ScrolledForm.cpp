@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "controls/InnerFocus.h"
+#include "controls/Mnemonics.h"
 #include "controls/WxColours.h"
 
 namespace quillmoor {
@@ -218,6 +219,7 @@ void ScrolledForm::wrapRows() {
 void ScrolledForm::finish() {
   alignCaptions();
   prepare(this);
+  FollowMnemonics(*this);
   SetSizer(all_);
   FitInside();
 }

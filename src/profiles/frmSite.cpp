@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "controls/BoundedFile.h"
+#include "controls/Mnemonics.h"
 #include "engine/ErrorGuard.h"
 #include "platform/LocalPath.h"
 
@@ -51,6 +52,7 @@ frmSite::frmSite(wxWindow* parent, const ApplicationSettings& settings, std::str
   auto* const all = new wxBoxSizer(wxVERTICAL);
   all->Add(halves, wxSizerFlags(1).Expand());
   SetSizer(all);
+  FollowMnemonics(*this);
 
   wndTaskPanel->onItem = [this](int id) { itemClicked(id); };
   fields->onConnect = [this] { connect(); };

@@ -264,6 +264,8 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
   EXPECT_EQ(ReadSetting("SchedualHour", "") + ReadSetting("SchedualMinute", ""), "35");
   hand.Char('T', wxMOD_ALT);
   EXPECT_TRUE(waitUntil([&] { return hasFocus(s->txtRetryCount); })) << "and another's leads out again";
+  hand.Char('F', wxMOD_ALT);
+  EXPECT_TRUE(waitUntil([] { return ReadSetting("AutoHangUp", "") == "0"; })) << "a box of another group";
 }
 
 TEST_F(SettingsFormTest, AsksTheLineThatItDialsAlsoWhileItIsNotSeen) {

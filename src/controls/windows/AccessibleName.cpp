@@ -46,7 +46,7 @@ void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole ro
   window.SetAccessible(new NamedAccessible(&window, name, role, std::move(value)));
 }
 
-/// The mnemonic needs no help: it leads to the control that was made after the label.
+/// The mnemonic leads to the control that was made after the label (Mnemonics.h).
 void SetLabelFor(wxStaticText& label, wxWindow& control) {
   SetAccessibleName(control, label.GetLabelText());
 }
