@@ -167,6 +167,8 @@ void frmOptions::addCopy() {
 void frmOptions::removeCopy() {
   editor_.RemoveCopy(SelectionOf(*lstZipCopies));
   showCopies();
+  // The button is about to be disabled: the next key must not meet the box behind it.
+  if (lstZipCopies->IsEmpty()) cmdAddCopy->SetFocus();
 }
 
 void frmOptions::showCopies() {

@@ -237,6 +237,8 @@ void frmSettings::addExtension() {
 void frmSettings::removeExtension() {
   editor_.RemoveExtension(SelectionOf(*lstExtensions));
   showExtensions();
+  // The button is about to be disabled: the next key must not meet the one behind it.
+  if (lstExtensions->IsEmpty()) txtExtension->SetFocus();
 }
 
 void frmSettings::showExtensions() {

@@ -136,8 +136,11 @@ TEST_F(OptionsFormTest, EnablesWhatModeArchiveAndListAllow) {
   press(f.cmdRemoveCopy);
   EXPECT_EQ(f.lstZipCopies->GetStringSelection(), "/3") << "the next one";
   press(f.cmdRemoveCopy);
+  f.cmdRemoveCopy->SetFocus();
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(f.cmdRemoveCopy); }));
   press(f.cmdRemoveCopy);
   EXPECT_FALSE(f.cmdRemoveCopy->IsEnabled());
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(f.cmdAddCopy); })) << "the next key is not for a box behind it";
   EXPECT_EQ(settings.ZipCopies, "");
 }
 
