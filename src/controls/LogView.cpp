@@ -48,6 +48,8 @@ LogView::LogView(wxWindow* parent, const LogText& log) : log_(log) {
   Bind(wxEVT_PAINT, [this](wxPaintEvent&) { paint(); });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     if (follow_) showNewest();
+    // The scroll bar that a long line brings must not come to lie over the newest one.
+    if (atEnd_ && !selecting_) Scroll(-1, static_cast<int>(log_.lineCount()));
     Refresh(false);
     event.Skip();
   });
@@ -98,12 +100,16 @@ void LogView::showNewest() {
   Refresh(false);
 }
 
+/// The line that is begun and empty has no room of its own.
+int LogView::shownLines() const {
+  const std::size_t lines = log_.lineCount();
+  return static_cast<int>(log_.line(lines - 1).text.empty() && lines > 1 ? lines - 1 : lines);
+}
+
 void LogView::updateExtent() {
-  std::size_t lines = log_.lineCount();
-  if (log_.line(lines - 1).text.empty() && lines > 1) --lines;
   const int width = 2 * margin_ + static_cast<int>(std::min(widest_, kLongestDrawn)) * characterWidth_;
   SetScrollRate(characterWidth_, lineHeight_);
-  SetVirtualSize(width, static_cast<int>(lines) * lineHeight_);
+  SetVirtualSize(width, shownLines() * lineHeight_);
 }
 
 void LogView::paint() {
@@ -116,6 +122,7 @@ void LogView::paint() {
   const wxPoint start = GetViewStart();
   const wxSize size = GetClientSize();
   const std::size_t before = widest_;
+  atEnd_ = start.y + size.y / lineHeight_ >= shownLines();
   auto index = static_cast<std::size_t>(std::max(0, start.y));
   for (int y = 0; y < size.y && index < log_.lineCount(); y += lineHeight_, ++index) {
     drawLine(dc, index, y, margin_ - start.x * characterWidth_);

@@ -43,6 +43,7 @@ class LogView : public wxScrolled<wxWindow> {
   };
 
   void measure();
+  int shownLines() const;
   void updateExtent();
   void paint();
   void drawLine(wxDC& dc, std::size_t index, int y, int left);
@@ -61,6 +62,7 @@ class LogView : public wxScrolled<wxWindow> {
   Place anchor_, caret_;
   bool selecting_ = false;
   bool follow_ = false;  // the newest line is to come into view
+  bool atEnd_ = false;   // the newest line was in view when it was painted last
   int lineHeight_ = 1;
   int characterWidth_ = 1;
   int margin_ = 0;

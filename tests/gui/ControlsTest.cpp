@@ -103,6 +103,16 @@ TEST_F(LogViewTest, IsMarkedByTheMouseAndFollowsTheLogAgain) {
   EXPECT_EQ(view->selectedText(), "first line");
 }
 
+TEST_F(LogViewTest, KeepsTheNewestInViewWhenALongLineBringsAScrollBar) {
+  for (int i = 0; i < 100; ++i) append("line\r\n");
+  view->showNewest();
+  ASSERT_TRUE(waitUntil([&] { return newestIsInView(); }));
+  append(std::string(1000, '-') + "\r\n");
+  EXPECT_TRUE(waitUntil([&] {
+    return view->GetVirtualSize().x > view->GetClientSize().x && newestIsInView();
+  })) << view->GetViewStart().y;
+}
+
 TEST(CTray, RaisesTheMoveAndThenTheEventButNothingInsideOne) {
   CTray tray;
   std::vector<std::string> events;
