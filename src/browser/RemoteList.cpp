@@ -6,13 +6,14 @@
 
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
+#include "controls/TextWidth.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr unsigned kBoxColumn = 0;  // the columns of the rows follow
 constexpr unsigned kNameColumn = 1;
-constexpr int kWidths[] = {200, 90, 110, 70, 70, 90};  // device-independent pixels
+constexpr int kWidths[] = {200, 90, 110, 70, 70, 90};  // device-independent pixels, for the usual font
 static_assert(std::size(kWidths) == kBrowserColumns.size());
 /// More at once are drawn anew together.
 constexpr std::size_t kSingly = 200;
@@ -62,7 +63,7 @@ RemoteList::RemoteList(wxWindow* parent, const RemoteBrowser& browser)
   AppendToggleColumn("", kBoxColumn, wxDATAVIEW_CELL_ACTIVATABLE, FromDIP(30), wxALIGN_CENTER, 0);
   for (unsigned i = 0; i < kBrowserColumns.size(); ++i) {
     const wxString caption(kBrowserColumns[i].data(), kBrowserColumns[i].size());
-    const int width = FromDIP(kWidths[i]);
+    const int width = WidthForText(*this, kWidths[i]);
     if (i + kNameColumn == kNameColumn) {
       AppendIconTextColumn(caption, i + kNameColumn, wxDATAVIEW_CELL_INERT, width);
     } else {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "controls/AccessibleName.h"
+#include "controls/TextWidth.h"
 #include "controls/WxColours.h"
 
 namespace quillmoor {
@@ -74,7 +75,7 @@ ReportControl::ReportControl(wxWindow* parent, const std::vector<Column>& column
   AssociateModel(model_.get());
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const auto place = static_cast<unsigned>(i);
-    const int width = columns[i].width < 0 ? columns[i].width : FromDIP(columns[i].width);
+    const int width = columns[i].width < 0 ? columns[i].width : WidthForText(*this, columns[i].width);
     const wxAlignment side = columns[i].right ? wxALIGN_RIGHT : wxALIGN_LEFT;
     constexpr auto kInert = wxDATAVIEW_CELL_INERT;
     constexpr int kFlags = wxDATAVIEW_COL_RESIZABLE;

@@ -17,7 +17,7 @@ class ReportControl : public wxDataViewCtrl {
  public:
   struct Column {
     const char* caption;
-    int width;  // device-independent pixels
+    int width;  // device-independent pixels, for the usual font
     bool right = false;
     bool pictures = false;  // its items may have one before their text
   };

@@ -11,6 +11,7 @@
 
 #include "controls/BoundedFile.h"
 #include "controls/Mnemonics.h"
+#include "controls/TextWidth.h"
 #include "engine/ErrorGuard.h"
 #include "platform/LocalPath.h"
 
@@ -21,7 +22,7 @@ constexpr int kLookEvery = 1000;  // milliseconds
 constexpr std::size_t kLargestFile = std::size_t{64} << 20;
 // A time in a file system may have no finer steps than two seconds.
 constexpr std::chrono::seconds kRest{3};
-constexpr int kTaskPanelWidth = 170;  // device-independent pixels
+constexpr int kTaskPanelWidth = 170;  // device-independent pixels, for the usual font
 
 /// As kCommandItems, each with its mnemonic and its picture.
 const std::vector<TaskPanel::Command> kCommands = {{kAddItem, "&Add", "tasks/Add"},
@@ -48,7 +49,7 @@ frmSite::frmSite(wxWindow* parent, const ApplicationSettings& settings, std::str
   wndTaskPanel->addList(fromUtf8(kProfileGroup), "tasks/Profile");
   fields = new SiteFields(halves, editor_);
   halves->SetMinimumPaneSize(FromDIP(80));
-  halves->SplitVertically(wndTaskPanel, fields, FromDIP(kTaskPanelWidth));
+  halves->SplitVertically(wndTaskPanel, fields, WidthForText(*this, kTaskPanelWidth));
   auto* const all = new wxBoxSizer(wxVERTICAL);
   all->Add(halves, wxSizerFlags(1).Expand());
   SetSizer(all);

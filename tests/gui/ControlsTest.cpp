@@ -8,6 +8,7 @@
 #include "GuiFixture.h"
 #include "controls/LogView.h"
 #include "controls/SeenTimer.h"
+#include "controls/TextWidth.h"
 #include "engine/RunLog.h"
 
 namespace quillmoor {
@@ -111,6 +112,15 @@ TEST_F(LogViewTest, KeepsTheNewestInViewWhenALongLineBringsAScrollBar) {
   EXPECT_TRUE(waitUntil([&] {
     return view->GetVirtualSize().x > view->GetClientSize().x && newestIsInView();
   })) << view->GetViewStart().y;
+}
+
+TEST(TextWidth, GrowsWithTheFontAndNeverFallsBelowThePixels) {
+  wxFrame window(nullptr, wxID_ANY, "Widths");
+  const wxFont usual = window.GetFont();
+  window.SetFont(usual.Scaled(0.5f));
+  EXPECT_EQ(WidthForText(window, 100), window.FromDIP(100));
+  window.SetFont(usual.Scaled(3));
+  EXPECT_GE(WidthForText(window, 100), window.GetTextExtent("0").x * 12);
 }
 
 TEST(CTray, RaisesTheMoveAndThenTheEventButNothingInsideOne) {
