@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "controls/AccessibleName.h"
+#include "controls/TextMargin.h"
 #include "controls/WxColours.h"
 #include "platform/LocalFiles.h"
 
@@ -19,7 +20,8 @@ namespace quillmoor {
 namespace {
 
 constexpr int kMargin = 200;  // twips around the text
-constexpr double kTenthsOfMillimetrePerTwip = 254.0 / 1440;
+constexpr int kTwipsPerInch = 1440;
+constexpr double kTenthsOfMillimetrePerTwip = 254.0 / kTwipsPerInch;
 
 bool isGtk() {
   return wxPlatformInfo::Get().GetPortId() == wxPORT_GTK;
@@ -94,6 +96,7 @@ RichTextView::RichTextView(wxWindow* parent, wxWindowID id, const wxString& labe
     : wxTextCtrl(parent, id, "", wxDefaultPosition, wxDefaultSize,
                  wxTE_MULTILINE | wxTE_READONLY | wxTE_RICH2 | wxBORDER_NONE) {
   SetAccessibleName(*this, label);
+  SetRightMargin(*this, FromDIP(kMargin * 96 / kTwipsPerInch));
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
     event.Skip();
     toFill_ = true;  // when the control has taken the new colours
