@@ -20,10 +20,12 @@
 namespace quillmoor {
 namespace {
 
-constexpr int kGap = 6;  // device-independent pixels, between controls
+// Device-independent pixels.
+constexpr int kGap = 6;  // between controls
+constexpr int kLowestLog = 40;
+constexpr int kReportHeight = 105;  // at first; the log has the rest
 constexpr int kShowFiguresEvery =
-    LogView::kShowEvery;            // milliseconds; what changes together is drawn together
-constexpr double kLogsShare = 0.7;  // of the height, beside the report
+    LogView::kShowEvery;  // milliseconds; what changes together is drawn together
 
 const std::vector<ReportControl::Column>& reportColumns() {
   static const std::vector<ReportControl::Column> columns = [] {
@@ -91,11 +93,14 @@ void frmProcess::layOut() {
 
   auto* const halves = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                             wxSP_LIVE_UPDATE | wxSP_NO_XP_THEME);
-  halves->SetMinimumPaneSize(FromDIP(50));
-  halves->SetSashGravity(kLogsShare);
+  halves->SetMinimumPaneSize(FromDIP(kLowestLog));
+  halves->SetSashGravity(1);
   rtfLog = new LogView(halves, log_);
   wndReportControl = new ReportControl(halves, reportColumns(), "Profiles of the backup runs");
-  halves->SplitHorizontally(rtfLog, wndReportControl, FromDIP(210));
+  halves->SplitHorizontally(rtfLog, wndReportControl, -std::max(FromDIP(kReportHeight), 6 * GetCharHeight()));
+  // Of either something is seen in the lowest window, too.
+  rtfLog->SetMinSize(FromDIP(wxSize(kLowestLog, kLowestLog)));
+  halves->SetMinSize({-1, rtfLog->GetMinHeight() + halves->GetSashSize() + wndReportControl->GetMinHeight()});
   all->Add(halves, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
   SetSizer(all);
 }
@@ -108,6 +113,7 @@ wxSizer* frmProcess::layOutHead() {
   cmdStop = new wxButton(this, wxID_ANY, "S&top", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator,
                          "cmdStop");
   Animation1 = new AnimationPlayer(this);
+  Animation1->SetMinSize(wxSize(gap, Animation1->GetBestSize().y));  // it gives way in a narrow pane
   picFtpConnected = new wxStaticBitmap(this, wxID_ANY, Picture("status/connected"));
   picFtpConnected->SetToolTip("Connected to the FTP server");
   picFtpConnected->Hide();
@@ -118,8 +124,7 @@ wxSizer* frmProcess::layOutHead() {
   const wxSizerFlags centred = wxSizerFlags().CenterVertical();
   row->Add(cmdStart, centred);
   row->Add(cmdStop, wxSizerFlags(centred).Border(wxLEFT, gap));
-  row->AddStretchSpacer();
-  row->Add(Animation1, wxSizerFlags(centred).Border(wxRIGHT, 2 * gap));
+  row->Add(Animation1, wxSizerFlags(1).CenterVertical().Border(wxLEFT | wxRIGHT, 2 * gap));
   row->Add(picFtpConnected, centred);
   row->Add(picFtpDisonnected, centred);
   return row;

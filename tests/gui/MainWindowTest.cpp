@@ -318,6 +318,24 @@ TEST_F(MainWindowTest, IsRefusedASecondTimeAndLeftAlone) {
   EXPECT_TRUE(main->TimerMain.IsRunning());
 }
 
+TEST_F(MainWindowTest, ShowsEveryPartOfARunInTheSmallestWindow) {
+  WriteSetting("MainWidth", "100");
+  WriteSetting("MainHeight", "100");
+  start();
+  stayOpen();
+  main->SetSize(main->GetMinSize());
+  main->panes->activate(kBackupPane);
+  const frmProcess& form = *main->process;
+  ASSERT_TRUE(waitUntil([&] { return form.cmdStart->IsShownOnScreen(); }));
+  const auto isWhole = [&](const wxWindow* part) {
+    return part->GetClientSize().y > 20 && form.GetScreenRect().Contains(part->GetScreenRect());
+  };
+  for (const wxWindow* const part :
+       std::initializer_list<const wxWindow*>{form.cmdStart, form.cmdStop, form.Animation1,
+                                              form.picFtpDisonnected, form.rtfLog, form.wndReportControl})
+    EXPECT_TRUE(waitUntil([&] { return isWhole(part); }, std::chrono::seconds(5))) << part->GetName();
+}
+
 TEST_F(MainWindowTest, HasItsMenuInTheTray) {
   start();
   stayOpen();
