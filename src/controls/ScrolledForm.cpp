@@ -82,8 +82,13 @@ ScrolledForm::ScrolledForm(wxWindow* parent, const wxString& name)
     event.Skip();
   });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    const wxPoint before = GetViewStart();
     wrapRows();
     event.Skip();
+    CallAfter([this, before] {
+      if (GetViewStart() != before) moveFrames();
+      Refresh();  // not every toolkit draws anew what has moved
+    });
   });
 }
 
@@ -213,7 +218,16 @@ void ScrolledForm::wrapRows() {
     } while (grid->CalcMin().x > room() && --columns > 0);
   }
   FitInside();
-  Refresh();
+}
+
+/// GTK leaves the frames behind when a new size makes it scroll: it is not told of a place while it gives
+/// one.
+void ScrolledForm::moveFrames() {
+  for (wxWindow* const child : GetChildren()) {
+    const wxPoint place = child->GetPosition();
+    child->Move(place + wxPoint(0, 1));
+    child->Move(place);
+  }
 }
 
 void ScrolledForm::finish() {

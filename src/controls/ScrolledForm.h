@@ -73,6 +73,7 @@ class ScrolledForm : public wxScrolledWindow {
 
   void alignCaptions();
   void wrapRows();
+  void moveFrames();
   int room() const;
   void colour(const Note& note);
   void wrap(const Note& note);
