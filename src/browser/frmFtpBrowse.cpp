@@ -18,6 +18,7 @@ namespace {
 constexpr int kGap = 6;
 constexpr int kWidth = 720, kHeight = 500;
 constexpr int kLogHeight = 110;
+constexpr int kLowest = 360;   // a few rows of the list are seen
 constexpr int kTitleBar = 60;  // enough of the window to drag it by
 
 wxButton* button(wxWindow* parent, const char* caption, const char* name) {
@@ -104,7 +105,7 @@ void frmFtpBrowse::layOut() {
   auto* const frame = new wxBoxSizer(wxVERTICAL);
   frame->Add(page, wxSizerFlags(1).Expand());
   SetSizer(frame);
-  SetMinSize(wxSize(foot->CalcMin().x + 4 * gap, FromDIP(300)));
+  SetMinSize(wxSize(foot->CalcMin().x + 4 * gap, FromDIP(kLowest)));
 }
 
 void frmFtpBrowse::connectControls() {
