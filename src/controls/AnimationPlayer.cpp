@@ -44,7 +44,7 @@ AnimationPlayer::AnimationPlayer(wxWindow* parent, wxWindowID id, const wxPoint&
   Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
     if (animation_.frames.empty()) return;  // closed while the tick was on its way
     frame_ = (frame_ + 1) % animation_.frames.size();
-    if (IsShownOnScreen()) Refresh();
+    if (IsShownOnScreen()) RefreshRect(picturesPlace());
   });
 }
 
@@ -106,12 +106,16 @@ const wxBitmap& AnimationPlayer::scaled(std::size_t frame, wxSize size) {
   return scaled_[frame];
 }
 
+wxRect AnimationPlayer::picturesPlace() const {
+  const wxSize room = GetClientSize();
+  if (animation_.frames.empty() || room.x <= 0 || room.y <= 0) return {};
+  return wxRect(fitted(animation_.width, animation_.height, room)).CentreIn(wxRect(room));
+}
+
 void AnimationPlayer::paint() {
   wxPaintDC dc(this);  // over what lies behind, which the system has drawn
-  const wxSize room = GetClientSize();
-  if (animation_.frames.empty() || room.x <= 0 || room.y <= 0) return;
-  const wxSize size = fitted(animation_.width, animation_.height, room);
-  dc.DrawBitmap(scaled(frame_, size), (room.x - size.x) / 2, (room.y - size.y) / 2, true);
+  const wxRect place = picturesPlace();
+  if (!place.IsEmpty()) dc.DrawBitmap(scaled(frame_, place.GetSize()), place.GetPosition(), true);
 }
 
 }  // namespace quillmoor

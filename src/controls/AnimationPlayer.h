@@ -40,6 +40,7 @@ class AnimationPlayer : public wxControl {
 
  private:
   void paint();
+  wxRect picturesPlace() const;
   const wxBitmap& scaled(std::size_t frame, wxSize size);
 
   AviAnimation animation_;
