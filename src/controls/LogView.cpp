@@ -49,7 +49,7 @@ LogView::LogView(wxWindow* parent, const LogText& log) : log_(log) {
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     if (follow_) showNewest();
     // The scroll bar that a long line brings must not come to lie over the newest one.
-    if (atEnd_ && !selecting_) Scroll(-1, static_cast<int>(log_.lineCount()));
+    if (atEnd_ && !selecting_) CallAfter([this] { Scroll(-1, static_cast<int>(log_.lineCount())); });
     Refresh(false);
     event.Skip();
   });

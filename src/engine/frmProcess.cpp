@@ -97,10 +97,18 @@ void frmProcess::layOut() {
   halves->SetSashGravity(1);
   rtfLog = new LogView(halves, log_);
   wndReportControl = new ReportControl(halves, reportColumns(), "Profiles of the backup runs");
-  halves->SplitHorizontally(rtfLog, wndReportControl, -std::max(FromDIP(kReportHeight), 6 * GetCharHeight()));
+  halves->SplitHorizontally(rtfLog, wndReportControl);
   // Of either something is seen in the lowest window, too.
   rtfLog->SetMinSize(FromDIP(wxSize(kLowestLog, kLowestLog)));
   halves->SetMinSize({-1, rtfLog->GetMinHeight() + halves->GetSashSize() + wndReportControl->GetMinHeight()});
+  // On its way to the first pane that is shown it has heights that are not worth sharing.
+  const int report = std::max(FromDIP(kReportHeight), 6 * GetCharHeight());
+  halves->Bind(wxEVT_SIZE, [halves, report, placed = false](wxSizeEvent& event) mutable {
+    event.Skip();
+    if (placed || event.GetSize().y < 2 * report) return;
+    placed = true;
+    halves->CallAfter([halves, report] { halves->SetSashPosition(-report); });
+  });
   all->Add(halves, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
   SetSizer(all);
 }
@@ -148,6 +156,7 @@ wxSizer* frmProcess::layOutFigures() {
 }
 
 void frmProcess::cmdStart_Click() {
+  startHadFocus_ = FindFocus() == cmdStart;
   cmdStart->Disable();
   startBackup();
   reopenAnimation();
@@ -290,7 +299,7 @@ void frmProcess::showBusyCursor(bool busy) {
 void frmProcess::showRunning(bool running) {
   // A button that has the focus and is disabled would leave the keyboard nowhere.
   const wxWindow* const focus = FindFocus();
-  const bool moveFocus = focus == cmdStart || focus == cmdStop;
+  const bool moveFocus = std::exchange(startHadFocus_, false) || focus == cmdStart || focus == cmdStop;
   cmdStart->Enable(!running);
   cmdStop->Enable(running);
   if (moveFocus) (running ? cmdStop : cmdStart)->SetFocus();

@@ -135,6 +135,7 @@ class frmProcess : public wxPanel, private RunDisplay {
   std::size_t firstRow_ = 0;  // of the report, for the run in progress
   bool stopConfirmed_ = false;
   bool asking_ = false;
+  bool startHadFocus_ = false;  // when it was clicked
 };
 
 }  // namespace quillmoor

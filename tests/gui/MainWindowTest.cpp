@@ -146,6 +146,26 @@ TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
   EXPECT_EQ(main->tray().Tip(), "Quillmoor");
 }
 
+TEST_F(MainWindowTest, LeadsTheKeyboardFromStartToStopAndBack) {
+  server.addFile("/b.bin", std::string(1 << 20, 'x'));
+  server.on("RETR /b.bin", sendsSomeAndWaits);
+  start();
+  stayOpen();
+  main->panes->activate(kBackupPane);
+  frmProcess& form = *main->process;
+  const auto hasFocus = [](wxWindow* button) { return [=] { return wxWindow::FindFocus() == button; }; };
+  form.cmdStart->SetFocus();
+  ASSERT_TRUE(waitUntil(hasFocus(form.cmdStart)));
+  wxUIActionSimulator hand;
+  hand.Char(WXK_SPACE);
+  const ExpectBox box("Warrning", kStopText, kStopBox, wxID_YES);
+  steps.when([&] { return server.count("RETR /b.bin") == 1; })
+      .when(hasFocus(form.cmdStop), [&] { wxTEST_DIALOG(clickEvent(form.cmdStop), box); })
+      .when([&] { return !form.active(); })
+      .take();
+  EXPECT_TRUE(waitUntil(hasFocus(form.cmdStart)));
+}
+
 TEST_F(MainWindowTest, AsksBeforeItStopsInTheMiddleOfAFile) {
   goIntoTheMiddleOfAFile();
   frmProcess& form = *main->process;
@@ -316,6 +336,19 @@ TEST_F(MainWindowTest, IsRefusedASecondTimeAndLeftAlone) {
   }
   EXPECT_TRUE(main->IsShown());
   EXPECT_TRUE(main->TimerMain.IsRunning());
+}
+
+TEST_F(MainWindowTest, ShowsThreeProfilesOfARunAndTheLogAboveThem) {
+  start();
+  stayOpen();
+  main->panes->activate(kBackupPane);
+  const frmProcess& form = *main->process;
+  ASSERT_TRUE(waitUntil([&] { return form.rtfLog->IsShownOnScreen(); }));
+  const auto shared = [&] {
+    const int report = form.wndReportControl->GetSize().y;
+    return report > 5 * form.GetCharHeight() && form.rtfLog->GetSize().y > report;
+  };
+  EXPECT_TRUE(waitUntil(shared, std::chrono::seconds(5))) << form.wndReportControl->GetSize().y;
 }
 
 TEST_F(MainWindowTest, ShowsEveryPartOfARunInTheSmallestWindow) {
