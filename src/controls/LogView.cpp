@@ -47,9 +47,10 @@ LogView::LogView(wxWindow* parent, const LogText& log) : log_(log) {
   timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { showNewest(); });
   Bind(wxEVT_PAINT, [this](wxPaintEvent&) { paint(); });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    const bool newest = (follow_ || atEnd_) && !selecting_;
     if (follow_) showNewest();
-    // The scroll bar that a long line brings must not come to lie over the newest one.
-    if (atEnd_ && !selecting_) CallAfter([this] { Scroll(-1, static_cast<int>(log_.lineCount())); });
+    // A scroll bar that a long line brings must not come to lie over the newest one; once it is there.
+    if (newest) CallAfter([this] { Scroll(-1, static_cast<int>(log_.lineCount())); });
     Refresh(false);
     event.Skip();
   });
