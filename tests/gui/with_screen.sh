@@ -10,6 +10,10 @@ pids=()
 trap 'for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; wait "$pid" 2>/dev/null || true; done; rm -rf "$work"' EXIT
 mkdir -m 700 "$work/home" "$work/run"
 export HOME=$work/home XDG_CONFIG_HOME=$work/home/.config XDG_RUNTIME_DIR=$work/run NO_AT_BRIDGE=1 GDK_BACKEND=x11
+# Lists scroll at once. How long an animation takes is up to the screen, and one without a refresh may never end it.
+mkdir -p "$work/etc/gtk-3.0"
+printf '[Settings]\ngtk-enable-animations=0\n' >"$work/etc/gtk-3.0/settings.ini"
+export XDG_CONFIG_DIRS=$work/etc
 unset DBUS_SESSION_BUS_ADDRESS WAYLAND_DISPLAY XAUTHORITY
 Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
 pids+=($!)
