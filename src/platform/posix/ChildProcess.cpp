@@ -33,6 +33,13 @@ std::vector<std::string> plainEnvironment() {
   return variables;
 }
 
+/// Whoever started this program may have had it ignore the ends of its children, of which the system then
+/// keeps no exit status.
+void heedEndsOfChildren() {
+  struct sigaction action {};
+  if (::sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) ::signal(SIGCHLD, SIG_DFL);
+}
+
 struct FileActions {
   posix_spawn_file_actions_t value;
   FileActions() { ::posix_spawn_file_actions_init(&value); }
@@ -49,6 +56,7 @@ struct Attributes {
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments, std::size_t mostOutput)
     : mostOutput_(mostOutput) {
+  heedEndsOfChildren();
   int ends[2];
   if (::pipe2(ends, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
   pipe_ = ends[0];
@@ -88,10 +96,7 @@ bool ChildProcess::poll() {
   if (process_ <= 0) return true;
   read();
   if (process_ <= 0) return true;
-  int status = 0;
-  if (::waitpid(process_, &status, WNOHANG) != process_) return false;
-  process_ = -1;
-  exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  if (!hasEnded(WNOHANG)) return false;
   read();  // what it wrote last
   return true;
 }
@@ -122,11 +127,23 @@ void ChildProcess::read() {
   }
 }
 
-void ChildProcess::end() {
-  ::kill(process_, SIGKILL);
-  while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
-  }
+/// When somebody else has waited for it there is no status, and its number may be that of another program.
+bool ChildProcess::hasEnded(int options) {
+  int status = 0;
+  pid_t waited = 0;
+  do {
+    waited = ::waitpid(process_, &status, options);
+  } while (waited < 0 && errno == EINTR);
+  if (waited == 0) return false;
+  exitStatus_ = waited == process_ && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   process_ = -1;
+  return true;
+}
+
+void ChildProcess::end() {
+  if (hasEnded(WNOHANG)) return;
+  ::kill(process_, SIGKILL);
+  hasEnded(0);
 }
 
 }  // namespace quillmoor

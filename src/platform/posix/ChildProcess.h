@@ -27,12 +27,13 @@ class ChildProcess {
   /// Rests until there is something to read or the time is over.
   void rest(std::chrono::milliseconds time) const;
 
-  /// Once it has ended: its exit status, -1 when it was ended by a signal.
+  /// Once it has ended: its exit status, -1 when it was ended by a signal or nobody knows.
   int exitStatus() const { return exitStatus_; }
   const std::string& output() const { return output_; }
 
  private:
   void read();
+  bool hasEnded(int options);
   void end();
 
   pid_t process_ = -1;  // -1 once it has been waited for
