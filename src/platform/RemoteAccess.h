@@ -13,6 +13,8 @@ namespace quillmoor {
 /// The two state numbers (RASCONNSTATE of Windows) that decide something; the others are only shown.
 inline constexpr std::int32_t kDialUpConnected = 8192;
 inline constexpr std::int32_t kDialUpDisconnected = 8193;
+/// No RASCONNSTATE, but why a dial is about to be disconnected.
+inline constexpr std::int32_t kDialUpPasswordExpired = 20648;
 
 /// A connection that is up or coming up, whoever made it.
 struct ActiveConnection {

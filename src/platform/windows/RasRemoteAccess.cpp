@@ -181,6 +181,7 @@ std::vector<std::int32_t> RasRemoteAccess::takeStates() {
   for (const Mailbox::Report& report : mailbox_->take()) {
     if (closing_) break;
     if (report.error != 0 || report.state == kDialUpDisconnected) {
+      if (report.error == ERROR_PASSWD_EXPIRED) states.push_back(kDialUpPasswordExpired);
       close();
     } else {
       states.push_back(report.state);

@@ -125,6 +125,14 @@ TEST_F(RasRemoteAccessTest, GivesBackAConnectionThatFailed) {
   EXPECT_THAT(fake.hungUp, ElementsAre(FakeRas::connection(1)));
 }
 
+TEST_F(RasRemoteAccessTest, TellsOfAPasswordThatHasExpired) {
+  system->dial("Büro");
+  fake.reports(RASCS_Authenticate);
+  fake.reports(RASCS_Authenticate, ERROR_PASSWD_EXPIRED);
+  EXPECT_THAT(system->takeStates(), ElementsAre(5, 20648, kDialUpDisconnected));
+  EXPECT_THAT(fake.hungUp, ElementsAre(FakeRas::connection(1)));
+}
+
 TEST_F(RasRemoteAccessTest, RaisesWhatCannotBeDialled) {
   EXPECT_THROW(system->dial("büro"), std::runtime_error);
   EXPECT_THROW(system->dial(std::string(300, 'x')), std::runtime_error);
