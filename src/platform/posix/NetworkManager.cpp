@@ -70,7 +70,7 @@ std::vector<std::vector<std::string>> ParseTerseOutput(std::string_view output) 
 NetworkManager::~NetworkManager() {
   pump_ = nullptr;
   try {
-    if (up_) beginDown();
+    if (up_ && !(up_->poll() && up_->exitStatus() == 0)) beginDown();
     if (down_) waitFor(*down_, kPatienceMs);
   } catch (const std::exception&) {
     // There is nobody left to tell.

@@ -108,6 +108,8 @@ RasRemoteAccess::RasRemoteAccess(const RasLibrary& library, Pump pump)
 
 RasRemoteAccess::~RasRemoteAccess() {
   if (!connection_ || connected_) return;
+  // Up, with the news of it still in the mailbox or on its way there.
+  if (!closing_ && stateOf(connection_) == kDialUpConnected) return;
   pump_ = nullptr;
   if (closing_) {
     waitUntilGone(connection_);  // to hang up twice is an error, which would cut the wait short

@@ -202,6 +202,18 @@ TEST_F(NmcliTest, LeavesAConnectionUp) {
   EXPECT_EQ(calls().size(), 1U);
 }
 
+TEST_F(NmcliTest, LeavesAConnectionUpThatNobodyHasBeenToldOf) {
+  dialMobile();
+  dialEnds(0);
+  // Only looked at: to wait for it is the component's part.
+  EXPECT_TRUE(comesTrue([] {
+    siginfo_t ended{};
+    return ::waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) == 0 && ended.si_pid != 0;
+  }));
+  system.reset();
+  EXPECT_EQ(calls().size(), 1U);
+}
+
 TEST_F(NmcliTest, HangsUpWhatOthersHaveMade) {
   shows("u1:gsm:activated:ttyUSB0:Mobile\nu3:pppoe:deactivating:ppp0:Other\n");
   const auto active = system->activeConnections();

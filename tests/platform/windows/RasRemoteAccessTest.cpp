@@ -155,6 +155,13 @@ TEST_F(RasRemoteAccessTest, EndsADialButNoConnectionWhenItGoes) {
   EXPECT_THAT(system->takeStates(), ElementsAre(kDialUpConnected));
   system.reset();
   EXPECT_EQ(fake.hungUp.size(), 1U);
+
+  system = std::make_unique<RasRemoteAccess>(kLibrary, Pump());
+  system->dial("Büro");
+  fake.connections[FakeRas::connection(1)] = RASCS_Connected;
+  fake.reports(RASCS_Connected);
+  system.reset();
+  EXPECT_EQ(fake.hungUp.size(), 1U) << "it is up, though nobody has asked";
 }
 
 TEST(SystemRemoteAccess, AnswersWithoutAnyPhonebook) {
