@@ -43,7 +43,8 @@ class DialUp {
   virtual bool HangUpDialUp() = 0;
 };
 
-/// This machine's component. `pump` is called by whatever takes longer than a moment.
+/// This machine's component. `pump` is called by whatever takes longer than a moment; without one nothing
+/// does, and Entries may name those that are there only when it is asked again.
 std::unique_ptr<DialUp> MakeDialUp(Pump pump);
 
 }  // namespace quillmoor

@@ -198,7 +198,7 @@ int setSetting(const std::string& key, const std::string& value) {
 }
 
 int listDialUpEntries() {
-  for (const std::string& name : MakeDialUp({})->Entries()) std::printf("%s\n", name.c_str());
+  for (const std::string& name : MakeDialUp([] {})->Entries()) std::printf("%s\n", name.c_str());
   return kDone;
 }
 

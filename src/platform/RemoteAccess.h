@@ -56,8 +56,8 @@ class RemoteAccess {
 
 /// This machine's: the remote-access functions of Windows (rasapi32.dll), NetworkManager on Linux. On a
 /// machine without them there are no entries and no connections. Asks nothing of the system until it is used.
-/// Without a pump nobody waits to learn of a connection: what is not known yet is told of when it is asked
-/// for again.
+/// Without a pump nobody waits to learn of a connection or an entry: what is not known yet is told of when it
+/// is asked for again, and an entry that turns out not to be there may end its dial instead of being refused.
 std::unique_ptr<RemoteAccess> MakeRemoteAccess(Pump pump);
 
 }  // namespace quillmoor

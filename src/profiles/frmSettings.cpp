@@ -293,6 +293,7 @@ void frmSettings::tmrOnlineStatus_Timer() {
 
 void frmSettings::tmrLANstatus_Timer() {
   ShowText(lblLANstatus, IsLanConnected(sources_.network) ? "Connected" : "Not Connected");
+  refillConnections();
 }
 
 void frmSettings::tmrTimeNow_Timer() {
@@ -303,7 +304,7 @@ void frmSettings::tmrTimeNow_Timer() {
   setNote(lblSchedule, wxString::FromUTF8("In force: " + inForce));
 }
 
-/// The system may not have been able to name its connections yet when the form was loaded.
+/// The system may not have named its connections yet when the form was loaded: the form does not wait for it.
 void frmSettings::refillConnections() {
   if (cboConnections->GetCount() != 0) return;
   Guarded([&] {

@@ -229,7 +229,8 @@ TEST_F(SettingsFormTest, OffersTheConnectionsThatTheSystemNamesLater) {
   open();
   EXPECT_EQ(s->cboConnections->GetCount(), 0u);
   line.entries = {"Office", "home & co", "Home & Co"};
-  for (int shown = 0; shown < 2; ++shown) s->wake();
+  EXPECT_TRUE(waitUntil([&] { return s->cboConnections->GetCount() != 0; })) << "with nobody's doing";
+  s->wake();
   EXPECT_EQ(s->cboConnections->GetCount(), 3u) << "each once";
   EXPECT_EQ(s->cboConnections->GetStringSelection(), "Home & Co");
 }

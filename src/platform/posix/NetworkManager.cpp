@@ -13,6 +13,7 @@ namespace {
 constexpr std::int64_t kAnswerLastsMs = 1'000;
 constexpr std::int64_t kNothingToDialLastsMs = 30'000;
 constexpr std::int64_t kStillGoodMs = 2'000;        // past that; then one waits for the next answer
+constexpr std::int64_t kFollowUpMs = 2'000;         // from one look at the entries to the next
 constexpr std::int64_t kPatienceMs = 3'000;         // of one who waits
 constexpr std::int64_t kQueryTimeoutMs = 10'000;    // an nmcli that hangs is ended
 constexpr std::int64_t kHangUpPatienceMs = 12'000;  // more than nmcli is given below
@@ -78,7 +79,11 @@ NetworkManager::~NetworkManager() {
 }
 
 std::vector<std::string> NetworkManager::entries() {
-  refresh(Answer::fresh);
+  // Who asks again and again follows up the question that the first time has asked.
+  const std::int64_t now = TickCountMs();
+  const bool followsUp = entriesAskedAt_ && now - *entriesAskedAt_ < kFollowUpMs;
+  entriesAskedAt_ = now;
+  refresh(!pump_ && followsUp ? Answer::known : Answer::fresh);
   std::vector<std::string> names;
   for (const Profile& profile : profiles_) {
     // NetworkManager allows several profiles of one name; a name dials the first.
@@ -93,18 +98,41 @@ void NetworkManager::dial(const std::string& entry) {
     refresh(Answer::fresh);
     profile = find(&Profile::name, entry);
   }
-  if (!profile) throw std::runtime_error("There is no dial-up entry " + entry + ".");
-  uuid_ = profile->uuid;
-  connected_ = toldActivating_ = downFailed_ = false;
-  up_.emplace(std::vector<std::string>{"nmcli", "--wait", "170", "connection", "up", "uuid", uuid_});
+  if (!profile && (pump_ || !query_)) throw std::runtime_error("There is no dial-up entry " + entry + ".");
+  connected_ = toldActivating_ = over_ = false;
+  toDial_.reset();
+  if (profile) return beginUp(*profile);
+  toDial_ = entry;
 }
 
 void NetworkManager::close() {
   connected_ = false;
+  over_ = toDial_.has_value();
+  toDial_.reset();
+  if (over_) return;
   try {
     beginDown();
   } catch (const std::system_error&) {
-    downFailed_ = true;
+    over_ = true;
+  }
+}
+
+void NetworkManager::beginUp(const Profile& profile) {
+  uuid_ = profile.uuid;
+  up_.emplace(std::vector<std::string>{"nmcli", "--wait", "170", "connection", "up", "uuid", uuid_});
+}
+
+/// Once the answer is there that may name the entry.
+void NetworkManager::dialWhatWaits() {
+  refresh(Answer::known);
+  if (query_) return;
+  const Profile* const profile = find(&Profile::name, *toDial_);
+  toDial_.reset();
+  over_ = !profile;
+  try {
+    if (profile) beginUp(*profile);
+  } catch (const std::system_error&) {
+    over_ = true;
   }
 }
 
@@ -116,9 +144,10 @@ void NetworkManager::beginDown() {
 
 std::vector<std::int32_t> NetworkManager::takeStates() {
   std::vector<std::int32_t> states;
-  if (downFailed_ || (down_ && down_->poll())) {
+  if (toDial_) dialWhatWaits();
+  if (over_ || (down_ && down_->poll())) {
     down_.reset();
-    downFailed_ = false;
+    over_ = false;
     askAgain();
     states.push_back(kDialUpDisconnected);
   } else if (up_ && up_->poll()) {
@@ -213,7 +242,7 @@ void NetworkManager::refresh(Answer wanted) {
       return;
     }
   }
-  if (wanted == Answer::known && (!pump_ || age < lasts + kStillGoodMs)) return;
+  if (!pump_ || (wanted == Answer::known && age < lasts + kStillGoodMs)) return;
   {
     const Waiting waiting(waiting_);
     waitFor(*query_, kPatienceMs);

@@ -19,7 +19,8 @@ std::vector<std::vector<std::string>> ParseTerseOutput(std::string_view output);
 
 /// Asks by one `nmcli connection show` for entries and connections alike. It runs in the background; what it
 /// said last is the answer for a second, and for half a minute where there is nothing to dial at all. Only
-/// one who has not asked for longer waits for the new answer.
+/// one who has not asked for longer, or wants to know the entries, waits for the new answer; without a pump
+/// nobody does, and a dial of an entry that is not known yet begins when the answer is there.
 class NetworkManager final : public RemoteAccess {
  public:
   explicit NetworkManager(Pump pump) : pump_(std::move(pump)) {}
@@ -46,7 +47,9 @@ class NetworkManager final : public RemoteAccess {
   void askAgain();
   void takeAnswer();
   bool waitFor(ChildProcess& child, std::int64_t mostMs);
+  void beginUp(const Profile& profile);
   void beginDown();
+  void dialWhatWaits();
   const Profile* find(std::string Profile::*field, const std::string& value) const;
   std::uint64_t handleOf(const std::string& uuid);
 
@@ -59,11 +62,14 @@ class NetworkManager final : public RemoteAccess {
   bool waiting_ = false;                    // for query_, inside the pump perhaps
   bool overtaken_ = false;                  // query_ began before what it asks for changed
 
-  std::string uuid_;  // being dialled, connected or closed
+  std::optional<std::int64_t> entriesAskedAt_;  // ms, TickCountMs
+
+  std::optional<std::string> toDial_;  // the entry that an answer has yet to name
+  std::string uuid_;                   // being dialled, connected or closed
   std::optional<ChildProcess> up_, down_;
   bool connected_ = false;
   bool toldActivating_ = false;
-  bool downFailed_ = false;
+  bool over_ = false;  // nothing goes on any more, and nobody has been told
 };
 
 }  // namespace quillmoor

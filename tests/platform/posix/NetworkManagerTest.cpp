@@ -140,7 +140,7 @@ TEST_F(NmcliTest, HasNoEntriesWithoutNetworkManager) {
     shows(c.shown);
     writeFile(folder / "status", c.status);
     if (c.path) setEnvironment("PATH", c.path);
-    const auto other = MakeRemoteAccess({});
+    const auto other = MakeRemoteAccess([] {});
     EXPECT_THAT(other->entries(), IsEmpty()) << c.name;
     EXPECT_THAT(other->activeConnections(), IsEmpty()) << c.name;
     EXPECT_THROW(other->dial("Mobile"), std::runtime_error) << c.name;
@@ -153,6 +153,40 @@ TEST_F(NmcliTest, WithoutAPumpNobodyWaitsForAConnection) {
   const auto other = MakeRemoteAccess({});
   EXPECT_THAT(other->activeConnections(), IsEmpty()) << "it waited for the answer";
   EXPECT_TRUE(comesTrue([&] { return other->activeConnections().size() == 1; }));
+}
+
+TEST_F(NmcliTest, WithoutAPumpNobodyWaitsForAnEntry) {
+  const auto other = MakeRemoteAccess({});
+  EXPECT_THAT(other->entries(), IsEmpty()) << "it waited for the answer";
+  EXPECT_TRUE(comesTrue([&] { return !other->entries().empty(); }));
+  EXPECT_THAT(other->entries(), ElementsAre("Mobile"));
+}
+
+TEST_F(NmcliTest, WithoutAPumpADialWaitsForItsEntryInTheBackground) {
+  system = MakeRemoteAccess({});
+  system->dial("Mobile");
+  EXPECT_TRUE(comesTrue([&] {
+    EXPECT_THAT(system->takeStates(), IsEmpty());
+    return !calls().empty();
+  }));
+  dialEnds(0);
+  EXPECT_TRUE(reaches(kDialUpConnected));
+
+  const struct {
+    const char* name;
+    const char* entry;
+    bool closed;
+  } cases[] = {{"no such entry", "Elsewhere", false}, {"closed meanwhile", "Mobile", true}};
+  for (const auto& c : cases) {
+    system = MakeRemoteAccess({});
+    system->dial(c.entry);
+    if (c.closed) system->close();
+    states.clear();
+    EXPECT_TRUE(reaches(kDialUpDisconnected)) << c.name;
+    EXPECT_THAT(states, ElementsAre(kDialUpDisconnected)) << c.name;
+    EXPECT_THAT(system->takeStates(), IsEmpty()) << c.name;
+  }
+  EXPECT_EQ(calls().size(), 1U) << "only the one that was there";
 }
 
 TEST_F(NmcliTest, DialsUntilConnectedAndNoticesTheEnd) {
