@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace quillmoor {
 namespace {
@@ -35,16 +37,37 @@ std::int32_t nearestClass(int nice) {
   return nearest->priorityClass;
 }
 
-/// Linux keeps a nice value for each thread; new ones inherit that of the thread that makes them.
-void setNice(std::uint32_t process, int nice) {
-  ::setpriority(PRIO_PROCESS, process, nice);
+struct Thread {
+  id_t id;
+  int nice;
+};
+
+std::vector<Thread> threadsOf(std::uint32_t process) {
+  std::vector<Thread> threads;
   std::error_code none;
-  const std::filesystem::path threads = "/proc/" + std::to_string(process) + "/task";
-  for (std::filesystem::directory_iterator at(threads, none), end; !none && at != end; at.increment(none)) {
+  const std::filesystem::path folder = "/proc/" + std::to_string(process) + "/task";
+  for (std::filesystem::directory_iterator at(folder, none), end; !none && at != end; at.increment(none)) {
     const std::string name = at->path().filename().string();
-    id_t thread = 0;
-    const auto [rest, error] = std::from_chars(name.data(), name.data() + name.size(), thread);
-    if (error == std::errc() && thread != 0) ::setpriority(PRIO_PROCESS, thread, nice);
+    id_t id = 0;
+    const auto [rest, error] = std::from_chars(name.data(), name.data() + name.size(), id);
+    const auto nice = error == std::errc() && id != 0 ? niceOf(id) : std::nullopt;
+    if (nice) threads.push_back({id, *nice});
+  }
+  return threads;
+}
+
+/// Linux keeps a nice value for each thread; new ones inherit that of the thread that makes them. One that
+/// has stepped back stays as far behind.
+void setNice(std::uint32_t process, int nice) {
+  const std::vector<Thread> threads = threadsOf(process);  // as long as none has inherited the new value
+  const auto before = niceOf(process);
+  ::setpriority(PRIO_PROCESS, process, nice);
+  const auto inForce = niceOf(process);
+  if (!before || !inForce) return;
+  constexpr int kFirst = -20, kLast = 19;
+  for (const Thread& thread : threads) {
+    if (thread.id == process) continue;
+    ::setpriority(PRIO_PROCESS, thread.id, std::clamp(*inForce + thread.nice - *before, kFirst, kLast));
   }
 }
 

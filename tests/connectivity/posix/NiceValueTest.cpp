@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "connectivity/modProcessPriority.h"
+#include "platform/ProcessPriority.h"
 
 namespace quillmoor::modProcessPriority {
 namespace {
@@ -75,20 +76,42 @@ TEST(NiceValues, ReadAsTheNearestClass) {
   }
 }
 
+/// What a thread has that ran before the process came into a class.
+int niceOfWorker(bool steppedBack, std::int32_t priorityClass) {
+  std::atomic<int> step = 0;
+  const auto take = [&](int next) {
+    step = next;
+    step.notify_one();
+  };
+  int seen = -1;
+  std::thread worker([&] {
+    if (steppedBack) StepBack();
+    take(1);
+    step.wait(1);
+    seen = ::getpriority(PRIO_PROCESS, 0);
+  });
+  step.wait(0);
+  SetPriority(0, 0, priorityClass);
+  take(2);
+  worker.join();
+  return seen;
+}
+
 TEST(NiceValues, HoldForThreadsThatRunAlready) {
-  EXPECT_TRUE(inChild([] {
-    std::atomic<bool> niced = false;
-    std::atomic<int> seen = -1;
-    std::thread worker([&] {
-      niced.wait(false);
-      seen = ::getpriority(PRIO_PROCESS, 0);
-    });
-    SetPriority(0, 0, 64);
-    niced = true;
-    niced.notify_one();
-    worker.join();
-    return seen == 19;
-  }));
+  const struct {
+    const char* name;
+    bool steppedBack;
+    std::int32_t priorityClass;
+    int behind;
+  } cases[] = {{"beside the others", false, 64, 0},
+               {"stepped back", true, 16384, 5},
+               {"stepped back, at the end of the range", true, 64, 0}};
+  for (const auto& c : cases) {
+    EXPECT_TRUE(inChild([&] {
+      const int seen = niceOfWorker(c.steppedBack, c.priorityClass);
+      return seen == ::getpriority(PRIO_PROCESS, 0) + c.behind;
+    })) << c.name;
+  }
 }
 
 }  // namespace
