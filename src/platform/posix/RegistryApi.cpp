@@ -173,9 +173,10 @@ void setValue(std::uint32_t root, const std::string& path, const std::string& na
     }
     return true;
   });
-  if (!sameName(full, kRunKey) || data.type != RegistryType::text) return;
+  const bool expands = data.type == RegistryType::expandText;
+  if (!sameName(full, kRunKey) || (!expands && data.type != RegistryType::text)) return;
   try {
-    WriteAutostartEntry(name, data.bytes);
+    WriteAutostartEntry(name, expands ? expandEnvironment(data.bytes) : data.bytes);
   } catch (const std::exception& error) {
     throw RegistryStoreError(std::string("The entry is stored, but the desktop cannot be told: ") +
                              error.what() + ".");

@@ -155,6 +155,16 @@ TEST_F(RegistryStore, KeepsTheDesktopsEntryInStep) {
   }
   mAutoRun::SetAutoRun(Mode::always);
   EXPECT_THAT(contentsOf(desktopEntry), HasSubstr("\nExec=\"" + ProgramFolder() + ProgramName() + "\"\n"));
+
+  cRegistry run;
+  run.ClassKey = HKEY_LOCAL_MACHINE_VALUE;
+  run.SectionKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+  run.ValueKey = ProgramName();
+  testing::setEnvironment("QUILLMOOR_TEST_FOLDER", "/opt");
+  run.SetValue(std::string("%QUILLMOOR_TEST_FOLDER%/100%x%/program"));
+  testing::unsetEnvironment("QUILLMOOR_TEST_FOLDER");
+  EXPECT_THAT(contentsOf(desktopEntry), HasSubstr("\nExec=\"/opt/100%%x%%/program\"\n"))
+      << "a value with references to the environment";
 }
 
 }  // namespace
