@@ -24,9 +24,10 @@ std::string GetPrivateProfileString(std::string_view section, std::string_view k
 /// Names of the sections in the order of the file, as far as they fit into the buffer.
 std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file);
 
-/// Writes "key=value": over the first such key of the section, else behind its last line; a missing section
-/// is added at the end of the file, a missing file created. False when the file cannot be written; it is then
-/// as before.
+/// Writes "key=value", without blanks before the value: over the first such key of the section, whose name
+/// stays spelled as it is, else behind its last line. A line that holds the value stays as it is; a missing
+/// section is added at the end of the file, a missing file created. False when the file cannot be written; it
+/// is then as before.
 bool WritePrivateProfileString(std::string_view section, std::string_view key, std::string_view value,
                                const std::string& file);
 

@@ -2,6 +2,7 @@
 // platform.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,8 +51,10 @@ inline std::vector<IniReadCase> iniReadCases() {
 struct IniWriteCase {
   const char* name;
   std::string before;
-  const char *section, *key, *value;
+  const char *section, *key;
+  std::string value;
   std::string after;
+  std::optional<std::string> read{};  // what is read then, where it is not the value
 };
 
 inline std::vector<IniWriteCase> iniWriteCases() {
@@ -68,6 +71,22 @@ inline std::vector<IniWriteCase> iniWriteCases() {
       {"section with a bracket", "", "a]b", "k", "v", "[a]b]\r\nk=v\r\n"},
       {"the first of two sections", "[s]\r\nk=1\r\n[s]\r\nk=2\r\n", "s", "k", "3",
        "[s]\r\nk=3\r\n[s]\r\nk=2\r\n"},
+      {"the first of two keys", "[s]\r\nk=1\r\nk=2\r\n", "s", "k", "3", "[s]\r\nk=3\r\nk=2\r\n"},
+      {"a name spelled otherwise", "[S]\r\n Key = 1\r\n", "s", "kEY", "2", "[S]\r\nKey=2\r\n"},
+      {"the value that is there", "[s]\r\n k = v \r\n", "s", "K", "v", "[s]\r\n k = v \r\n"},
+      {"the value that is there in quotes", "[s]\r\nk=\"v\"\r\n", "s", "k", "v", "[s]\r\nk=v\r\n"},
+      {"double quotes", "", "s", "k", "\"v\"", "[s]\r\nk=\"v\"\r\n", "v"},
+      {"single quotes", "", "s", "k", "'v'", "[s]\r\nk='v'\r\n", "v"},
+      {"quotes inside", "", "s", "k", "a \"b\" 'c", "[s]\r\nk=a \"b\" 'c\r\n"},
+      {"quoted blanks", "", "s", "k", "\" v \"", "[s]\r\nk=\" v \"\r\n", " v "},
+      {"blanks inside", "", "s", "k", "a  b\tc", "[s]\r\nk=a  b\tc\r\n"},
+      {"blanks around", "", "s", "k", " \tv ", "[s]\r\nk=v \r\n", "v"},
+      {"blanks alone", "", "s", "k", "  ", "[s]\r\nk=\r\n", ""},
+      {"a long value", "[s]\r\nk=1\r\nj=2\r\n", "s", "k", std::string(90'000, 'x'),
+       "[s]\r\nk=" + std::string(90'000, 'x') + "\r\nj=2\r\n"},
+      {"a value longer than is read", "", "s", "k", std::string(150'000, 'x'),
+       "[s]\r\nk=" + std::string(150'000, 'x') + "\r\n", std::string(99'999, 'x')},
+      {"umlauts", "[\xE4]\r\n\xF6=1\r\n", "\xE4", "\xF6", "\xFC\xDF", "[\xE4]\r\n\xF6=\xFC\xDF\r\n"},
   };
 }
 

@@ -45,7 +45,8 @@ struct Line {
     if (line.empty() || line[0] == ';' || equals == std::string_view::npos) return std::nullopt;
     return trimmed(line.substr(0, equals));
   }
-  std::string_view value() const { return unquoted(trimmed(text.substr(text.find('=') + 1))); }
+  std::string_view written() const { return trimmed(text.substr(text.find('=') + 1)); }
+  std::string_view value() const { return unquoted(written()); }
 };
 
 std::vector<Line> linesOf(std::string_view text) {
@@ -109,6 +110,8 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key, s
                                const std::string& file) {
   const auto text = ReadProfileFile(file);
   if (!text) return false;
+  // Blanks behind the value are written, those before it are not.
+  value.remove_prefix(std::min(value.find_first_not_of(kBlanks), value.size()));
   std::string entry(trimmed(key));
   entry.append("=").append(value).append("\r\n");
   // A line break would begin a line of its own, which could be anything.
@@ -129,8 +132,10 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key, s
   for (std::size_t i = range.header + 1; i < range.end; ++i) {
     const auto name = lines[i].key();
     if (name && SameAnsiName(*name, trimmed(key))) {
+      if (lines[i].written() == value) return true;
       std::string changed = text->substr(0, lines[i].begin);
-      return WriteProfileFile(file, *text, changed.append(entry).append(*text, lines[i].end));
+      changed.append(*name).append("=").append(value).append("\r\n");  // the name as it stands there
+      return WriteProfileFile(file, *text, changed.append(*text, lines[i].end));
     }
     // Blank lines at the end of a section stay between it and the next.
     if (!trimmed(lines[i].text).empty()) behind = lines[i].end;
