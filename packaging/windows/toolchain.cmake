@@ -15,5 +15,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # Windows 10 is the oldest system that is supported. The compiler's own libraries go into the program.
 set(CMAKE_C_FLAGS_INIT "-D_WIN32_WINNT=0x0A00")
-set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0A00")
+# -fno-ipa-ra: the compiler believes to know which registers an inline function leaves alone, but the linker may take
+# another file's copy of it, which was compiled otherwise and leaves others. (On ELF systems it does not believe that.)
+set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0A00 -fno-ipa-ra")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
