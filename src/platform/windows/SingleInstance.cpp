@@ -1,11 +1,38 @@
 #include "platform/SingleInstance.h"
 
+// clang-format off
 #include <windows.h>
+#include <sddl.h>
+// clang-format on
+
+#include <string>
 
 namespace quillmoor {
+namespace {
 
+/// The account as text; empty when the system does not tell.
+std::wstring accountId() {
+  HANDLE token = nullptr;
+  if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token)) return {};
+  alignas(TOKEN_USER) char user[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
+  DWORD size = 0;
+  wchar_t* text = nullptr;
+  std::wstring id;
+  if (::GetTokenInformation(token, TokenUser, user, sizeof user, &size) &&
+      ::ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(user)->User.Sid, &text)) {
+    id = text;
+    ::LocalFree(text);
+  }
+  ::CloseHandle(token);
+  return id;
+}
+
+}  // namespace
+
+/// Of all sessions of the user: he may be at the machine and at a remote desktop of it at once.
 SingleInstance::SingleInstance() {
-  const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, L"Local\\Quillmoor");
+  const std::wstring name = L"Global\\Quillmoor-" + accountId();
+  const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, name.c_str());
   another_ = mutex && ::GetLastError() == ERROR_ALREADY_EXISTS;
   if (mutex) handle_ = reinterpret_cast<std::intptr_t>(mutex);
 }
