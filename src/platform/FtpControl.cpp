@@ -133,8 +133,10 @@ std::optional<FtpReply> FtpControl::pollReply() {
 
 FtpReply FtpControl::readReply(Deadline deadline) {
   // Replies that are there already are no reason to forget the pump, or the time: they may be without end.
-  io_.pumpIfDue();
-  if (std::chrono::steady_clock::now() >= deadline) raiseSilent();
+  // The time is that before the pump: in a box of the user's it may have passed while a reply came.
+  const auto now = std::chrono::steady_clock::now();
+  io_.pumpIfDue(now);
+  if (now >= deadline) raiseSilent();
   std::optional<FtpReply> reply = reader_.next();
   // Behind a command the reply is never there yet, so the first thing is to wait: that saves a vain read.
   const auto arrived = [&] {

@@ -83,8 +83,9 @@ asio::error_code readSome(PumpedIo& io, TcpChannel& channel, char* bytes, std::s
                           Deadline deadline) {
   for (;;) {
     // Drops are no reason to forget the pump or the time.
-    io.pumpIfDue();
-    if (std::chrono::steady_clock::now() >= deadline) return asio::error::timed_out;
+    const auto now = std::chrono::steady_clock::now();  // the pump may take longer than there is left
+    io.pumpIfDue(now);
+    if (now >= deadline) return asio::error::timed_out;
     asio::error_code error;
     size = channel.socket.read_some(asio::buffer(bytes, most), error);
     if (error == asio::error::would_block || error == asio::error::interrupted) {
