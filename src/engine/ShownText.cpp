@@ -23,7 +23,7 @@ std::size_t AppendShown(std::string& shown, std::string_view text) {
       const std::string ansi = FromAnsi(text.substr(0, 1));
       shown += isControl(DecodeUtf8(ansi).character) ? "?" : ansi;
     } else if (isControl(one.character)) {
-      shown += '?';
+      shown += one.character == '\t' ? ' ' : '?';
     } else {
       shown += text.substr(0, bytes);
     }

@@ -181,7 +181,7 @@ std::string printableReply(std::string_view replyText, std::string_view secret) 
     if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
       ++i;
     } else if (c < 0x20 || c == 0x7F) {
-      text[i] = '?';
+      text[i] = c == '\t' ? ' ' : '?';
     }
   }
   return text;
