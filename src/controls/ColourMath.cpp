@@ -48,4 +48,8 @@ Rgb ReadableOn(Rgb text, Rgb background, double ratio) {
   return ink;
 }
 
+Rgb ShownOn(Rgb given, Rgb background) {
+  return InkOn(background) == Rgb{} ? given : ReadableOn(given, background);
+}
+
 }  // namespace quillmoor

@@ -27,4 +27,8 @@ Rgb InkOn(Rgb background);
 /// the guidelines ask for.
 Rgb ReadableOn(Rgb text, Rgb background, double ratio = 4.5);
 
+/// For texts whose colours say something: as it is given on a light background, whatever its contrast, and
+/// as `ReadableOn` has it on a dark one.
+Rgb ShownOn(Rgb given, Rgb background);
+
 }  // namespace quillmoor

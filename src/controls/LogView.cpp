@@ -16,10 +16,11 @@ namespace {
 
 constexpr std::size_t kLongestDrawn = 4096;  // bytes of one line; what is beyond is not shown
 
-/// Black is the colour of a text that was given none: it is the theme's then.
-Rgb inTheDark(Rgb given, Rgb background) {
-  return given == Rgb{} ? FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT))
-                        : ReadableOn(given, background);
+/// Black is the colour of a text that was given none: in the dark it is the theme's then.
+Rgb shownOn(Rgb given, Rgb background) {
+  return given == Rgb{} && InkOn(background) != Rgb{}
+             ? FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT))
+             : ShownOn(given, background);
 }
 
 wxString textOf(const std::string& utf8, std::size_t begin, std::size_t end) {
@@ -164,8 +165,6 @@ void LogView::drawLine(wxDC& dc, std::size_t index, int y, int left) {
 void LogView::drawText(wxDC& dc, const LogLine& line, std::size_t begin, std::size_t end, int x, int y,
                        const wxColour* ink) {
   const Rgb background = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
-  // On white the colours are drawn as they are, whatever their contrast: so they are given.
-  const bool dark = ContrastRatio(background, {255, 255, 255}) > ContrastRatio(background, {0, 0, 0});
   for (std::size_t r = 0; r < line.runs.size(); ++r) {
     const std::size_t runEnd = r + 1 < line.runs.size() ? line.runs[r + 1].begin : line.text.size();
     const std::size_t from = std::max(line.runs[r].begin, begin);
@@ -173,7 +172,7 @@ void LogView::drawText(wxDC& dc, const LogLine& line, std::size_t begin, std::si
     if (from >= to) continue;
     const Colour& colour = line.runs[r].colour;
     const Rgb given{colour.red, colour.green, colour.blue};
-    dc.SetTextForeground(ink ? *ink : ToWx(dark ? inTheDark(given, background) : given));
+    dc.SetTextForeground(ink ? *ink : ToWx(shownOn(given, background)));
     const wxString text = textOf(line.text, from, to);
     DrawTextQuickly(dc, text, x, y);
     if (to < end) x += dc.GetTextExtent(text).x;

@@ -58,7 +58,7 @@ class ReportControl::Model : public wxDataViewVirtualListModel {
     if (one.coloured) {
       const Rgb background = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
       const Rgb colour{one.colour.red, one.colour.green, one.colour.blue};
-      attribute.SetColour(ToWx(ReadableOn(colour, background)));
+      attribute.SetColour(ToWx(ShownOn(colour, background)));
     }
     return one.bold || one.coloured;
   }
