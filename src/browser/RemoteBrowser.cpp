@@ -64,7 +64,11 @@ void RemoteBrowser::refresh() {
 }
 
 void RemoteBrowser::changeFolder(const std::string& path) {
-  if (path.empty()) return;
+  if (path.empty() || !takesFolder()) return;
+  if (busy_ && !testingLinks_) {
+    next_ = [this, path] { changeFolder(path); };
+    return;
+  }
   const auto known = folders_.find(path);
   enter(known == folders_.end() ? path : known->second);
 }

@@ -67,7 +67,8 @@ class RemoteBrowser final : private BrowserEvents {
 
   /// Double click or Enter on a row.
   void activate(std::size_t row);
-  /// "Ch Dir", a choice in `cmbRemoteDir`, or Enter in it: `path` is what the box holds.
+  /// "Ch Dir", a choice in `cmbRemoteDir`, or Enter in it: `path` is what the box holds. While busy
+  /// it is changed to when that is over, the last one of several.
   void changeFolder(const std::string& path);
   /// "Refresh".
   void refresh();
@@ -97,7 +98,9 @@ class RemoteBrowser final : private BrowserEvents {
   /// An operation is in progress.
   bool busy() const { return busy_; }
   /// A command that lists a folder would do so, now or behind the tests of links.
-  bool takesListing() const { return begun_ && !closing_ && (!busy_ || testingLinks_); }
+  bool takesListing() const { return takesFolder() && (!busy_ || testingLinks_); }
+  /// `changeFolder` does something.
+  bool takesFolder() const { return begun_ && !closing_; }
   /// True after a login without error.
   bool loggedIn() const { return loggedIn_; }
 

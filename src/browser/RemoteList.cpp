@@ -23,8 +23,8 @@ constexpr std::size_t kSingly = 200;
 class RemoteList::Model : public wxDataViewVirtualListModel {
  public:
   Model(const RemoteBrowser& browser, const RemoteList& list) : browser_(browser), list_(list) {
-    for (std::size_t i = 0; i < pictures_.size(); ++i)
-      pictures_[i] = Picture("browser/" + std::string(kIconKeys[i]));
+    for (std::size_t i = 0; i < imgSmallIcon.size(); ++i)
+      imgSmallIcon[i] = Picture("browser/" + std::string(kIconKeys[i]));
   }
 
   void GetValueByRow(wxVariant& value, unsigned row, unsigned column) const override {
@@ -36,7 +36,7 @@ class RemoteList::Model : public wxDataViewVirtualListModel {
     const wxString text = known ? wxString::FromUTF8(browser_.cell(row, column - kNameColumn)) : wxString();
     if (column == kNameColumn) {
       const auto icon = known ? browser_.icon(row) : RowIcon::File;
-      value << wxDataViewIconText(text, pictures_.at(static_cast<std::size_t>(icon)));
+      value << wxDataViewIconText(text, imgSmallIcon.at(static_cast<std::size_t>(icon)));
     } else {
       value = text;
     }
@@ -51,7 +51,7 @@ class RemoteList::Model : public wxDataViewVirtualListModel {
  private:
   const RemoteBrowser& browser_;
   const RemoteList& list_;
-  std::array<wxBitmapBundle, kIconKeys.size()> pictures_;
+  std::array<wxBitmapBundle, kIconKeys.size()> imgSmallIcon;
 };
 
 RemoteList::RemoteList(wxWindow* parent, const RemoteBrowser& browser)

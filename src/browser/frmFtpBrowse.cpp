@@ -55,7 +55,10 @@ frmFtpBrowse::frmFtpBrowse(wxWindow* parent, const BrowsedSite& site, const Appl
   tmrKeepAlive.Start(RemoteBrowser::kKeepAliveMs);
 }
 
-frmFtpBrowse::~frmFtpBrowse() = default;
+/// The list and the log show what the browser holds.
+frmFtpBrowse::~frmFtpBrowse() {
+  DestroyChildren();
+}
 
 void frmFtpBrowse::layOut() {
   const int gap = FromDIP(kGap);
@@ -95,7 +98,7 @@ void frmFtpBrowse::layOut() {
   list->Add(lvwRemote, wxSizerFlags(1).Expand());
   list->Add(foot, wxSizerFlags().Expand().Border(wxTOP | wxBOTTOM, gap));
   upper->SetSizer(list);
-  txtLog = new LogView(halves, browser_->log());
+  txtLog = new LogView(halves, browser_->log(), "txtLog", "Log of the connection");
   halves->SetMinimumPaneSize(FromDIP(50));
   halves->SetSashGravity(1);
   halves->SplitHorizontally(upper, txtLog, -FromDIP(kLogHeight));
@@ -171,7 +174,7 @@ void frmFtpBrowse::takeTypedFolder() {
 }
 
 void frmFtpBrowse::changeFolder() {
-  takeTypedFolder();
+  if (browser_->takesFolder()) shownFolder_ = cmbRemoteDir->GetValue();
   browser_->changeFolder(cmbRemoteDir->GetValue().utf8_string());
 }
 

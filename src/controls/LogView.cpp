@@ -37,11 +37,12 @@ std::size_t drawnBytes(const LogLine& line) {
 
 }  // namespace
 
-LogView::LogView(wxWindow* parent, const LogText& log) : log_(log) {
+LogView::LogView(wxWindow* parent, const LogText& log, const wxString& name, const wxString& spokenName)
+    : log_(log) {
   SetBackgroundStyle(wxBG_STYLE_PAINT);
   Create(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-         wxHSCROLL | wxVSCROLL | wxBORDER_THEME | wxWANTS_CHARS, "rtfLog");
-  SetAccessibleName(*this, "Log of the backup run");
+         wxHSCROLL | wxVSCROLL | wxBORDER_THEME | wxWANTS_CHARS, name);
+  SetAccessibleName(*this, spokenName);
   SetCursor(wxCursor(wxCURSOR_IBEAM));
   measure();
   SetInitialSize(wxSize(20 * characterWidth_, 4 * lineHeight_));

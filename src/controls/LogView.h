@@ -19,7 +19,7 @@ namespace quillmoor {
 class LogView : public wxScrolled<wxWindow> {
  public:
   /// `log` must outlive this.
-  LogView(wxWindow* parent, const LogText& log);
+  LogView(wxWindow* parent, const LogText& log, const wxString& name, const wxString& spokenName);
 
   /// The log has grown: the newest line comes into view within kShowEvery. May be called for every line.
   void logChanged();

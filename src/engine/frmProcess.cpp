@@ -95,7 +95,7 @@ void frmProcess::layOut() {
                                             wxSP_LIVE_UPDATE | wxSP_NO_XP_THEME);
   halves->SetMinimumPaneSize(FromDIP(kLowestLog));
   halves->SetSashGravity(1);
-  rtfLog = new LogView(halves, log_);
+  rtfLog = new LogView(halves, log_, "rtfLog", "Log of the backup run");
   wndReportControl = new ReportControl(halves, reportColumns(), "Profiles of the backup runs");
   halves->SplitHorizontally(rtfLog, wndReportControl);
   // Of either something is seen in the lowest window, too.

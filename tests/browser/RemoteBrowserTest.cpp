@@ -138,7 +138,7 @@ TEST_F(RemoteBrowserTest, ListsAgainOnRefresh) {
   EXPECT_THAT(view.calls, ElementsAre("busy", "cleared", "added from 0", "added from 1", "idle"));
 }
 
-TEST_F(RemoteBrowserTest, DoesNothingWhileTheClientIsBusy) {
+TEST_F(RemoteBrowserTest, ListsOnlyAnAskedForFolderBehindWhatTheClientIsBusyWith) {
   server.addFolder("/www");
   open();
   Gate gate;
@@ -146,16 +146,17 @@ TEST_F(RemoteBrowserTest, DoesNothingWhileTheClientIsBusy) {
   browser->refresh();
   gate.waitUntilReached();
   takeUntil([&] { return browser->rowCount() == 1; });
-  browser->activate(0);
+  browser->changeFolder("/elsewhere");
   browser->changeFolder("/www");
+  browser->activate(0);
   browser->keepAlive();
   browser->refresh();
   gate.open();
   settle();
   EXPECT_EQ(server.count("CDUP"), 0U);
-  EXPECT_EQ(server.count("CWD"), 0U);
-  EXPECT_EQ(server.count("LIST"), 2U);
-  EXPECT_THAT(view.folders, ElementsAre("+/", "/"));
+  EXPECT_EQ(server.count("CWD"), 1U);
+  EXPECT_EQ(server.count("LIST"), 3U);
+  EXPECT_THAT(view.folders, ElementsAre("+/", "/", "+/www"));
 }
 
 // --- what is listed

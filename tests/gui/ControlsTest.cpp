@@ -18,7 +18,7 @@ class LogViewTest : public ::testing::Test {
  protected:
   LogViewTest() {
     frame = new wxFrame(nullptr, wxID_ANY, "log", wxDefaultPosition, wxSize(700, 400));
-    view = new LogView(frame, log);
+    view = new LogView(frame, log, "log", "Log of a test");
     frame->Show();
     EXPECT_TRUE(waitUntil([&] { return view->IsShownOnScreen() && view->GetClientSize().y > 100; }));
   }
