@@ -23,8 +23,8 @@ std::string RunTip(const std::string& title, const std::string& profile, int per
 std::string RunNotice(const std::vector<ProfileResult>& results, bool stopped, double files) {
   const auto completed = static_cast<std::size_t>(
       std::count_if(results.begin(), results.end(), [](const ProfileResult& one) { return one.completed; }));
+  if (results.empty()) return stopped ? "The backup was stopped." : "No profile is enabled.";
   std::string text = stopped ? "The backup was stopped. " : "";
-  if (results.empty()) return text + "No profile is enabled.";
   text += counted(completed, "profile") + " completed";
   if (completed != results.size()) text += ", " + std::to_string(results.size() - completed) + " not";
   return text + ". " + counted(static_cast<std::size_t>(files), "file") + ".";

@@ -28,6 +28,7 @@ TEST(RunNotice, CountsWhatBecameOfTheProfiles) {
   EXPECT_EQ(RunNotice({{"a", false}}, true, 3),
             "The backup was stopped. 0 profiles completed, 1 not. 3 files.");
   EXPECT_EQ(RunNotice({}, false, 0), "No profile is enabled.");
+  EXPECT_EQ(RunNotice({}, true, 0), "The backup was stopped.") << "while it waited for the network, say";
 }
 
 }  // namespace
