@@ -14,7 +14,6 @@
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
 #include "controls/QuickPaint.h"
-#include "engine/BackupRunning.h"
 #include "platform/ProgramFolder.h"
 
 namespace quillmoor {
@@ -180,10 +179,18 @@ void frmProcess::cmdStop_Click() {
   Animation1->Stop();
 }
 
+void frmProcess::startBackup() {
+  waitingTicks_ = 0;
+  TimerStartBackup.Start(kTimerStartBackup);
+}
+
 void frmProcess::TimerStartBackup_Timer() {
   // A run that was stopped may still be unwinding below this very tick: the next one looks again.
   if (controller_->active()) return;
-  if (boxIsOpen && boxIsOpen()) return;
+  if (mustWait && mustWait()) {
+    if (++waitingTicks_ == kTellWaitingAfter && onWaiting) onWaiting();
+    return;
+  }
   TimerStartBackup.Stop();
   stopConfirmed_ = false;
   firstRow_ = wndReportControl->rowCount();
@@ -238,7 +245,7 @@ void frmProcess::showFigures() {
   setText(lblFileSize, wxString::FromUTF8(figures_.size));
   setText(lblRate, wxString::FromUTF8(figures_.rate));
   wndReportControl->populate();
-  if (onProgress && BackupRunning) {
+  if (onProgress && controller_->active()) {  // after a Stop, too, until it is unwound
     const std::size_t rows = wndReportControl->rowCount();
     onProgress({rows > firstRow_ ? wndReportControl->item(rows - 1, 0) : std::string(), figures_.percent});
   }
@@ -259,7 +266,6 @@ void frmProcess::insertLogText(std::string_view text) {
 
 void frmProcess::showCurrentFile(const std::string& remoteFile) {
   figures_.file = remoteFile;
-  if (remoteFile.empty()) figures_.rate.clear();
   figuresChanged();
 }
 

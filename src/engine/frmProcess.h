@@ -33,7 +33,7 @@ class frmProcess : public wxPanel, private RunDisplay {
   ~frmProcess() override;
 
   /// Arms `TimerStartBackup`, from whose tick the run executes. For the scheduler.
-  void startBackup() { TimerStartBackup.Start(kTimerStartBackup); }
+  void startBackup();
 
   /// Form unload: aborts the session and a web request, stops the animation and the timers. A run that is on
   /// the stack is left to the pump, which unwinds it.
@@ -60,12 +60,15 @@ class frmProcess : public wxPanel, private RunDisplay {
   };
   std::function<void(const Outcome&)> onFinished;
 
-  /// While it says so no run starts: a run would keep the box from being answered until its end. May be
-  /// empty.
-  std::function<bool()> boxIsOpen;
+  /// While it says so no run starts: one that began inside a box's or a menu's event loop would keep it from
+  /// being answered until the run's end. May be empty.
+  std::function<bool()> mustWait;
+  /// Called once when a run has waited for that for a while: the user may have gone. May be empty.
+  std::function<void()> onWaiting;
 
   // Milliseconds.
   static constexpr int kTimerStartBackup = 100;
+  static constexpr int kTellWaitingAfter = 300;  // ticks of it
   static constexpr int kTmrFtpStatus = 100;
   static constexpr int kTmrOnlineLogin = 5;
 
@@ -135,6 +138,7 @@ class frmProcess : public wxPanel, private RunDisplay {
   std::size_t firstRow_ = 0;  // of the report, for the run in progress
   bool stopConfirmed_ = false;
   bool asking_ = false;
+  int waitingTicks_ = 0;        // of a run that is due
   bool startHadFocus_ = false;  // when it was clicked
 };
 

@@ -5,7 +5,7 @@
 
 namespace quillmoor {
 
-void NotifyRunEnded(wxWindow* parent, const std::string& title, const std::string& text) {
+void Notify(wxWindow* parent, const std::string& title, const std::string& text) {
   const wxLogNull quiet;  // a desktop without notifications is no error
   wxNotificationMessage notice(wxString::FromUTF8(title), wxString::FromUTF8(text), parent);
   notice.Show();

@@ -7,7 +7,8 @@ namespace quillmoor {
 
 struct Pane {
   int id;
-  int width, height;  // wished for, in device-independent pixels
+  int width, height;  // wished for, in device-independent pixels; one that is dragged out gets half the room
+  int side;           // of its neighbour; 1: left, which in one tab group makes no difference
   int neighbour;      // id of the pane in whose tab group it stands; 0: it opens a group of its own
   const char* title;
   const char* picture;  // 32 x 32, below assets/
@@ -21,10 +22,10 @@ inline constexpr int kHelpPane = 8;
 
 /// In the order in which they are made.
 inline constexpr std::array<Pane, 5> kPanes = {
-    {{kProfilesPane, 400, 450, 0, "Profiles", "panes/profiles"},
-     {kBackupPane, 400, 150, kProfilesPane, "Backup", "panes/backup"},
-     {kSettingsPane, 400, 150, kBackupPane, "Settings", "panes/settings"},
-     {kOptionsPane, 400, 150, kSettingsPane, "Options", "panes/options"},
-     {kHelpPane, 400, 150, kOptionsPane, "Help", "panes/help"}}};
+    {{kProfilesPane, 400, 450, 1, 0, "Profiles", "panes/profiles"},
+     {kBackupPane, 400, 150, 1, kProfilesPane, "Backup", "panes/backup"},
+     {kSettingsPane, 400, 150, 1, kBackupPane, "Settings", "panes/settings"},
+     {kOptionsPane, 400, 150, 1, kSettingsPane, "Options", "panes/options"},
+     {kHelpPane, 400, 150, 1, kOptionsPane, "Help", "panes/help"}}};
 
 }  // namespace quillmoor

@@ -16,7 +16,7 @@ std::string RunTip(const std::string& title, const std::string& profile, int per
 /// "2 profiles completed, 1 not. 1204 files."
 std::string RunNotice(const std::vector<ProfileResult>& results, bool stopped, double files);
 
-/// Shows it by the desktop's own means. Where it has none nothing is shown.
-void NotifyRunEnded(wxWindow* parent, const std::string& title, const std::string& text);
+/// Shows a notification by the desktop's own means. Where it has none nothing is shown.
+void Notify(wxWindow* parent, const std::string& title, const std::string& text);
 
 }  // namespace quillmoor

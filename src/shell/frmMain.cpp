@@ -12,6 +12,7 @@
 
 #include "connectivity/modProcessPriority.h"
 #include "controls/Pictures.h"
+#include "controls/UserHoldsEventLoop.h"
 #include "engine/BackupRunning.h"
 #include "engine/ErrorGuard.h"
 #include "platform/NetworkAlive.h"
@@ -96,6 +97,10 @@ void frmMain::Load() {
 
   Bind(wxEVT_CLOSE_WINDOW, &frmMain::onClose, this);
   Bind(wxEVT_MOVE, &frmMain::onMove, this);
+  Bind(wxEVT_ICONIZE, [this](wxIconizeEvent& event) {
+    event.Skip();
+    if (!event.IsIconized()) wakeForms();
+  });
   wxTheApp->Bind(wxEVT_QUERY_END_SESSION, &frmMain::onQueryEndSession, this);
   wxTheApp->Bind(wxEVT_END_SESSION, &frmMain::onEndSession, this);
   TimerMain.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
@@ -116,8 +121,7 @@ void frmMain::Load() {
   tmrHide.Start(kTmrHide);
 }
 
-void frmMain::savePlacement() {
-  const wxRect window = GetRect();
+void frmMain::savePlacement(const wxRect& window) {
   NotePlacement(settings, {window.x, window.y, window.width, window.height}, pixelsPerInch_);
   Guarded([&] {
     const auto write = [](const char* key, double twips) {
@@ -154,7 +158,10 @@ void frmMain::createPanes() {
 
   site->onExit = [this] { tmrEndProgram.Start(kTmrEndProgram); };
   settingsForm->onResetLayout = [this] { panes->resetLayout(); };
-  process->boxIsOpen = [this] { return boxes_.any(); };
+  process->mustWait = [this] { return boxes_.any() || tray_->handling() || UserHoldsEventLoop(); };
+  process->onWaiting = [this] {
+    Notify(this, kTitle, "A backup is due. It waits for the open window or menu to be closed.");
+  };
   process->onProgress = [this](const auto& progress) { onProgress(progress); };
   process->onFinished = [this](const auto& outcome) { onFinished(outcome); };
 }
@@ -206,6 +213,11 @@ void frmMain::restore() {
   if (IsIconized()) Iconize(false);
   showAtItsPlace();
   Raise();
+  wakeForms();
+}
+
+/// Their timers rest while nobody sees them.
+void frmMain::wakeForms() {
   site->wake();
   process->wake();
   settingsForm->wake();
@@ -269,16 +281,18 @@ void frmMain::onProgress(const frmProcess::Progress& progress) {
 void frmMain::onFinished(const frmProcess::Outcome& outcome) {
   tray_->SetTip(kTitle);
   ShowTaskbarProgress(*this, -1);
-  NotifyRunEnded(this, kTitle, RunNotice(outcome.results, outcome.stopped, outcome.files));
+  Notify(this, kTitle, RunNotice(outcome.results, outcome.stopped, outcome.files));
 }
 
 void frmMain::ExitRoutine() {
   if (ending_) return;
   ending_ = true;
   tmrPlace.Stop();
-  if (!IsIconized()) savePlacement();
+  const bool minimised = IsIconized();
+  const wxRect window = GetRect();
   Hide();
   tray_->Remove();
+  if (!minimised) savePlacement(window);
   Guarded([&] { WriteSetting(kLayoutKey, WriteLayout(panes->layout())); });
   TimerMain.Stop();
   tmrHide.Stop();

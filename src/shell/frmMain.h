@@ -107,8 +107,9 @@ class frmMain : public wxFrame {
   void createPanes();
   void createTray();
   void setAutostart();
-  void savePlacement();
+  void savePlacement(const wxRect& window);
   void leadToBox();
+  void wakeForms();
   void showAtItsPlace();
   void onMove(wxMoveEvent& event);
   void onClose(wxCloseEvent& event);

@@ -5,6 +5,7 @@
 #include <future>
 
 #include "GuiFixture.h"
+#include "controls/UserHoldsEventLoop.h"
 #include "shell/WindowPlacement.h"
 
 namespace quillmoor {
@@ -307,6 +308,38 @@ TEST_F(MainWindowTest, StartsAScheduledRunOnceTheOpenBoxIsAnswered) {
             })
       .take();
   EXPECT_TRUE(waitUntil([&] { return status() == "Completed" && !main->process->active(); })) << status();
+}
+
+TEST_F(MainWindowTest, StartsNoRunInsideAnOpenMenu) {
+  server.addFile("/a.bin", "bytes");
+  start();
+  stayOpen();
+  wxUIActionSimulator hand;  // serves events when it is made, so before the menu is due
+  int told = 0;
+  main->process->onWaiting = [&] { ++told; };
+  wxMenu menu;
+  menu.Append(wxID_ANY, "An item");
+  bool open = true;
+  main->CallAfter([&] {
+    main->PopupMenu(&menu, 20, 20);
+    open = false;
+  });
+  Steps hands([&] { hand.Char(WXK_ESCAPE); });
+  hands
+      .when([] { return UserHoldsEventLoop(); },
+            [&] {
+              main->process->startBackup();
+              main->process->TimerStartBackup.Start(1);
+            })
+      .when([&] { return told == 1; },
+            [&] {
+              EXPECT_TRUE(open && !main->process->active()) << "the menu cannot be closed until the run ends";
+              hand.Char(WXK_ESCAPE);
+            })
+      .take();
+  EXPECT_TRUE(waitUntil([&] { return status() == "Completed" && !main->process->active(); })) << status();
+  EXPECT_FALSE(open);
+  EXPECT_EQ(told, 1);
 }
 
 TEST_F(MainWindowTest, LetsTheSessionEndAndKeepsItsPlacement) {

@@ -1,0 +1,16 @@
+#include "controls/UserHoldsEventLoop.h"
+
+#include <windows.h>
+
+namespace quillmoor {
+
+/// A scroll bar has no mark of its own among these, but it captures the mouse.
+bool UserHoldsEventLoop() {
+  GUITHREADINFO info{};
+  info.cbSize = sizeof info;
+  if (!::GetGUIThreadInfo(::GetCurrentThreadId(), &info)) return false;
+  return (info.flags & (GUI_INMENUMODE | GUI_INMOVESIZE | GUI_POPUPMENUMODE | GUI_SYSTEMMENUMODE)) != 0 ||
+         info.hwndCapture != nullptr;
+}
+
+}  // namespace quillmoor
