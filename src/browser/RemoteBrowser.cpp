@@ -67,6 +67,7 @@ void RemoteBrowser::changeFolder(const std::string& path) {
   if (path.empty() || !takesFolder()) return;
   if (busy_ && !testingLinks_) {
     next_ = [this, path] { changeFolder(path); };
+    session_->session().skipLinkTests = true;
     return;
   }
   const auto known = folders_.find(path);

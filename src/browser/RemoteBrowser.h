@@ -61,9 +61,9 @@ class RemoteBrowser final : private BrowserEvents {
   /// Keeps the server from dropping an idle connection; nothing while busy or not connected.
   void keepAlive();
 
-  // --- commands; those that need the server do nothing while busy, and log in anew when the connection has
-  // been lost. While nothing but links is being tested, those that list a folder end the tests and come
-  // behind.
+  // --- commands; those that need the server but `changeFolder` do nothing while busy, and log in anew when
+  // the connection has been lost. While nothing but links is being tested, those that list a folder end the
+  // tests and come behind.
 
   /// Double click or Enter on a row.
   void activate(std::size_t row);
@@ -101,6 +101,8 @@ class RemoteBrowser final : private BrowserEvents {
   bool takesListing() const { return takesFolder() && (!busy_ || testingLinks_); }
   /// `changeFolder` does something.
   bool takesFolder() const { return begun_ && !closing_; }
+  /// Another listing comes right behind what is being done.
+  bool listingWaits() const { return static_cast<bool>(next_); }
   /// True after a login without error.
   bool loggedIn() const { return loggedIn_; }
 
@@ -141,7 +143,7 @@ class RemoteBrowser final : private BrowserEvents {
   bool closing_ = false;
   bool takingNews_ = false;
   bool testingLinks_ = false;
-  std::function<void()> next_;  // what is to come behind the tests of links
+  std::function<void()> next_;  // a listing that is to come behind what is being done
   std::optional<std::string> unparsed_;
   std::unique_ptr<SessionThread> session_;
 };

@@ -217,6 +217,7 @@ void frmFtpBrowse::unload() {
 void frmFtpBrowse::showFolder(const std::string& path, bool isNew) {
   const wxString shown = wxString::FromUTF8(path);
   if (isNew) cmbRemoteDir->Append(shown);
+  if (browser_->listingWaits()) return;  // the folder that was chosen meanwhile stays in the box
   if (cmbRemoteDir->GetValue() == std::exchange(shownFolder_, shown)) cmbRemoteDir->SetValue(shown);
 }
 

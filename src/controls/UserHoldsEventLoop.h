@@ -3,8 +3,9 @@
 
 namespace quillmoor {
 
-/// A menu is open or, on Windows, a window is being moved, sized or scrolled by the mouse. Whatever takes
-/// long must not begin then: events still arrive, but the menu cannot be closed before it has ended.
+/// A menu or a dropped list is open, on GTK also a box; on Windows a window is being moved or sized, or a
+/// control has captured the mouse. Whatever takes long must not begin then: events still arrive, but what is
+/// open cannot be closed before it has ended.
 bool UserHoldsEventLoop();
 
 }  // namespace quillmoor

@@ -138,6 +138,7 @@ FtpReply FtpControl::readReply(Deadline deadline) {
   io_.pumpIfDue(now);
   if (now >= deadline) raiseSilent();
   std::optional<FtpReply> reply = reader_.next();
+  if (!reply && std::chrono::steady_clock::now() >= deadline) reply = pollReply();
   // Behind a command the reply is never there yet, so the first thing is to wait: that saves a vain read.
   const auto arrived = [&] {
     if (!reply && channel_.ready()) reply = pollReply();

@@ -71,8 +71,8 @@ std::optional<std::int64_t> announcedSize(std::string_view replyText);
 /// proxy.
 std::string saidBy(std::string_view speaker, const FtpReply& reply);
 
-/// Reply text fit to be shown: control characters but CR LF between lines become "?", and the secret, if
-/// any, is blotted out.
+/// Reply text fit to be shown: control characters but CR LF between lines become "?", a tab a blank, and the
+/// secret, if any, is blotted out.
 std::string printableReply(std::string_view replyText, std::string_view secret);
 
 }  // namespace quillmoor

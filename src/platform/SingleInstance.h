@@ -8,7 +8,7 @@ namespace quillmoor {
 class SingleInstance {
  public:
   /// Takes the program's mark, which the system itself gives back when the process ends, however it ends. A
-  /// copy that cannot make the mark at all counts as the only one.
+  /// copy that cannot make the mark, though nobody denies it, counts as the only one.
   SingleInstance();
   ~SingleInstance();
   SingleInstance(const SingleInstance&) = delete;

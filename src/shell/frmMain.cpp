@@ -160,7 +160,7 @@ void frmMain::createPanes() {
   settingsForm->onResetLayout = [this] { panes->resetLayout(); };
   process->mustWait = [this] { return boxes_.any() || tray_->handling() || UserHoldsEventLoop(); };
   process->onWaiting = [this] {
-    Notify(this, kTitle, "A backup is due. It waits for the open window or menu to be closed.");
+    Notify(this, kTitle, "A backup is due. It waits for the open box, list or menu to be closed.");
   };
   process->onProgress = [this](const auto& progress) { onProgress(progress); };
   process->onFinished = [this](const auto& outcome) { onFinished(outcome); };

@@ -1,4 +1,7 @@
 // Sessions of the FTP client, against a server that does what a test tells it to.
+#include <future>
+#include <thread>
+
 #include "platform/FtpClientFixture.h"
 
 namespace quillmoor {
@@ -114,6 +117,28 @@ TEST_F(FtpClientTest, GivesUpOnAHostThatSaysNothingAndPumpsMeanwhile) {
   EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
   EXPECT_GE(pumped, kShortMs / 20);
   EXPECT_EQ(client.state(), FtpState::closed);
+}
+
+TEST_F(FtpClientTest, TakesAReplyThatCameWhileItsPumpOutlastedTheTimeout) {
+  login();
+  std::promise<void> replied;
+  server.once("NOOP", [&](Session& s) {
+    s.reply("200 Here.");
+    replied.set_value();
+  });
+  client.timeoutMs = kShortMs;
+  bool asked = false;
+  client.pump = [&] {  // as a box that the user answers late
+    if (std::exchange(asked, true)) return;
+    const auto late = Clock::now() + std::chrono::milliseconds(kShortMs);
+    replied.get_future().wait();
+    while (Clock::now() < late) std::this_thread::yield();
+  };
+  // So that it is due as soon as the command has been sent.
+  for (const auto due = Clock::now() + std::chrono::milliseconds(30); Clock::now() < due;)
+    std::this_thread::yield();
+  EXPECT_NO_THROW(client.command("NOOP"));
+  EXPECT_TRUE(asked);
 }
 
 TEST_F(FtpClientTest, ALoginCanBeAborted) {

@@ -29,11 +29,13 @@ std::wstring accountId() {
 
 }  // namespace
 
-/// Of all sessions of the user: he may be at the machine and at a remote desktop of it at once.
+/// Of all sessions of the user: he may be at the machine and at a remote desktop of it at once. A copy that
+/// runs as administrator does not let others open its mark.
 SingleInstance::SingleInstance() {
   const std::wstring name = L"Global\\Quillmoor-" + accountId();
   const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, name.c_str());
-  another_ = mutex && ::GetLastError() == ERROR_ALREADY_EXISTS;
+  const DWORD error = ::GetLastError();
+  another_ = mutex ? error == ERROR_ALREADY_EXISTS : error == ERROR_ACCESS_DENIED;
   if (mutex) handle_ = reinterpret_cast<std::intptr_t>(mutex);
 }
 

@@ -107,6 +107,7 @@ TEST(NiceValues, HoldForThreadsThatRunAlready) {
                {"stepped back", true, 16384, 5},
                {"stepped back, at the end of the range", true, 64, 0}};
   for (const auto& c : cases) {
+    if (::getpriority(PRIO_PROCESS, 0) > 19 - c.behind) continue;  // no room to step back
     EXPECT_TRUE(inChild([&] {
       const int seen = niceOfWorker(c.steppedBack, c.priorityClass);
       return seen == ::getpriority(PRIO_PROCESS, 0) + c.behind;
