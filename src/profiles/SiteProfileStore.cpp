@@ -148,6 +148,9 @@ SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
 
 bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now) {
   if (profile.ID.empty()) profile.ID = idOf(now);
+  for (const auto text : {&SiteProfile::Host, &SiteProfile::ProxyHost, &SiteProfile::DefaultDir,
+                          &SiteProfile::RunURL, &SiteProfile::RunProgram})
+    profile.*text = TrimmedName(profile.*text);
   // The section is taken out and written anew, at the end of the file; a program that is killed meanwhile
   // must not cost the user his profile.
   return mIni::EditWhole(file, [&](const std::string& copy) { return writeSection(profile, copy); });

@@ -97,6 +97,32 @@ TEST_F(SiteFormTest, TakesAProfileFromNothingToItsEnd) {
   command(kDeleteItem);  // of nothing: no box appears
 }
 
+TEST_F(SiteFormTest, BacksUpWhatHasJustBeenTyped) {
+  server.addFile("/www/index.html", "hello");
+  open();
+  command(kAddItem);
+  const std::string port = std::to_string(server.port());
+  const struct {
+    const char *key, *typed;
+  } texts[] = {{"name", "typed"},
+               {"Host", "127.0.0.1 "},
+               {"Port", port.c_str()},
+               {"UserID", "joe"},
+               {"Password", "hunter22"}};
+  for (const auto& text : texts) type(fields->box(text.key), text.typed);
+  fields->box("SaveTo")->SetValue(profile.SaveTo);
+  type(fields->txtAddFolder, "/www");
+  hand.Char(WXK_RETURN);
+  ASSERT_TRUE(waitUntil([&] { return folders() == std::vector<std::string>{"/www"}; }));
+  click(form->wndTaskPanel->command(kSaveItem));
+  ASSERT_TRUE(waitUntil([&] { return ProfileExists("typed", profilesFile()); }));
+  main->panes->activate(kBackupPane);
+  ASSERT_TRUE(waitUntil([&] { return main->process->cmdStart->IsShownOnScreen(); }));
+  click(main->process->cmdStart);
+  EXPECT_TRUE(waitUntil([&] { return status(1) == "Completed" && !main->process->active(); })) << logged();
+  EXPECT_EQ(testing::contentsOf(folder / "typed" / "www" / "index.html"), "hello");
+}
+
 TEST_F(SiteFormTest, LeadsToWhatIsMissingAndBringsItIntoView) {
   open();
   main->SetSize(main->FromDIP(wxSize(500, 340)));
