@@ -7,6 +7,7 @@
 #include "profiles/JoinedList.h"
 #include "profiles/LenientNumber.h"
 #include "profiles/NameOrder.h"
+#include "profiles/ProfileHints.h"
 #include "profiles/mBase64.h"
 #include "profiles/mRC4.h"
 
@@ -20,6 +21,24 @@ std::string noteOnSpan(std::int32_t span) {
   return span <= kLargestSpan
              ? ""
              : "More than " + std::to_string(kLargestSpan) + " KB is too much: no archive is made.";
+}
+
+std::string noteOnSpan(const std::string& text, std::int32_t span) {
+  return Val(text) < 1 ? "A number of KB, 1 or more, is wanted; as it is, 1 is taken." : noteOnSpan(span);
+}
+
+std::string whatHolds(const std::string& enciphered) {
+  if (enciphered.empty()) return "Archives get no password.";
+  try {
+    mRC4::Decipher(enciphered);
+    return "The one before still holds.";
+  } catch (const mBase64::DecodeError&) {
+    return "The one before cannot be read: no archive is made.";
+  }
+}
+
+std::string noteOnRunText(std::string_view key, const std::string& text) {
+  return key.starts_with("Connect") ? AddressNote(text) : "";
 }
 
 }  // namespace
@@ -37,7 +56,8 @@ OptionsEditor::OptionsEditor(ApplicationSettings& settings, UserPrompts& prompts
       spanSizeNote(noteOnSpan(settings.ZipSpanSize)),
       settings_(settings),
       prompts_(prompts),
-      writer_(prompts) {
+      writer_(prompts),
+      formerPassword_(settings.ZipPassword) {
   try {
     txtZipPassword = mRC4::Decipher(settings.ZipPassword);
   } catch (const mBase64::DecodeError&) {
@@ -45,7 +65,10 @@ OptionsEditor::OptionsEditor(ApplicationSettings& settings, UserPrompts& prompts
   }
   noteOnUniqueBackup();
   SortNames(lstZipCopies);
-  for (std::size_t box = 0; box < kRunTexts.size(); ++box) txtRun[box] = settings.*kRunTexts[box].value;
+  for (std::size_t box = 0; box < kRunTexts.size(); ++box) {
+    txtRun[box] = settings.*kRunTexts[box].value;
+    runNote[box] = noteOnRunText(kRunTexts[box].key, txtRun[box]);
+  }
 }
 
 void OptionsEditor::ChooseFull() {
@@ -96,7 +119,7 @@ void OptionsEditor::SetZipSpanSize(const std::string& text) {
   txtZipSpanSize = text;
   const double largest = std::numeric_limits<std::int32_t>::max();
   settings_.ZipSpanSize = ToLong(std::clamp(Val(text), 1.0, largest));
-  spanSizeNote = noteOnSpan(settings_.ZipSpanSize);
+  spanSizeNote = noteOnSpan(text, settings_.ZipSpanSize);
   writer_.Write("ZipSpanSize", std::to_string(settings_.ZipSpanSize));
 }
 
@@ -109,18 +132,27 @@ void OptionsEditor::SetZipPassword(const std::string& text) {
   txtZipPassword = text;
   // Enciphered it would become another password, and nobody could open the archive with this one.
   if (!FitsAnsi(text)) {
-    passwordNote =
-        std::string("This password holds a character that cannot be kept. ") +
-        (settings_.ZipPassword.empty() ? "Archives get no password." : "The one before still holds.");
+    passwordNote = "This password holds a character that cannot be kept. " + whatHolds(formerPassword_);
+    // Nobody has chosen what was typed of it so far.
+    if (settings_.ZipPassword != formerPassword_) storePassword(formerPassword_);
     return;
   }
   passwordNote = "";
-  settings_.ZipPassword = mRC4::Encipher(text);
-  writer_.Write("ZipPassword", settings_.ZipPassword);
+  storePassword(mRC4::Encipher(text));
+}
+
+void OptionsEditor::BeginZipPassword() {
+  formerPassword_ = settings_.ZipPassword;
+}
+
+void OptionsEditor::storePassword(const std::string& enciphered) {
+  settings_.ZipPassword = enciphered;
+  writer_.Write("ZipPassword", enciphered);
 }
 
 void OptionsEditor::SetRunText(std::size_t box, const std::string& text) {
   txtRun.at(box) = text;
+  runNote.at(box) = noteOnRunText(kRunTexts.at(box).key, text);
   settings_.*kRunTexts.at(box).value = text;
   writer_.Write(std::string(kRunTexts.at(box).key), text);
 }

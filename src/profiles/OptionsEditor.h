@@ -45,10 +45,12 @@ class OptionsEditor {
   std::vector<std::string> lstZipCopies;
   std::array<std::string, kRunTexts.size()> txtRun;  // as in kRunTexts
 
-  /// Lines beside unique backup, the span size and the password, "" when there is nothing to say.
+  /// Lines beside unique backup, the span size, the password and the addresses, "" when there is nothing to
+  /// say.
   std::string uniqueBackupNote;
   std::string spanSizeNote;
   std::string passwordNote;
+  std::array<std::string, kRunTexts.size()> runNote;
 
   // Mode and unique backup are stored only: runs go by what was read at start-up, on purpose.
   void ChooseFull();
@@ -60,7 +62,10 @@ class OptionsEditor {
   /// In KB. The text stays as it was typed, whatever becomes of it.
   void SetZipSpanSize(const std::string& text);
   void SetZipSelfExtract(bool checked);
-  /// A password that the cipher cannot hold is not stored, and the note says so.
+  /// The box gets the focus: what holds now is what a password that cannot be kept gives way to.
+  void BeginZipPassword();
+  /// A password that the cipher cannot hold is not stored, nor the part of it that was typed before: the note
+  /// says so.
   void SetZipPassword(const std::string& text);
 
   /// `box` is a position in kRunTexts.
@@ -76,10 +81,12 @@ class OptionsEditor {
   void noteOnUniqueBackup();
   void storeFlag(const char* key, std::int32_t ApplicationSettings::*value, bool checked);
   void storeCopies();
+  void storePassword(const std::string& enciphered);
 
   ApplicationSettings& settings_;
   UserPrompts& prompts_;
   SettingWriter writer_;
+  std::string formerPassword_;  // enciphered
 };
 
 }  // namespace quillmoor

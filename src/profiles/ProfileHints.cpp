@@ -62,17 +62,11 @@ std::string hostNote(const std::string& host) {
 }
 
 std::string highestPortNote(const SiteProfile& profile) {
-  const double lowest = Val(profile.MinData), highest = Val(profile.MaxData);
+  const double typed = Val(profile.MinData), highest = Val(profile.MaxData);
+  const double lowest = typed >= 1 && typed <= 65535 ? typed : 1;  // as it will be saved
   return highest < lowest || highest < 1 || highest > 65535
              ? "A number from the lowest port to 65535 is wanted; as it is, the lowest will be saved."
              : "";
-}
-
-std::string addressNote(const std::string& address) {
-  const auto scheme = address.find("://");
-  const bool web =
-      scheme == std::string::npos || address.starts_with("http://") || address.starts_with("https://");
-  return web && !holdsAny(address, " \t") ? "" : "An address with http:// or https:// is wanted.";
 }
 
 bool inUse(const SiteProfile& profile, std::string_view key) {
@@ -84,7 +78,7 @@ std::string noteOf(const SiteProfile& profile, std::string_view key, const std::
   if (key == "Host" || key == "ProxyHost") return hostNote(text);
   if (key == "SaveTo")
     return LocalPath(text).is_absolute() ? "" : "The whole path of a folder of this computer is wanted.";
-  if (key == "RunURL") return addressNote(text);
+  if (key == "RunURL") return AddressNote(text);
   if (key == "MaxData") return highestPortNote(profile);
   for (const NumberRange& range : kNumbers) {
     if (range.key == key && !(Val(text) >= 1 && Val(text) <= range.highest)) return range.note;
@@ -98,6 +92,13 @@ std::string_view FieldHint(std::string_view key) {
   const auto* const found =
       std::find_if(std::begin(kHints), std::end(kHints), [&](const Hint& hint) { return hint.key == key; });
   return found == std::end(kHints) ? "" : found->text;
+}
+
+std::string AddressNote(const std::string& address) {
+  const auto scheme = address.find("://");
+  const bool web =
+      scheme == std::string::npos || address.starts_with("http://") || address.starts_with("https://");
+  return web && !holdsAny(address, " \t") ? "" : "An address with http:// or https:// is wanted.";
 }
 
 std::string FieldNote(const SiteProfile& profile, std::string_view key) {

@@ -16,4 +16,7 @@ std::string_view FieldHint(std::string_view key);
 /// refuses and corrects by rules of its own. A field that is empty, or that nothing looks at, is passed over.
 std::string FieldNote(const SiteProfile& profile, std::string_view key);
 
+/// The same for a web address that is to be called; blanks around it count here.
+std::string AddressNote(const std::string& address);
+
 }  // namespace quillmoor

@@ -106,14 +106,25 @@ std::int32_t SettingsEditor::storeNumber(const char* key, const std::string& tex
   return number;
 }
 
+/// Everything else is stored as some number, too, but not as the one that was meant.
+std::string SettingsEditor::noteOn(const std::string& text, std::int32_t stored, std::int32_t largest) {
+  const std::string typed = TrimmedName(text);
+  const bool digits = !typed.empty() && typed.find_first_not_of("0123456789") == std::string::npos;
+  if (digits && Val(typed) <= largest) return "";
+  return "A whole number up to " + std::to_string(largest) + " is wanted; as it is, " +
+         std::to_string(stored) + " is stored.";
+}
+
 void SettingsEditor::SetRetryCount(const std::string& text) {
   txtRetryCount = text;
   settings_.FtpRetryCount = storeNumber("FtpRetryCount", text, kMostRetries);
+  retryCountNote = noteOn(text, settings_.FtpRetryCount, kMostRetries);
 }
 
 void SettingsEditor::SetConnectionDelay(const std::string& text) {
   txtConnectionDelay = text;
   settings_.ConnectionDelay = storeNumber("ConnectionDelay", text, kLongestDelay);
+  connectionDelayNote = noteOn(text, settings_.ConnectionDelay, kLongestDelay);
 }
 
 void SettingsEditor::AddExtension() {

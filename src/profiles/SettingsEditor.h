@@ -37,6 +37,8 @@ class SettingsEditor {
   std::string autoStartUpNote;
   std::string txtRetryCount;
   std::string txtConnectionDelay;  // seconds
+  /// Lines beside the two, "" when there is nothing to say.
+  std::string retryCountNote, connectionDelayNote;
   std::vector<std::string> lstExtensions;
   /// The add-extension box.
   std::string txtExtension;
@@ -74,6 +76,7 @@ class SettingsEditor {
  private:
   void setAutoRun(bool checked);
   std::int32_t storeNumber(const char* key, const std::string& text, std::int32_t largest);
+  static std::string noteOn(const std::string& text, std::int32_t stored, std::int32_t largest);
   void storeStartTime();
   void storeDay(std::size_t weekday);
   void storeExtensions();

@@ -122,6 +122,7 @@ void frmOptions::layOutRunTexts() {
     SetLabelFor(*text, *txtRun[box]);
     if (!it.browse) {
       addRow(text, txtRun[box], Width::rest);
+      lblRunNote[box] = addNote("", indent());
       continue;
     }
     wxButton* const browse = button("Browse...", it.browse);
@@ -148,6 +149,10 @@ void frmOptions::connect() {
   on(txtZipSpanSize, wxEVT_TEXT, [this] { editor_.SetZipSpanSize(TextOf(*txtZipSpanSize)); });
   on(chkZipSelfExtract, wxEVT_CHECKBOX, [this] { editor_.SetZipSelfExtract(chkZipSelfExtract->GetValue()); });
   on(txtZipPassword, wxEVT_TEXT, [this] { editor_.SetZipPassword(TextOf(*txtZipPassword)); });
+  txtZipPassword->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
+    editor_.BeginZipPassword();
+    event.Skip();
+  });
   for (std::size_t box = 0; box < txtRun.size(); ++box)
     on(txtRun[box], wxEVT_TEXT, [this, box] { editor_.SetRunText(box, TextOf(*txtRun[box])); });
   on(cmdBrowseRunBefore, wxEVT_BUTTON, [this] { editor_.BrowseRunText(0); });
@@ -191,8 +196,10 @@ void frmOptions::show() {
        std::initializer_list<wxWindow*>{chkSplitZip, lblZipSpanSize, txtZipSpanSize, lblZipSpanUnit,
                                         chkZipSelfExtract, lblZipPassword, txtZipPassword})
     control->Enable(editor_.archiveOptionsEnabled);
-  for (std::size_t box = 0; box < txtRun.size(); ++box)
+  for (std::size_t box = 0; box < txtRun.size(); ++box) {
     ShowText(txtRun[box], wxString::FromUTF8(editor_.txtRun[box]));
+    if (lblRunNote[box]) setNote(lblRunNote[box], wxString::FromUTF8(editor_.runNote[box]));
+  }
   cmdRemoveCopy->Enable(lstZipCopies->GetSelection() != wxNOT_FOUND);
 }
 

@@ -33,6 +33,7 @@ class frmOptions : public ScrolledForm {
   wxStaticText* lblZipPassword;
   wxTextCtrl* txtZipPassword;
   wxStaticText* lblPasswordNote;
+  std::array<wxStaticText*, kRunTexts.size()> lblRunNote{};  // of the addresses
   wxListBox* lstZipCopies;
   wxButton* cmdAddCopy;
   wxButton* cmdRemoveCopy;

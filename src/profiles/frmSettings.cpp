@@ -77,12 +77,14 @@ void frmSettings::layOutConnection() {
                           "A number: how often each step on the server is tried before it is passed over");
   SetLabelFor(*attempts, *txtRetryCount);
   addRow(attempts, txtRetryCount, Width::own);
+  lblRetryCountNote = addNote("", indent());
   wxStaticText* const delay = caption("Dela&y:");
   txtConnectionDelay =
       textBox(8, "txtConnectionDelay", "A number of seconds between two attempts to connect");
   SetLabelFor(*delay, *txtConnectionDelay);
   SetAccessibleName(*txtConnectionDelay, "Delay, in seconds");
   addRow(delay, txtConnectionDelay, Width::own, {label("seconds")});
+  lblConnectionDelayNote = addNote("", indent());
 }
 
 void frmSettings::layOutDialUp() {
@@ -250,6 +252,8 @@ void frmSettings::show() {
   for (std::size_t day = 1; day < chkDay.size(); ++day) chkDay[day]->SetValue(editor_.days[day]);
   ShowText(txtRetryCount, wxString::FromUTF8(editor_.txtRetryCount));
   ShowText(txtConnectionDelay, wxString::FromUTF8(editor_.txtConnectionDelay));
+  setNote(lblRetryCountNote, wxString::FromUTF8(editor_.retryCountNote));
+  setNote(lblConnectionDelayNote, wxString::FromUTF8(editor_.connectionDelayNote));
   chkAutoDial->SetValue(editor_.chkAutoDial);
   chkAutoHangUp->SetValue(editor_.chkAutoHangUp);
   cmdRemoveExtension->Enable(lstExtensions->GetSelection() != wxNOT_FOUND);

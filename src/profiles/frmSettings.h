@@ -72,6 +72,8 @@ class frmSettings : public ScrolledForm {
   wxButton* cmdRestoreExtensions;
   wxCheckBox* chkAutoStartUp;
   wxStaticText* lblAutoStartNote;
+  wxStaticText* lblRetryCountNote;
+  wxStaticText* lblConnectionDelayNote;
   wxSlider* SliderlPriority;
   wxStaticText* lblPriority;
   wxButton* cmdResetLayout;

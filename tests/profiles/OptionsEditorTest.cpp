@@ -99,10 +99,10 @@ TEST_F(OptionsEditorTest, TakesTheNumberOfTheSpanSize) {
     const char* typed;
     std::int32_t stored;
     bool noted;
-  } rows[] = {{"0", 1, false},
-              {"abc", 1, false},
-              {"", 1, false},
-              {"-5", 1, false},
+  } rows[] = {{"0", 1, true},
+              {"abc", 1, true},
+              {"", 1, true},
+              {"-5", 1, true},
               {"700 KB", 700, false},
               {"2097151", 2097151, false},
               {"2097152", 2097152, true},
@@ -193,15 +193,27 @@ TEST_F(OptionsEditorTest, StoresNoPasswordThatNobodyCouldType) {
   EXPECT_EQ(opened.txtZipPassword, "пароль");
   EXPECT_THAT(opened.passwordNote, HasSubstr("cannot be kept"));
   EXPECT_EQ(settings.ZipPassword + ReadSetting("ZipPassword", "nothing"), "?nothing");
+  EXPECT_THAT(opened.passwordNote, HasSubstr("no archive is made"));
   opened.SetZipPassword("typed");
   EXPECT_EQ(opened.passwordNote, "");
   EXPECT_EQ(mRC4::Decipher(settings.ZipPassword), "typed");
-  opened.SetZipPassword("п");
+  opened.BeginZipPassword();
+  for (const char* typed : {"a", "ab", "abп"}) opened.SetZipPassword(typed);
   EXPECT_THAT(opened.passwordNote, HasSubstr("one before still holds"));
+  EXPECT_EQ(mRC4::Decipher(settings.ZipPassword), "typed") << "a piece of a password";
+  EXPECT_EQ(ReadSetting("ZipPassword", "nothing"), settings.ZipPassword);
   opened.SetZipPassword("");
+  opened.BeginZipPassword();
   opened.SetZipPassword("п");
   EXPECT_EQ(settings.ZipPassword, "");
   EXPECT_THAT(opened.passwordNote, HasSubstr("Archives get no password"));
+}
+
+TEST_F(OptionsEditorTest, SaysWhatAnAddressIs) {
+  for (const std::size_t box : {0, 2, 3}) editor.SetRunText(box, "ftp://a b");
+  EXPECT_THAT(editor.runNote, ElementsAre("", "", HasSubstr("http://"), HasSubstr("http://")));
+  editor.SetRunText(2, "https://example.org/");
+  EXPECT_EQ(editor.runNote[2], "");
 }
 
 TEST_F(OptionsEditorTest, TellsOnceOfWhatCannotBeStored) {

@@ -74,6 +74,8 @@ TEST(ProfileHints, MeasureTheHighestPortByTheLowest) {
   EXPECT_NE(FieldNote(profile, "MaxData"), "");
   profile.MaxData = "5000";
   EXPECT_EQ(FieldNote(profile, "MaxData"), "");
+  profile.MinData = "70000";  // 1 will be saved
+  EXPECT_EQ(FieldNote(profile, "MaxData"), "");
 }
 
 }  // namespace

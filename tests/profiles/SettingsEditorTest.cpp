@@ -121,6 +121,8 @@ TEST_F(SettingsEditorTest, TakesTheNumbersThatLeadTheTexts) {
     EXPECT_EQ(stored("FtpRetryCount"), std::to_string(row.retries));
     EXPECT_EQ(stored("ConnectionDelay"), std::to_string(row.delay));
     EXPECT_EQ(editor.txtRetryCount + editor.txtConnectionDelay, std::string(row.typed) + row.typed);
+    const bool meant = row.typed == std::string("3");
+    EXPECT_EQ(editor.retryCountNote.empty() && editor.connectionDelayNote.empty(), meant) << row.typed;
   }
 }
 
