@@ -90,7 +90,7 @@ void checkProfile(SiteProfile& profile) {
   const auto require = [](bool condition, const char* what) {
     if (!condition) throw std::runtime_error(what);
   };
-  const auto given = [](const std::string& text) { return !TrimmedName(text).empty(); };
+  const auto given = [](const std::string& text) { return !TrimmedText(text).empty(); };
   require(given(profile.Host), "the profile needs a Host");
   require(given(profile.UserID), "the profile needs a UserID");
   require(!profile.passwordUnreadable, "the stored password cannot be read: give it anew with Password=-");
@@ -133,7 +133,7 @@ int showProfile(const std::string& name) {
 }
 
 int setProfile(const std::string& given, const std::vector<std::string>& assignments) {
-  const std::string name = storable("A name", TrimmedName(given));
+  const std::string name = storable("A name", TrimmedText(given));
   if (name.empty()) throw UsageError("A profile needs a name.");
   const std::string file = ProfilesFilePath();
   SiteProfile profile = ProfileExists(name, file) ? LoadSiteProfile(name, file) : LoadSiteProfile("", file);
@@ -145,7 +145,7 @@ int setProfile(const std::string& given, const std::vector<std::string>& assignm
     const std::string key = assignment.substr(0, equals);
     const std::string value = assignment.substr(equals + 1);
     if (key == "Folder") {
-      const std::string folder = TrimmedName(value);
+      const std::string folder = TrimmedText(value);
       const std::string why = WhyNoFolder(key, folder);
       if (!why.empty()) throw UsageError(why);
       if (std::find(folders.begin(), folders.end(), folder) == folders.end()) folders.push_back(folder);

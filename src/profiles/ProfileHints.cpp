@@ -63,8 +63,8 @@ std::string hostNote(const std::string& host) {
 
 std::string highestPortNote(const SiteProfile& profile) {
   const double typed = Val(profile.MinData), highest = Val(profile.MaxData);
-  const double lowest = typed >= 1 && typed <= 65535 ? typed : 1;  // as it will be saved
-  return highest < lowest || highest < 1 || highest > 65535
+  const double lowest = IsPort(typed) ? typed : 1;  // as it will be saved
+  return highest < lowest || !IsPort(highest)
              ? "A number from the lowest port to 65535 is wanted; as it is, the lowest will be saved."
              : "";
 }
@@ -104,7 +104,7 @@ std::string AddressNote(const std::string& address) {
 std::string FieldNote(const SiteProfile& profile, std::string_view key) {
   for (const ProfileText& field : kProfileTexts) {
     if (field.key != key) continue;
-    const std::string text = TrimmedName(profile.*field.field);
+    const std::string text = TrimmedText(profile.*field.field);
     return text.empty() || !inUse(profile, key) ? "" : noteOf(profile, key, text);
   }
   return "";

@@ -19,8 +19,17 @@ constexpr std::int32_t kMostRetries = std::numeric_limits<std::int32_t>::max() -
 // Seconds whose milliseconds are a 32-bit number: a run could not wait longer.
 constexpr std::int32_t kLongestDelay = std::numeric_limits<std::int32_t>::max() / 1000;
 
+/// Everything but a number in the range is stored as some number, too, though not as the one that was meant.
+std::string noteOn(const std::string& text, std::int32_t stored, std::int32_t largest) {
+  const std::string typed = TrimmedText(text);
+  const bool digits = !typed.empty() && typed.find_first_not_of("0123456789") == std::string::npos;
+  if (digits && Val(typed) <= largest) return "";
+  return (digits ? "That is too much: " : "A whole number is wanted: as it is, ") + std::to_string(stored) +
+         " is stored.";
+}
+
 std::string extensionOf(std::string text) {
-  text = TrimmedName(text);
+  text = TrimmedText(text);
   for (char& c : text) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }
@@ -104,15 +113,6 @@ std::int32_t SettingsEditor::storeNumber(const char* key, const std::string& tex
   const std::int32_t number = ToLong(std::clamp(Val(text), 0.0, static_cast<double>(largest)));
   writer_.Write(key, std::to_string(number));
   return number;
-}
-
-/// Everything else is stored as some number, too, but not as the one that was meant.
-std::string SettingsEditor::noteOn(const std::string& text, std::int32_t stored, std::int32_t largest) {
-  const std::string typed = TrimmedName(text);
-  const bool digits = !typed.empty() && typed.find_first_not_of("0123456789") == std::string::npos;
-  if (digits && Val(typed) <= largest) return "";
-  return "A whole number up to " + std::to_string(largest) + " is wanted; as it is, " +
-         std::to_string(stored) + " is stored.";
 }
 
 void SettingsEditor::SetRetryCount(const std::string& text) {

@@ -76,7 +76,6 @@ class SettingsEditor {
  private:
   void setAutoRun(bool checked);
   std::int32_t storeNumber(const char* key, const std::string& text, std::int32_t largest);
-  static std::string noteOn(const std::string& text, std::int32_t stored, std::int32_t largest);
   void storeStartTime();
   void storeDay(std::size_t weekday);
   void storeExtensions();

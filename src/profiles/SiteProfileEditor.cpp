@@ -35,7 +35,7 @@ constexpr RequiredText kRequired[] = {
     {"SaveTo", &SiteProfile::SaveTo, "Please select a directory to save to."}};
 
 bool isBlank(const std::string& text) {
-  return TrimmedName(text).empty();
+  return TrimmedText(text).empty();
 }
 
 }  // namespace
@@ -109,7 +109,7 @@ bool SiteProfileEditor::passesChecks() {
   if (isBlank(shown.name)) return refuse("name", "Please enter a name for this profile");
   // Not asked of a profile that was opened: it may be written under a new name, and the section of the old
   // one stays. One that began as a new profile may be saved again only as what it has been saved as.
-  const bool asked = !opened_ && !(editMode_ && SameName(TrimmedName(shown.name), currentName_));
+  const bool asked = !opened_ && !(editMode_ && SameName(TrimmedText(shown.name), currentName_));
   if (asked && ProfileExists(shown.name, file_))
     return refuse("name", "Profile name already exists, please enter a different name");
   for (const RequiredText& required : kRequired) {
@@ -125,7 +125,7 @@ bool SiteProfileEditor::SaveSiteProfile() {
   if (!passesChecks()) return false;
   CorrectNumbers(shown);
   SiteProfile saved = shown;
-  saved.name = TrimmedName(shown.name);  // blanks around it are no part of a section's name
+  saved.name = TrimmedText(shown.name);  // blanks around it are no part of a section's name
   if (!quillmoor::SaveSiteProfile(saved, file_, now_())) {
     return refuse("", "The profile could not be written to " + file_ +
                           ". What you entered stays in the form and is not saved.");
@@ -164,7 +164,7 @@ void SiteProfileEditor::Exit() {
 }
 
 void SiteProfileEditor::AddFolder() {
-  txtAddFolder = TrimmedName(txtAddFolder);
+  txtAddFolder = TrimmedText(txtAddFolder);
   if (!txtAddFolder.empty()) AddFolders({txtAddFolder});
 }
 
@@ -204,17 +204,17 @@ std::optional<BrowsedSite> SiteProfileEditor::Connect() {
     refuse("Host", "Please enter the FTP host address or IP");
     return std::nullopt;
   }
-  return BrowsedSite{TrimmedName(shown.Host),
+  return BrowsedSite{TrimmedText(shown.Host),
                      shown.UserID,
                      shown.Password,
-                     TrimmedName(shown.Port),
+                     TrimmedText(shown.Port),
                      shown.Timeout,
                      shown.Account,
                      shown.DefaultDir,
                      shown.PASV == 1,
                      shown.ProxyType,
-                     TrimmedName(shown.ProxyHost),
-                     TrimmedName(shown.ProxyPort),
+                     TrimmedText(shown.ProxyHost),
+                     TrimmedText(shown.ProxyPort),
                      shown.ProxyUsername,
                      shown.ProxyPassword};
 }

@@ -35,7 +35,7 @@ std::int16_t flagOf(const std::string& text) {
 /// The name under which the file has the profile: systems differ in which letters they take for the same when
 /// they look a section up. Nothing when it has none.
 std::optional<std::string> storedName(const std::string& name, const std::string& file) {
-  const std::string wanted = TrimmedName(name);
+  const std::string wanted = TrimmedText(name);
   for (std::string& stored : mIni::ListSections(file)) {
     if (SameName(stored, wanted)) return std::move(stored);
   }
@@ -96,10 +96,14 @@ std::vector<std::string> LoadSitesInfo(const std::string& file) {
   return names;
 }
 
-std::string TrimmedName(const std::string& name) {
-  const auto first = name.find_first_not_of(" \t");
+std::string TrimmedText(const std::string& text) {
+  const auto first = text.find_first_not_of(" \t");
   if (first == std::string::npos) return "";
-  return name.substr(first, name.find_last_not_of(" \t") - first + 1);
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+bool IsPort(double number) {
+  return number >= 1 && number <= 65535;
 }
 
 bool ProfileExists(const std::string& name, const std::string& file) {
@@ -150,17 +154,16 @@ bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTim
   if (profile.ID.empty()) profile.ID = idOf(now);
   for (const auto text : {&SiteProfile::Host, &SiteProfile::ProxyHost, &SiteProfile::DefaultDir,
                           &SiteProfile::RunURL, &SiteProfile::RunProgram})
-    profile.*text = TrimmedName(profile.*text);
+    profile.*text = TrimmedText(profile.*text);
   // The section is taken out and written anew, at the end of the file; a program that is killed meanwhile
   // must not cost the user his profile.
   return mIni::EditWhole(file, [&](const std::string& copy) { return writeSection(profile, copy); });
 }
 
 void CorrectNumbers(SiteProfile& profile) {
-  const auto isPort = [](double number) { return number >= 1 && number <= 65535; };
-  if (!isPort(Val(profile.Port))) profile.Port = "21";
+  if (!IsPort(Val(profile.Port))) profile.Port = "21";
   if (profile.ManualPort == 1) {
-    if (!isPort(Val(profile.MinData))) profile.MinData = "1";
+    if (!IsPort(Val(profile.MinData))) profile.MinData = "1";
     const double highest = Val(profile.MaxData);
     if (Val(profile.MinData) > highest || highest > 65535) profile.MaxData = profile.MinData;
   }

@@ -16,8 +16,11 @@ std::string ProfilesFilePath();
 /// Names of the profiles, sorted without regard to case.
 std::vector<std::string> LoadSitesInfo(const std::string& file);
 
-/// Without the blanks around it, which are no part of a section's name.
-std::string TrimmedName(const std::string& name);
+/// Without the blanks around it, which are no part of a section's name, nor of a host's.
+std::string TrimmedText(const std::string& text);
+
+/// A port's number: 1 to 65535.
+bool IsPort(double number);
 
 bool ProfileExists(const std::string& name, const std::string& file);
 

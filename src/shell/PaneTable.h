@@ -8,7 +8,7 @@ namespace quillmoor {
 struct Pane {
   int id;
   int width, height;  // wished for, in device-independent pixels; one that is dragged out gets half the room
-  int side;           // of its neighbour; 1: left, which in one tab group makes no difference
+  int side;           // a docking frame's number for it; in one tab group there is only one
   int neighbour;      // id of the pane in whose tab group it stands; 0: it opens a group of its own
   const char* title;
   const char* picture;  // 32 x 32, below assets/
