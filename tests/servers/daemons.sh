@@ -1,7 +1,7 @@
 # daemons.sh   for the scripts that start servers for the tests; they source it.
 # unavailable WORDS...             ends the script with status 77: that server cannot be had here
 # unpack PACKAGE                   prints the folder into which the Debian package is unpacked, without being installed
-# free_port                        prints one
+# take_port                        sets port to a free one, which no other test is given until bring_up has returned
 # bring_up STATE READY COMMAND...  starts the daemon with its log and process id in STATE, and returns when the function
 #                                  READY succeeds
 # take_down STATE                  ends it and waits until it is gone
@@ -27,16 +27,21 @@ unpack() {
   echo "$folder"
 }
 
-# Below the range from which other tests' connections are given theirs meanwhile.
-free_port() {
-  /usr/bin/python3 - <<'PY'
+# Below the range from which other tests' connections are given theirs meanwhile. A daemon that finds its port taken ends,
+# and READY would be answered by whoever has it, until that one's test is over.
+take_port() {
+  mkdir -p "$cache"
+  exec {starting}>"$cache/starting"
+  flock "$starting"
+  port=$(/usr/bin/python3 - <<'PY'
 import random, socket
-for port in random.sample(range(20000, 32000), 100):
+for port in random.sample(range(22000, 32000), 100):
     with socket.socket() as s:
         if s.connect_ex(("127.0.0.1", port)) != 0:
             print(port)
             break
 PY
+  )
 }
 
 bring_up() {
@@ -47,10 +52,10 @@ bring_up() {
     unavailable "$1 lacks libraries; scripts/setup.sh installs them"
   fi
   # The hour ends a server whose test was killed before it could.
-  setsid timeout 3600 "$@" >"$state/server.log" 2>&1 </dev/null &
+  setsid timeout 3600 "$@" >"$state/server.log" 2>&1 </dev/null {starting}>&- &
   echo $! >"$state/pid"
   for _ in $(seq 100); do
-    if "$ready"; then return; fi
+    if "$ready"; then exec {starting}>&-; return; fi
     kill -0 "$(cat "$state/pid")" 2>/dev/null || break
     sleep 0.05
   done

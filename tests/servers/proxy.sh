@@ -19,7 +19,7 @@ fi
 
 proxy=$2; ftp_port=$3; mkdir -p "$4"; state=$(realpath "$4")
 user='' password=''
-port=$(free_port)
+take_port
 run_as=nobody
 [ "$(id -u)" = 0 ] || run_as=$(id -un)
 
@@ -51,7 +51,7 @@ microsocks)
 ftp-proxy)
   daemon=$(unpack ftp-proxy)
   # It connects from the first of these or not at all: a port that nobody else is given.
-  data_port=$((10000 + (port - 20000) / 2))
+  data_port=$((port - 11000))
   cat >"$state/ftp-proxy.conf" <<CONF
 ServerType standalone
 Listen 127.0.0.1
@@ -60,7 +60,7 @@ DestinationAddress 127.0.0.1
 DestinationPort $ftp_port
 AllowMagicUser yes
 ActiveMinDataPort $data_port
-ActiveMaxDataPort $((data_port + 10))
+ActiveMaxDataPort $data_port
 LogDestination $state/proxy.log
 PidFile $state/proxy.pid
 CONF

@@ -21,7 +21,7 @@ fi
 
 server=$2; dir=$(realpath "$3"); mkdir -p "$4"; state=$(realpath "$4")
 user=keeper password="correct horse" root=/
-port=$(free_port)
+take_port
 # As root, the daemons serve under another user and shut themselves into the site, which is world-readable. As anyone
 # else, vsftpd and proftpd serve under that user, and a client sees the site with its whole path.
 as_user=nobody as_group=nogroup
