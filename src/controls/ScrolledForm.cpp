@@ -163,7 +163,9 @@ void ScrolledForm::alignCaptions() {
 
 wxStaticText* ScrolledForm::addNote(const wxString& text, int indented) {
   wxStaticText* const note = label("");
-  notes_.push_back({note, add(note, indented), text, indented});
+  const wxSizerItemList& rows = group_->GetChildren();
+  wxSizer* const above = rows.empty() ? nullptr : rows.GetLast()->GetData()->GetSizer();
+  notes_.push_back({note, add(note, indented), above, text, indented});
   colour(notes_.back());
   wrap(notes_.back());
   return note;
@@ -185,6 +187,10 @@ void ScrolledForm::setNote(wxStaticText* note, const wxString& text) {
   FitInside();
   Layout();
   Refresh();  // not every toolkit draws anew what has moved
+  wxWindow* const focus = FindFocus();
+  if (text.empty() || !focus || !known->above || !known->above->GetItem(focus, true)) return;
+  bringIntoView(note);
+  bringIntoView(focus);
 }
 
 /// Of a row. The scroll bar counts as there: it must not come and go with the lines that it leaves room for.

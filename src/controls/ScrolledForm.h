@@ -56,7 +56,8 @@ class ScrolledForm : public wxScrolledWindow {
   /// Side by side in columns, as many as there is room for.
   void addColumns(const std::vector<wxWindow*>& windows);
 
-  /// A quieter line that wraps; what it says may change, and it takes no room while it says nothing.
+  /// A quieter line that wraps; what it says may change, and it takes no room while it says nothing. What is
+  /// said anew below the control that has the focus comes into view.
   wxStaticText* addNote(const wxString& text, int indented = 0);
   void setNote(wxStaticText* note, const wxString& text);
 
@@ -67,6 +68,7 @@ class ScrolledForm : public wxScrolledWindow {
   struct Note {
     wxStaticText* label;
     wxSizerItem* row;
+    wxSizer* above;  // the row before it, or none
     wxString text;
     int indented;
   };

@@ -157,6 +157,22 @@ TEST_F(OptionsFormTest, SaysWhatIsWrongBesideTheField) {
   EXPECT_TRUE(f.lblSpanSizeNote->IsShown());
 }
 
+TEST_F(OptionsFormTest, BringsIntoViewWhatItSaysBelowTheLastField) {
+  open();
+  resize(form->FromDIP(wxSize(420, 240)));
+  wxTextCtrl* const last = options->txtRun[3];
+  last->SetFocus();
+  ASSERT_TRUE(waitUntil([&] { return hasFocus(last); }));
+  last->SetValue("no address");
+  const wxStaticText* const note = options->lblRunNote[3];
+  EXPECT_TRUE(note->IsShown());
+  EXPECT_TRUE(waitUntil([&] {
+    const wxRect view = form->GetScreenRect();
+    return view.Contains(note->GetScreenRect()) && view.Contains(last->GetScreenRect());
+  })) << note->GetScreenRect().y
+      << " in a form at " << form->GetScreenRect().y;
+}
+
 TEST_F(OptionsFormTest, TellsOnceOfWhatCannotBeStoredAndKeepsWhatWasTyped) {
   open();
   registry.refuseWrites();
