@@ -71,6 +71,7 @@ RemoteList::RemoteList(wxWindow* parent, const RemoteBrowser& browser)
                        caption == "Size" ? wxALIGN_RIGHT : wxALIGN_LEFT);
     }
   }
+  EllipsizeCells(*this);
   SetMinSize(FromDIP(wxSize(200, 100)));
   Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
     if (onActivated) onActivated(model_->GetRow(event.GetItem()));

@@ -85,6 +85,7 @@ ReportControl::ReportControl(wxWindow* parent, const std::vector<Column>& column
       AppendTextColumn(columns[i].caption, place, kInert, width, side, kFlags);
     }
   }
+  EllipsizeCells(*this);
   // The best size of a list is all of its columns; a pane may be narrower.
   SetMinSize(FromDIP(wxSize(120, 60)));
 }

@@ -1,6 +1,7 @@
-// Widths that texts of the user's font have to fit into.
+// Texts of the user's font and the widths they have to fit into.
 #pragma once
 
+#include <wx/dataview.h>
 #include <wx/window.h>
 
 #include <algorithm>
@@ -12,6 +13,12 @@ namespace quillmoor {
 inline int WidthForText(const wxWindow& window, int width) {
   constexpr int kUsualDigit = 8;  // its width, in device-independent pixels
   return std::max(window.FromDIP(width), width * window.GetTextExtent("0").x / kUsualDigit);
+}
+
+/// A text that is wider than its column ends in dots; not every toolkit shows that by itself.
+inline void EllipsizeCells(wxDataViewCtrl& list) {
+  for (unsigned column = 0; column < list.GetColumnCount(); ++column)
+    list.GetColumn(column)->GetRenderer()->EnableEllipsize(wxELLIPSIZE_END);
 }
 
 }  // namespace quillmoor
