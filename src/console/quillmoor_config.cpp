@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "connectivity/DialUp.h"
+#include "platform/CodePage.h"
 #include "platform/ProgramArguments.h"
 #include "platform/Terminal.h"
 #include "profiles/ProfileText.h"
@@ -193,7 +194,14 @@ int setSetting(const std::string& key, const std::string& value) {
     if (error != std::errc() || rest != value.data() + value.size())
       throw UsageError(key + " takes a number.");
   }
-  WriteSetting(key, IsSecret(key) ? mRC4::Encipher(value == "-" ? ReadSecretLine() : value) : value);
+  if (!IsSecret(key)) {
+    WriteSetting(key, value);
+    return kDone;
+  }
+  const std::string secret = value == "-" ? ReadSecretLine() : value;
+  // "?" would be stored for every other character, and open no archive.
+  if (!FitsAnsi(secret)) throw UsageError(key + " takes characters of the ANSI code page only.");
+  WriteSetting(key, mRC4::Encipher(secret));
   return kDone;
 }
 
