@@ -8,14 +8,13 @@
 #include "controls/AccessibleName.h"
 #include "controls/TextWidth.h"
 #include "controls/WxColours.h"
+#include "engine/ShownText.h"
 
 namespace quillmoor {
 namespace {
 
-/// Names of old servers are no UTF-8; a list has to show something.
 wxString shownText(const std::string& text) {
-  const wxString shown = wxString::FromUTF8(text);
-  return shown.empty() ? wxString(text.c_str(), wxConvISO8859_1) : shown;
+  return wxString::FromUTF8(ShownText(text));
 }
 
 }  // namespace
