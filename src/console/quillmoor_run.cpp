@@ -34,8 +34,8 @@ constexpr const char* kHelp =
     "  --version         show the version and end\n"
     "\n"
     "Ctrl-C stops the run in good order, a second Ctrl-C ends the program at once.\n"
-    "Exit status: 0 when every enabled profile was completed, 1 when one was not, 2 when the run could not "
-    "start.\n";
+    "Exit status: 0 when every enabled profile was completed and nothing of it failed, 1 when one was not or "
+    "a folder, a file, an archive or a copy of one failed, 2 when the run could not start.\n";
 
 struct Options {
   bool assumeNetwork = false;
@@ -87,6 +87,20 @@ void tellWhatKeepsFromDialling(const std::string& entry, DialUp& dialUp) {
       what.c_str());
 }
 
+/// True when nothing is.
+bool tellWhatIsMissing(const std::vector<ProfileResult>& results) {
+  bool whole = true;
+  for (const ProfileResult& result : results) {
+    whole = whole && result.completed && result.failures == 0;
+    if (result.failures == 0) continue;
+    std::fprintf(stderr,
+                 "quillmoor-run: %s: %zu of its folders, files, archives and copies failed; the log tells "
+                 "which.\n",
+                 result.profileId.c_str(), result.failures);
+  }
+  return whole;
+}
+
 int run(const Options& options) {
   const std::string profilesFile = ProfilesFilePath();
   if (!std::ifstream(LocalPath(profilesFile))) {
@@ -121,12 +135,13 @@ int run(const Options& options) {
 
   const auto results = controller.RunBackup();
   display.finish();
+  if (controller.refused()) {
+    output.flush();
+    return kCouldNotStart;
+  }
   output.write("\n" + display.reportTable());
   output.flush();
-  for (const ProfileResult& result : results) {
-    if (!result.completed) return kNotAllCompleted;
-  }
-  return stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
+  return tellWhatIsMissing(results) && stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
 }
 
 int main(const std::vector<std::string>& arguments) {

@@ -27,9 +27,6 @@ class ArchivePacker {
 
   /// Blocking. Raises ZipError, after the order's error event.
   virtual ZipResult pack(const PackingOrder& order) = 0;
-
-  /// Makes the packing in progress, if any, raise soon.
-  virtual void abort() = 0;
 };
 
 /// Packs with the zip component.
@@ -38,7 +35,6 @@ class ZipPacker final : public ArchivePacker {
   explicit ZipPacker(Pump pump) { zip_.pump = std::move(pump); }
 
   ZipResult pack(const PackingOrder& order) override;
-  void abort() override { zip_.abort(); }
 
  private:
   ZipArchive zip_;

@@ -83,14 +83,8 @@ ZipArchiveStage::ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& p
                                  Pump pump)
     : settings_(settings), packer_(packer), stubPath_(std::move(stubPath)), pump_(std::move(pump)) {}
 
-void ZipArchiveStage::abort() {
-  aborted_ = true;
-  packer_.abort();
-}
-
-void ZipArchiveStage::CreateArchive(const std::string&, const RunState& run, RunLog& log,
+bool ZipArchiveStage::CreateArchive(const std::string&, const RunState& run, RunLog& log,
                                     RunDisplay& display) {
-  aborted_ = false;
   // Both whatever the other settings say: the correction stays for the rest of the program's life, and a size
   // beyond 32 bits ends the stage.
   settings_.ZipSpanSize = std::max(settings_.ZipSpanSize, kSmallestSpanKB);
@@ -98,11 +92,12 @@ void ZipArchiveStage::CreateArchive(const std::string&, const RunState& run, Run
 
   // Without an archive the copies are tried all the same: of the folder, which is no file, to no name.
   Archive archive{run.LocalTargetFolder, "", {run.LocalTargetFolder}};
-  if (settings_.CreateZip == 1) archive = pack(run, segments, log, display);
-  for (const std::string& destination : destinationsOf(settings_.ZipCopies)) {
-    if (aborted_) return;
-    copyInto(destination, archive, log);
-  }
+  const bool wanted = settings_.CreateZip == 1;
+  if (wanted) archive = pack(run, segments, log, display);
+  bool copied = true;
+  for (const std::string& destination : destinationsOf(settings_.ZipCopies))
+    copied = copyInto(destination, archive, log) && copied;
+  return copied || !wanted;
 }
 
 ZipArchiveStage::Archive ZipArchiveStage::pack(const RunState& run, const ZipSegmentOptions& segments,
@@ -149,12 +144,12 @@ std::string ZipArchiveStage::password() const {
   return text;
 }
 
-void ZipArchiveStage::copyInto(const std::string& destination, const Archive& archive, RunLog& log) {
+bool ZipArchiveStage::copyInto(const std::string& destination, const Archive& archive, RunLog& log) {
   const std::string folder = withSeparator(destination);
   log.AppendLog("Copy Zip file to: " + folder + archive.fileName + "\r\n", log_colour::kCopy, true);
   const auto goOn = [this] {
     if (pump_) pump_();
-    return !aborted_;
+    return true;
   };
   // Of an archive in segments all are copied, since each alone is worth nothing. The one that the archive is
   // called by appears last: where it stands, the copy is complete.
@@ -169,6 +164,7 @@ void ZipArchiveStage::copyInto(const std::string& destination, const Archive& ar
   } else {
     log.AppendLog("Copy files failed.\r\n", log_colour::kError, true);
   }
+  return copied;
 }
 
 }  // namespace quillmoor

@@ -20,12 +20,9 @@ class ArchiveStage {
 
   /// Packs the local target folder that `run` names and copies the archive. Called once for each profile
   /// that logged in, after its report row is finished; after a Stop too. What it raises ends the stage only.
-  virtual void CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
+  /// False when there is no archive, or not in every folder, though the settings ask for it.
+  virtual bool CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
                              RunDisplay& display) = 0;
-
-  /// To be called from the pump, by a program that goes away: ends the stage in progress soon, with nothing
-  /// half done left behind. Returns without waiting. A Stop of the run does not call it.
-  virtual void abort() {}
 };
 
 /// The real one, by the archive settings.
@@ -36,9 +33,8 @@ class ZipArchiveStage final : public ArchiveStage {
   /// while copies are made.
   ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& packer, std::string stubPath, Pump pump);
 
-  void CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
+  bool CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
                      RunDisplay& display) override;
-  void abort() override;
 
  private:
   /// What the copies are made of: the files of the archive, `path` among them.
@@ -50,13 +46,12 @@ class ZipArchiveStage final : public ArchiveStage {
 
   Archive pack(const RunState& run, const ZipSegmentOptions& segments, RunLog& log, RunDisplay& display);
   std::string password() const;
-  void copyInto(const std::string& destination, const Archive& archive, RunLog& log);
+  bool copyInto(const std::string& destination, const Archive& archive, RunLog& log);
 
   ApplicationSettings& settings_;
   ArchivePacker& packer_;
   std::string stubPath_;
   Pump pump_;
-  bool aborted_ = false;
 };
 
 }  // namespace quillmoor

@@ -36,6 +36,7 @@ RunServices MachineServices::forRun(RunDisplay& display) {
           .dialUp = *dialUp_,
           .actions = *actions_,
           .archive = *archive_,
+          .takeMark = [] { return std::make_unique<SingleInstance>(SingleInstance::Mark::run); },
           .now = now};
 }
 

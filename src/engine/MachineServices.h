@@ -39,7 +39,6 @@ class MachineServices {
   DialUp& dialUp() { return *dialUp_; }
   /// The one that the run calls addresses with; aborted by a window that goes away in the middle of a run.
   WebRequest& webRequest() { return webRequest_; }
-  ArchiveStage& archive() { return *archive_; }
 
  private:
   HttpRequest webRequest_;

@@ -52,6 +52,13 @@ RunController::RunController(RunServices services)
 std::vector<ProfileResult> RunController::RunBackup() {
   const BusyFlag running(active_);
   if (!running.taken()) return {};
+  const auto mark = services_.takeMark ? services_.takeMark() : nullptr;
+  refused_ = mark && mark->anotherIsRunning();
+  if (refused_) {
+    services_.display.showRunning(false);
+    logError("Error: Another backup run is going on. This one is not started.\r\n");
+    return {};
+  }
   state_.StopRequested = false;
   BackupRunning = true;
   state_.networkWaitBusy = false;
@@ -109,8 +116,12 @@ void RunController::RunProfile(const std::string& profileId) {
   } else {
     finishReportRow("Completed", log_colour::kEndOfProfile);
   }
-  results_.back().completed = !state_.StopRequested;
-  Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_, services_.display); });
+  ProfileResult& result = results_.back();
+  result.completed = !state_.StopRequested;
+  bool archived = false;
+  Guarded([&] { archived = services_.archive.CreateArchive(profileId, state_, log_, services_.display); });
+  if (!archived) ++state_.failures;
+  result.failures = state_.failures;
 }
 
 void RunController::addReportRow(const std::string& profileId) {
@@ -154,6 +165,7 @@ bool RunController::prepareTarget(const std::string& profileId) {
   state_.localTargetPath = AddTrailingSeparator(state_.LocalTargetFolder, false);
   state_.fileCount = 0;
   state_.byteCount = 0;
+  state_.failures = 0;
   return true;
 }
 

@@ -1,6 +1,7 @@
 // The run controller: one backup run from its start to its end, profile by profile.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ namespace quillmoor {
 struct ProfileResult {
   std::string profileId;
   bool completed = false;
+  std::size_t failures = 0;  // see RunState; what a Stop has left undone may be among them
 };
 
 /// Runs every enabled profile in turn, on the caller's thread, pumping. Whatever fails inside a run is told
@@ -30,6 +32,10 @@ class RunController {
   /// The whole run; returns one result for each enabled profile that it came to, in order. While an earlier
   /// run is still unwinding after a Stop (`active`) it changes nothing and returns none: try again later.
   std::vector<ProfileResult> RunBackup();
+
+  /// The last RunBackup returned at once, with a line in the log: another program's run was going on, and two
+  /// at once would write into the same folders.
+  bool refused() const { return refused_; }
 
   /// A run is on the stack, whatever BackupRunning says.
   bool active() const { return active_; }
@@ -60,6 +66,7 @@ class RunController {
   TreeWalk walk_;
   std::vector<ProfileResult> results_;
   bool active_ = false;
+  bool refused_ = false;
 };
 
 }  // namespace quillmoor

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "profiles/LenientNumber.h"
+#include "profiles/SiteProfile.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mBase64.h"
 #include "profiles/mIni.h"
@@ -15,7 +16,21 @@ namespace {
 // end.
 constexpr std::int32_t kLongestTimeout = 2'147'483;
 
+/// What would make every login fail before a byte is sent, and so be tried without end.
+std::string whyNoLogin(const RunProfileFields& fields) {
+  if (fields.Host.empty()) return "The host is missing";
+  const std::int32_t port = ToLong(fields.Port);
+  if (!IsPort(port)) return fields.Port + " is no port number";
+  if (fields.ProxyType == 0) return "";
+  if (fields.ProxyType < 0 || static_cast<std::size_t>(fields.ProxyType) >= kProxyTypes.size())
+    return "There is no proxy type " + std::to_string(fields.ProxyType);
+  if (fields.ProxyHost.empty()) return "The proxy's host is missing";
+  if (!IsPort(fields.ProxyPort)) return std::to_string(fields.ProxyPort) + " is no port number of a proxy";
+  return "";
+}
+
 }  // namespace
+
 RunProfileFields LoadProfileForRun(const std::string& profileId, const std::string& profilesFile) {
   RunProfileFields fields;
   const auto text = [&](const char* key) { return mIni::ReadValue(profileId, key, profilesFile); };
@@ -55,6 +70,7 @@ RunProfileFields LoadProfileForRun(const std::string& profileId, const std::stri
   fields.ProxyUsername = text("ProxyUsername");
   fields.ProxyPassword = text("ProxyPassword");
   fields.Folders = SplitFolders(text("Folders"));
+  if (fields.unreadable.empty()) fields.unreadable = whyNoLogin(fields);
   return fields;
 }
 

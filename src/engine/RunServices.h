@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "engine/RunDisplay.h"
 #include "platform/LocalTime.h"
 #include "platform/Pump.h"
+#include "platform/SingleInstance.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {
@@ -33,6 +35,8 @@ struct RunServices {
   RunActions& actions;
   ArchiveStage& archive;
 
+  /// Takes the mark of a run; it is kept until the run has ended. None: nobody else makes runs.
+  std::function<std::unique_ptr<SingleInstance>()> takeMark = nullptr;
   std::function<LocalDateTime()> now = LocalNow;
   std::function<std::int64_t()> tick = TickCountMs;
   /// How a wait passes the time between two turns of the pump.

@@ -33,6 +33,8 @@ struct RunState {
   std::size_t reportRow = 0;
   double fileCount = 0;  // of the current profile, skipped files included
   double byteCount = 0;
+  /// Of the current profile: folders, files, archives and copies that were to be had and are not.
+  std::size_t failures = 0;
 
   std::string localFolderName;    // the profile's name, with a date when every run has its own folder
   std::string LocalTargetFolder;  // SaveTo + localFolderName

@@ -17,15 +17,15 @@ LocalDateTime asFileTime(LocalDateTime listed) {
 
 }  // namespace
 
-void TreeWalk::SyncRemoteFile(const std::string& localFile, const std::string& remoteFile,
+bool TreeWalk::SyncRemoteFile(const std::string& localFile, const std::string& remoteFile,
                               const RemoteEntry& entry) {
   const LocalDateTime remoteDate = ParseListingDate(entry.dateText, services_.now());
   if (services_.settings.BackupMode != 1 && isUpToDate(localFile, remoteDate)) {
     log_.AppendLog("Skipped: ", log_colour::kError, false);
     log_.AppendLog("File upto date\r\n", log_colour::kUpToDate, true);
-    return;
+    return true;
   }
-  download(localFile, remoteFile, entry, remoteDate);
+  return download(localFile, remoteFile, entry, remoteDate);
 }
 
 /// The comparison runs the unusual way round on purpose: only a file listed as older than the copy is fetched
@@ -42,22 +42,24 @@ bool TreeWalk::isUpToDate(const std::string& localFile, LocalDateTime remoteDate
 
 /// A connection that is lost on the way is made again: the type must then be sent again too, or bytes would
 /// arrive as text.
-void TreeWalk::download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
+bool TreeWalk::download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
                         LocalDateTime remoteDate) {
   const std::string type = std::string("TYPE ") + ChooseTransferType(entry.name, services_.AsciiExtensions);
   std::int32_t attempts = 0;
-  for (std::int32_t round = 0; round < rounds() && !state_.StopRequested; ++round) {
+  bool fetched = false;
+  for (std::int64_t round = 0; round < rounds() && !state_.StopRequested; ++round) {
     session_.ConnectAndLogin();
     if (!session_.connected()) break;
     session_.SetFtpProperties();
     session_.sendAhead({type}, true);
     retried([&] { session_.command(type); });
     if (!session_.connected()) continue;
-    const bool fetched = retried([&] { session_.getFile(remoteFile, localFile, entry.sizeBytes); }, attempts);
+    fetched = retried([&] { session_.getFile(remoteFile, localFile, entry.sizeBytes); }, attempts);
     if (fetched || session_.connected() || attempts >= services_.settings.FtpRetryCount) break;
   }
   // Also when the file could not be fetched: an older copy then bears the listed time.
   SetFileModifiedTime(localFile, remoteDate, true);
+  return fetched;
 }
 
 }  // namespace quillmoor

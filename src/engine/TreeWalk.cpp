@@ -42,14 +42,16 @@ void TreeWalk::pump() const {
   if (services_.pump) services_.pump();
 }
 
+/// Something that is not backed up.
 void TreeWalk::logError(std::string_view what, std::string_view name) {
+  ++state_.failures;
   std::string line("Error: ");
   line.append(what).append(PrintableName(name)).append("\r\n");
   log_.AppendLog(line, log_colour::kError, true);
 }
 
 void TreeWalk::WalkRemoteFolder(const std::string& remotePath, LocalDateTime folderDate) {
-  Guarded([&] { walk(remotePath, folderDate); });
+  if (!Guarded([&] { walk(remotePath, folderDate); })) ++state_.failures;
 }
 
 void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
@@ -64,7 +66,11 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   if (!prepareLocalFolder(localDir, folderDate)) return;
 
   RemoteListing listing = ParseListing(std::move(folder.listing), services_.now(), services_.pump);
-  if (listing.text.empty() || listing.format == ListingFormat::neither) return;
+  if (listing.text.empty()) return;
+  if (listing.format == ListingFormat::neither) {
+    ++state_.failures;
+    return;
+  }
   std::string().swap(listing.text);  // the levels below have theirs
   std::string remoteItem;
   std::string localFile;
@@ -97,7 +103,7 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
 bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
   const auto typeA = [&] { session_.command("TYPE A"); };
   const auto lost = [&] { return !session_.connected(); };
-  for (std::int32_t round = 0; round < rounds(); ++round) {
+  for (std::int64_t round = 0; round < rounds(); ++round) {
     session_.ConnectAndLogin();
     if (lost()) break;
     session_.SetFtpProperties();
@@ -105,19 +111,22 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     retried(typeA);
     if (lost()) continue;
     // A folder that cannot be entered leaves the connection where it is: that folder is listed instead.
-    retried([&] { session_.setCurrentRemoteDirectory(remotePath); });
+    const bool entered = retried([&] { session_.setCurrentRemoteDirectory(remotePath); });
     if (lost()) continue;
     folder.currentDir.clear();
     retried([&] { folder.currentDir = session_.currentRemoteDirectory(); });
     if (lost()) continue;
     if (folder.currentDir.empty()) break;
     if (!mayWalk(folder.currentDir)) return false;
+    if (!entered) ++state_.failures;
 
     session_.SetFtpProperties();
     retried(typeA);
     if (lost()) continue;
     const bool listed = retried([&] { folder.listing = session_.list(); });
-    if (listed || !lost()) return true;
+    if (lost()) continue;
+    if (!listed) ++state_.failures;
+    return true;
   }
   if (!state_.StopRequested) logError("Unable to read the folder: ", remotePath);
   return false;
@@ -139,6 +148,7 @@ bool TreeWalk::mayWalk(const std::string& currentDir) {
 bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate) {
   if (!LocalFolderExists(localDir) && !CreatePath(localDir)) {
     log_.AppendLog("Error: Unable to create directory: " + PrintableName(localDir), log_colour::kError, true);
+    ++state_.failures;
     return false;
   }
   // Of a run that was killed.
@@ -170,7 +180,9 @@ void TreeWalk::walkFile(const std::string& localFile, const std::string& remoteF
   services_.display.showProgress(0);
   services_.display.showFileSize(FormatSize(size));
   services_.display.showCurrentFile(remoteFile);
-  Guarded([&] { SyncRemoteFile(localFile, remoteFile, entry); });
+  bool there = false;
+  Guarded([&] { there = SyncRemoteFile(localFile, remoteFile, entry); });
+  if (!there) ++state_.failures;
   services_.display.showCurrentFile("");
   services_.display.showProgress(0);
   state_.fileCount += 1;

@@ -49,9 +49,10 @@ class TreeWalk {
   void walkFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
   bool IsRemoteFolderLink(const std::string& path);
 
-  void SyncRemoteFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
+  /// Is the file up to date now?
+  bool SyncRemoteFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
   bool isUpToDate(const std::string& localFile, LocalDateTime remoteDate);
-  void download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
+  bool download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
                 LocalDateTime remoteDate);
 
   template <class Operation>
@@ -60,7 +61,7 @@ class TreeWalk {
   template <class Operation>
   bool retried(Operation&& operation, std::int32_t& attempts);
   /// How often an operation is begun again after the connection was lost under it.
-  std::int32_t rounds() const { return std::max(services_.settings.FtpRetryCount, std::int32_t{1}) + 1; }
+  std::int64_t rounds() const { return std::int64_t{std::max(services_.settings.FtpRetryCount, 1)} + 1; }
   void pump() const;
   void logError(std::string_view what, std::string_view name);
 

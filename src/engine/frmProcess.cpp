@@ -14,6 +14,7 @@
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
 #include "controls/QuickPaint.h"
+#include "engine/ShownText.h"
 #include "platform/ProgramFolder.h"
 
 namespace quillmoor {
@@ -43,11 +44,6 @@ double countIn(const std::string& text) {
   std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
                [](unsigned char c) { return std::isdigit(c) != 0; });
   return std::strtod(digits.c_str(), nullptr);
-}
-
-wxString shownName(const std::string& name) {
-  const wxString shown = wxString::FromUTF8(name);
-  return shown.empty() ? wxString(name.c_str(), wxConvISO8859_1) : shown;
 }
 
 void setText(wxStaticText* label, const wxString& text) {
@@ -209,7 +205,7 @@ void frmProcess::TimerStartBackup_Timer() {
 }
 
 frmProcess::Outcome frmProcess::outcome(std::vector<ProfileResult> results) const {
-  Outcome all{std::move(results), stopConfirmed_, 0};
+  Outcome all{std::move(results), stopConfirmed_, 0, controller_->refused()};
   for (std::size_t row = firstRow_; row < wndReportControl->rowCount(); ++row)
     all.files += countIn(wndReportControl->item(row, static_cast<std::size_t>(ReportColumn::files)));
   return all;
@@ -241,7 +237,7 @@ void frmProcess::figuresChanged() {
 void frmProcess::showFigures() {
   if (!std::exchange(figures_.changed, false)) return;
   pbProgress->SetValue(figures_.percent);
-  setText(lblFile, shownName(figures_.file));
+  setText(lblFile, wxString::FromUTF8(ShownText(figures_.file)));
   setText(lblFileSize, wxString::FromUTF8(figures_.size));
   setText(lblRate, wxString::FromUTF8(figures_.rate));
   wndReportControl->populate();

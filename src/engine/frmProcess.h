@@ -57,6 +57,7 @@ class frmProcess : public wxPanel, private RunDisplay {
     std::vector<ProfileResult> results;
     bool stopped = false;
     double files = 0;
+    bool refused = false;  // another program's run was going on
   };
   std::function<void(const Outcome&)> onFinished;
 

@@ -1,4 +1,4 @@
-// One copy of the program at a time for each user.
+// One copy at a time for each user: of the desktop program, and of a backup run in whatever program.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,11 @@ namespace quillmoor {
 
 class SingleInstance {
  public:
-  /// Takes the program's mark, which the system itself gives back when the process ends, however it ends. A
-  /// copy that cannot make the mark, though nobody denies it, counts as the only one.
-  SingleInstance();
+  enum class Mark { desktop, run };
+
+  /// Takes the mark, which the system itself gives back when the process ends, however it ends. A copy that
+  /// cannot make the mark, though nobody denies it, counts as the only one.
+  explicit SingleInstance(Mark mark);
   ~SingleInstance();
   SingleInstance(const SingleInstance&) = delete;
   SingleInstance& operator=(const SingleInstance&) = delete;

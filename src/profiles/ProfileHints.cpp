@@ -54,6 +54,7 @@ bool holdsAny(const std::string& text, const char* characters) {
 }
 
 std::string hostNote(const std::string& host) {
+  if (host.empty()) return "The proxy's name or address is wanted.";  // a save tells of another's
   // A single colon stands before a port; more of them are an address of IPv6.
   const bool port = std::count(host.begin(), host.end(), ':') == 1;
   return port || holdsAny(host, "/\\@ \t")
@@ -105,7 +106,8 @@ std::string FieldNote(const SiteProfile& profile, std::string_view key) {
   for (const ProfileText& field : kProfileTexts) {
     if (field.key != key) continue;
     const std::string text = TrimmedText(profile.*field.field);
-    return text.empty() || !inUse(profile, key) ? "" : noteOf(profile, key, text);
+    const bool needed = profile.ProxyType != 0 && (key == "ProxyHost" || key == "ProxyPort");
+    return (text.empty() && !needed) || !inUse(profile, key) ? "" : noteOf(profile, key, text);
   }
   return "";
 }

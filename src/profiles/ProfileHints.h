@@ -13,7 +13,8 @@ namespace quillmoor {
 std::string_view FieldHint(std::string_view key);
 
 /// What is wrong with what the field holds, as one sentence, "" when nothing is. It forbids nothing: a save
-/// refuses and corrects by rules of its own. A field that is empty, or that nothing looks at, is passed over.
+/// refuses and corrects by rules of its own. A field that is empty, or that nothing looks at, is passed over;
+/// but not the host and the port of a proxy that is to be used.
 std::string FieldNote(const SiteProfile& profile, std::string_view key);
 
 /// The same for a web address that is to be called; blanks around it count here.

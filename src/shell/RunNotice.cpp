@@ -27,7 +27,12 @@ std::string RunNotice(const std::vector<ProfileResult>& results, bool stopped, d
   std::string text = stopped ? "The backup was stopped. " : "";
   text += counted(completed, "profile") + " completed";
   if (completed != results.size()) text += ", " + std::to_string(results.size() - completed) + " not";
-  return text + ". " + counted(static_cast<std::size_t>(files), "file") + ".";
+  text += ". " + counted(static_cast<std::size_t>(files), "file") + ".";
+  std::size_t failures = 0;
+  for (const ProfileResult& one : results) failures += one.failures;
+  if (failures != 0)
+    text += " " + counted(failures, "failure") + ": the log tells of " + (failures == 1 ? "it." : "them.");
+  return text;
 }
 
 }  // namespace quillmoor

@@ -64,7 +64,7 @@ frmMain::~frmMain() {
 }
 
 bool frmMain::Initialise() {
-  instance_ = std::make_unique<SingleInstance>();
+  instance_ = std::make_unique<SingleInstance>(SingleInstance::Mark::desktop);
   if (!instance_->anotherIsRunning()) return true;
   wxMessageBox("Program already running, Click the program icon in the Taskbar. ", kTitle,
                wxOK | wxICON_EXCLAMATION);
@@ -281,7 +281,9 @@ void frmMain::onProgress(const frmProcess::Progress& progress) {
 void frmMain::onFinished(const frmProcess::Outcome& outcome) {
   tray_->SetTip(kTitle);
   ShowTaskbarProgress(*this, -1);
-  Notify(this, kTitle, RunNotice(outcome.results, outcome.stopped, outcome.files));
+  Notify(this, kTitle,
+         outcome.refused ? "Another backup run is going on. This one has not been started."
+                         : RunNotice(outcome.results, outcome.stopped, outcome.files));
 }
 
 void frmMain::ExitRoutine() {

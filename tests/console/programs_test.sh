@@ -57,6 +57,7 @@ for number in no 1-2 "" 99999999999; do expect 2 "takes a number" "$config" sett
 expect 2 "no setting Colour" "$config" setting set Colour red
 expect 0 "" "$config" setting set ZipPassword "s3cret word"
 expect 0 "(hidden)" "$config" setting get ZipPassword
+expect 2 "ANSI code page" "$config" setting set ZipPassword "пароль"
 
 expect 0 "" "$config" setting set ConnectBefore "sought"
 settings_hold sought || fail "a setting is not found"
@@ -159,6 +160,15 @@ interrupted() {                                   # TIMES [PREFIX...]: the statu
   wait "$pid" || status=$?
   echo "$status"
 }
+alone() {                                         # while a run goes on, another one is refused
+  setsid "$run" --assume-network >"$work/first" 2>&1 &
+  local first=$!
+  until grep -q "Connecting" "$work/first"; do kill -0 "$first" 2>/dev/null || break; read -rt 0.02 <> <(:) || true; done
+  expect 2 "Another backup run is going on" "$run" --assume-network
+  kill -INT "$first"
+  wait "$first" || true
+}
+alone
 [ "$(interrupted 1)" = 1 ] || fail "a stopped run does not end with 1"
 grep -q "Error: Unable to login" "$work/out" && grep -q "Good Bye." "$work/out" || fail "a stopped run does not unwind"
 second=$(interrupted 2)                           # both may arrive as one

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -282,12 +283,6 @@ TEST_F(RunTest, TriesAProxyAgainUntilItLeadsToTheServer) {
   EXPECT_TRUE(run().at(0).completed);
   EXPECT_EQ(contentsOf(target() / "a.bin"), "a");
   EXPECT_EQ(proxy.requests().back().password, "dGhpcw==");
-
-  profile.ProxyHost.clear();
-  pump = [&] {
-    if (display.count("proxy's host is missing") == 2) controller->Stop();
-  };
-  EXPECT_FALSE(run().at(0).completed);
 }
 
 // --- networks
@@ -406,12 +401,14 @@ TEST_F(RunTest, RetriesAFileAndGoesOnWithTheNext) {
   EXPECT_EQ(display.count("Ftp Error: 550 Forbidden.\r\n"), 3);
 }
 
-TEST_F(RunTest, MakesOneAttemptEvenWhenNoneIsAskedFor) {
-  settings.FtpRetryCount = 0;
-  server.addFile("/a.bin", "a");
-  server.once("TYPE I", drops());  // which is no attempt at the file
-  run();
-  EXPECT_EQ(contentsOf(target() / "a.bin"), "a");
+TEST_F(RunTest, MakesOneAttemptAtLeastAndOneMoreThanCanBeCounted) {
+  for (const std::int32_t attempts : {std::numeric_limits<std::int32_t>::max(), 0}) {
+    settings.FtpRetryCount = attempts;
+    server.addFile("/a.bin", std::to_string(attempts));
+    server.once("TYPE I", drops());  // which is no attempt at the file
+    run();
+    EXPECT_EQ(contentsOf(target() / "a.bin"), std::to_string(attempts));
+  }
 }
 
 TEST_F(RunTest, CountsAttemptsAcrossLostConnections) {
@@ -422,12 +419,56 @@ TEST_F(RunTest, CountsAttemptsAcrossLostConnections) {
   EXPECT_EQ(server.count("RETR"), 3U);
 }
 
+TEST_F(RunTest, CountsWhatItCouldNotHave) {
+  const struct {
+    const char* name;
+    std::function<void()> damage;
+    std::size_t failures;
+  } rows[] = {{"nothing", [] {}, 0},
+              {"a file", [&] { server.on("RETR /sub/b.bin", replies("550 Forbidden.")); }, 1},
+              {"all files", [&] { server.on("RETR", replies("550 Forbidden.")); }, 2},
+              {"a folder", [&] { server.on("CWD /sub", replies("550 Forbidden.")); }, 1},
+              {"the first folder", [&] { server.on("CWD", replies("550 Forbidden.")); }, 2},
+              {"a listing", [&] { server.on("LIST", replies("550 Forbidden.")); }, 1},
+              {"the archive", [&] { stages.fail = true; }, 1}};
+  server.addFile("/a.bin", "a");
+  server.addFile("/sub/b.bin", "b");
+  for (const auto& row : rows) {
+    server.forgetRules();
+    stages.fail = false;
+    row.damage();
+    const auto results = run();
+    EXPECT_TRUE(results.at(0).completed) << row.name;
+    EXPECT_EQ(results.at(0).failures, row.failures) << row.name;
+  }
+}
+
 TEST_F(RunTest, DoesNotStartWhatWouldNeverEnd) {
-  profile.Timeout = "2147484";
-  EXPECT_FALSE(run().at(0).completed);
-  EXPECT_TRUE(display.logged("Timeout is too large"));
-  EXPECT_EQ(display.item(0, ReportColumn::status), "Failed");
-  EXPECT_NE(display.item(0, ReportColumn::finished), " - ");
+  const SiteProfile good = profile;
+  const struct {
+    const char* told;
+    std::function<void()> damage;
+  } rows[] = {{"Timeout is too large", [&] { profile.Timeout = "2147484"; }},
+              {"The host is missing", [&] { profile.Host = ""; }},
+              {"0 is no port number", [&] { profile.Port = ""; }},
+              {"65536 is no port number", [&] { profile.Port = "65536"; }},
+              {"no proxy type 8", [&] { profile.ProxyType = 8; }},
+              {"The proxy's host is missing", [&] { profile.ProxyType = 7; }},
+              {"0 is no port number of a proxy", [&] {
+                 profile.ProxyType = 2;
+                 profile.ProxyHost = "127.0.0.1";
+               }}};
+  std::size_t report = 0;
+  for (const auto& row : rows) {
+    profile = good;
+    row.damage();
+    EXPECT_FALSE(run().at(0).completed) << row.told;
+    EXPECT_TRUE(display.logged(row.told)) << row.told;
+    EXPECT_EQ(display.item(report, ReportColumn::status), "Failed");
+    EXPECT_NE(display.item(report, ReportColumn::finished), " - ");
+    ++report;
+  }
+  EXPECT_EQ(server.count("USER"), 0U);
 }
 
 TEST_F(RunTest, SurvivesTheLossOfTheConnectionAnywhere) {

@@ -71,9 +71,10 @@ class RecordingStages final : public RunActions, public ArchiveStage {
   void RunProfileActions(const RunProfileFields& profile, RunLog&) override {
     note("profile " + profile.RunURL);
   }
-  void CreateArchive(const std::string& profileId, const RunState& run, RunLog&, RunDisplay&) override {
+  bool CreateArchive(const std::string& profileId, const RunState& run, RunLog&, RunDisplay&) override {
     archivedFolders.push_back(run.LocalTargetFolder);
     note("archive " + profileId);
+    return true;
   }
   std::vector<std::string> archivedFolders;
 

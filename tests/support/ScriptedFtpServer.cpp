@@ -142,6 +142,11 @@ void ScriptedFtpServer::addRule(const std::string& prefix, Action action, int us
   rules_.insert(rules_.begin(), {prefix, std::move(action), uses});
 }
 
+void ScriptedFtpServer::forgetRules() {
+  const std::lock_guard lock(mutex_);
+  rules_.clear();
+}
+
 std::vector<std::string> ScriptedFtpServer::commands() const {
   const std::lock_guard lock(mutex_);
   return commands_;

@@ -47,6 +47,7 @@ class ScriptedFtpServer {
   /// rules come before earlier ones.
   void on(const std::string& prefix, Action action) { addRule(prefix, std::move(action), -1); }
   void once(const std::string& prefix, Action action) { addRule(prefix, std::move(action), 1); }
+  void forgetRules();
 
   /// Throws away what arrives behind a command in the same packet, as some embedded servers do.
   void discardInputBehindCommands() { discards_ = true; }

@@ -13,11 +13,12 @@
 
 namespace quillmoor {
 
-SingleInstance::SingleInstance() {
+SingleInstance::SingleInstance(Mark mark) {
   try {
     const std::filesystem::path folder = UserConfigurationFolder() / "quillmoor";
     std::filesystem::create_directories(folder);
-    handle_ = ::open((folder / "running.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    handle_ = ::open((folder / (mark == Mark::run ? "backup.lock" : "running.lock")).c_str(),
+                     O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   } catch (const std::exception&) {
     return;  // no place for the mark
   }

@@ -31,8 +31,9 @@ std::wstring accountId() {
 
 /// Of all sessions of the user: he may be at the machine and at a remote desktop of it at once. A copy that
 /// runs as administrator does not let others open its mark.
-SingleInstance::SingleInstance() {
-  const std::wstring name = L"Global\\Quillmoor-" + accountId();
+SingleInstance::SingleInstance(Mark mark) {
+  const std::wstring name =
+      (mark == Mark::run ? L"Global\\Quillmoor-Run-" : L"Global\\Quillmoor-") + accountId();
   const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, name.c_str());
   const DWORD error = ::GetLastError();
   another_ = mutex ? error == ERROR_ALREADY_EXISTS : error == ERROR_ACCESS_DENIED;
