@@ -11,6 +11,7 @@
 #include "engine/mGeneral.h"
 #include "platform/CopyFile.h"
 #include "platform/LocalPath.h"
+#include "platform/ZipOutput.h"
 #include "profiles/LenientNumber.h"
 #include "profiles/NameOrder.h"
 #include "profiles/mBase64.h"
@@ -20,6 +21,7 @@ namespace quillmoor {
 namespace {
 
 constexpr std::int32_t kSmallestSpanKB = 350;
+constexpr const char* kSelfExtracting = ".exe";
 
 void logZipError(RunLog& log, const std::string& description) {
   log.AppendLog("Zip Error: " + PrintableName(description) + "\r\n", log_colour::kError, true);
@@ -112,7 +114,7 @@ ZipArchiveStage::Archive ZipArchiveStage::pack(const RunState& run, const ZipSeg
     }
   }
   const bool selfExtracting = settings_.ZipSelfExtract != 0;
-  const char* const ending = selfExtracting ? ".exe" : ".zip";
+  const char* const ending = selfExtracting ? kSelfExtracting : ".zip";
   order.path = run.LocalTargetFolder + ending;
   // The doubled separator does no harm and is kept.
   order.pattern = run.localTargetPath + kLocalSeparator + "*";
@@ -160,6 +162,8 @@ bool ZipArchiveStage::copyInto(const std::string& destination, const Archive& ar
   files.push_back({archive.path, folder + archive.fileName});
   const bool copied = Guarded([&] { CopyWholeFiles(files, goOn); });
   if (copied) {
+    const zip::SegmentNames names(folder + archive.fileName, archive.fileName.ends_with(kSelfExtracting));
+    Guarded([&] { names.removeSurplus(static_cast<std::uint32_t>(files.size())); });
     log.AppendLog("Copy files success.\r\n", log_colour::kCopy, true);
   } else {
     log.AppendLog("Copy files failed.\r\n", log_colour::kError, true);

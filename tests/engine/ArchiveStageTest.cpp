@@ -185,6 +185,14 @@ TEST_F(ArchiveStageTest, CopiesEverySegmentOfASet) {
   }
   EXPECT_EQ(contentsOf(folder / "copies" / "site.zip"), "archive");
   EXPECT_EQ(display.count("Copy "), 2) << display.log();
+
+  writeFile(folder / "copies" / "mine.z01", "x");
+  settings.SplitZip = 0;
+  packer.endings = {};
+  create();
+  EXPECT_FALSE(fs::exists(folder / "copies" / "site.z01") || fs::exists(folder / "copies" / "site.z02"))
+      << "of the longer set";
+  EXPECT_TRUE(fs::exists(folder / "copies" / "site.zip") && fs::exists(folder / "copies" / "mine.z01"));
 }
 
 TEST_F(ArchiveStageTest, WithoutAnArchiveEveryCopyFails) {
