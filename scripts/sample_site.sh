@@ -22,5 +22,5 @@ head -c 900000 /dev/urandom >www/downloads/film.mp4
 ln -s index.html www/start.html
 # A listing shows old dates without a time of day, which a backup takes for noon, and those of the last months with it.
 find . -type f -exec touch -d '2019-06-05 12:00' {} +
-touch -d '03:04 40 days ago' www/index.html
+touch -d '12:04 40 days ago' www/index.html
 chmod -R a+rX .
