@@ -13,7 +13,7 @@ target=${1:-}
 if [ -z "$target" ]; then target=$(mktemp -d -t quillmoor-demo.XXXXXX); else mkdir -p "$target"; fi
 target=$(realpath "$target")
 work=$(mktemp -d -t quillmoor-demo-work.XXXXXX)
-trap 'tests/servers/serve.sh stop "$work/server"; rm -rf "$work"' EXIT
+trap 'tests/servers/serve.sh stop "$work/server"; rm -rf "$work" || true' EXIT
 chmod 755 "$work"
 step() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
 [ -t 1 ] || step() { printf '\n== %s\n' "$*"; }

@@ -16,7 +16,7 @@ pid=
 finish() {
   if [ -n "$pid" ]; then kill "$pid" 2>/dev/null || true; fi
   tests/servers/serve.sh stop "$work/server"
-  rm -rf "$work"
+  rm -rf "$work" || true
 }
 trap finish EXIT
 chmod 755 "$work"

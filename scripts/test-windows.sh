@@ -8,7 +8,7 @@ scripts/build.sh windows
 
 work=$(mktemp -d -t quillmoor-wine.XXXXXX)
 export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=;mshtml=' LC_ALL=C.UTF-8 TZ=UTC
-trap 'wineserver -k 2>/dev/null || true; kill $(jobs -p) 2>/dev/null || true; rm -rf "$work"' EXIT
+trap 'wineserver -k 2>/dev/null || true; kill $(jobs -p) 2>/dev/null || true; rm -rf "$work" || true' EXIT
 Xvfb -displayfd 3 -screen 0 1280x1024x24 3>"$work/display" >/dev/null 2>&1 &
 screen=$!
 until [ -s "$work/display" ]; do kill -0 "$screen"; read -rt 0.05 <> <(:) || true; done

@@ -7,7 +7,7 @@ for program in Xvfb openbox trayer; do
 done
 work=$(mktemp -d -t quillmoor-screen.XXXXXX)
 pids=()
-trap 'for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; wait "$pid" 2>/dev/null || true; done; rm -rf "$work"' EXIT
+trap 'for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; wait "$pid" 2>/dev/null || true; done; rm -rf "$work" || true' EXIT
 mkdir -m 700 "$work/home" "$work/run"
 export HOME=$work/home XDG_CONFIG_HOME=$work/home/.config XDG_RUNTIME_DIR=$work/run NO_AT_BRIDGE=1 GDK_BACKEND=x11
 # Lists scroll at once. How long an animation takes is up to the screen, and one without a refresh may never end it.
@@ -32,7 +32,7 @@ DISPLAY=:$(cat "$work/display")
 export DISPLAY
 openbox --sm-disable >/dev/null 2>&1 &
 pids=($! "${pids[@]}")
-wait_for "window manager" xprop -root _NET_SUPPORTING_WM_CHECK
+wait_for "window manager" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
 trayer --edge bottom --align right --widthtype request --height 24 >/dev/null 2>&1 &
 pids=($! "${pids[@]}")
 wait_for "notification area" sh -c 'xwininfo -root -tree | grep -q trayer'

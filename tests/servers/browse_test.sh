@@ -6,7 +6,7 @@ set -euo pipefail
 program=$1 server=$2 mode=$3 proxy=${4:-} type=${5:-0}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d -t quillmoor-browse.XXXXXX)
-trap '"$here/proxy.sh" stop "$work/proxy"; "$here/serve.sh" stop "$work/server"; rm -rf "$work"' EXIT
+trap '"$here/proxy.sh" stop "$work/proxy"; "$here/serve.sh" stop "$work/server"; rm -rf "$work" || true' EXIT
 chmod 755 "$work"
 "$here/../../scripts/sample_site.sh" "$work/site"
 ln -s www/images "$work/site/pics"

@@ -73,5 +73,9 @@ take_down() {
     kill -0 -- "-$pid" 2>/dev/null || return 0
     sleep 0.05
   done
-  kill -KILL -- "-$pid" 2>/dev/null || true
+  kill -KILL -- "-$pid" 2>/dev/null || return 0
+  for _ in {1..100}; do
+    kill -0 -- "-$pid" 2>/dev/null || return 0
+    sleep 0.05
+  done
 }

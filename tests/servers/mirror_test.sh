@@ -8,7 +8,7 @@ export TZ=UTC                                     # some servers list UTC, which
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/../support/programs.sh"
 work=$(mktemp -d -t quillmoor-mirror.XXXXXX)
-trap '"$here/proxy.sh" stop "$work/proxy"; "$here/serve.sh" stop "$work/server"; rm -rf "$work"' EXIT
+trap '"$here/proxy.sh" stop "$work/proxy"; "$here/serve.sh" stop "$work/server"; rm -rf "$work" || true' EXIT
 chmod 755 "$work"
 fail() { echo "FAILED: $*" >&2; [ ! -e "$work/log" ] || tail -n 40 "$work/log" >&2; exit 1; }
 

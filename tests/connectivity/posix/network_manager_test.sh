@@ -9,7 +9,7 @@ if [ "${3:-}" != inside ]; then
   spaces=(unshare --user --map-root-user --net --mount --pid --fork --kill-child)
   "${spaces[@]}" mount -t tmpfs none /run 2>/dev/null || { echo "skipped: no namespaces here"; exit 77; }
   work=$(mktemp -d -t quillmoor-manager.XXXXXX)
-  trap 'rm -rf "$work"' EXIT
+  trap 'rm -rf "$work" || true' EXIT
   status=0
   "${spaces[@]}" "$0" "$1" "$work" inside || status=$?
   exit "$status"
