@@ -50,7 +50,9 @@ class FormTest : public ::testing::Test {
     all->Add(form, wxSizerFlags(1).Expand());
     frame->SetSizer(all);
     frame->Show();
-    ASSERT_TRUE(waitUntil([&] { return form->IsShownOnScreen() && form->GetSize().y > 100; }));
+    frame->Raise();
+    ASSERT_TRUE(
+        waitUntil([&] { return frame->IsActive() && form->IsShownOnScreen() && form->GetSize().y > 100; }));
   }
   void resize(wxSize size) {
     frame->SetClientSize(size);
@@ -137,7 +139,7 @@ class FormTest : public ::testing::Test {
       // Of one that is made of several, each may be a stop, and not all of them are the toolkit's to tell of.
       for (int keys = 0; (!at || at == before) && keys < 4; ++keys) {
         hand.Char(WXK_TAB);
-        waitUntil([&] { return (at = focused()) && at != before; }, std::chrono::milliseconds(500));
+        waitUntil([&] { return (at = focused()) && at != before; }, std::chrono::seconds(2));
       }
     } while (at && at != first && at->GetName() != names.back());
     return names;

@@ -254,13 +254,13 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
       << s->SliderlPriority->GetValue();
   hand.Char('S', wxMOD_ALT);
   EXPECT_TRUE(waitUntil([&] { return hasFocus(s->dtpStartTime); })) << "the label's key leads there";
-  const auto type = [&](int digit, const std::int32_t& value) {
+  const auto type = [&](int digit, const std::int32_t& value, std::chrono::seconds patience = kPatience) {
     hand.Char(digit);
     hand.Char(WXK_RIGHT);
-    return waitUntil([&] { return value == digit - '0'; }, std::chrono::seconds(2));
+    return waitUntil([&] { return value == digit - '0'; }, patience);
   };
   // Not every toolkit has a part of the time selected from the beginning.
-  EXPECT_TRUE(type('3', settings.ScheduleHour) || type('3', settings.ScheduleHour));
+  EXPECT_TRUE(type('3', settings.ScheduleHour, std::chrono::seconds(10)) || type('3', settings.ScheduleHour));
   EXPECT_TRUE(type('5', settings.ScheduleMinute));
   EXPECT_EQ(ReadSetting("SchedualHour", "") + ReadSetting("SchedualMinute", ""), "35");
   hand.Char('T', wxMOD_ALT);

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <string>
 
 #include "platform/LocalPath.h"
 #include "platform/RegistryApi.h"
@@ -36,13 +37,15 @@ bool registryEditor(const std::wstring& arguments) {
 
 class RegistryEditor : public ::testing::Test {
  protected:
-  // The editor is another program, so this is the user's real registry; the key is no one else's.
+  // The editor is another program, so this is the user's real registry; the key is no one else's, nor that of
+  // a test that runs beside this one.
   RegistryEditor() { remove(); }
   ~RegistryEditor() override { remove(); }
-  static void remove() { ::RegDeleteTreeW(HKEY_CURRENT_USER, Widen(kExchangePath).c_str()); }
+  void remove() const { ::RegDeleteTreeW(HKEY_CURRENT_USER, Widen(path).c_str()); }
 
   testing::TemporaryFolder folder;
-  std::string fullPath = std::string("HKEY_CURRENT_USER\\") + kExchangePath;
+  const std::string path = kExchangePath + std::to_string(::GetCurrentProcessId());
+  const std::string fullPath = "HKEY_CURRENT_USER\\" + path;
 };
 
 TEST_F(RegistryEditor, ImportsWhatIsWrittenAsAFile) {
@@ -50,7 +53,7 @@ TEST_F(RegistryEditor, ImportsWhatIsWrittenAsAFile) {
   testing::writeFile(file, formatRegistryFile({{fullPath, exchangedValues()}}));
   ASSERT_TRUE(registryEditor(L"/S \"" + file.native() + L"\""));
   for (const RegistryFileValue& value : exchangedValues()) {
-    const auto data = RegistryApi::queryValue(HKEY_CURRENT_USER_VALUE, kExchangePath, value.name);
+    const auto data = RegistryApi::queryValue(HKEY_CURRENT_USER_VALUE, path, value.name);
     ASSERT_TRUE(data) << value.name;
     EXPECT_EQ(data->type, value.data.type) << value.name;
     EXPECT_EQ(data->bytes, value.data.bytes) << value.name;
@@ -59,7 +62,7 @@ TEST_F(RegistryEditor, ImportsWhatIsWrittenAsAFile) {
 
 TEST_F(RegistryEditor, ExportsWhatIsReadFromAFile) {
   for (const RegistryFileValue& value : exchangedValues()) {
-    RegistryApi::setValue(HKEY_CURRENT_USER_VALUE, kExchangePath, value.name, value.data);
+    RegistryApi::setValue(HKEY_CURRENT_USER_VALUE, path, value.name, value.data);
   }
   const auto file = folder / "settings.reg";
   ASSERT_TRUE(registryEditor(L"/E \"" + file.native() + L"\" \"" + Widen(fullPath) + L"\""));
