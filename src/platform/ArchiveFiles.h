@@ -86,7 +86,7 @@ class OutputFile {
 };
 
 /// Gives a file or folder the time of its last change, and the attributes that `hostSystem` says how to read,
-/// as far as the system has them; never the right to run under another user.
+/// as far as the system has them; never the right to run under another user. Raises after it has tried both.
 void restoreState(const std::string& path, const FileState& state, std::uint8_t hostSystem);
 
 /// Replaces what stands under `to` if that is a file.

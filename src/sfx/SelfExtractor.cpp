@@ -1,7 +1,8 @@
 // The program in front of a self-extracting archive: unpacks what stands behind it.
 //
-// Ends with 0 when all was unpacked, 1 when something was left out, 2 for arguments that cannot be, 3 when
-// the archive is damaged or incomplete, 4 for a wrong password, 5 when the disk does not take it.
+// Ends with 0 when all was unpacked (even if the disk did not take every time and permission), 1 when
+// something was left out, 2 for arguments that cannot be, 3 when the archive is damaged or incomplete, 4 for
+// a wrong password, 5 when the disk does not take it.
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -127,6 +128,7 @@ int run(const Wishes& wishes) {
     line.clear();
     std::fprintf(stderr, "%s\n", text.c_str());
   };
+  events.note = events.refused;
   events.progress = [&](const std::string& name, std::uint64_t done, std::uint64_t all) {
     line.show(name, done, all);
   };

@@ -16,6 +16,18 @@ namespace {
 
 constexpr std::string_view kUnfinished = ".quillmoor-unfinished.tmp";
 
+/// Restores what can be, and tells why something could not: on some disks nobody, or only another user, may
+/// set times or permissions.
+std::optional<std::error_code> stateLacks(const std::string& path, const FileState& state,
+                                          std::uint8_t hostSystem) {
+  try {
+    restoreState(path, state, hostSystem);
+  } catch (const std::system_error& error) {
+    return error.code();
+  }
+  return std::nullopt;
+}
+
 /// A file under its temporary name, removed unless it is finished.
 class NewFile {
  public:
@@ -27,11 +39,13 @@ class NewFile {
   NewFile& operator=(const NewFile&) = delete;
 
   void write(std::span<const std::uint8_t> bytes) { file_.write(bytes); }
-  void finish(const std::string& target, const ArchiveEntry& entry) {
+  /// Gives it its name; what could not be restored, if anything.
+  std::optional<std::error_code> finish(const std::string& target, const ArchiveEntry& entry) {
     file_.close();
-    restoreState(path_, entry.state, entry.hostSystem);
+    std::optional<std::error_code> lacks = stateLacks(path_, entry.state, entry.hostSystem);
     renameFile(path_, target);
     finished_ = true;
+    return lacks;
   }
 
  private:
@@ -55,18 +69,15 @@ class Unpacker {
     archive_.forEach([this](const ArchiveEntry& entry) { unpackEntry(entry); });
     // Only now: what was unpacked into them has changed their times, and a folder may not be written.
     for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
-      try {
-        restoreState(folder->path, folder->state, folder->hostSystem);
-      } catch (const std::system_error& error) {
-        refuse(error.what());
-      }
+      if (const auto lacks = stateLacks(folder->path, folder->state, folder->hostSystem))
+        note(*lacks, folder->shown);
     }
     return result_;
   }
 
  private:
   struct Folder {
-    std::string path;
+    std::string path, shown;
     FileState state;
     std::uint8_t hostSystem;
   };
@@ -76,6 +87,12 @@ class Unpacker {
   void refuse(const std::string& line) {
     ++result_.refused;
     if (events_.refused) events_.refused(line);
+  }
+
+  void note(const std::error_code& lacks, const std::string& shown) {
+    if (events_.note)
+      events_.note("unpacked, but its time or permissions could not be restored (" + lacks.message() +
+                   "): " + shown);
   }
 
   void makeFolderItself() {
@@ -114,7 +131,7 @@ class Unpacker {
     const std::optional<std::string> folder = madeFolder(*parts, folders);
     if (!folder) return refuse("cannot make the folder of " + shown);
     if (entry.folder()) {
-      folders_.push_back({folder->substr(0, folder->size() - 1), entry.state, entry.hostSystem});
+      folders_.push_back({folder->substr(0, folder->size() - 1), shown, entry.state, entry.hostSystem});
       return;
     }
     const std::string target = *folder + parts->back();
@@ -137,7 +154,7 @@ class Unpacker {
     });
     result_.bytes = done;
     try {
-      file->finish(target, entry);
+      if (const auto lacks = file->finish(target, entry)) note(*lacks, shown);
     } catch (const std::system_error& error) {
       return refuse(error.what());
     }

@@ -15,6 +15,8 @@ struct UnpackEvents {
   std::function<bool(const std::string& name)> replace;
   /// Something was left out, and why: one line. The rest is unpacked all the same.
   std::function<void(const std::string& line)> refused;
+  /// Something was unpacked whole, but the disk did not take its time or permissions: one line.
+  std::function<void(const std::string& line)> note;
   /// Bytes done of all; often.
   std::function<void(const std::string& name, std::uint64_t done, std::uint64_t all)> progress;
 };
@@ -31,9 +33,9 @@ struct ArchiveSummary {
 ArchiveSummary summaryOf(ZipReader& archive);
 
 /// Unpacks all into `folder`, which is made with its parents when it is not there. Times and permissions are
-/// restored. Names that lead out of the folder, links and special files are refused. Raises ArchiveError for
-/// a damaged or incomplete archive (what was unpacked before stays), std::system_error when the disk does not
-/// take a file.
+/// restored as far as the disk takes them, which counts as no refusal. Names that lead out of the folder,
+/// links and special files are refused. Raises ArchiveError for a damaged or incomplete archive (what was
+/// unpacked before stays), std::system_error when the disk does not take a file.
 UnpackResult unpack(ZipReader& archive, const std::string& folder, std::string_view password,
                     const UnpackEvents& events);
 

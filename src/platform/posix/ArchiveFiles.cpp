@@ -186,10 +186,11 @@ void OutputFile::patch(const std::string& path, std::int64_t offset, std::span<c
 
 void restoreState(const std::string& path, const FileState& state, std::uint8_t hostSystem) {
   const timespec times[2] = {{0, UTIME_OMIT}, {state.modifiedSeconds, state.modifiedNanoseconds}};
+  const bool timed = ::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW) == 0;
+  const int error = errno;
   if (hostSystem == kArchiveHostSystem && ::chmod(path.c_str(), state.attributes >> 16 & 0777) != 0)
     fail("cannot set the permissions of", path);
-  if (::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW) != 0)
-    fail("cannot set the time of", path);
+  if (!timed) fail("cannot set the time of", path, error);
 }
 
 void renameFile(const std::string& from, const std::string& to) {

@@ -219,6 +219,8 @@ void OutputFile::patch(const std::string& path, std::int64_t offset, std::span<c
 }
 
 void restoreState(const std::string& path, const FileState& state, std::uint8_t) {
+  bool timed = false;
+  DWORD error = 0;
   {
     const Handle file(::CreateFileW(WidePath(path).c_str(), FILE_WRITE_ATTRIBUTES, kShareAll, nullptr,
                                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
@@ -226,13 +228,14 @@ void restoreState(const std::string& path, const FileState& state, std::uint8_t)
     const std::int64_t ticks =
         (state.modifiedSeconds + kSecondsFrom1601To1970) * kTicksInASecond + state.modifiedNanoseconds / 100;
     const FILETIME modified{static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
-    if (!file || ::SetFileTime(file.get(), nullptr, nullptr, &modified) == FALSE)
-      fail("cannot set the time of", path);
+    timed = file && ::SetFileTime(file.get(), nullptr, nullptr, &modified) != FALSE;
+    error = ::GetLastError();
   }
   // The low byte means the same whatever system the entry comes from.
   const DWORD attributes = state.attributes & kKeptAttributes;
   if (attributes != 0 && ::SetFileAttributesW(WidePath(path).c_str(), attributes) == FALSE)
     fail("cannot set the attributes of", path);
+  if (!timed) fail("cannot set the time of", path, error);
 }
 
 void renameFile(const std::string& from, const std::string& to) {
