@@ -282,17 +282,20 @@ std::string FtpClient::Impl::list() {
   return perform(FtpMethod::list, true, [&] {
     std::string text;
     FtpTransfer::Outcome outcome;
-    bool plain = hiddenFiles_ == HiddenFiles::refused;
+    bool plain = hiddenFiles_ == HiddenFiles::refused, takenForName = plain;
     if (!plain) {
       outcome = runList("LIST -a", text);
       // A server that takes the switch for a name refuses it or lists nothing; so does an empty folder,
       // unless the switch has been seen to work.
       if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::listed;
       plain = hiddenFiles_ == HiddenFiles::unknown;
+      // Other failures pass (a data connection that was cut, a busy server) and say nothing of the switch.
+      takenForName =
+          outcome.reply.completion() || outcome.reply.code / 100 == 5 || saysNoFiles(outcome.reply);
     }
     if (plain) {
       outcome = runList("LIST", text);
-      if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::refused;
+      if (takenForName && outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::refused;
     }
     if (outcome.reply.refusal() && !saysNoFiles(outcome.reply)) control_.raiseRefused("LIST", outcome.reply);
     if (outcome.reply.refusal()) text.clear();

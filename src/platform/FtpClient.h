@@ -176,7 +176,8 @@ class FtpClient {
   void changeToParent();
 
   /// Lists the current folder and returns the reply's text; "" for an empty folder. Asks for hidden files
-  /// (LIST -a) until the server has shown that it takes the switch for a name.
+  /// (LIST -a) until the server has shown that it takes the switch for a name; a failure that may pass is no
+  /// such sign, but costs them in that one listing.
   std::string list();
 
   /// RETR `remotePath` into `localPath`, replacing it; the file appears whole or not at all. In an ASCII

@@ -36,6 +36,25 @@ TEST_F(FtpTransferTest, AsksForHiddenFilesWhereTheServerUnderstands) {
   }
 }
 
+TEST_F(FtpTransferTest, AsksForHiddenFilesAgainAfterAFailureThatPasses) {
+  const struct {
+    const char* reply;
+    std::size_t asked;
+  } cases[] = {
+      {"425 No data connection.", 2}, {"426 Cut.", 2},        {"450 Busy.", 2}, {"451 Try later.", 2},
+      {"450 No files found.", 1},     {"501 No switches.", 1}};
+  for (const auto& c : cases) {
+    ScriptedFtpServer other;
+    other.addFile("/.htaccess", "x");
+    other.once("LIST -a", refusesData(c.reply));
+    client.login("127.0.0.1", "joe", "x", "", other.port());
+    EXPECT_THAT(client.list(), HasSubstr(".htaccess")) << c.reply;
+    client.list();
+    EXPECT_EQ(other.count("LIST -a"), c.asked) << c.reply;
+    client.logout();
+  }
+}
+
 TEST_F(FtpTransferTest, TakesARefusalToListNothingForAnEmptyFolder) {
   login();
   server.on("LIST", refusesData("550 No files found."));
