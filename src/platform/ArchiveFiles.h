@@ -89,6 +89,9 @@ class OutputFile {
 /// as far as the system has them; never the right to run under another user. Raises after it has tried both.
 void restoreState(const std::string& path, const FileState& state, std::uint8_t hostSystem);
 
+/// False where `renameFile` would refuse a target of that name for what it is: a folder, or on Windows a file
+/// that may not be written.
+bool mayBeReplaced(const std::string& path);
 /// Replaces what stands under `to` if that is a file.
 void renameFile(const std::string& from, const std::string& to);
 /// False when there was none or it cannot be removed.

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <thread>
 
+#include "platform/FileSet.h"
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
 #include "platform/Pump.h"
@@ -20,7 +21,6 @@ class Unfinished {
   explicit Unfinished(const std::vector<FileCopy>& files) {
     for (std::size_t i = 0; i < files.size(); ++i) paths_.push_back(temporaryName(files[i].to, i + 1));
     for (const std::string& path : paths_) RemoveLocalFile(path);
-    if (files.empty()) return;
     for (std::size_t i = files.size() + 1; RemoveLocalFile(temporaryName(files.back().to, i)); ++i) {
     }
   }
@@ -49,7 +49,9 @@ void copyAll(const std::vector<FileCopy>& files, const std::atomic<bool>& ended)
                               "this is the file itself: " + file.to);
     }
   }
+  if (files.empty()) return;
   const Unfinished unfinished(files);
+  endKilledExchange(files.back().to);
   for (std::size_t i = 0; i < files.size(); ++i) CopyFileTo(unfinished[i], files[i].from, ended);
   // A former copy is given up only for one that is on the disk.
   for (std::size_t i = 0; i < files.size(); ++i) {
@@ -57,12 +59,9 @@ void copyAll(const std::vector<FileCopy>& files, const std::atomic<bool>& ended)
       throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + files[i].to);
     }
   }
-  // While its parts are exchanged a former set must not look whole.
-  if (files.size() > 1 && !RemoveLocalFile(files.back().to) && LocalPathExists(files.back().to)) {
-    throw std::system_error(std::make_error_code(std::errc::device_or_resource_busy),
-                            "cannot replace " + files.back().to);
-  }
-  for (std::size_t i = 0; i < files.size(); ++i) RenameFileOver(unfinished[i], files[i].to);
+  std::vector<SetFile> set;
+  for (std::size_t i = 0; i < files.size(); ++i) set.push_back({unfinished[i], files[i].to});
+  giveSetItsNames(set);
 }
 
 /// The copying, on a thread that a slow disk or network may hold up for long.

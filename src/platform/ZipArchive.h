@@ -81,7 +81,10 @@ struct ZipResult {
 /// (".quillmoor-unfinished-1.tmp", ...), which are renamed when all is written, the file called `path` last,
 /// so that a set without it is an unfinished one. An operation that raises removes what it has written; of a
 /// program that is killed the temporary files stay until the next archive in that folder. What stood under
-/// `path` stands until then. Segments left over from a former, longer set of that name are removed.
+/// `path` stands until then. A single file is replaced in one step. A former set is moved aside while names
+/// are given, and put back when one cannot be given; where the program is killed at that moment or something
+/// holds a file, by the next archive of that name (see giveSetItsNames). Segments left over from a former,
+/// longer set of that name are removed.
 class ZipArchive {
  public:
   ZipArchive();

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/FileSet.h"
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
 #include "platform/ZipFormat.h"
@@ -111,6 +112,7 @@ Output::Output(SegmentNames names, std::optional<std::int64_t> segmentBytes, boo
   for (std::uint32_t disk = 0; removeFile(names_.temporary(disk)); ++disk) {
   }
   removeFile(names_.spool());
+  endKilledExchange(names_.final(0, 1));
   buffer_.reserve(kBuffer);
   open();
 }
@@ -208,25 +210,12 @@ std::vector<std::string> Output::finish() {
       throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + paths[disk]);
     }
   }
-  // From here on a former set is no longer whole, so that it must not look whole either.
-  if (count > 1 && !removeFile(paths[main]) && pathKind(paths[main])) {
-    throw std::system_error(std::make_error_code(std::errc::device_or_resource_busy),
-                            "cannot replace " + paths[main]);
+  std::vector<SetFile> files;
+  for (std::uint32_t disk = 0; disk < count; ++disk) {
+    if (disk != main) files.push_back({names_.temporary(disk), paths[disk]});
   }
-  std::uint32_t renamed = 0;
-  try {
-    for (std::uint32_t disk = 0; disk < count; ++disk) {
-      if (disk == main) continue;
-      renameFile(names_.temporary(disk), paths[disk]);
-      renamed = disk + 1;
-    }
-    renameFile(names_.temporary(main), paths[main]);
-  } catch (const std::system_error&) {
-    for (std::uint32_t disk = 0; disk < renamed; ++disk) {
-      if (disk != main) removeFile(paths[disk]);
-    }
-    throw;
-  }
+  files.push_back({names_.temporary(main), paths[main]});
+  giveSetItsNames(files);
   finished_ = true;
   names_.removeSurplus(count);
   return paths;

@@ -284,14 +284,37 @@ TEST_F(ZipArchiveTest, LeavesNoSetWhenASegmentCannotHaveItsName) {
   EXPECT_THAT(errors, ElementsAre(HasSubstr("a.z02")));
 }
 
-TEST_F(ZipArchiveTest, LeavesAFormerSetWholeWhenItsMainFileCannotGo) {
+TEST_F(ZipArchiveTest, LeavesAFormerSetWholeWhenAFileOfItCannotGo) {
   put("noise", noise(1'000'000));
-  std::filesystem::create_directories(LocalPath(out("a.zip")) / "occupied");
-  testing::writeFile(LocalPath(out("a.z01")), "of the former set");
+  for (const std::string stuck : {"a.z01", "a.z03", "a.zip"}) {
+    for (const std::string name : {"a.z01", "a.z02", "a.z03", "a.zip"}) {
+      std::filesystem::remove_all(LocalPath(out(name)));
+      if (name == stuck) {
+        std::filesystem::create_directories(LocalPath(out(name)) / "occupied");
+      } else {
+        testing::writeFile(LocalPath(out(name)), "former " + name);
+      }
+    }
+    add();
+    EXPECT_EQ(numberOf([&] { archive.write(out("a.zip"), kSmallest); }), ZipErrorNumber::cannotWrite);
+    EXPECT_THAT(filesOut(), ElementsAre("a.z01", "a.z02", "a.z03", "a.zip"));
+    for (const std::string name : {"a.z01", "a.z02", "a.z03", "a.zip"}) {
+      if (name == stuck) continue;
+      EXPECT_EQ(testing::contentsOf(LocalPath(out(name))), "former " + name);
+    }
+  }
+}
+
+TEST_F(ZipArchiveTest, PutsBackTheSetThatAKilledRunHadMovedAside) {
+  const std::filesystem::path aside = LocalPath(out(".quillmoor-unfinished-a.zip"));
+  std::filesystem::create_directory(aside);
+  testing::writeFile(aside / "a.zip", "former");
+  put("a", "x");
+  archive.onProgress = [&](const ZipProgress&) { archive.abort(); };
   add();
-  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip"), kSmallest); }), ZipErrorNumber::cannotWrite);
-  EXPECT_THAT(filesOut(), ElementsAre("a.z01", "a.zip"));
-  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.z01"))), "of the former set");
+  EXPECT_EQ(numberOf([&] { archive.write(out("a.zip")); }), ZipErrorNumber::aborted);
+  EXPECT_THAT(filesOut(), ElementsAre("a.zip"));
+  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.zip"))), "former");
 }
 
 TEST_F(ZipArchiveTest, ReportsEveryFileOnceAndInOrder) {

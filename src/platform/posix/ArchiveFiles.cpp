@@ -193,6 +193,10 @@ void restoreState(const std::string& path, const FileState& state, std::uint8_t 
   if (!timed) fail("cannot set the time of", path, error);
 }
 
+bool mayBeReplaced(const std::string& path) {
+  return pathKind(path) != FileKind::folder;
+}
+
 void renameFile(const std::string& from, const std::string& to) {
   if (::rename(from.c_str(), to.c_str()) != 0) fail("cannot write", to);
 }

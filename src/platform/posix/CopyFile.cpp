@@ -95,8 +95,4 @@ void CopyFileTo(const std::string& temporary, const std::string& from, const std
   if (const int error = target.close()) fail(error, "cannot write ", temporary);
 }
 
-void RenameFileOver(const std::string& temporary, const std::string& to) {
-  if (::rename(temporary.c_str(), to.c_str()) != 0) fail(errno, "cannot write ", to);
-}
-
 }  // namespace quillmoor

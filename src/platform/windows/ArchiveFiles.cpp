@@ -238,6 +238,12 @@ void restoreState(const std::string& path, const FileState& state, std::uint8_t)
   if (!timed) fail("cannot set the time of", path, error);
 }
 
+bool mayBeReplaced(const std::string& path) {
+  const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
+  return attributes == INVALID_FILE_ATTRIBUTES ||
+         (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) == 0;
+}
+
 void renameFile(const std::string& from, const std::string& to) {
   if (!MoveIntoPlace(WidePath(from), WidePath(to))) fail("cannot write", to);
 }

@@ -4,7 +4,6 @@
 
 #include "platform/LocalPath.h"
 #include "platform/windows/Handle.h"
-#include "platform/windows/MoveIntoPlace.h"
 #include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/WindowsApi.h"
@@ -62,12 +61,6 @@ void CopyFileTo(const std::string& temporary, const std::string& from, const std
   if (!after.known || !copy.known || !before.sameSize(after) || !before.sameTime(after) ||
       !before.sameSize(copy)) {
     fail(ERROR_FILE_INVALID, "changed while it was copied:", from);
-  }
-}
-
-void RenameFileOver(const std::string& temporary, const std::string& to) {
-  if (!MoveIntoPlace(WidePath(temporary), WidePath(to))) {
-    fail(::GetLastError(), "cannot write", to);
   }
 }
 
