@@ -1,6 +1,7 @@
 // The ANSI code page: what files of the program hold, while inside it all text is UTF-8.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,18 @@ std::string FromAnsi(std::string_view ansi);
 inline bool FitsAnsi(std::string_view utf8) {
   return FromAnsi(ToAnsi(utf8)) == utf8;
 }
+
+/// A part of a text that is UTF-8 but for what old servers send.
+struct TextPiece {
+  std::size_t bytes = 0;
+  bool ansi = false;  ///< to be read in the code page
+};
+
+/// The first piece of a text that is not empty. In a code page of single bytes each byte that is no UTF-8 is
+/// a piece; in one of double bytes, whose characters often look like UTF-8, a run of bytes beyond ASCII is
+/// UTF-8 or ANSI as a whole, with an ASCII byte that is half of its last character. A backslash never is that
+/// half: it separates the parts of a path.
+TextPiece FirstPiece(std::string_view text);
 
 /// The capital letter of the code page for a small one; any other character as it is.
 char AnsiUpper(char c);

@@ -39,6 +39,16 @@ std::string FromAnsi(std::string_view ansi) {
   return utf8;
 }
 
+TextPiece FirstPiece(std::string_view text) {
+  std::size_t bytes = 0;
+  while (bytes < text.size()) {
+    const std::size_t length = DecodeUtf8(text.substr(bytes)).length;
+    if (length == 0) return bytes == 0 ? TextPiece{1, true} : TextPiece{bytes, false};
+    bytes += length;
+  }
+  return {bytes, false};
+}
+
 char AnsiUpper(char c) {
   const auto byte = static_cast<unsigned char>(c);
   if ((byte >= 'a' && byte <= 'z') || (byte >= 0xE0 && byte <= 0xFE && byte != 0xF7))

@@ -33,6 +33,10 @@ std::string FromAnsi(std::string_view ansi) {
   return Narrow(wideFromAnsi(ansi));
 }
 
+TextPiece FirstPiece(std::string_view text) {
+  return FirstPiece(text, CP_ACP);
+}
+
 char AnsiUpper(char c) {
   // Given a number in place of a pointer, the function converts this one character.
   const auto code = static_cast<ULONG_PTR>(static_cast<unsigned char>(c));

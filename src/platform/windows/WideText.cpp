@@ -26,24 +26,56 @@ std::wstring fullPath(const std::wstring& path) {
   }
 }
 
-}  // namespace
-
-std::wstring Widen(std::string_view utf8) {
-  std::wstring wide;
-  wide.reserve(utf8.size());
+void appendUtf16(std::wstring& wide, std::string_view utf8) {
   while (!utf8.empty()) {
     const Utf8Character next = DecodeUtf8(utf8);
-    if (next.length == 0) {
-      wchar_t character = L'?';
-      ::MultiByteToWideChar(CP_ACP, 0, utf8.data(), 1, &character, 1);
-      wide += character;
-    } else if (next.character < 0x10000) {
+    if (next.character < 0x10000) {
       wide += static_cast<wchar_t>(next.character);
     } else {
       wide += static_cast<wchar_t>(0xD800 + ((next.character - 0x10000) >> 10));
       wide += static_cast<wchar_t>(0xDC00 + ((next.character - 0x10000) & 0x3FF));
     }
-    utf8.remove_prefix(std::max<std::size_t>(next.length, 1));
+    utf8.remove_prefix(next.length);
+  }
+}
+
+}  // namespace
+
+TextPiece FirstPiece(std::string_view text, unsigned codePage) {
+  const auto beyondAscii = [&](std::size_t at) { return static_cast<unsigned char>(text[at]) >= 0x80; };
+  std::size_t utf8 = 0;
+  for (std::size_t length = 1; utf8 < text.size() && length != 0; utf8 += length)
+    length = DecodeUtf8(text.substr(utf8)).length;
+  if (utf8 == text.size()) return {utf8, false};
+  CPINFO page{};
+  const bool doubleByte = ::GetCPInfo(codePage, &page) != FALSE && page.MaxCharSize == 2;
+  while (doubleByte && utf8 > 0 && beyondAscii(utf8 - 1)) --utf8;
+  if (utf8 > 0) return {utf8, false};
+  if (!doubleByte) return {1, true};
+  std::size_t ansi = 0;
+  while (ansi < text.size() && beyondAscii(ansi)) {
+    const bool lead = ::IsDBCSLeadByteEx(codePage, static_cast<BYTE>(text[ansi])) != FALSE;
+    ++ansi;
+    if (lead && ansi < text.size() && static_cast<unsigned char>(text[ansi]) >= 0x40 && text[ansi] != '\\')
+      ++ansi;
+  }
+  return {ansi, true};
+}
+
+std::wstring Widen(std::string_view utf8, unsigned codePage) {
+  std::wstring wide;
+  wide.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const TextPiece piece = FirstPiece(utf8, codePage);
+    if (piece.ansi) {
+      std::wstring characters(piece.bytes, L'?');
+      const int length = static_cast<int>(piece.bytes);
+      const int got = ::MultiByteToWideChar(codePage, 0, utf8.data(), length, characters.data(), length);
+      wide += got > 0 ? characters.substr(0, static_cast<std::size_t>(got)) : characters;
+    } else {
+      appendUtf16(wide, utf8.substr(0, piece.bytes));
+    }
+    utf8.remove_prefix(piece.bytes);
   }
   return wide;
 }

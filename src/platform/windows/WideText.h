@@ -5,10 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "platform/CodePage.h"
+
 namespace quillmoor {
 
-/// UTF-8 to UTF-16; a byte that is no UTF-8 is read in the ANSI code page.
-std::wstring Widen(std::string_view utf8);
+/// UTF-8 to UTF-16; what is no UTF-8 (see FirstPiece) is read in the ANSI code page, or the one given.
+std::wstring Widen(std::string_view utf8, unsigned codePage = 0);
+
+/// For the code page given; 0 is the ANSI one.
+TextPiece FirstPiece(std::string_view text, unsigned codePage);
 
 /// UTF-16 to UTF-8; half a surrogate pair becomes U+FFFD.
 std::string Narrow(std::wstring_view wide);

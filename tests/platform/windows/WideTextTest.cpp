@@ -31,6 +31,29 @@ TEST(WideText, GoesThereAndBack) {
   EXPECT_EQ(Narrow(std::wstring{0xD83D, L'x'}), "\xEF\xBF\xBDx");
 }
 
+TEST(WideText, ReadsWhatIsNoUtf8InTheCodePage) {
+  const struct {
+    unsigned codePage;
+    const char* text;
+    std::wstring wide;
+  } cases[] = {
+      {936, "\xD6\xD0\xCE\xC4.txt", L"\u4E2D\u6587.txt"},
+      {936, "a\xCD\xA8\xC1\xAA", L"a\u901A\u8054"},  // the first two bytes look like UTF-8
+      {936, "\x81@b",
+       L"\u4E02"
+       L"b"},  // half of it is ASCII
+      {936, "\xE4\xB8\xAD\\\xD6\xD0", L"\u4E2D\\\u4E2D"},
+      {949, "\xC7\xD1", L"\uD55C"},
+      {950, "\xA4\xA4\xA4\xE5", L"\u4E2D\u6587"},
+      {932, "\xB1\x93\xFA", L"\uFF71\u65E5"},
+      {1252, "\xC3\xA4\xE4\xC3\xA4", L"\u00E4\u00E4\u00E4"},
+      {1252, "\xD6\xD0\xFC\x80", L"\u00D6\u00D0\u00FC\u20AC"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Widen(c.text, c.codePage), c.wide) << c.codePage << " " << c.text;
+  for (const unsigned codePage : {932U, 936U, 949U, 950U})
+    EXPECT_TRUE(Widen("a\x95\\b", codePage).ends_with(L"\\b")) << "a separator stays one";
+}
+
 TEST(WidePath, LiftsTheLimitOfLength) {
   EXPECT_EQ(WidePath(std::string("C:\\short")), L"C:\\short");
   const std::string name(200, 'n');
