@@ -20,6 +20,11 @@ bool isTimeOut(const FtpError& error) {
   return error.number() == static_cast<int>(FtpErrorNumber::timedOut);
 }
 
+/// What a server answers to SYST when it does not know it (RFC 959 §5.4).
+bool isUnknownCommand(const FtpReply& reply) {
+  return reply.code >= 500 && reply.code <= 502;
+}
+
 /// RFC 854: a byte 255 inside a line is doubled, else it would begin a Telnet command.
 std::string wireForm(std::string_view line) {
   std::string wire;
@@ -237,11 +242,14 @@ std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
   write(wireForm("SYST"), timeout);
   std::vector<FtpReply> replies;
   while (replies.size() < most) {
+    const bool mayBeMarkers = !replies.empty() && isUnknownCommand(replies.back());
     try {
-      replies.push_back(readFinalReply(in(replies.empty() ? timeout : std::min(timeout, kAheadPatience))));
+      replies.push_back(readFinalReply(in(mayBeMarkers ? std::min(timeout, kAheadPatience) : timeout)));
     } catch (const FtpError& error) {
-      // Silence after a reply: that one was the marker's, from a server that does not know SYST.
-      if (replies.empty() || !isTimeOut(error)) throw;
+      // Silence after such a reply: it was the marker's, from a server that does not know SYST. After any
+      // other the server is still at work, and what it says later would be taken for the answer to another
+      // command: this session is of no more use.
+      if (!mayBeMarkers || !isTimeOut(error)) throw;
       break;
     }
     if (replies.back().code == 215) break;

@@ -335,6 +335,32 @@ TEST_F(FtpClientTest, FallsBackWhenAServerLosesWhatIsSentAhead) {
   EXPECT_EQ(client.state(), FtpState::connected);
 }
 
+TEST_F(FtpClientTest, FallsBackWhereTheServerDoesNotKnowTheMarkerToo) {
+  server.discardInputBehindCommands();
+  client.timeoutMs = kShortMs;
+  for (const char* const reply : {"500 What?", "502 Not here."}) {
+    server.on("SYST", replies(reply));
+    login();
+    client.sendAhead({"TYPE A", "PWD"}, false);
+    client.command("TYPE A");
+    EXPECT_EQ(client.currentRemoteDirectory(), "/") << reply;
+  }
+}
+
+TEST_F(FtpClientTest, TakesNoLateReplyForTheMarkers) {
+  server.discardInputBehindCommands();
+  server.once("TYPE", [](Session& s) {
+    s.waitForClient();  // until it asks how many were heard
+    s.reply("200 Late.");
+  });
+  server.once("SYST", staysSilent());
+  client.timeoutMs = kShortMs;
+  login();
+  client.sendAhead({"TYPE A", "PWD"}, false);
+  EXPECT_EQ(errorOf([&] { client.command("TYPE A"); }).number(), number(FtpErrorNumber::timedOut));
+  EXPECT_EQ(client.state(), FtpState::closed) << "its next reply would be taken for another command's";
+}
+
 TEST_F(FtpClientTest, AnAbortBetweenOperationsClosesTheSession) {
   login();
   client.abort();
