@@ -42,6 +42,7 @@ bool sameFolder(const std::string& a, const std::string& b);
 class InputFile {
  public:
   /// Raises when it is no ordinary file; `mayBeLink` says whether the path itself may be a symbolic link.
+  /// Windows tells that only just after the file was opened.
   InputFile(const std::string& path, bool mayBeLink);
   ~InputFile();
   InputFile(InputFile&& other) noexcept;

@@ -99,8 +99,7 @@ void readFolder(const std::string& path, bool mayBeLink,
                 const std::function<void(const std::string&, FileKind)>& item) {
   const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) fail("cannot open", path);
-  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 ||
-      (!mayBeLink && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0))
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 || (!mayBeLink && pathKind(path) == FileKind::link))
     fail("cannot open", path, ERROR_DIRECTORY);
   const bool ended = path.ends_with(kLocalSeparator) || path.ends_with('/');
   WIN32_FIND_DATAW found{};
@@ -139,13 +138,18 @@ bool sameFolder(const std::string& a, const std::string& b) {
          first.nFileIndexHigh == second.nFileIndexHigh && first.nFileIndexLow == second.nFileIndexLow;
 }
 
-InputFile::InputFile(const std::string& path, bool) : path_(path), handle_(-1) {
+InputFile::InputFile(const std::string& path, bool mayBeLink) : path_(path), handle_(-1) {
   const HANDLE file = ::CreateFileW(WidePath(path).c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) fail("cannot open", path);
   if (::GetFileType(file) != FILE_TYPE_DISK) {
     ::CloseHandle(file);
     fail("cannot read", path, ERROR_BAD_FILE_TYPE);
+  }
+  // Looked at by name: a handle that follows no link would not read files kept in a cloud or deduplicated.
+  if (!mayBeLink && pathKind(path) == FileKind::link) {
+    ::CloseHandle(file);
+    fail("cannot open", path, ERROR_CANT_ACCESS_FILE);
   }
   handle_ = reinterpret_cast<std::intptr_t>(file);
 }
