@@ -196,7 +196,8 @@ class FtpClient {
   /// the caller's promise that its next operations will send just these. Each such operation then only
   /// takes its reply; any other operation first lets the outstanding replies pass. Changes nothing but
   /// time: never raises, and does nothing when not connected or when the server does not read ahead. Whether
-  /// they were sent.
+  /// they were sent. Only where half a command went out, and the network took no more, is the connection
+  /// given up; the next operation then raises connectionLost, as after a loss at any other time.
   bool sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
 
  private:
