@@ -18,7 +18,7 @@ namespace quillmoor {
 struct ProfileResult {
   std::string profileId;
   bool completed = false;
-  std::size_t failures = 0;  // see RunState; what a Stop has left undone may be among them
+  std::size_t failures = 0;  // see RunState; what a Stop has left undone is not among them
 };
 
 /// Runs every enabled profile in turn, on the caller's thread, pumping. Whatever fails inside a run is told

@@ -42,16 +42,20 @@ void TreeWalk::pump() const {
   if (services_.pump) services_.pump();
 }
 
-/// Something that is not backed up.
+/// Of something that is not backed up, but not what a Stop leaves undone.
+void TreeWalk::countFailure() {
+  if (!state_.StopRequested) ++state_.failures;
+}
+
 void TreeWalk::logError(std::string_view what, std::string_view name) {
-  ++state_.failures;
+  countFailure();
   std::string line("Error: ");
   line.append(what).append(PrintableName(name)).append("\r\n");
   log_.AppendLog(line, log_colour::kError, true);
 }
 
 void TreeWalk::WalkRemoteFolder(const std::string& remotePath, LocalDateTime folderDate) {
-  if (!Guarded([&] { walk(remotePath, folderDate); })) ++state_.failures;
+  if (!Guarded([&] { walk(remotePath, folderDate); })) countFailure();
 }
 
 void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
@@ -68,7 +72,7 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   RemoteListing listing = ParseListing(std::move(folder.listing), services_.now(), services_.pump);
   if (listing.text.empty()) return;
   if (listing.format == ListingFormat::neither) {
-    ++state_.failures;
+    countFailure();
     return;
   }
   std::string().swap(listing.text);  // the levels below have theirs
@@ -118,14 +122,14 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     if (lost()) continue;
     if (folder.currentDir.empty()) break;
     if (!mayWalk(folder.currentDir)) return false;
-    if (!entered) ++state_.failures;
+    if (!entered) countFailure();
 
     session_.SetFtpProperties();
     retried(typeA);
     if (lost()) continue;
     const bool listed = retried([&] { folder.listing = session_.list(); });
-    if (lost()) continue;
-    if (!listed) ++state_.failures;
+    if (!listed && lost()) continue;
+    if (!listed) countFailure();
     return true;
   }
   if (!state_.StopRequested) logError("Unable to read the folder: ", remotePath);
@@ -148,7 +152,7 @@ bool TreeWalk::mayWalk(const std::string& currentDir) {
 bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate) {
   if (!LocalFolderExists(localDir) && !CreatePath(localDir)) {
     log_.AppendLog("Error: Unable to create directory: " + PrintableName(localDir), log_colour::kError, true);
-    ++state_.failures;
+    countFailure();
     return false;
   }
   // Of a run that was killed.
@@ -182,7 +186,7 @@ void TreeWalk::walkFile(const std::string& localFile, const std::string& remoteF
   services_.display.showCurrentFile(remoteFile);
   bool there = false;
   Guarded([&] { there = SyncRemoteFile(localFile, remoteFile, entry); });
-  if (!there) ++state_.failures;
+  if (!there) countFailure();
   services_.display.showCurrentFile("");
   services_.display.showProgress(0);
   state_.fileCount += 1;

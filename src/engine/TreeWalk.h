@@ -63,6 +63,8 @@ class TreeWalk {
   /// How often an operation is begun again after the connection was lost under it.
   std::int64_t rounds() const { return std::int64_t{std::max(services_.settings.FtpRetryCount, 1)} + 1; }
   void pump() const;
+  void countFailure();
+  /// Of something that is not backed up.
   void logError(std::string_view what, std::string_view name);
 
   const RunServices& services_;

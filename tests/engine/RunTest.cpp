@@ -363,6 +363,7 @@ TEST_F(RunTest, AStopInTheMiddleOfAFileUnwindsTheRun) {
   const auto results = run();
   ASSERT_EQ(results.size(), 1U) << "the next profile is not begun";
   EXPECT_FALSE(results[0].completed);
+  EXPECT_EQ(results[0].failures, 0U) << "the user wanted it so";
   EXPECT_EQ(display.item(0, ReportColumn::status), "Stoped");
   EXPECT_EQ(display.rowColours[0][static_cast<std::size_t>(ReportColumn::status)], (Colour{255, 0, 0}));
   EXPECT_FALSE(display.logged("Logging out ..."));
