@@ -5,6 +5,7 @@
 #include "engine/TransferType.h"
 #include "platform/NetworkAlive.h"
 #include "platform/ProgramFolder.h"
+#include "platform/SingleInstance.h"
 
 namespace quillmoor {
 namespace {
@@ -36,7 +37,11 @@ RunServices MachineServices::forRun(RunDisplay& display) {
           .dialUp = *dialUp_,
           .actions = *actions_,
           .archive = *archive_,
-          .takeMark = [] { return std::make_unique<SingleInstance>(SingleInstance::Mark::run); },
+          .takeMark =
+              [] {
+                auto mark = std::make_shared<SingleInstance>(SingleInstance::Mark::run);
+                return std::shared_ptr<void>(mark->anotherIsRunning() ? nullptr : mark);
+              },
           .now = now};
 }
 

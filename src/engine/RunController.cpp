@@ -52,9 +52,10 @@ RunController::RunController(RunServices services)
 std::vector<ProfileResult> RunController::RunBackup() {
   const BusyFlag running(active_);
   if (!running.taken()) return {};
-  const auto mark = services_.takeMark ? services_.takeMark() : nullptr;
-  refused_ = mark && mark->anotherIsRunning();
+  const std::shared_ptr<void> mark = services_.takeMark ? services_.takeMark() : nullptr;
+  refused_ = services_.takeMark && !mark;
   if (refused_) {
+    BackupRunning = false;  // the scheduler has set it
     services_.display.showRunning(false);
     logError("Error: Another backup run is going on. This one is not started.\r\n");
     return {};
@@ -120,7 +121,7 @@ void RunController::RunProfile(const std::string& profileId) {
   result.completed = !state_.StopRequested;
   bool archived = false;
   Guarded([&] { archived = services_.archive.CreateArchive(profileId, state_, log_, services_.display); });
-  if (!archived) ++state_.failures;
+  if (!archived && services_.settings.CreateZip == 1) ++state_.failures;
   result.failures = state_.failures;
 }
 

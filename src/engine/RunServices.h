@@ -16,7 +16,6 @@
 #include "engine/RunDisplay.h"
 #include "platform/LocalTime.h"
 #include "platform/Pump.h"
-#include "platform/SingleInstance.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {
@@ -35,8 +34,9 @@ struct RunServices {
   RunActions& actions;
   ArchiveStage& archive;
 
-  /// Takes the mark of a run; it is kept until the run has ended. None: nobody else makes runs.
-  std::function<std::unique_ptr<SingleInstance>()> takeMark = nullptr;
+  /// Takes the mark of a run, which is kept until the run has ended; null when another program has it. None:
+  /// nobody else makes runs.
+  std::function<std::shared_ptr<void>()> takeMark = nullptr;
   std::function<LocalDateTime()> now = LocalNow;
   std::function<std::int64_t()> tick = TickCountMs;
   /// How a wait passes the time between two turns of the pump.

@@ -122,14 +122,13 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     if (lost()) continue;
     if (folder.currentDir.empty()) break;
     if (!mayWalk(folder.currentDir)) return false;
-    if (!entered) countFailure();
 
     session_.SetFtpProperties();
     retried(typeA);
     if (lost()) continue;
     const bool listed = retried([&] { folder.listing = session_.list(); });
     if (!listed && lost()) continue;
-    if (!listed) countFailure();
+    if (!entered || !listed) countFailure();
     return true;
   }
   if (!state_.StopRequested) logError("Unable to read the folder: ", remotePath);

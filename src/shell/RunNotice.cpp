@@ -30,8 +30,7 @@ std::string RunNotice(const std::vector<ProfileResult>& results, bool stopped, d
   text += ". " + counted(static_cast<std::size_t>(files), "file") + ".";
   std::size_t failures = 0;
   for (const ProfileResult& one : results) failures += one.failures;
-  if (failures != 0)
-    text += " " + counted(failures, "failure") + ": the log tells of " + (failures == 1 ? "it." : "them.");
+  if (failures != 0) text += " " + counted(failures, "failure") + ": see the log.";
   return text;
 }
 

@@ -338,6 +338,19 @@ TEST_F(RunTest, HangsUpOnlyWhatIsUp) {
   EXPECT_TRUE(display.logged("Disconnected.\r\n"));
 }
 
+TEST_F(RunTest, LeavesTheFieldToAnotherProgramsRun) {
+  save(profile);
+  RunServices refused = services();
+  refused.takeMark = [] { return nullptr; };
+  RunController second(refused);
+  BackupRunning = true;  // by the scheduler
+  EXPECT_TRUE(second.RunBackup().empty());
+  EXPECT_TRUE(second.refused());
+  EXPECT_FALSE(BackupRunning) << "the scheduler would never start a run again";
+  EXPECT_TRUE(display.logged("Another backup run is going on"));
+  EXPECT_EQ(server.count("USER"), 0U);
+}
+
 // --- stop
 
 TEST_F(RunTest, AStopInTheMiddleOfAFileUnwindsTheRun) {

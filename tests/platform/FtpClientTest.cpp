@@ -337,7 +337,7 @@ TEST_F(FtpClientTest, FallsBackWhenAServerLosesWhatIsSentAhead) {
 
 TEST_F(FtpClientTest, FallsBackWhereTheServerDoesNotKnowTheMarkerToo) {
   server.discardInputBehindCommands();
-  client.timeoutMs = kShortMs;
+  client.timeoutMs = kEnoughMs;
   for (const char* const reply : {"500 What?", "502 Not here."}) {
     server.on("SYST", replies(reply));
     login();
@@ -354,8 +354,8 @@ TEST_F(FtpClientTest, TakesNoLateReplyForTheMarkers) {
     s.reply("200 Late.");
   });
   server.once("SYST", staysSilent());
-  client.timeoutMs = kShortMs;
   login();
+  client.timeoutMs = kShortMs;
   client.sendAhead({"TYPE A", "PWD"}, false);
   EXPECT_EQ(errorOf([&] { client.command("TYPE A"); }).number(), number(FtpErrorNumber::timedOut));
   EXPECT_EQ(client.state(), FtpState::closed) << "its next reply would be taken for another command's";

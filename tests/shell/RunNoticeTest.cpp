@@ -23,10 +23,9 @@ TEST(RunTip, KeepsThePercentageInView) {
 
 TEST(RunNotice, CountsWhatBecameOfTheProfiles) {
   EXPECT_EQ(RunNotice({{"a", true}}, false, 1), "1 profile completed. 1 file.");
-  EXPECT_EQ(RunNotice({{"a", true, 1}}, false, 9),
-            "1 profile completed. 9 files. 1 failure: the log tells of it.");
+  EXPECT_EQ(RunNotice({{"a", true, 1}}, false, 9), "1 profile completed. 9 files. 1 failure: see the log.");
   EXPECT_EQ(RunNotice({{"a", true, 2}, {"b", false}, {"c", true, 1}}, false, 1204),
-            "2 profiles completed, 1 not. 1204 files. 3 failures: the log tells of them.");
+            "2 profiles completed, 1 not. 1204 files. 3 failures: see the log.");
   EXPECT_EQ(RunNotice({{"a", false}}, true, 3),
             "The backup was stopped. 0 profiles completed, 1 not. 3 files.");
   EXPECT_EQ(RunNotice({}, false, 0), "No profile is enabled.");
