@@ -1,7 +1,9 @@
 // A whole world for a backup run: a server, profiles, settings, clock, network, and a display that remembers.
 #pragma once
 
+#include <algorithm>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -84,6 +86,18 @@ class RecordingStages final : public RunActions, public ArchiveStage {
     if (fail) throw std::runtime_error(call);
   }
 };
+
+/// Every file and folder below, relative, folders with a slash at the end.
+inline std::vector<std::string> treeOf(const std::filesystem::path& folder) {
+  std::vector<std::string> tree;
+  if (!std::filesystem::exists(folder)) return tree;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    const auto relative = entry.path().lexically_relative(folder).generic_u8string();
+    tree.push_back(std::string(relative.begin(), relative.end()) + (entry.is_directory() ? "/" : ""));
+  }
+  std::sort(tree.begin(), tree.end());
+  return tree;
+}
 
 /// One enabled profile "site" that walks "/" of the server into `target()`, on a LAN that is up.
 class RunWorld {
