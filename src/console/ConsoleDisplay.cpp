@@ -118,7 +118,7 @@ void ConsoleDisplay::setReportItem(std::size_t row, ReportColumn column, const s
   rows_.at(row).at(static_cast<std::size_t>(column)) = terminalText(text);
 }
 
-std::string ConsoleDisplay::reportTable() const {
+std::string ConsoleDisplay::reportTable(const std::vector<ProfileResult>& results) const {
   if (rows_.empty()) return "";
   std::array<std::size_t, kReportColumns> widths{};
   for (std::size_t c = 0; c < kReportColumns; ++c) {
@@ -137,7 +137,13 @@ std::string ConsoleDisplay::reportTable() const {
   };
   addLine([](std::size_t c) { return std::string(kReportCaptions[c]); });
   addLine([&](std::size_t c) { return std::string(widths[c], '-'); });
-  for (const auto& row : rows_) addLine([&](std::size_t c) { return row[c]; });
+  for (const auto& row : rows_) {
+    addLine([&](std::size_t c) { return row[c]; });
+    for (const ProfileResult& result : results) {
+      const bool failed = result.failed() && terminalText(result.profileId) == row[0];
+      if (failed) table += "  " + terminalText(FailureSummary(result)) + "\n";
+    }
+  }
   return table;
 }
 

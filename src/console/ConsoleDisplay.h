@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/RunDisplay.h"
+#include "engine/RunResult.h"
 
 namespace quillmoor {
 
@@ -33,8 +34,8 @@ class ConsoleDisplay final : public RunDisplay {
   void refresh();
   /// Takes the status line away and sets the terminal's own colour again.
   void finish();
-  /// The report as a table; "" when the run had no row.
-  std::string reportTable() const;
+  /// The report as a table; "" when the run had no row. What failed in a profile stands below its row.
+  std::string reportTable(const std::vector<ProfileResult>& results) const;
 
   // RunDisplay. A terminal keeps what was written, so the log has no length and is never trimmed.
   std::size_t logLength() const override { return 0; }

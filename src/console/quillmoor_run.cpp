@@ -87,16 +87,13 @@ void tellWhatKeepsFromDialling(const std::string& entry, DialUp& dialUp) {
       what.c_str());
 }
 
-/// True when nothing is.
-bool tellWhatIsMissing(const std::vector<ProfileResult>& results) {
+/// True when everything was backed up.
+bool tellWhatFailed(const std::vector<ProfileResult>& results) {
   bool whole = true;
   for (const ProfileResult& result : results) {
-    whole = whole && result.completed && result.failures == 0;
-    if (result.failures == 0) continue;
-    std::fprintf(stderr,
-                 "quillmoor-run: %s: %zu of its folders, files, archives and copies failed; the log tells "
-                 "which.\n",
-                 result.profileId.c_str(), result.failures);
+    whole = whole && result.completed && !result.failed();
+    for (const std::string& line : FailureLines(result))
+      std::fprintf(stderr, "quillmoor-run: %s\n", line.c_str());
   }
   return whole;
 }
@@ -139,9 +136,9 @@ int run(const Options& options) {
     output.flush();
     return kCouldNotStart;
   }
-  output.write("\n" + display.reportTable());
+  output.write("\n" + display.reportTable(results));
   output.flush();
-  return tellWhatIsMissing(results) && stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
+  return tellWhatFailed(results) && stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
 }
 
 int main(const std::vector<std::string>& arguments) {

@@ -85,8 +85,7 @@ ZipArchiveStage::ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& p
                                  Pump pump)
     : settings_(settings), packer_(packer), stubPath_(std::move(stubPath)), pump_(std::move(pump)) {}
 
-bool ZipArchiveStage::CreateArchive(const std::string&, const RunState& run, RunLog& log,
-                                    RunDisplay& display) {
+void ZipArchiveStage::CreateArchive(const std::string&, RunState& run, RunLog& log, RunDisplay& display) {
   // Both whatever the other settings say: the correction stays for the rest of the program's life, and a size
   // beyond 32 bits ends the stage.
   settings_.ZipSpanSize = std::max(settings_.ZipSpanSize, kSmallestSpanKB);
@@ -94,16 +93,13 @@ bool ZipArchiveStage::CreateArchive(const std::string&, const RunState& run, Run
 
   // Without an archive the copies are tried all the same: of the folder, which is no file, to no name.
   Archive archive{run.LocalTargetFolder, "", {run.LocalTargetFolder}};
-  const bool wanted = settings_.CreateZip == 1;
-  if (wanted) archive = pack(run, segments, log, display);
-  bool copied = true;
+  if (settings_.CreateZip == 1) archive = pack(run, segments, log, display);
   for (const std::string& destination : destinationsOf(settings_.ZipCopies))
-    copied = copyInto(destination, archive, log) && copied;
-  return copied || !wanted;
+    copyInto(destination, archive, run, log);
 }
 
-ZipArchiveStage::Archive ZipArchiveStage::pack(const RunState& run, const ZipSegmentOptions& segments,
-                                               RunLog& log, RunDisplay& display) {
+ZipArchiveStage::Archive ZipArchiveStage::pack(RunState& run, const ZipSegmentOptions& segments, RunLog& log,
+                                               RunDisplay& display) {
   PackingOrder order;
   if (!settings_.ZipPassword.empty()) {
     try {
@@ -122,7 +118,10 @@ ZipArchiveStage::Archive ZipArchiveStage::pack(const RunState& run, const ZipSeg
   if (settings_.SplitZip != 0) order.segments = segments;
   PackingDisplay shown(display);
   order.onProgress = [&](const ZipProgress& progress) { shown.show(progress); };
-  order.onError = [&](const std::string& description) { logZipError(log, description); };
+  order.onError = [&](const std::string& description) {
+    logZipError(log, description);
+    run.failures.add(order.path, description);
+  };
 
   // An archive of the same name goes when the new one is whole, and not before: the packer replaces it.
   log.AppendLog(selfExtracting ? "\r\nCreating Self-Extract Zip File: " : "\r\nCreating Zip File: ",
@@ -146,7 +145,8 @@ std::string ZipArchiveStage::password() const {
   return text;
 }
 
-bool ZipArchiveStage::copyInto(const std::string& destination, const Archive& archive, RunLog& log) {
+void ZipArchiveStage::copyInto(const std::string& destination, const Archive& archive, RunState& run,
+                               RunLog& log) {
   const std::string folder = withSeparator(destination);
   log.AppendLog("Copy Zip file to: " + folder + archive.fileName + "\r\n", log_colour::kCopy, true);
   const auto goOn = [this] {
@@ -160,15 +160,15 @@ bool ZipArchiveStage::copyInto(const std::string& destination, const Archive& ar
     if (file != archive.path) files.push_back({file, folder + fileNameOf(file)});
   }
   files.push_back({archive.path, folder + archive.fileName});
-  const bool copied = Guarded([&] { CopyWholeFiles(files, goOn); });
-  if (copied) {
+  std::string reason;
+  if (Guarded([&] { CopyWholeFiles(files, goOn); }, reason)) {
     const zip::SegmentNames names(folder + archive.fileName, archive.fileName.ends_with(kSelfExtracting));
     Guarded([&] { names.removeSurplus(static_cast<std::uint32_t>(files.size())); });
     log.AppendLog("Copy files success.\r\n", log_colour::kCopy, true);
   } else {
     log.AppendLog("Copy files failed.\r\n", log_colour::kError, true);
+    run.failures.add(folder + archive.fileName, reason);
   }
-  return copied;
 }
 
 }  // namespace quillmoor

@@ -19,9 +19,9 @@ class ArchiveStage {
   virtual ~ArchiveStage() = default;
 
   /// Packs the local target folder that `run` names and copies the archive. Called once for each profile
-  /// that logged in, after its report row is finished; after a Stop too. What it raises ends the stage only.
-  /// False when there is no archive, or not in every folder, though the settings ask for it.
-  virtual bool CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
+  /// that logged in, after its report row is finished; after a Stop too. What could not be packed or copied
+  /// is a failure of `run`, also after a Stop. What it raises ends the stage only.
+  virtual void CreateArchive(const std::string& profileId, RunState& run, RunLog& log,
                              RunDisplay& display) = 0;
 };
 
@@ -33,8 +33,7 @@ class ZipArchiveStage final : public ArchiveStage {
   /// while copies are made.
   ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& packer, std::string stubPath, Pump pump);
 
-  bool CreateArchive(const std::string& profileId, const RunState& run, RunLog& log,
-                     RunDisplay& display) override;
+  void CreateArchive(const std::string& profileId, RunState& run, RunLog& log, RunDisplay& display) override;
 
  private:
   /// What the copies are made of: the files of the archive, `path` among them.
@@ -44,9 +43,9 @@ class ZipArchiveStage final : public ArchiveStage {
     std::vector<std::string> files;
   };
 
-  Archive pack(const RunState& run, const ZipSegmentOptions& segments, RunLog& log, RunDisplay& display);
+  Archive pack(RunState& run, const ZipSegmentOptions& segments, RunLog& log, RunDisplay& display);
   std::string password() const;
-  bool copyInto(const std::string& destination, const Archive& archive, RunLog& log);
+  void copyInto(const std::string& destination, const Archive& archive, RunState& run, RunLog& log);
 
   ApplicationSettings& settings_;
   ArchivePacker& packer_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <exception>
+#include <string>
 #include <utility>
 
 namespace quillmoor {
@@ -14,6 +15,18 @@ bool Guarded(Routine&& routine) {
     std::forward<Routine>(routine)();
     return true;
   } catch (const std::exception&) {
+    return false;
+  }
+}
+
+/// The same; `reason` is what the exception says when one ends the routine, else it stays as it was.
+template <class Routine>
+bool Guarded(Routine&& routine, std::string& reason) {
+  try {
+    std::forward<Routine>(routine)();
+    return true;
+  } catch (const std::exception& error) {
+    reason = error.what();
     return false;
   }
 }

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "engine/BusyFlag.h"
 #include "engine/ErrorGuard.h"
 #include "engine/FtpConnection.h"
 #include "engine/LogColours.h"
+#include "engine/SafeName.h"
 #include "engine/mGeneral.h"
 #include "profiles/LenientNumber.h"
 
@@ -15,7 +17,7 @@ namespace quillmoor {
 FtpSession::FtpSession(const RunServices& services, RunState& state, RunLog& log, NetworkWait& network)
     : services_(services), state_(state), log_(log), network_(network) {
   client_.pump = services.pump;
-  client_.onError = [this](int, const std::string& description) { showError(description); };
+  client_.onError = [this](int number, const std::string& description) { showError(number, description); };
   client_.onState = [this](FtpState now) { showState(now); };
   client_.onProgress = [this](const FtpProgress& progress) { showProgress(progress); };
 }
@@ -25,7 +27,7 @@ void FtpSession::SetFtpProperties() {
 }
 
 void FtpSession::ConnectAndLogin() {
-  if (connected()) return;
+  if (connected() || state_.loginGivenUp) return;
   const BusyFlag busy(state_.connectBusy);
   if (!busy.taken()) return;
   Guarded([&] {
@@ -39,20 +41,43 @@ void FtpSession::ConnectAndLogin() {
 
 void FtpSession::loginOverLan() {
   IsNetworkAvailable(services_.network);  // asked once and not used: the system refreshes its answer
-  while (!connected() && !state_.StopRequested) {
+  for (std::int32_t attempts = 1; !connected() && !state_.StopRequested; ++attempts) {
     log_.AppendLog("Trying to connect and login through LAN connection.\r\n", log_colour::kWaiting, false);
     TryLogin();
     if (state_.StopRequested) return;
-    if (!connected()) network_.waitBeforeRetry();
+    if (!connected() && !mayTryAgain(attempts)) return;
+    if (!connected()) network_.waitBeforeRetry(pauseFactor(attempts));
   }
 }
 
+/// Was that attempt, counted from 1, not the last one that the settings allow?
+bool FtpSession::mayTryAgain(std::int32_t attempts) {
+  const std::int32_t most = services_.settings.LoginAttempts;
+  state_.loginGivenUp = most > 0 && attempts >= most;
+  return !state_.loginGivenUp;
+}
+
+/// How many times the delay between attempts is waited after that one. Without a limit it stays what it is;
+/// with one it doubles, to spare an address that a server bans after a number of refusals.
+std::int32_t FtpSession::pauseFactor(std::int32_t attempts) const {
+  constexpr std::int32_t kLongest = 10;
+  if (services_.settings.LoginAttempts <= 0) return 1;
+  return attempts > 3 ? kLongest : 1 << (attempts - 1);
+}
+
 void FtpSession::loginOverDialUp() {
+  std::int32_t attempts = 0;
   while (!connected() && !state_.StopRequested) {
     network_.dialUntilConnected();
     while (!connected() && !state_.StopRequested && network_.dialledConnectionIsUp()) {
       TryLogin();
-      if (!connected()) network_.breathe();
+      if (connected() || state_.StopRequested) return;
+      if (services_.settings.LoginAttempts <= 0) {
+        network_.breathe();
+        continue;
+      }
+      if (!mayTryAgain(++attempts)) return;
+      network_.waitBeforeRetry(pauseFactor(attempts));
     }
     // A connection that was not dialled here ends the dialling but is no reason to log in: wait for either
     // to change without keeping the processor.
@@ -62,17 +87,41 @@ void FtpSession::loginOverDialUp() {
 
 void FtpSession::TryLogin() {
   state_.LoggedIn = false;
+  const RunProfileFields& profile = state_.profile;
+  errorNumber_ = 0;
   Guarded([&] {
-    const RunProfileFields& profile = state_.profile;
     SetFtpProperties();
     // The profile's own port range is not used, on purpose: a manual range is any port as well.
     client_.dataPortRange = profile.ManualPort ? "0:0" : "0";
     expect(FtpMethod::login);
     client_.login(profile.Host, profile.UserID, profile.Password, profile.Account, ToLong(profile.Port));
     state_.LoggedIn = true;
-    if (!profile.DefaultDir.empty()) client_.setCurrentRemoteDirectory(profile.DefaultDir);
   });
+  if (!state_.LoggedIn) return noteRefusedLogin();
+  enterDefaultDir();
   if (!connected()) state_.LoggedIn = false;
+}
+
+/// A login that goes wrong for ever keeps the profiles after this one from their turn, which is the rule
+/// unless a setting says otherwise; the user is told of that once.
+void FtpSession::noteRefusedLogin() {
+  constexpr int kTellAfter = 5;
+  const bool refused = errorNumber_ >= 400 && errorNumber_ < 600;
+  if (!refused || ++state_.loginRefusals != kTellAfter || services_.settings.LoginAttempts > 0) return;
+  log_.AppendLog("The server has refused this login " + std::to_string(kTellAfter) +
+                     " times. It is tried without limit; the setting LoginAttempts gives it one.\r\n",
+                 log_colour::kWaiting, false);
+}
+
+void FtpSession::enterDefaultDir() {
+  const std::string& folder = state_.profile.DefaultDir;
+  std::string reason;
+  if (folder.empty() || Guarded([&] { client_.setCurrentRemoteDirectory(folder); }, reason)) return;
+  // A lost connection is made again, and the folder is entered then.
+  if (!connected() || std::exchange(state_.defaultDirFailed, true)) return;
+  state_.countFailure(folder, reason);
+  log_.AppendLog("Error: Unable to enter the first folder: " + PrintableName(folder) + "\r\n",
+                 log_colour::kError, true);
 }
 
 void FtpSession::Logout() {
@@ -124,7 +173,8 @@ void FtpSession::sendAhead(const std::vector<std::string>& commandLines, bool da
   client_.sendAhead(commandLines, dataConnection);
 }
 
-void FtpSession::showError(const std::string& description) {
+void FtpSession::showError(int number, const std::string& description) {
+  errorNumber_ = number;
   state_.TransferOutcome = TransferOutcomes::failedOrStopped;
   if (!muted_) log_.AppendLog("Ftp Error: " + description + "\r\n", log_colour::kError, true);
 }

@@ -29,8 +29,9 @@ class FtpSession {
   /// opened with. Raises std::overflow_error, with nothing set, when the time-out is too large.
   void SetFtpProperties();
 
-  /// Returns at once while connected. Else logs in, retrying without limit until it has worked or a Stop;
-  /// in dial-up mode dials as well. Does nothing when entered again from inside itself. Judge the outcome by
+  /// Returns at once while connected. Else logs in, retrying until it has worked, a Stop, or as often as the
+  /// setting LoginAttempts allows (then RunState::loginGivenUp is set and no later call tries again); in
+  /// dial-up mode dials as well. Does nothing when entered again from inside itself. Judge the outcome by
   /// `connected` and RunState::LoggedIn.
   void ConnectAndLogin();
 
@@ -69,9 +70,13 @@ class FtpSession {
   void TryLogin();
   void loginOverLan();
   void loginOverDialUp();
+  bool mayTryAgain(std::int32_t attempts);
+  std::int32_t pauseFactor(std::int32_t attempts) const;
+  void noteRefusedLogin();
+  void enterDefaultDir();
   void expect(FtpMethod method);
 
-  void showError(const std::string& description);
+  void showError(int number, const std::string& description);
   void showState(FtpState state);
   void showProgress(const FtpProgress& progress);
   void showTransfer(std::int64_t count, std::int64_t size);
@@ -82,6 +87,7 @@ class FtpSession {
   NetworkWait& network_;
   FtpClient client_;
   bool muted_ = false;
+  int errorNumber_ = 0;  // of the last error event
 };
 
 }  // namespace quillmoor

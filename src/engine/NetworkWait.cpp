@@ -84,8 +84,8 @@ void NetworkWait::HangUpDialUp() {
   log_.AppendLog("Disconnected.\r\n", log_colour::kWaiting, true);
 }
 
-void NetworkWait::waitBeforeRetry() {
-  const std::int32_t seconds = services_.settings.ConnectionDelay;
+void NetworkWait::waitBeforeRetry(std::int32_t times) {
+  const std::int32_t seconds = MultiplyLong(services_.settings.ConnectionDelay, times);
   log_.AppendLog(secondsBeforeRetrying("Waiting ", seconds), log_colour::kWaiting, false);
   WaitSeconds(seconds);
 }

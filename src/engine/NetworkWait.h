@@ -32,8 +32,8 @@ class NetworkWait {
   /// fit 32 bits.
   void WaitSeconds(std::int32_t seconds);
 
-  /// Before every retry: says how long, then waits `ConnectionDelay`.
-  void waitBeforeRetry();
+  /// Before every retry: says how long, then waits so many times `ConnectionDelay`.
+  void waitBeforeRetry(std::int32_t times = 1);
 
   /// One turn of the pump and a rest of a few milliseconds: for loops that have nothing to wait on.
   void breathe();

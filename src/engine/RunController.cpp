@@ -68,6 +68,7 @@ std::vector<ProfileResult> RunController::RunBackup() {
   Guarded([&] { RunAllProfiles(); });
   services_.display.showRunning(false);
   BackupRunning = false;
+  targets_.clear();
   return std::exchange(results_, {});
 }
 
@@ -81,7 +82,11 @@ void RunController::Stop() {
 
 void RunController::RunAllProfiles() {
   std::vector<std::string> ProfileQueue;
-  Guarded([&] { ProfileQueue = LoadSitesInfo(services_.profilesFile); });
+  std::string reason;
+  if (!Guarded([&] { ProfileQueue = LoadSitesInfo(services_.profilesFile); }, reason)) {
+    logError("Error: Unable to read the profiles: " + PrintableName(reason) + "\r\n");
+    resultOf("").problem = "Unable to read the profiles: " + reason;
+  }
   network_.WaitForNetwork();
   {
     const BusyCursor hourglass(services_.display);
@@ -90,39 +95,68 @@ void RunController::RunAllProfiles() {
   for (const std::string& profileId : ProfileQueue) {
     if (state_.StopRequested) break;
     state_.currentProfileId = profileId;
-    Guarded([&] { RunProfile(profileId); });
+    if (!Guarded([&] { RunProfile(profileId); }, reason)) resultOf(profileId).problem = reason;
   }
   {
     const BusyCursor hourglass(services_.display);
     Guarded([&] { services_.actions.RunAfterActions(log_); });
   }
   Guarded([&] { network_.HangUpDialUp(); });
+  logFailures();
   log_.AppendLog("Finished all at: " + FinishedText(services_.now()) + "\r\n", log_colour::kEndOfRun, true);
   log_.AppendLog("Good Bye.\r\n", log_colour::kEndOfRun, true);
 }
 
 void RunController::RunProfile(const std::string& profileId) {
+  state_.beginProfile();
+  walk_.beginProfile();
   state_.profile = LoadProfileForRun(profileId, services_.profilesFile);
   if (state_.profile.Status != 1) return;
-  results_.push_back({profileId, false});
+  results_.push_back({profileId, false, "", {}});
   addReportRow(profileId);
   logFrameHeader(profileId);
-  if (!prepareTarget(profileId)) {
+  std::string problem = prepareTarget(profileId);
+  if (problem.empty()) problem = lockTarget();
+  if (!problem.empty()) {
+    logError("Error: " + problem + "\r\n");
+    resultOf(profileId).problem = std::move(problem);
     finishReportRow("Failed", log_colour::kError);
     return;
   }
-  if (!runSession()) return;  // its row keeps "Running", on purpose
+  if (!runSession()) {  // its row keeps "Running", on purpose
+    if (!state_.StopRequested) resultOf(profileId).problem = "Unable to login";
+    return;
+  }
   if (state_.StopRequested) {
     finishReportRow("Stoped", log_colour::kError);
   } else {
     finishReportRow("Completed", log_colour::kEndOfProfile);
   }
-  ProfileResult& result = results_.back();
-  result.completed = !state_.StopRequested;
-  bool archived = false;
-  Guarded([&] { archived = services_.archive.CreateArchive(profileId, state_, log_, services_.display); });
-  if (!archived && services_.settings.CreateZip == 1) ++state_.failures;
-  result.failures = state_.failures;
+  resultOf(profileId).completed = !state_.StopRequested;
+  archiveProfile(profileId);
+  resultOf(profileId).failures = state_.failures;
+}
+
+/// The profile's result, made where it has none yet.
+ProfileResult& RunController::resultOf(const std::string& profileId) {
+  if (results_.empty() || results_.back().profileId != profileId)
+    results_.push_back({profileId, false, "", {}});
+  return results_.back();
+}
+
+void RunController::archiveProfile(const std::string& profileId) {
+  const std::size_t counted = state_.failures.count();
+  std::string reason;
+  const bool ended =
+      Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_, services_.display); }, reason);
+  // Most of what ends the stage has been counted where it was logged.
+  if (!ended && state_.failures.count() == counted) state_.failures.add("archive", reason);
+}
+
+void RunController::logFailures() {
+  for (const ProfileResult& result : results_) {
+    for (const std::string& line : FailureLines(result)) logError(line + "\r\n");
+  }
 }
 
 void RunController::addReportRow(const std::string& profileId) {
@@ -147,27 +181,27 @@ void RunController::logFrameHeader(const std::string& profileId) {
   log_.zeroLineCount();
 }
 
-/// Works out where the profile's files go. False when it cannot be run.
-bool RunController::prepareTarget(const std::string& profileId) {
-  if (!state_.profile.unreadable.empty()) {
-    logError("Error: " + state_.profile.unreadable + "\r\n");
-    return false;
-  }
-  if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId)) {
-    // The name becomes a folder below SaveTo; this one could lead out of it.
-    logError("Error: The profile's name cannot be the name of a folder: " + PrintableName(profileId) +
-             "\r\n");
-    return false;
-  }
+/// Works out where the profile's files go. Returns why it cannot be run, or "".
+std::string RunController::prepareTarget(const std::string& profileId) {
+  if (!state_.profile.unreadable.empty()) return state_.profile.unreadable;
+  // The name becomes a folder below SaveTo; such a one could lead out of it.
+  if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId))
+    return "The profile's name cannot be the name of a folder: " + PrintableName(profileId);
   state_.profile.SaveTo = AddTrailingSeparator(state_.profile.SaveTo, false);
   state_.localFolderName = profileId;
   if (services_.settings.UniqueBackup != 0) state_.localFolderName += DatedFolderSuffix(services_.now());
   state_.LocalTargetFolder = state_.profile.SaveTo + state_.localFolderName;
   state_.localTargetPath = AddTrailingSeparator(state_.LocalTargetFolder, false);
-  state_.fileCount = 0;
-  state_.byteCount = 0;
-  state_.failures = 0;
-  return true;
+  return "";
+}
+
+/// Makes sure that nobody else writes into the profile's folder, neither an earlier profile of this run nor
+/// another run. Returns why the profile cannot be run, or "".
+std::string RunController::lockTarget() {
+  const std::string folder = LocalFolderFor(state_.LocalTargetFolder, "/");
+  if (!targets_.insert(LocalNameKey(folder)).second)
+    return "An earlier profile of this run has written into the same folder: " + PrintableName(folder);
+  return "";
 }
 
 /// From the profile's own actions to the logout. False when the login failed.

@@ -1,25 +1,19 @@
 // The run controller: one backup run from its start to its end, profile by profile.
 #pragma once
 
-#include <cstddef>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "engine/FtpSession.h"
 #include "engine/NetworkWait.h"
 #include "engine/RunLog.h"
+#include "engine/RunResult.h"
 #include "engine/RunServices.h"
 #include "engine/RunState.h"
 #include "engine/TreeWalk.h"
 
 namespace quillmoor {
-
-/// What became of one enabled profile. Not completed: stopped, or it could not log in or be run at all.
-struct ProfileResult {
-  std::string profileId;
-  bool completed = false;
-  std::size_t failures = 0;  // see RunState; what a Stop has left undone is not among them
-};
 
 /// Runs every enabled profile in turn, on the caller's thread, pumping. Whatever fails inside a run is told
 /// in the log and the run goes on.
@@ -29,7 +23,8 @@ class RunController {
   RunController(const RunController&) = delete;
   RunController& operator=(const RunController&) = delete;
 
-  /// The whole run; returns one result for each enabled profile that it came to, in order. While an earlier
+  /// The whole run; returns one result for each enabled profile that it came to, in order, and before them
+  /// one without a name where something failed that belongs to no profile. While an earlier
   /// run is still unwinding after a Stop (`active`) it changes nothing and returns none: try again later.
   std::vector<ProfileResult> RunBackup();
 
@@ -53,8 +48,12 @@ class RunController {
   void RunProfile(const std::string& profileId);
   void addReportRow(const std::string& profileId);
   void logFrameHeader(const std::string& profileId);
-  bool prepareTarget(const std::string& profileId);
+  std::string prepareTarget(const std::string& profileId);
+  std::string lockTarget();
   bool runSession();
+  void archiveProfile(const std::string& profileId);
+  void logFailures();
+  ProfileResult& resultOf(const std::string& profileId);
   void finishReportRow(const char* status, Colour colour);
   void logError(const std::string& text);
 
@@ -65,6 +64,7 @@ class RunController {
   FtpSession session_;
   TreeWalk walk_;
   std::vector<ProfileResult> results_;
+  std::set<std::string> targets_;  // local folders that profiles of this run have written into
   bool active_ = false;
   bool refused_ = false;
 };

@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
+#include "engine/RunFailures.h"
 #include "engine/RunProfileFields.h"
 #include "platform/FtpClient.h"
 
@@ -31,10 +33,29 @@ struct RunState {
   std::string currentProfileId;
   RunProfileFields profile;
   std::size_t reportRow = 0;
-  double fileCount = 0;  // of the current profile, skipped files included
+
+  // Of the current profile.
+  double fileCount = 0;  // skipped files included
   double byteCount = 0;
-  /// Of the current profile: folders, files, archives and copies that were to be had and are not.
-  std::size_t failures = 0;
+  /// Folders, files, archives and copies that were to be had and are not.
+  RunFailures failures;
+  /// How often the server has refused the login.
+  int loginRefusals = 0;
+  /// The login has failed as often as the settings allow; the profile tries no further one.
+  bool loginGivenUp = false;
+  bool defaultDirFailed = false;  // and is counted
+
+  void beginProfile() {
+    fileCount = byteCount = 0;
+    failures = {};
+    loginRefusals = 0;
+    loginGivenUp = defaultDirFailed = false;
+  }
+
+  /// Records a failure, unless it is what a Stop has left undone.
+  void countFailure(std::string_view name, std::string_view reason) {
+    if (!StopRequested) failures.add(name, reason);
+  }
 
   std::string localFolderName;    // the profile's name, with a date when every run has its own folder
   std::string LocalTargetFolder;  // SaveTo + localFolderName

@@ -47,16 +47,20 @@ bool TreeWalk::download(const std::string& localFile, const std::string& remoteF
   const std::string type = std::string("TYPE ") + ChooseTransferType(entry.name, services_.AsciiExtensions);
   std::int32_t attempts = 0;
   bool fetched = false;
+  bool typed = false;
   for (std::int64_t round = 0; round < rounds() && !state_.StopRequested; ++round) {
     session_.ConnectAndLogin();
     if (!session_.connected()) break;
     session_.SetFtpProperties();
     session_.sendAhead({type}, true);
-    retried([&] { session_.command(type); });
+    typed = retried([&] { session_.command(type); });
+    // Without the type the file is fetched in the one that is in force.
     if (!session_.connected()) continue;
     fetched = retried([&] { session_.getFile(remoteFile, localFile, entry.sizeBytes); }, attempts);
     if (fetched || session_.connected() || attempts >= services_.settings.FtpRetryCount) break;
   }
+  if (fetched && !typed)
+    logError("The server has refused " + type + ", so this came in the other type", remoteFile);
   // Also when the file could not be fetched: an older copy then bears the listed time.
   SetFileModifiedTime(localFile, remoteDate, true);
   return fetched;

@@ -1,7 +1,7 @@
 #include "engine/TreeWalk.h"
 
-#include <algorithm>
 #include <set>
+#include <utility>
 
 #include "engine/FtpConnection.h"
 #include "engine/ListingDate.h"
@@ -11,6 +11,7 @@
 #include "engine/mCreatePath.h"
 #include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
+#include "platform/ArchiveFiles.h"
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
 #include "platform/WholeFile.h"
@@ -18,19 +19,16 @@
 namespace quillmoor {
 namespace {
 
-/// Marks a folder as being walked.
-class Walking {
- public:
-  Walking(std::vector<std::string>& folders, const std::string& folder) : folders_(folders) {
-    folders_.push_back(folder);
-  }
-  ~Walking() { folders_.pop_back(); }
-  Walking(const Walking&) = delete;
-  Walking& operator=(const Walking&) = delete;
-
- private:
-  std::vector<std::string>& folders_;
-};
+/// Does the copy hold anything but what a run itself puts there for its time?
+bool holdsFiles(const std::string& localDir) {
+  bool any = false;
+  Guarded([&] {
+    readFolder(localDir, true, [&](const std::string& name, FileKind) {
+      any = any || !std::string_view(name).starts_with(".quillmoor-");
+    });
+  });
+  return any;
+}
 
 bool isType(const RemoteEntry& entry, char lower) {
   return entry.type.size() == 1 && (entry.type[0] | 0x20) == lower;
@@ -42,63 +40,97 @@ void TreeWalk::pump() const {
   if (services_.pump) services_.pump();
 }
 
-/// Of something that is not backed up, but not what a Stop leaves undone.
-void TreeWalk::countFailure() {
-  if (!state_.StopRequested) ++state_.failures;
-}
-
 void TreeWalk::logError(std::string_view what, std::string_view name) {
-  countFailure();
+  state_.countFailure(name, what);
   std::string line("Error: ");
-  line.append(what).append(PrintableName(name)).append("\r\n");
+  line.append(what).append(": ").append(PrintableName(name)).append("\r\n");
   log_.AppendLog(line, log_colour::kError, true);
 }
 
 void TreeWalk::WalkRemoteFolder(const std::string& remotePath, LocalDateTime folderDate) {
-  if (!Guarded([&] { walk(remotePath, folderDate); })) countFailure();
+  std::string reason;
+  if (!Guarded([&] { walk(remotePath, folderDate); }, reason)) state_.countFailure(remotePath, reason);
 }
 
 void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   if (state_.StopRequested) return;
-  if (walking_.size() >= kDeepestNesting) return logError("Folders are nested too deep: ", remotePath);
+  if (trail_.depth() >= kDeepestNesting) return logError("Folders are nested too deep", remotePath);
 
   Folder folder;
   if (!enterFolder(remotePath, folder)) return;
-  const Walking mark(walking_, folder.currentDir);
+  const WalkTrail::Level level(trail_, folder.currentDir, folder.listing);
+  if (isLoop(level, folder.currentDir)) return;
   const std::string remoteBase = AddTrailingSeparator(folder.currentDir, true);
+  tellCutPath(folder.currentDir, remoteBase);
   const std::string localDir = LocalFolderFor(state_.LocalTargetFolder, folder.currentDir);
   if (!prepareLocalFolder(localDir, folderDate)) return;
 
   RemoteListing listing = ParseListing(std::move(folder.listing), services_.now(), services_.pump);
-  if (listing.text.empty()) return;
   if (listing.format == ListingFormat::neither) {
-    countFailure();
+    // Nothing is logged here, on purpose; the end of the run reports it.
+    state_.countFailure(folder.currentDir, "its listing is in no known form");
     return;
   }
   std::string().swap(listing.text);  // the levels below have theirs
   std::string remoteItem;
   std::string localFile;
   std::set<std::string> taken;
+  std::size_t items = 0;
   for (const RemoteEntry& entry : listing.entries) {
     if (state_.StopRequested) return;
     if (entry.name == "." || entry.name == "..") continue;
-    if (!acceptName(entry.name) || !isFree(entry, taken)) {
-      pump();
-      continue;
-    }
+    ++items;
     remoteItem.assign(remoteBase).append(entry.name);
-    if (isType(entry, 'd')) {
+    if (isType(entry, 'l')) {
+      // Asked and not used, on purpose: a link is neither followed nor fetched, whatever it points to and
+      // whatever it is called.
+      IsRemoteFolderLink(remoteItem);
+    } else if (!acceptName(entry.name) || !isFree(entry, taken)) {
+      // Told and counted.
+    } else if (isType(entry, 'd')) {
       log_.AppendLog("Directory: " + PrintableName(remoteItem) + "\r\n", log_colour::kDirectory, true);
       WalkRemoteFolder(remoteItem, ParseListingDate(entry.dateText, services_.now()));
-    } else if (isType(entry, 'l')) {
-      // Asked and not used, on purpose: a link is neither followed nor fetched, whatever it points to.
-      IsRemoteFolderLink(remoteItem);
     } else {
       localFile.assign(localDir).append(entry.name);
       walkFile(localFile, remoteItem, entry);
     }
+    if (!mayGoOn(remoteItem)) return;
     pump();
   }
+  if (items == 0 && trail_.depth() == 1 && folder.complete) tellEmptyFolder(folder.currentDir, localDir);
+}
+
+bool TreeWalk::isLoop(const WalkTrail::Level& level, const std::string& currentDir) {
+  if (!level.loops()) return false;
+  logError(
+      "The folder lists what the folders above it list, as a link to one of them would; it is not walked",
+      currentDir);
+  return true;
+}
+
+/// The cut stays as it is, but what is fetched by a cut path lies in another folder, if anywhere.
+void TreeWalk::tellCutPath(const std::string& currentDir, const std::string& remoteBase) {
+  const bool cut = remoteBase != currentDir && remoteBase != currentDir + '/';
+  if (cut) {
+    logError("Files of this folder are looked for in " + PrintableName(remoteBase) +
+                 ", since brackets and outer blanks are cut from paths; the setting NamesAsListed keeps them",
+             currentDir);
+  }
+}
+
+/// A folder of the profile's own list that lists nothing may be one that the server does not let us see.
+void TreeWalk::tellEmptyFolder(const std::string& currentDir, const std::string& localDir) {
+  if (holdsFiles(localDir)) return logError("The folder lists nothing, but its copy holds files", currentDir);
+  log_.AppendLog("The folder lists nothing: " + PrintableName(currentDir) + "\r\n", log_colour::kWaiting,
+                 false);
+}
+
+/// False once the login is given up: without a connection each further item would fail in turn.
+bool TreeWalk::mayGoOn(const std::string& remoteItem) {
+  if (!state_.loginGivenUp) return true;
+  if (!std::exchange(restIsTold_, true))
+    logError("The login was given up, and what follows this in the walk is not backed up", remoteItem);
+  return false;
 }
 
 /// Makes `remotePath` the current folder, learns where the server says that is, and lists it. A connection
@@ -115,7 +147,9 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     retried(typeA);
     if (lost()) continue;
     // A folder that cannot be entered leaves the connection where it is: that folder is listed instead.
+    std::string failure;
     const bool entered = retried([&] { session_.setCurrentRemoteDirectory(remotePath); });
+    if (!entered) failure = reason_;
     if (lost()) continue;
     folder.currentDir.clear();
     retried([&] { folder.currentDir = session_.currentRemoteDirectory(); });
@@ -128,21 +162,23 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     if (lost()) continue;
     const bool listed = retried([&] { folder.listing = session_.list(); });
     if (!listed && lost()) continue;
-    if (!entered || !listed) countFailure();
+    if (!listed) failure = reason_;
+    folder.complete = entered && listed;
+    if (!folder.complete) state_.countFailure(remotePath, failure);
     return true;
   }
-  if (!state_.StopRequested) logError("Unable to read the folder: ", remotePath);
+  if (!state_.StopRequested) logError("Unable to read the folder", remotePath);
   return false;
 }
 
 /// May the folder that the server has reported be walked? Asked before anything local is touched.
 bool TreeWalk::mayWalk(const std::string& currentDir) {
   if (const auto reason = LocalFolderRefusal(state_.LocalTargetFolder, currentDir)) {
-    logError("Refused folder (" + *reason + "): ", currentDir);
+    logError("Refused folder (" + *reason + ")", currentDir);
     return false;
   }
-  if (std::find(walking_.begin(), walking_.end(), currentDir) != walking_.end()) {
-    logError("The folder is being walked already: ", currentDir);
+  if (trail_.holds(currentDir)) {
+    logError("The folder is being walked already", currentDir);
     return false;
   }
   return true;
@@ -151,7 +187,7 @@ bool TreeWalk::mayWalk(const std::string& currentDir) {
 bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate) {
   if (!LocalFolderExists(localDir) && !CreatePath(localDir)) {
     log_.AppendLog("Error: Unable to create directory: " + PrintableName(localDir), log_colour::kError, true);
-    countFailure();
+    state_.countFailure(localDir, "unable to create directory");
     return false;
   }
   // Of a run that was killed.
@@ -163,15 +199,15 @@ bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime fol
 bool TreeWalk::acceptName(const std::string& name) {
   const auto reason = ListedNameRefusal(name);
   if (!reason) return true;
-  logError("Refused name (" + *reason + "): ", name);
+  logError("Refused name (" + *reason + ")", name);
   return false;
 }
 
 /// Where a disk does not regard case, a second name would write over the file of the first.
 bool TreeWalk::isFree(const RemoteEntry& entry, std::set<std::string>& taken) {
-  if (kLocalNameRules != LocalNameRules::windows || isType(entry, 'l')) return true;
+  if (kLocalNameRules != LocalNameRules::windows) return true;
   if (taken.insert(LocalNameKey(entry.name)).second) return true;
-  logError("Refused name (another one differs from it in nothing but case): ", entry.name);
+  logError("Refused name (another one differs from it in nothing but case)", entry.name);
   return false;
 }
 
@@ -184,8 +220,9 @@ void TreeWalk::walkFile(const std::string& localFile, const std::string& remoteF
   services_.display.showFileSize(FormatSize(size));
   services_.display.showCurrentFile(remoteFile);
   bool there = false;
-  Guarded([&] { there = SyncRemoteFile(localFile, remoteFile, entry); });
-  if (!there) countFailure();
+  reason_.clear();
+  Guarded([&] { there = SyncRemoteFile(localFile, remoteFile, entry); }, reason_);
+  if (!there) state_.countFailure(remoteFile, reason_);
   services_.display.showCurrentFile("");
   services_.display.showProgress(0);
   state_.fileCount += 1;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -14,6 +15,7 @@
 #include "engine/RunLog.h"
 #include "engine/RunServices.h"
 #include "engine/RunState.h"
+#include "engine/WalkTrail.h"
 #include "platform/LocalTime.h"
 
 namespace quillmoor {
@@ -29,8 +31,11 @@ class TreeWalk {
   TreeWalk(const RunServices& services, RunState& state, RunLog& log, FtpSession& session)
       : services_(services), state_(state), log_(log), session_(session) {}
 
+  /// To be called before the first folder of a profile.
+  void beginProfile() { restIsTold_ = false; }
+
   /// Walks one remote folder depth-first; `folderDate` becomes the date of its local folder. Raises nothing
-  /// and returns early at a Stop.
+  /// and returns early at a Stop, and once the profile's login is given up.
   void WalkRemoteFolder(const std::string& remotePath, LocalDateTime folderDate);
 
  private:
@@ -38,12 +43,17 @@ class TreeWalk {
   struct Folder {
     std::string currentDir;
     std::string listing;
+    bool complete = true;  // false: a failure is counted, and what is listed may be another folder, or a part
   };
 
   void walk(const std::string& remotePath, LocalDateTime folderDate);
   bool enterFolder(const std::string& remotePath, Folder& folder);
   bool mayWalk(const std::string& currentDir);
   bool prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate);
+  bool isLoop(const WalkTrail::Level& level, const std::string& currentDir);
+  void tellCutPath(const std::string& currentDir, const std::string& remoteBase);
+  void tellEmptyFolder(const std::string& currentDir, const std::string& localDir);
+  bool mayGoOn(const std::string& remoteItem);
   bool acceptName(const std::string& name);
   bool isFree(const RemoteEntry& entry, std::set<std::string>& taken);
   void walkFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
@@ -63,20 +73,21 @@ class TreeWalk {
   /// How often an operation is begun again after the connection was lost under it.
   std::int64_t rounds() const { return std::int64_t{std::max(services_.settings.FtpRetryCount, 1)} + 1; }
   void pump() const;
-  void countFailure();
-  /// Of something that is not backed up.
+  /// Writes a red line about something that is not backed up, and counts it.
   void logError(std::string_view what, std::string_view name);
 
   const RunServices& services_;
   RunState& state_;
   RunLog& log_;
   FtpSession& session_;
-  std::vector<std::string> walking_;  // reported paths of the folders on the way down
+  WalkTrail trail_;
+  std::string reason_;       // why the last retried operation failed
+  bool restIsTold_ = false;  // that the rest of the profile is not walked
 };
 
 /// Performs the operation until it raises nothing, but no more than `FtpRetryCount` times (once at least),
 /// and not again after a Stop. Without a connection no further attempt can do anything, so that ends it too.
-/// The last failure is not told here: the client has done so.
+/// The client's error event has logged each failure; `reason_` keeps the last one.
 template <class Operation>
 bool TreeWalk::retried(Operation&& operation) {
   std::int32_t attempts = 0;
@@ -87,7 +98,7 @@ template <class Operation>
 bool TreeWalk::retried(Operation&& operation, std::int32_t& attempts) {
   for (;;) {
     ++attempts;
-    if (Guarded(operation)) return true;
+    if (Guarded(operation, reason_)) return true;
     if (state_.StopRequested || attempts >= services_.settings.FtpRetryCount || !session_.connected())
       return false;
   }

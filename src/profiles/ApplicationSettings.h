@@ -50,6 +50,8 @@ struct ApplicationSettings {
   std::string ConnectAfter;
   std::int32_t FtpRetryCount = 5;
   std::int32_t ConnectionDelay = 5;  // seconds
+  std::int32_t LoginAttempts = 0;    // 0: no limit
+  std::int32_t NamesAsListed = 0;    // 1: no bracketed text and no blanks are cut from paths
 };
 
 /// Reads every key but `AsciiExts`. A stored text that is no number reads as its leading number, else 0.

@@ -8,6 +8,8 @@
 namespace quillmoor {
 namespace {
 
+constexpr std::size_t kLongestLine = 120;  // characters
+
 std::string counted(std::size_t count, const char* what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
@@ -28,9 +30,14 @@ std::string RunNotice(const std::vector<ProfileResult>& results, bool stopped, d
   text += counted(completed, "profile") + " completed";
   if (completed != results.size()) text += ", " + std::to_string(results.size() - completed) + " not";
   text += ". " + counted(static_cast<std::size_t>(files), "file") + ".";
-  std::size_t failures = 0;
-  for (const ProfileResult& one : results) failures += one.failures;
-  if (failures != 0) text += " " + counted(failures, "failure") + ": see the log.";
+  constexpr int kMostLines = 4;  // a desktop shows no more of a notification
+  int lines = 0;
+  for (const ProfileResult& one : results) {
+    if (!one.failed()) continue;
+    if (lines++ == kMostLines) return text + "\n... The log has the rest.";
+    text += "\n" + (one.profileId.empty() ? "" : one.profileId + ": ") +
+            FirstCharacters(FailureSummary(one), kLongestLine);
+  }
   return text;
 }
 

@@ -88,7 +88,7 @@ TEST(ConsoleDisplay, LeavesAHalfWrittenLogLineAlone) {
 TEST(ConsoleDisplay, ClosesWithTheReport) {
   Screen screen;
   ConsoleDisplay display(screen.on(false));
-  EXPECT_EQ(display.reportTable(), "");
+  EXPECT_EQ(display.reportTable({}), "");
   const auto row = display.addReportRow();
   const char* const items[kReportColumns] = {
       "W\xc3\xbcrzburg", "11-14-2026 10:00", " - ", "Running", "12", " - ", "1.000 KB"};
@@ -96,7 +96,7 @@ TEST(ConsoleDisplay, ClosesWithTheReport) {
     display.setReportItem(row, static_cast<ReportColumn>(i), items[i]);
   }
   display.setReportItem(row, ReportColumn::status, "Completed");
-  EXPECT_EQ(display.reportTable(),
+  EXPECT_EQ(display.reportTable({}),
             "Profile   Started           Finished  Status     Files  Errors  Size\n"
             "--------  ----------------  --------  ---------  -----  ------  --------\n"
             "W\xc3\xbcrzburg  11-14-2026 10:00   -        Completed  12      -      1.000 KB\n");

@@ -59,7 +59,7 @@ class ArchiveStageTest : public ::testing::Test {
     settings.CreateZip = 1;
   }
 
-  bool create() { return stage.CreateArchive("site", run, log, display); }
+  void create() { stage.CreateArchive("site", run, log, display); }
 
   std::string folderOf(const std::string& name) {
     fs::create_directory(folder / name);

@@ -77,7 +77,7 @@ TEST_F(RunFaultsTest, CountsWhatItCouldNotHave) {
     row.damage();
     const auto results = run();
     EXPECT_TRUE(results.at(0).completed) << row.name;
-    EXPECT_EQ(results.at(0).failures, row.failures) << row.name;
+    EXPECT_EQ(results.at(0).failures.count(), row.failures) << row.name;
   }
 }
 
@@ -199,7 +199,7 @@ TEST_F(RunFaultsTest, AProfileWhoseNameIsNoFolderNameIsNotRun) {
     EXPECT_FALSE(run().at(0).completed) << name;
     EXPECT_THAT(treeOf(folder.path()), ElementsAre("Profiles.ini")) << name;
   }
-  EXPECT_EQ(display.count("cannot be the name of a folder"), 3);
+  EXPECT_EQ(display.count("Error: The profile's name cannot be the name of a folder"), 3);
 }
 
 TEST_F(RunFaultsTest, ATreeThatContainsItselfHasAnEnd) {

@@ -73,10 +73,9 @@ class RecordingStages final : public RunActions, public ArchiveStage {
   void RunProfileActions(const RunProfileFields& profile, RunLog&) override {
     note("profile " + profile.RunURL);
   }
-  bool CreateArchive(const std::string& profileId, const RunState& run, RunLog&, RunDisplay&) override {
+  void CreateArchive(const std::string& profileId, RunState& run, RunLog&, RunDisplay&) override {
     archivedFolders.push_back(run.LocalTargetFolder);
     note("archive " + profileId);
-    return true;
   }
   std::vector<std::string> archivedFolders;
 

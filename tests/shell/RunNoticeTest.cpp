@@ -1,5 +1,6 @@
 #include "shell/RunNotice.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "shell/TrayTip.h"
@@ -22,11 +23,16 @@ TEST(RunTip, KeepsThePercentageInView) {
 }
 
 TEST(RunNotice, CountsWhatBecameOfTheProfiles) {
-  EXPECT_EQ(RunNotice({{"a", true}}, false, 1), "1 profile completed. 1 file.");
-  EXPECT_EQ(RunNotice({{"a", true, 1}}, false, 9), "1 profile completed. 9 files. 1 failure: see the log.");
-  EXPECT_EQ(RunNotice({{"a", true, 2}, {"b", false}, {"c", true, 1}}, false, 1204),
-            "2 profiles completed, 1 not. 1204 files. 3 failures: see the log.");
-  EXPECT_EQ(RunNotice({{"a", false}}, true, 3),
+  ProfileResult whole{"a", true, "", {}}, lacking{"b", true, "", {}}, refused{"c", false, "No host", {}};
+  EXPECT_EQ(RunNotice({whole}, false, 1), "1 profile completed. 1 file.");
+  lacking.failures.add("/x", "550 No.");
+  EXPECT_EQ(RunNotice({lacking}, false, 9), "1 profile completed. 9 files.\nb: 1 failure: /x: 550 No.");
+  lacking.failures.add("/y", "");
+  EXPECT_EQ(RunNotice({whole, lacking, refused}, false, 1204),
+            "2 profiles completed, 1 not. 1204 files.\nb: 2 failures, the first: /x: 550 No.\nc: No host");
+  EXPECT_THAT(RunNotice(std::vector<ProfileResult>(9, refused), false, 0),
+              ::testing::EndsWith("\n... The log has the rest."));
+  EXPECT_EQ(RunNotice({{"a", false, "", {}}}, true, 3),
             "The backup was stopped. 0 profiles completed, 1 not. 3 files.");
   EXPECT_EQ(RunNotice({}, false, 0), "No profile is enabled.");
   EXPECT_EQ(RunNotice({}, true, 0), "The backup was stopped.") << "while it waited for the network, say";

@@ -1,0 +1,35 @@
+// What was to be backed up and is not: counted, and the first of it kept by name.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillmoor {
+
+/// A file, folder, archive or copy that failed, and why, as a sentence or the server's words. Remote names
+/// are the server's bytes.
+struct RunFailure {
+  std::string name;
+  std::string reason;
+};
+
+class RunFailures {
+ public:
+  static constexpr std::size_t kMostNamed = 20;
+
+  void add(std::string_view name, std::string_view reason) {
+    if (++count_ <= kMostNamed) named_.push_back({std::string(name), std::string(reason)});
+  }
+  std::size_t count() const { return count_; }
+  bool empty() const { return count_ == 0; }
+  /// The first kMostNamed, in the order in which they happened.
+  const std::vector<RunFailure>& named() const { return named_; }
+
+ private:
+  std::size_t count_ = 0;
+  std::vector<RunFailure> named_;
+};
+
+}  // namespace quillmoor

@@ -1,0 +1,24 @@
+#include "engine/WalkTrail.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace quillmoor {
+
+bool WalkTrail::holds(std::string_view path) const {
+  return std::any_of(levels_.begin(), levels_.end(), [&](const Folder& level) { return level.path == path; });
+}
+
+WalkTrail::Level::Level(WalkTrail& trail, std::string path, std::string_view listing) : trail_(trail) {
+  Folder folder{std::move(path), listing.size(), std::hash<std::string_view>{}(listing), 0};
+  // Empty folders list the same anywhere.
+  const bool repeats =
+      !listing.empty() && std::any_of(trail_.levels_.begin(), trail_.levels_.end(), [&](const Folder& above) {
+        return above.listingSize == folder.listingSize && above.listingHash == folder.listingHash;
+      });
+  if (repeats) folder.repeats = trail_.levels_.back().repeats + 1;
+  trail_.levels_.push_back(std::move(folder));
+}
+
+}  // namespace quillmoor
