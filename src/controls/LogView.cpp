@@ -103,6 +103,17 @@ void LogView::showNewest() {
   Refresh(false);
 }
 
+void LogView::showLine(std::size_t number) {
+  timer_.Stop();
+  follow_ = atEnd_ = false;
+  updateExtent();
+  const std::size_t index = std::min(number - std::min(number, log_.firstLine()), log_.lineCount() - 1);
+  anchor_ = {log_.firstLine() + index, 0};
+  caret_ = {anchor_.line, log_.line(index).text.size()};
+  Scroll(0, static_cast<int>(index));
+  Refresh(false);
+}
+
 /// The line that is begun and empty has no room of its own.
 int LogView::shownLines() const {
   const std::size_t lines = log_.lineCount();

@@ -62,7 +62,7 @@ bool FtpSession::mayTryAgain(std::int32_t attempts) {
 std::int32_t FtpSession::pauseFactor(std::int32_t attempts) const {
   constexpr std::int32_t kLongest = 10;
   if (services_.settings.LoginAttempts <= 0) return 1;
-  return attempts > 3 ? kLongest : 1 << (attempts - 1);
+  return attempts > 4 ? kLongest : 1 << (attempts - 1);
 }
 
 void FtpSession::loginOverDialUp() {

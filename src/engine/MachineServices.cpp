@@ -37,12 +37,24 @@ RunServices MachineServices::forRun(RunDisplay& display) {
           .dialUp = *dialUp_,
           .actions = *actions_,
           .archive = *archive_,
-          .takeMark =
-              [] {
-                auto mark = std::make_shared<SingleInstance>(SingleInstance::Mark::run);
-                return std::shared_ptr<void>(mark->anotherIsRunning() ? nullptr : mark);
-              },
+          .acquireRunLock = [this] { return acquireRunLock(); },
           .now = now};
+}
+
+bool MachineServices::reserveRun() {
+  // A run of this program that still unwinds after a Stop holds it; the next one waits for its end.
+  if (!held_.expired()) return true;
+  reserved_ = acquireRunLock();
+  return reserved_ != nullptr;
+}
+
+/// Null when another program holds it.
+std::shared_ptr<void> MachineServices::acquireRunLock() {
+  if (reserved_) return std::exchange(reserved_, nullptr);
+  const auto lock = std::make_shared<SingleInstance>(SingleInstance::Mark::run);
+  if (lock->anotherIsRunning()) return nullptr;
+  held_ = lock;
+  return lock;
 }
 
 }  // namespace quillmoor

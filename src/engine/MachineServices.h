@@ -28,6 +28,10 @@ class MachineServices {
   /// For one controller; `display` and this must outlive it.
   RunServices forRun(RunDisplay& display);
 
+  /// Acquires the run lock now for the next run of a controller, which takes it over. False when a run of
+  /// another program of this user holds it.
+  bool reserveRun();
+
   ApplicationSettings& settings;
   const std::string profilesFile;
   const Pump pump;
@@ -41,6 +45,10 @@ class MachineServices {
   WebRequest& webRequest() { return webRequest_; }
 
  private:
+  std::shared_ptr<void> acquireRunLock();
+
+  std::shared_ptr<void> reserved_;  // the run lock, for a run that is about to start
+  std::weak_ptr<void> held_;        // the run lock while a run of this program has it
   HttpRequest webRequest_;
   ZipPacker packer_;
   std::unique_ptr<DialUp> dialUp_;

@@ -52,8 +52,8 @@ RunController::RunController(RunServices services)
 std::vector<ProfileResult> RunController::RunBackup() {
   const BusyFlag running(active_);
   if (!running.taken()) return {};
-  const std::shared_ptr<void> mark = services_.takeMark ? services_.takeMark() : nullptr;
-  refused_ = services_.takeMark && !mark;
+  const std::shared_ptr<void> lock = services_.acquireRunLock ? services_.acquireRunLock() : nullptr;
+  refused_ = services_.acquireRunLock && !lock;
   if (refused_) {
     BackupRunning = false;  // the scheduler has set it
     services_.display.showRunning(false);

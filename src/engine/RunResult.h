@@ -24,6 +24,10 @@ struct ProfileResult {
 /// "3 failures, the first: /www/a.php: 550 Forbidden.", or the profile's problem; "" when nothing failed.
 std::string FailureSummary(const ProfileResult& result);
 
+/// One line about all profiles that failed: "My site: 3 failures, the first: ..."; of several their names and
+/// numbers. "" when nothing failed.
+std::string FailureNotice(const std::vector<ProfileResult>& results);
+
 /// The profile's name and its number of failures or its problem; a line for each failure that is known by
 /// name, with its reason; how many more there are. Empty when nothing failed.
 std::vector<std::string> FailureLines(const ProfileResult& result);

@@ -34,9 +34,9 @@ struct RunServices {
   RunActions& actions;
   ArchiveStage& archive;
 
-  /// Takes the mark of a run, which is kept until the run has ended; null when another program has it. None:
-  /// nobody else makes runs.
-  std::function<std::shared_ptr<void>()> takeMark = nullptr;
+  /// Acquires the run lock, which is held until the run has ended; returns null when another process holds
+  /// it. Empty: there is no lock, and no other process makes runs.
+  std::function<std::shared_ptr<void>()> acquireRunLock = nullptr;
   std::function<LocalDateTime()> now = LocalNow;
   std::function<std::int64_t()> tick = TickCountMs;
   /// How a wait passes the time between two turns of the pump.

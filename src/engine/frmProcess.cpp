@@ -14,6 +14,8 @@
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
 #include "controls/QuickPaint.h"
+#include "controls/WxColours.h"
+#include "engine/LogColours.h"
 #include "engine/ShownText.h"
 #include "platform/ProgramFolder.h"
 
@@ -69,6 +71,7 @@ frmProcess::frmProcess(wxWindow* parent, MachineServices& services, EventPump& p
     PaintQuickly(*often);
 
   cmdStart->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStart_Click(); });
+  cmdShowFailure->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdShowFailure_Click(); });
   cmdStop->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cmdStop_Click(); });
   TimerStartBackup.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { TimerStartBackup_Timer(); });
   tmrFigures_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { showFigures(); });
@@ -105,6 +108,7 @@ void frmProcess::layOut() {
     halves->CallAfter([halves, report] { halves->SetSashPosition(-report); });
   });
   all->Add(halves, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
+  all->Add(layOutNotice(), wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT, gap));
   SetSizer(all);
 }
 
@@ -150,6 +154,53 @@ wxSizer* frmProcess::layOutFigures() {
   return row;
 }
 
+wxSizer* frmProcess::layOutNotice() {
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  lblNotice = new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
+                               wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END, "lblNotice");
+  lblNotice->SetMinSize({GetTextExtent("0").x * 8, -1});
+  cmdShowFailure = new wxButton(this, wxID_ANY, "S&how", wxDefaultPosition, wxDefaultSize, 0,
+                                wxDefaultValidator, "cmdShowFailure");
+  cmdShowFailure->SetToolTip("Leads to the first red line of this run in the log");
+  const wxSizerFlags centred = wxSizerFlags().CenterVertical().Border(wxBOTTOM, FromDIP(kGap));
+  row->Add(lblNotice, wxSizerFlags(centred).Proportion(1));
+  row->Add(cmdShowFailure, wxSizerFlags(centred).Border(wxLEFT | wxBOTTOM, FromDIP(kGap)));
+  lblNotice->Hide();
+  cmdShowFailure->Hide();
+  return row;
+}
+
+void frmProcess::showNotice(const std::string& text, std::optional<std::size_t> logLine) {
+  failureLine_ = logLine.value_or(0);
+  const wxColour background = GetBackgroundColour();
+  lblNotice->SetForegroundColour(ToWx(ReadableOn(
+      {log_colour::kError.red, log_colour::kError.green, log_colour::kError.blue}, FromWx(background))));
+  setText(lblNotice, wxString::FromUTF8(ShownText(text)));
+  lblNotice->SetToolTip(lblNotice->GetLabelText());
+  lblNotice->Show(!text.empty());
+  cmdShowFailure->Show(logLine.has_value());
+  Layout();
+}
+
+/// Says under the report what a run that is over could not back up.
+void frmProcess::showFailures(const std::vector<ProfileResult>& results) {
+  const std::string notice = FailureNotice(results);
+  if (notice.empty()) return;
+  for (std::size_t line = std::max(firstLine_, log_.firstLine()); line < log_.firstLine() + log_.lineCount();
+       ++line) {
+    // "Skipped: " is red as well, and nothing has failed there.
+    const LogLine& logged = log_.line(line - log_.firstLine());
+    const bool red = !logged.runs.empty() && logged.runs.front().colour == log_colour::kError;
+    if (red && !logged.text.starts_with("Skipped: ")) return showNotice(notice, line);
+  }
+  showNotice(notice);
+}
+
+void frmProcess::cmdShowFailure_Click() {
+  rtfLog->showLine(failureLine_);
+  rtfLog->SetFocus();
+}
+
 void frmProcess::cmdStart_Click() {
   startHadFocus_ = FindFocus() == cmdStart;
   cmdStart->Disable();
@@ -190,6 +241,8 @@ void frmProcess::TimerStartBackup_Timer() {
   TimerStartBackup.Stop();
   stopConfirmed_ = false;
   firstRow_ = wndReportControl->rowCount();
+  firstLine_ = log_.firstLine() + log_.lineCount() - 1;
+  showNotice("");
   if (!Animation1->IsPlaying()) reopenAnimation();
   std::vector<ProfileResult> results;
   try {
@@ -201,6 +254,7 @@ void frmProcess::TimerStartBackup_Timer() {
   figures_ = Figures();
   figures_.changed = true;
   showFigures();
+  showFailures(results);
   if (onFinished) onFinished(outcome(std::move(results)));
 }
 

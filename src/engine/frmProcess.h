@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,10 @@ class frmProcess : public wxPanel, private RunDisplay {
   /// Form unload: aborts the session and a web request, stops the animation and the timers. A run that is on
   /// the stack is left to the pump, which unwinds it.
   void unload();
+
+  /// Shows a line under the report until the next run begins or another one takes its place; "" takes it
+  /// away. With `logLine` (see LogView::showLine) "Show" beside it leads there.
+  void showNotice(const std::string& text, std::optional<std::size_t> logLine = std::nullopt);
 
   /// The window is shown again.
   void wake() { tmrFtpStatus.wake(); }
@@ -83,6 +88,8 @@ class frmProcess : public wxPanel, private RunDisplay {
   wxStaticText* lblRate;
   AnimationPlayer* Animation1;
   ReportControl* wndReportControl;
+  wxStaticText* lblNotice;
+  wxButton* cmdShowFailure;
   wxStaticBitmap* picFtpConnected;
   wxStaticBitmap* picFtpDisonnected;
   wxTimer TimerStartBackup;
@@ -95,12 +102,15 @@ class frmProcess : public wxPanel, private RunDisplay {
  private:
   wxSizer* layOutHead();
   wxSizer* layOutFigures();
+  wxSizer* layOutNotice();
   void layOut();
 
   void cmdStart_Click();
   void cmdStop_Click();
   void TimerStartBackup_Timer();
   void tmrFtpStatus_Timer();
+  void cmdShowFailure_Click();
+  void showFailures(const std::vector<ProfileResult>& results);
   void reopenAnimation();
   void showFigures();
   void figuresChanged();
@@ -136,7 +146,9 @@ class frmProcess : public wxPanel, private RunDisplay {
   Figures figures_;
   wxTimer tmrFigures_;
   std::unique_ptr<RunController> controller_;
-  std::size_t firstRow_ = 0;  // of the report, for the run in progress
+  std::size_t firstRow_ = 0;     // of the report, for the run in progress
+  std::size_t firstLine_ = 0;    // of the log, for the same, as LogText counts
+  std::size_t failureLine_ = 0;  // that cmdShowFailure leads to
   bool stopConfirmed_ = false;
   bool asking_ = false;
   int waitingTicks_ = 0;        // of a run that is due

@@ -19,7 +19,15 @@ void Scheduler::tick() {
   // The whole guard, and deliberately no more than a weekday: a date would widen it.
   if (time.weekday == LastScheduledWeekday_) return;
   if (ScheduleDays_.at(static_cast<std::size_t>(time.weekday)) != 1) return;
-  if (time.hour != settings_.ScheduleHour || time.minute != settings_.ScheduleMinute) return;
+  if (time.hour != settings_.ScheduleHour || time.minute != settings_.ScheduleMinute) {
+    missReported_ = false;
+    return;
+  }
+  if (mayStart && !mayStart()) {
+    if (!std::exchange(missReported_, true) && onMissed) onMissed();
+    return;
+  }
+  missReported_ = false;
   BackupRunning = true;
   LastScheduledWeekday_ = time.weekday;
   startBackup_();

@@ -15,11 +15,17 @@ namespace quillmoor {
 /// weeks to come. What it missed, because a run was going on or the program was not, is not made up for.
 class Scheduler {
  public:
-  /// `now` gives the local time; `startBackup` arms the start of a run and returns at once. The hour and the
+  /// `now` returns the local time; `startBackup` arms the start of a run and returns at once. The hour and the
   /// minute are read from `settings`, which must outlive this, at every tick; the days only here and now, so
   /// that a day ticked later counts from the next start of the program.
   Scheduler(const ApplicationSettings& settings, std::function<LocalDateTime()> now,
             std::function<void()> startBackup);
+
+  /// Asked before a run is started: false while a run of another program is going, which counts like one of
+  /// ours: nothing fires and the weekday stays unserved. May be empty.
+  std::function<bool()> mayStart;
+  /// Called once for each scheduled minute in which that keeps a run from starting. May be empty.
+  std::function<void()> onMissed;
 
   /// Tick of `TimerMain`, once a second. Does nothing while BackupRunning; sets it when it fires.
   void tick();
@@ -35,6 +41,7 @@ class Scheduler {
   std::function<void()> startBackup_;
   const std::array<std::int32_t, 8> ScheduleDays_;
   std::int32_t LastScheduledWeekday_ = 0;
+  bool missReported_ = false;  // in the minute that is now
 };
 
 }  // namespace quillmoor

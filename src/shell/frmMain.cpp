@@ -15,6 +15,7 @@
 #include "controls/UserHoldsEventLoop.h"
 #include "engine/BackupRunning.h"
 #include "engine/ErrorGuard.h"
+#include "engine/mGeneral.h"
 #include "platform/NetworkAlive.h"
 #include "profiles/SettingWriter.h"
 #include "profiles/SettingsStore.h"
@@ -90,6 +91,8 @@ void frmMain::Load() {
   services_->network = network;
   services_->now = now;
   scheduler_ = std::make_unique<Scheduler>(settings, now, [this] { process->startBackup(); });
+  scheduler_->mayStart = [this] { return services_->reserveRun(); };
+  scheduler_->onMissed = [this] { onMissed(); };
   createPanes();
   createTray();
   modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);
@@ -284,6 +287,13 @@ void frmMain::onFinished(const frmProcess::Outcome& outcome) {
   Notify(this, kTitle,
          outcome.refused ? "Another backup run is going on. This one has not been started."
                          : RunNotice(outcome.results, outcome.stopped, outcome.files));
+}
+
+void frmMain::onMissed() {
+  const std::string text = "The scheduled run of " + ReportTimeText(now()).substr(11) +
+                           " has not started: a backup run of another program is going on.";
+  process->showNotice(text);
+  Notify(this, kTitle, text);
 }
 
 void frmMain::ExitRoutine() {

@@ -117,6 +117,7 @@ class frmMain : public wxFrame {
   void onEndSession(wxCloseEvent& event);
   void onProgress(const frmProcess::Progress& progress);
   void onFinished(const frmProcess::Outcome& outcome);
+  void onMissed();
   void stayReachable();
   void destroyWhenIdle();
 

@@ -57,30 +57,6 @@ TEST_F(RunFaultsTest, CountsAttemptsAcrossLostConnections) {
   EXPECT_EQ(server.count("RETR"), 3U);
 }
 
-TEST_F(RunFaultsTest, CountsWhatItCouldNotHave) {
-  const struct {
-    const char* name;
-    std::function<void()> damage;
-    std::size_t failures;
-  } rows[] = {{"nothing", [] {}, 0},
-              {"a file", [&] { server.on("RETR /sub/b.bin", replies("550 Forbidden.")); }, 1},
-              {"all files", [&] { server.on("RETR", replies("550 Forbidden.")); }, 2},
-              {"a folder", [&] { server.on("CWD /sub", replies("550 Forbidden.")); }, 1},
-              {"the first folder", [&] { server.on("CWD", replies("550 Forbidden.")); }, 2},
-              {"a listing", [&] { server.on("LIST", replies("550 Forbidden.")); }, 1},
-              {"the archive", [&] { stages.fail = true; }, 1}};
-  server.addFile("/a.bin", "a");
-  server.addFile("/sub/b.bin", "b");
-  for (const auto& row : rows) {
-    server.forgetRules();
-    stages.fail = false;
-    row.damage();
-    const auto results = run();
-    EXPECT_TRUE(results.at(0).completed) << row.name;
-    EXPECT_EQ(results.at(0).failures.count(), row.failures) << row.name;
-  }
-}
-
 TEST_F(RunFaultsTest, DoesNotStartWhatWouldNeverEnd) {
   const SiteProfile good = profile;
   const struct {

@@ -325,7 +325,7 @@ TEST_F(RunTest, HangsUpOnlyWhatIsUp) {
 TEST_F(RunTest, LeavesTheFieldToAnotherProgramsRun) {
   save(profile);
   RunServices refused = services();
-  refused.takeMark = [] { return nullptr; };
+  refused.acquireRunLock = [] { return nullptr; };
   RunController second(refused);
   BackupRunning = true;  // by the scheduler
   EXPECT_TRUE(second.RunBackup().empty());

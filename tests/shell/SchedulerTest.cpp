@@ -94,6 +94,23 @@ TEST_F(SchedulerTest, ServesASingleDayOnceUntilTheNextStart) {
   EXPECT_EQ(started, (Starts{"11-02-2026 12:30", "11-16-2026 12:30"}));
 }
 
+TEST_F(SchedulerTest, MissesTheMinuteOfAnotherProgramsRunAndServesNoDay) {
+  settings.ScheduleDays[kMonday] = 1;
+  open(on(kSunday, 0, 0));
+  LocalDateTime otherEnds = on(kMonday, 13, 0);
+  int missed = 0;
+  scheduler->mayStart = [&] { return clock >= otherEnds; };
+  scheduler->onMissed = [&] { ++missed; };
+  runUntil(on(kMonday, 14, 0));
+  EXPECT_EQ(started, Starts{});
+  EXPECT_EQ(missed, 1);
+  EXPECT_EQ(scheduler->LastScheduledWeekday(), 0);
+  otherEnds = on(kMonday + 7, 12, 30, 20);
+  runUntil(on(kMonday + 7, 14, 0));
+  EXPECT_EQ(started, Starts{"11-09-2026 12:30"}) << "the minute has not passed yet";
+  EXPECT_EQ(missed, 2);
+}
+
 TEST_F(SchedulerTest, LetsTwoDaysUnlockEachOther) {
   settings.ScheduleDays[kMonday] = settings.ScheduleDays[kThursday] = 1;
   open(on(kSunday, 0, 0));

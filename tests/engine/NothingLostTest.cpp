@@ -1,0 +1,205 @@
+// A run that is "Completed" and counts no failure has the whole site: each way in which it may not is
+// counted, named in the log, and named again at the end.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "engine/RunWorld.h"
+
+namespace quillmoor {
+namespace {
+
+using namespace testing;  // of this project
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using Session = testing::ScriptedFtpServer::Session;
+namespace fs = std::filesystem;
+
+const Colour kRed{255, 0, 0};
+
+/// The folder of the last CWD.
+std::string folderOf(const std::vector<std::string>& commands) {
+  const auto last = std::find_if(commands.rbegin(), commands.rend(),
+                                 [](const std::string& line) { return line.starts_with("CWD "); });
+  return last == commands.rend() ? "/" : last->substr(4);
+}
+
+class NothingLostTest : public ::testing::Test, protected RunWorld {
+ protected:
+  bool loggedInRed(const std::string& text) const {
+    return std::any_of(display.lines.begin(), display.lines.end(), [&](const auto& line) {
+      return line.colour == kRed && line.text.find(text) != std::string::npos;
+    });
+  }
+
+  /// The red lines from the profile's count on to "Finished all at:".
+  std::vector<std::string> endReport() const {
+    std::vector<std::string> lines;
+    for (const auto& line : display.lines) {
+      if (line.text.starts_with("site: ") && line.colour == kRed) lines.clear();
+      if (line.text.starts_with("Finished all at:")) break;
+      lines.push_back(line.text);
+    }
+    return lines;
+  }
+};
+
+TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
+  const struct {
+    const char* name;
+    std::function<void()> damage;
+    std::size_t failures;
+    const char* told;  // in red, before the end of the run
+    const char* named;
+  } rows[] = {
+      {"nothing", [] {}, 0, "", ""},
+      {"a file", [&] { server.on("RETR /sub/b.bin", replies("550 Forbidden.")); }, 1,
+       "Ftp Error: ", "/sub/b.bin: "},
+      {"all files", [&] { server.on("RETR", replies("550 Forbidden.")); }, 2, "Ftp Error: ", "/sub/b.bin: "},
+      {"a folder", [&] { server.on("CWD /sub", replies("550 Forbidden.")); }, 1, "is being walked already",
+       "/: "},
+      {"the first folder", [&] { server.on("CWD", replies("550 Forbidden.")); }, 2, "Ftp Error: ", "/: "},
+      {"a listing", [&] { server.on("LIST", replies("550 Forbidden.")); }, 1, "Ftp Error: ", "/: "},
+      {"a listing in no known form", [&] { server.setListing("/sub", "Volume in drive C has no label\r\n"); },
+       1, "", "/sub: its listing"},
+      {"the archive", [&] { stages.fail = true; }, 1, "", "archive: archive site"},
+      {"the first folder of the profile", [&] { profile.DefaultDir = "/gone"; }, 1,
+       "Error: Unable to enter the first folder: /gone", "/gone: "},
+      {"an empty folder whose copy is not",
+       [&] {
+         server.setListing("/", "");
+         profile.Folders = {"/", "/sub"};
+       },
+       1, "lists nothing, but its copy holds files: /", "/: "},
+      {"brackets in a path",
+       [&] {
+         server.addFile("/sub/photos [2024]/c.bin", "c");
+         server.addFile("/sub/photos/c.bin", "c");
+       },
+       1, "looked for in /sub/photos/", "/sub/photos [2024]: "},
+  };
+  const SiteProfile good = profile;
+  for (const auto& row : rows) {
+    server.forgetRules();
+    server.setListing("/",
+                      "drwxr-xr-x 1 o g 1 Jan  1  2020 sub\r\n-rw-r--r-- 1 o g 1 Jan  1  2020 a.bin\r\n");
+    server.setListing("/sub", "-rw-r--r-- 1 o g 1 Jan  1  2020 b.bin\r\n");
+    server.addFile("/a.bin", "a");
+    server.addFile("/sub/b.bin", "b");
+    profile = good;
+    stages.fail = false;
+    display = {};
+    if (std::string(row.name) == "brackets in a path")
+      server.setListing("/sub", "drwxr-xr-x 1 o g 1 Jan  1  2020 photos [2024]\r\n");
+    row.damage();
+    const auto results = run();
+    EXPECT_TRUE(results.at(0).completed) << row.name;
+    EXPECT_EQ(display.item(0, ReportColumn::status), "Completed") << row.name;
+    EXPECT_EQ(display.item(0, ReportColumn::errors), " - ") << row.name;
+    EXPECT_EQ(results.at(0).failures.count(), row.failures) << row.name;
+    EXPECT_EQ(results.at(0).failed(), row.failures != 0) << row.name;
+    EXPECT_TRUE(*row.told == '\0' || loggedInRed(row.told)) << row.name << "\n" << display.log();
+    const auto end = endReport();
+    if (row.failures == 0) continue;
+    EXPECT_EQ(end.at(0), "site: " + std::to_string(row.failures) +
+                             (row.failures == 1 ? " failure\r\n" : " failures\r\n"))
+        << row.name;
+    EXPECT_THAT(end.at(1), HasSubstr(std::string("    ") + row.named)) << row.name;
+    EXPECT_EQ(end.size(), 1 + row.failures) << row.name;
+  }
+}
+
+TEST_F(NothingLostTest, TwentyFailuresAreNamedAndTheOthersCounted) {
+  for (int i = 0; i < 25; ++i) server.addFile("/" + std::to_string(100 + i), "x");
+  server.on("RETR", replies("550 Forbidden."));
+  settings.FtpRetryCount = 1;
+  EXPECT_EQ(run().at(0).failures.count(), 25U);
+  const auto end = endReport();
+  ASSERT_EQ(end.size(), 22U);
+  EXPECT_EQ(end[20].substr(0, 10), "    /119: ");
+  EXPECT_EQ(end[21], "    and 5 more\r\n");
+}
+
+TEST_F(NothingLostTest, ALoopOfFoldersIsNotWalkedDeeperThanThreeRepetitions) {
+  // A link to the folder that holds it, which the server lists as a folder: every path is a new one.
+  server.on("PWD", [&](Session& s) { s.reply("257 \"" + folderOf(server.commands()) + "\""); });
+  server.on("CWD", replies("250 Here."));
+  server.on(
+      "LIST",
+      transfers("150 Here.", "drwxr-xr-x 1 o g 1 Jan  1  2020 again\r\n-rw-r--r-- 1 o g 1 Jan  1  2020 a\r\n",
+                "226 Done."));
+  server.on("RETR", transfers("150 Here.", "x", "226 Done."));
+  EXPECT_EQ(run().at(0).failures.count(), 1U);
+  EXPECT_TRUE(loggedInRed("as a link to one of them would; it is not walked: /again/again/again"));
+  EXPECT_THAT(treeOf(target()), ElementsAre("a", "again/", "again/a", "again/again/", "again/again/a"));
+}
+
+TEST_F(NothingLostTest, ALinkIsPassedOverWhateverItIsCalled) {
+  server.addFile("/a.bin", "a");
+  for (const char* name : {"../up", "CON", "esc\x1b[31m", ".."})
+    server.addLine("/", std::string("lrwxrwxrwx 1 o g 1 Jan  1  2020 ") + name + " -> x");
+  EXPECT_EQ(run().at(0).failures.count(), 0U);
+  EXPECT_FALSE(display.logged("Error"));
+}
+
+TEST_F(NothingLostTest, TwoProfilesOfOneFolderAreNotBothRun) {
+  server.addFile("/a.bin", "a");
+  profile.name = "Site [a]";
+  SiteProfile other = profile;
+  other.name = "Site [b]";
+  save(other);
+  const auto results = run();
+  ASSERT_EQ(results.size(), 2U);
+  EXPECT_TRUE(results[0].completed);
+  EXPECT_FALSE(results[1].completed);
+  EXPECT_THAT(results[1].problem, HasSubstr("written into the same folder: "));
+  EXPECT_EQ(display.item(1, ReportColumn::status), "Failed");
+  EXPECT_EQ(server.count("USER"), 1U);
+}
+
+TEST_F(NothingLostTest, ALoginHasAsManyAttemptsAsTheSettingAllows) {
+  ticks = 0;
+  settings.ConnectionDelay = 2;
+  settings.LoginAttempts = 6;
+  server.on("PASS", replies("530 Login incorrect."));
+  SiteProfile next = profile;
+  next.name = "the next";
+  next.Password = "other";
+  save(next);
+  const auto results = run();
+  EXPECT_EQ(server.count("PASS hunter22"), 6U);
+  EXPECT_EQ(server.count("PASS other"), 6U) << "each profile has its turn";
+  EXPECT_EQ(results.at(0).problem, "Unable to login");
+  for (const char* pause : {"2", "4", "8", "16", "20"})
+    EXPECT_EQ(display.count(std::string("Waiting ") + pause + " Seconds Before Retrying..."), 2) << pause;
+  EXPECT_FALSE(display.logged("LoginAttempts"));
+}
+
+TEST_F(NothingLostTest, WithoutALimitTheFifthRefusalTellsOfTheSetting) {
+  int refusals = 7;
+  server.on("PASS", [&](Session& s) { refusals-- > 0 ? s.reply("530 No.") : s.answerAsUsual(); });
+  EXPECT_TRUE(run().at(0).completed);
+  EXPECT_EQ(display.count("the setting LoginAttempts gives it one"), 1);
+  EXPECT_EQ(display.count("Waiting 0 Seconds Before Retrying..."), 7);
+}
+
+TEST_F(NothingLostTest, ALoginGivenUpInTheMiddleEndsTheWalk) {
+  settings.LoginAttempts = 2;
+  for (const char* name : {"/a.bin", "/b.bin", "/c.bin"}) server.addFile(name, "x");
+  server.once("RETR /b.bin", [&](Session& s) {
+    server.on("PASS", replies("530 Login incorrect."));
+    s.drop();
+  });
+  const auto results = run();
+  EXPECT_TRUE(results.at(0).completed);
+  EXPECT_EQ(server.count("PASS"), 3U);
+  EXPECT_EQ(results.at(0).failures.count(), 2U) << "the file, and what follows it";
+  EXPECT_TRUE(loggedInRed("what follows this in the walk is not backed up: /b.bin"));
+}
+
+}  // namespace
+}  // namespace quillmoor
