@@ -112,9 +112,9 @@ bool TreeWalk::isLoop(const WalkTrail::Level& level, const std::string& currentD
 void TreeWalk::tellCutPath(const std::string& currentDir, const std::string& remoteBase) {
   const bool cut = remoteBase != currentDir && remoteBase != currentDir + '/';
   if (cut) {
-    logError("Files of this folder are looked for in " + PrintableName(remoteBase) +
-                 ", since brackets and outer blanks are cut from paths; the setting NamesAsListed keeps them",
-             currentDir);
+    logError(
+        "Cut to " + PrintableName(remoteBase) + ", where its files are not (see the setting NamesAsListed)",
+        currentDir);
   }
 }
 

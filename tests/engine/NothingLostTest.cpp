@@ -80,7 +80,7 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
          server.addFile("/sub/photos [2024]/c.bin", "c");
          server.addFile("/sub/photos/c.bin", "c");
        },
-       1, "looked for in /sub/photos/", "/sub/photos [2024]: "},
+       1, "Cut to /sub/photos/, where its files are not", "/sub/photos [2024]: "},
   };
   const SiteProfile good = profile;
   for (const auto& row : rows) {
