@@ -1,8 +1,11 @@
 #include "platform/FtpControl.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <utility>
 
 #include "platform/ErrorText.h"
+#include "platform/KeepAlive.h"
 
 namespace quillmoor {
 namespace {
@@ -11,6 +14,7 @@ using std::chrono::milliseconds;
 
 // A reply to a command sent ahead that is not there by then is asked after (see resynchronise).
 constexpr milliseconds kAheadPatience{4000};
+constexpr std::chrono::seconds kKeepAlive{60};
 
 Deadline in(milliseconds time) {
   return std::chrono::steady_clock::now() + time;
@@ -83,7 +87,7 @@ void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, 
   asio::error_code ignored;
   channel_.socket.set_option(asio::ip::tcp::no_delay(true), ignored);
   // Firewalls forget a silent connection during a long transfer.
-  channel_.socket.set_option(asio::socket_base::keep_alive(true), ignored);
+  KeepConnectionAlive(static_cast<std::uintptr_t>(channel_.socket.native_handle()), kKeepAlive);
 }
 
 void FtpControl::close() {
