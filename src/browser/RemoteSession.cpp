@@ -160,7 +160,11 @@ void RemoteSession::listFolder(bool testingLinks) {
   folder_ = client_.currentRemoteDirectory();
   events_.folderChanged(folder_);
 
-  RemoteListing listing = ParseListing(client_.list(), LocalNow());
+  FtpListing listed = client_.list();
+  if (!listed.cut.empty()) {
+    events_.logLine("The server has not listed all that is in " + folder_ + ": " + listed.cut + "\r\n");
+  }
+  RemoteListing listing = ParseListing(std::move(listed.text), LocalNow());
   if (listing.text.empty()) return;
   if (listing.format == ListingFormat::neither) {
     if (loggedIn_) events_.unparsedListing(std::move(listing.text));

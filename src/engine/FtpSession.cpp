@@ -158,7 +158,7 @@ void FtpSession::setCurrentRemoteDirectory(const std::string& path) {
   client_.setCurrentRemoteDirectory(path);
 }
 
-std::string FtpSession::list() {
+FtpListing FtpSession::list() {
   expect(FtpMethod::list);
   return client_.list();
 }

@@ -48,7 +48,7 @@ class FtpSession {
   void command(const std::string& line);
   std::string currentRemoteDirectory();
   void setCurrentRemoteDirectory(const std::string& path);
-  std::string list();
+  FtpListing list();
   void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t size);
   /// A hint that saves round trips: the next operations will send just these.
   void sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);

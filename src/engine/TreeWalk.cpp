@@ -160,7 +160,7 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     session_.SetFtpProperties();
     retried(typeA);
     if (lost()) continue;
-    const bool listed = retried([&] { folder.listing = session_.list(); });
+    const bool listed = retried([&] { folder.listing = session_.list().text; });
     if (!listed && lost()) continue;
     if (!listed) failure = reason_;
     folder.complete = entered && listed;

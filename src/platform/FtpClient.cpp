@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "platform/FtpControl.h"
+#include "platform/FtpSizeCheck.h"
 #include "platform/FtpTransfer.h"
+#include "platform/FtpWording.h"
 #include "platform/LocalPath.h"
 #include "platform/NvtText.h"
 #include "platform/ProxyLogin.h"
@@ -47,19 +49,6 @@ bool announcesUtf8(const FtpReply& features) {
   std::transform(text.begin(), text.end(), text.begin(),
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
   return text.find("\n UTF8") != std::string::npos;
-}
-
-/// "There are no files" is how some servers refuse to list an empty folder.
-bool saysNoFiles(const FtpReply& reply) {
-  if (reply.code != 450 && reply.code != 550) return false;
-  std::string text = reply.text;
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  for (const char* phrase :
-       {"no files", "no file found", " 0 files", "directory is empty", "directory empty"}) {
-    if (text.find(phrase) != std::string::npos) return true;
-  }
-  return false;
 }
 
 }  // namespace
@@ -113,8 +102,10 @@ class FtpClient::Impl {
   FtpReply command(const std::string& line);
   std::string currentDirectory();
   void simple(const std::string& line);
-  std::string list();
-  void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t expectedSize);
+  FtpListing list();
+  void getFile(const std::string& remotePath, const std::string& localPath,
+               std::optional<std::int64_t> listedSize);
+  bool asciiType() const { return control_.asciiType(); }
   void abort();
   bool sendAhead(std::vector<std::string> lines, bool dataConnection);
 
@@ -144,7 +135,6 @@ class FtpClient::Impl {
   FtpTransfer transfer_;
   FtpMethod method_ = FtpMethod::command;
   std::string secret_, proxySecret_;
-  bool asciiType_ = true;  // RFC 959 §5.1: the type is ASCII until said otherwise
   enum class HiddenFiles { unknown, listed, refused } hiddenFiles_ = HiddenFiles::unknown;
 };
 
@@ -204,7 +194,6 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
     try {
       const FtpLogin login{{host, static_cast<std::uint16_t>(port)}, user, password, account, proxy};
       transfer_.reset(passive, connectControl(io_, control_, login.server, proxy, timeout()));
-      asciiType_ = true;
       hiddenFiles_ = HiddenFiles::unknown;
       const FtpReply reply = logInAtServer(control_, login, timeout(), [this](const FtpReply& before) {
         progress(FtpStatus::inProgress, before.text);
@@ -240,7 +229,6 @@ void FtpClient::Impl::logout() {
 FtpReply FtpClient::Impl::command(const std::string& line) {
   return perform(FtpMethod::command, true, [&] {
     FtpReply reply = require(line);
-    if (line == "TYPE A" || line == "TYPE I") asciiType_ = line.back() == 'A';
     progress(FtpStatus::done, reply.text);
     return reply;
   });
@@ -278,9 +266,10 @@ FtpTransfer::Outcome FtpClient::Impl::runList(const std::string& command, std::s
   return transfer_.run(order);
 }
 
-std::string FtpClient::Impl::list() {
+FtpListing FtpClient::Impl::list() {
   return perform(FtpMethod::list, true, [&] {
-    std::string text;
+    FtpListing listing;
+    std::string& text = listing.text;
     FtpTransfer::Outcome outcome;
     bool plain = hiddenFiles_ == HiddenFiles::refused, takenForName = plain;
     if (!plain) {
@@ -291,22 +280,27 @@ std::string FtpClient::Impl::list() {
       plain = hiddenFiles_ == HiddenFiles::unknown;
       // Other failures pass (a data connection that was cut, a busy server) and say nothing of the switch.
       takenForName =
-          outcome.reply.completion() || outcome.reply.code / 100 == 5 || saysNoFiles(outcome.reply);
+          outcome.reply.completion() || outcome.reply.code / 100 == 5 || saysFolderIsEmpty(outcome.reply);
     }
     if (plain) {
+      listing.hiddenFilesMissing = !takenForName;
       outcome = runList("LIST", text);
       if (takenForName && outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::refused;
     }
-    if (outcome.reply.refusal() && !saysNoFiles(outcome.reply)) control_.raiseRefused("LIST", outcome.reply);
-    if (outcome.reply.refusal()) text.clear();
+    if (outcome.reply.refusal()) {
+      if (!saysFolderIsEmpty(outcome.reply)) control_.raiseRefused("LIST", outcome.reply);
+      text.clear();
+    } else {
+      listing.cut = oneLine(shown(listingCut(outcome.reply.text)));
+    }
     progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
     if (!control_.isOpen()) closeNow();
-    return text;
+    return listing;
   });
 }
 
 void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& localPath,
-                              std::int64_t expectedSize) {
+                              std::optional<std::int64_t> listedSize) {
   perform(FtpMethod::getFile, true, [&] {
     WholeFile file{LocalPath(localPath)};
     NvtText text(platformLineEnd());
@@ -314,8 +308,9 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
     order.command = "RETR " + remotePath;
     order.timeout = timeout();
     order.dataPortRange = client_.dataPortRange;
-    order.exactSize = !asciiType_;
-    if (asciiType_) {
+    order.exactSize = !asciiType();
+    order.listedSize = listedSize;
+    if (asciiType()) {
       order.sink = [&](char* data, std::size_t size) {
         const auto converted = text.convert(data, size);
         file.write(std::string_view(converted.data, converted.size));
@@ -324,10 +319,15 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
       order.sink = [&](char* data, std::size_t size) { file.write(std::string_view(data, size)); };
     }
     order.progress = [&](std::int64_t count, std::int64_t size) {
-      progress(FtpStatus::inProgress, "", count, expectedSize > 0 ? expectedSize : size);
+      progress(FtpStatus::inProgress, "", count, listedSize.value_or(0) > 0 ? *listedSize : size);
     };
-    const FtpTransfer::Outcome outcome = transfer_.run(order);
+    FtpTransfer::Outcome outcome;
+    control_.withEitherForm(order.command, [&] {
+      if (outcome.count == 0) outcome = transfer_.run(order);
+      return outcome.reply;
+    });
     if (outcome.reply.refusal()) control_.raiseRefused("RETR", outcome.reply);
+    RequireWholeFile(control_, {remotePath, outcome.count, listedSize, outcome.announced}, timeout());
     if (text.heldCarriageReturn()) file.write("\r");
     file.commit();
     progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
@@ -394,12 +394,15 @@ void FtpClient::setCurrentRemoteDirectory(const std::string& path) {
 void FtpClient::changeToParent() {
   impl_->perform(FtpMethod::changeToParent, true, [&] { impl_->simple("CDUP"); });
 }
-std::string FtpClient::list() {
+FtpListing FtpClient::list() {
   return impl_->list();
 }
 void FtpClient::getFile(const std::string& remotePath, const std::string& localPath,
-                        std::int64_t expectedSize) {
-  impl_->getFile(remotePath, localPath, expectedSize);
+                        std::optional<std::int64_t> listedSize) {
+  impl_->getFile(remotePath, localPath, listedSize);
+}
+bool FtpClient::asciiType() const {
+  return impl_->asciiType();
 }
 void FtpClient::abort() {
   impl_->abort();

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -88,6 +89,15 @@ struct FtpReply {
   bool completion() const { return code / 100 == 2; }
   bool intermediate() const { return code / 100 == 3; }
   bool refusal() const { return code / 100 == 4 || code / 100 == 5; }
+};
+
+/// A folder's listing.
+struct FtpListing {
+  std::string text;  // as received; "" for an empty folder
+  /// Where the server said that the listing does not hold all there is: its words, fit to be shown; else "".
+  std::string cut;
+  /// The server failed for the moment when it was asked for hidden files too, so this listing may lack them.
+  bool hiddenFilesMissing = false;
 };
 
 /// Progress of a method. `text` ends in CR LF unless empty; it holds a server reply with control characters
@@ -175,15 +185,21 @@ class FtpClient {
   /// CDUP.
   void changeToParent();
 
-  /// Lists the current folder and returns the reply's text; "" for an empty folder. Asks for hidden files
-  /// (LIST -a) until the server has shown that it takes the switch for a name; a failure that may pass is no
-  /// such sign, but costs them in that one listing.
-  std::string list();
+  /// Lists the current folder. Asks for hidden files (LIST -a) until the server has shown that it takes the
+  /// switch for a name; a failure that may pass is no such sign, but costs them in that one listing.
+  FtpListing list();
 
   /// RETR `remotePath` into `localPath`, replacing it; the file appears whole or not at all. In an ASCII
-  /// transfer (last TYPE sent was A) lines end the platform's way. `expectedSize` is what progress events
-  /// give as size, 0: the size that the server mentions, if any.
-  void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t expectedSize = 0);
+  /// transfer (see `asciiType`) lines end the platform's way. `listedSize` is the file's size in bytes in the
+  /// folder's listing, where known: progress events give it, else the size that the server mentions. A file
+  /// whose size is another one, or an ASCII transfer of fewer bytes, is asked about (SIZE, RFC 3659 §4);
+  /// unless the server says that what has come is all, it raises `incomplete` and the old file stays.
+  void getFile(const std::string& remotePath, const std::string& localPath,
+               std::optional<std::int64_t> listedSize = std::nullopt);
+
+  /// Whether the type in force is ASCII: the last TYPE A or TYPE I that the server has accepted; a session
+  /// begins with ASCII (RFC 959 §5.1).
+  bool asciiType() const;
 
   // --- any time
 

@@ -29,19 +29,30 @@ bool isUnknownCommand(const FtpReply& reply) {
   return reply.code >= 500 && reply.code <= 502;
 }
 
+}  // namespace
+
 /// RFC 854: a byte 255 inside a line is doubled, else it would begin a Telnet command.
-std::string wireForm(std::string_view line) {
+std::string FtpControl::wireForm(std::string_view line) const {
   std::string wire;
   wire.reserve(line.size() + 2);
   for (const char c : line) {
     wire += c;
-    if (c == '\xFF') wire += c;
+    if (c == '\xFF' && bytes255_ != Bytes255::once) wire += c;
   }
   wire += "\r\n";
   return wire;
 }
 
-}  // namespace
+/// Of the commands whose argument is a name, as the server sees it.
+bool FtpControl::isOfName(std::string_view line) {
+  return line.starts_with("CWD ") || line.starts_with("RETR ") || line.starts_with("SIZE ");
+}
+
+void FtpControl::noteType(std::string_view line, const FtpReply& reply) {
+  if (!reply.completion()) return;
+  if (line == "TYPE A") asciiType_ = true;
+  if (line == "TYPE I") asciiType_ = false;
+}
 
 void FtpControl::raiseSilent() const {
   throw FtpError(FtpErrorNumber::timedOut, "The " + speaker() + " did not answer in time.");
@@ -96,6 +107,8 @@ void FtpControl::close() {
   ahead_.clear();
   takesAhead_ = true;
   ended_ = false;
+  asciiType_ = true;
+  bytes255_ = Bytes255::unknown;
   setSpeaker(kServer);
 }
 
@@ -188,13 +201,19 @@ void FtpControl::send(const std::string& line, milliseconds timeout) {
 
 FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
   checkLine(line);
-  const auto at = std::find(ahead_.begin(), ahead_.end(), line);
-  if (at != ahead_.end()) {
-    if (auto reply = takeAheadReply(static_cast<std::size_t>(at - ahead_.begin()), timeout))
-      return *std::move(reply);
-  }
-  send(line, timeout);
-  return readFinalReply(in(timeout));
+  bool again = false;
+  return withEitherForm(line, [&] {
+    // What was sent ahead went in the first form, so that the second has to be sent.
+    const auto at = std::exchange(again, true) ? ahead_.end() : std::find(ahead_.begin(), ahead_.end(), line);
+    if (at != ahead_.end()) {
+      if (auto reply = takeAheadReply(static_cast<std::size_t>(at - ahead_.begin()), timeout))
+        return *std::move(reply);
+    }
+    send(line, timeout);
+    FtpReply reply = readFinalReply(in(timeout));
+    noteType(line, reply);
+    return reply;
+  });
 }
 
 bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
@@ -225,6 +244,7 @@ std::optional<FtpReply> FtpControl::takeAheadReply(std::size_t position, millise
   try {
     for (;;) {
       FtpReply reply = readFinalReply(in(patience));
+      noteType(ahead_.front(), reply);
       ahead_.pop_front();
       if (position-- == 0) return reply;
     }
@@ -241,11 +261,10 @@ std::optional<FtpReply> FtpControl::takeAheadReply(std::size_t position, millise
 /// come before its own. Nothing is sent ahead on this connection any more.
 std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
   takesAhead_ = false;
-  const std::size_t most = ahead_.size() + 1;
-  ahead_.clear();
+  const std::deque<std::string> lines = std::exchange(ahead_, {});
   write(wireForm("SYST"), timeout);
   std::vector<FtpReply> replies;
-  while (replies.size() < most) {
+  while (replies.size() <= lines.size()) {
     const bool mayBeMarkers = !replies.empty() && isUnknownCommand(replies.back());
     try {
       replies.push_back(readFinalReply(in(mayBeMarkers ? std::min(timeout, kAheadPatience) : timeout)));
@@ -259,6 +278,7 @@ std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
     if (replies.back().code == 215) break;
   }
   replies.pop_back();
+  for (std::size_t i = 0; i < replies.size(); ++i) noteType(lines[i], replies[i]);
   return replies;
 }
 

@@ -39,11 +39,21 @@ class FtpControl {
   TcpChannel& channel() { return channel_; }
 
   /// Sends a command line and returns its final reply, passing over preliminary ones. Takes the reply of the
-  /// same line where it was sent ahead.
+  /// same line where it was sent ahead. Does as `withEitherForm`.
   FtpReply exchange(const std::string& line, std::chrono::milliseconds timeout);
 
   /// Sends a command line whose replies the caller takes himself by `pollReply`.
   void send(const std::string& line, std::chrono::milliseconds timeout);
+
+  /// RFC 854 has a byte 255 sent twice, for one alone begins a Telnet command; but many servers take both for
+  /// the name. Performs `ask`, which sends `line` and returns the final reply, and where the server knows no
+  /// such name (550), once more with such bytes sent once. What the server has shown to understand is kept to
+  /// for the session.
+  template <class Ask>
+  FtpReply withEitherForm(std::string_view line, Ask ask);
+
+  /// Whether the type in force is ASCII: the last TYPE that the server has accepted, whoever sent it.
+  bool asciiType() const { return asciiType_; }
 
   /// The next reply if it has come, preliminary or not; does not wait. Raises when the connection has ended.
   std::optional<FtpReply> pollReply();
@@ -81,6 +91,9 @@ class FtpControl {
   [[noreturn]] void raiseFlood() const;
   std::optional<FtpReply> takeAheadReply(std::size_t position, std::chrono::milliseconds timeout);
   std::vector<FtpReply> resynchronise(std::chrono::milliseconds timeout);
+  std::string wireForm(std::string_view line) const;
+  void noteType(std::string_view line, const FtpReply& reply);
+  static bool isOfName(std::string_view line);
 
   PumpedIo& io_;
   TcpChannel channel_;
@@ -88,6 +101,27 @@ class FtpControl {
   std::deque<std::string> ahead_;
   bool takesAhead_ = true;
   bool ended_ = false;
+  bool asciiType_ = true;  // RFC 959 §5.1: the type is ASCII until said otherwise
+  enum class Bytes255 { unknown, twice, once } bytes255_ = Bytes255::unknown;
 };
+
+template <class Ask>
+FtpReply FtpControl::withEitherForm(std::string_view line, Ask ask) {
+  FtpReply first = ask();
+  if (bytes255_ != Bytes255::unknown || !isOfName(line) || line.find('\xFF') == std::string_view::npos)
+    return first;
+  if (first.completion()) bytes255_ = Bytes255::twice;
+  if (first.code != 550) return first;
+  bytes255_ = Bytes255::once;
+  try {
+    FtpReply second = ask();
+    if (second.completion()) return second;
+  } catch (...) {
+    bytes255_ = Bytes255::unknown;
+    throw;
+  }
+  bytes255_ = Bytes255::unknown;
+  return first;
+}
 
 }  // namespace quillmoor

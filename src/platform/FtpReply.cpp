@@ -139,8 +139,8 @@ std::optional<std::string> pwdPath(std::string_view replyText) {
 }
 
 std::optional<std::int64_t> announcedSize(std::string_view replyText) {
-  for (auto open = replyText.find('('); open != std::string_view::npos;
-       open = replyText.find('(', open + 1)) {
+  for (auto open = replyText.rfind('('); open != std::string_view::npos;
+       open = open == 0 ? std::string_view::npos : replyText.rfind('(', open - 1)) {
     const std::string_view body = replyText.substr(open + 1);
     std::int64_t size = 0;
     const auto [rest, error] = std::from_chars(body.data(), body.data() + body.size(), size);
@@ -151,6 +151,16 @@ std::optional<std::int64_t> announcedSize(std::string_view replyText) {
     }
   }
   return std::nullopt;
+}
+
+std::optional<std::int64_t> statedSize(const FtpReply& reply) {
+  std::string_view text = behindCode(reply.text);
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  std::int64_t size = 0;
+  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), size);
+  const bool whole = rest == text.data() + text.size() || *rest == ' ';
+  if (reply.code != 213 || error != std::errc() || size < 0 || !whole) return std::nullopt;
+  return size;
 }
 
 std::string saidBy(std::string_view speaker, const FtpReply& reply) {

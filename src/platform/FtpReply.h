@@ -64,8 +64,11 @@ std::optional<std::uint16_t> pasvPort(std::string_view replyText);
 /// Folder named by a 257 reply; nothing when there is none.
 std::optional<std::string> pwdPath(std::string_view replyText);
 
-/// The size that a 150 reply mentions as "(N bytes)".
+/// The size that a 150 reply mentions as "(N bytes)": the last one, for a file's name may hold another.
 std::optional<std::int64_t> announcedSize(std::string_view replyText);
+
+/// The size that a 213 reply to SIZE tells (RFC 3659 §4.2); nothing of any other reply.
+std::optional<std::int64_t> statedSize(const FtpReply& reply);
 
 /// What a reply says, at the end of a sentence: "550 No such file" of a server, "the proxy says 530 No" of a
 /// proxy.

@@ -24,8 +24,7 @@ struct SinkFailure {
 /// What is known of a transfer under way.
 struct FtpTransfer::Reception {
   std::optional<FtpReply> finalReply;
-  std::int64_t announced = 0;
-  bool sizeAnnounced = false;
+  std::optional<std::int64_t> announced;
   bool controlLost = false;
   bool dataEnded = false;
   bool dataBroken = false;
@@ -94,8 +93,8 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
     if (!moved && !state.over()) wait(order, state);
   }
 
-  const bool allThere =
-      order.exactSize && !state.dataBroken && state.sizeAnnounced && state.count == state.announced;
+  const bool allThere = order.exactSize && !state.dataBroken && state.announced == state.count &&
+                        order.listedSize.value_or(state.count) == state.count;
   if (!state.finalReply) {
     // A long transfer may outlive the control connection; the size says whether the file does not miss a
     // byte.
@@ -104,7 +103,7 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
       throw FtpError(FtpErrorNumber::connectionLost,
                      "The connection was lost before the server had confirmed the transfer.");
     }
-    return {{226, "226 Connection lost after the last byte."}, state.count};
+    return {{226, "226 Connection lost after the last byte."}, state.count, state.announced};
   }
   if (state.finalReply->code == 421) {
     throw FtpError(421, "The " + control_.speaker() +
@@ -113,13 +112,9 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
   if (state.finalReply->completion() && state.dataBroken) {
     throw FtpError(FtpErrorNumber::incomplete, "The data connection broke before the end.");
   }
-  if (state.finalReply->completion() && order.exactSize && state.sizeAnnounced &&
-      state.count < state.announced) {
-    throw FtpError(FtpErrorNumber::incomplete, "Only " + std::to_string(state.count) + " of " +
-                                                   std::to_string(state.announced) + " bytes have come.");
-  }
-  if (order.progress && state.finalReply->completion()) order.progress(state.count, state.announced);
-  return {*std::move(state.finalReply), state.count};
+  if (order.progress && state.finalReply->completion())
+    order.progress(state.count, state.announced.value_or(0));
+  return {*std::move(state.finalReply), state.count, state.announced};
 }
 
 /// Takes what the server says meanwhile. False when nothing has come.
@@ -141,10 +136,7 @@ bool FtpTransfer::takeReplies(Reception& state) {
         throw FtpError(FtpErrorNumber::badReply,
                        "The server sends replies that answer nothing, without end.");
       }
-      if (const auto size = announcedSize(reply->text)) {
-        state.announced = *size;
-        state.sizeAnnounced = true;
-      }
+      if (const auto size = announcedSize(reply->text)) state.announced = size;
     }
   } catch (const FtpError& error) {
     const bool dataCame = state.dataEnded || data_.isOpen();
@@ -183,7 +175,7 @@ bool FtpTransfer::readData(const Order& order, Reception& state) {
     }
     if (order.progress && now - state.lastProgress >= kProgressInterval) {
       state.lastProgress = now;
-      order.progress(state.count, state.announced);
+      order.progress(state.count, state.announced.value_or(0));
     }
     io_.pumpIfDue(now);
   }

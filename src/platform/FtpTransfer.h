@@ -27,14 +27,17 @@ class FtpTransfer {
     std::string command;  // "RETR name", "LIST"
     std::chrono::milliseconds timeout;
     std::string dataPortRange;  // as FtpClient::dataPortRange
-    /// A mentioned size is the number of bytes to come, so fewer are a failure. Not so in ASCII transfers.
+    /// Where the sizes of the server are numbers of bytes to come, which they are not in ASCII transfers,
+    /// they stand in for its confirmation when the control connection is lost behind the last byte.
     bool exactSize = false;
+    std::optional<std::int64_t> listedSize;
     Sink sink;
     Progress progress;
   };
   struct Outcome {
     FtpReply reply;  // final; a refusal too
     std::int64_t count = 0;
+    std::optional<std::int64_t> announced;  // the size that a preliminary reply mentioned
   };
 
   void reset(bool passive, const std::optional<SocksRoute>& socks = std::nullopt) {

@@ -308,7 +308,7 @@ TEST_F(FtpClientTest, SendingAheadChangesNothingButTime) {
       client.command("TYPE A");
       client.setCurrentRemoteDirectory("/www");
       EXPECT_EQ(client.currentRemoteDirectory(), "/www");
-      EXPECT_THAT(client.list(), HasSubstr("a.txt"));
+      EXPECT_THAT(client.list().text, HasSubstr("a.txt"));
       EXPECT_EQ(errorOf([&] { client.setCurrentRemoteDirectory("/none"); }).number(), 550);
       client.getFile("/www/a.txt", (folder / "a").string());
       EXPECT_EQ(contentsOf(folder / "a"), "hello");
@@ -327,7 +327,7 @@ TEST_F(FtpClientTest, FallsBackWhenAServerLosesWhatIsSentAhead) {
   client.command("TYPE A");
   client.setCurrentRemoteDirectory("/www");
   EXPECT_EQ(client.currentRemoteDirectory(), "/www");
-  EXPECT_THAT(client.list(), HasSubstr("a.txt"));
+  EXPECT_THAT(client.list().text, HasSubstr("a.txt"));
   const auto sent = server.commandsSentAhead();
   client.sendAhead({"TYPE I"}, true);
   client.command("TYPE I");

@@ -28,9 +28,9 @@ TEST_F(FtpTransferTest, AsksForHiddenFilesWhereTheServerUnderstands) {
     other.hiddenSwitch = c.hidden;
     other.addFile("/.htaccess", "x");
     client.login("127.0.0.1", "joe", "x", "", other.port());
-    EXPECT_THAT(client.list(), HasSubstr(".htaccess"));
+    EXPECT_THAT(client.list().text, HasSubstr(".htaccess"));
     EXPECT_EQ(other.count("LIST"), c.listsFirst);
-    EXPECT_THAT(client.list(), HasSubstr(".htaccess"));
+    EXPECT_THAT(client.list().text, HasSubstr(".htaccess"));
     EXPECT_EQ(other.count("LIST"), c.listsFirst + c.listsSecond) << "the answer was not remembered";
     client.logout();
   }
@@ -48,7 +48,7 @@ TEST_F(FtpTransferTest, AsksForHiddenFilesAgainAfterAFailureThatPasses) {
     other.addFile("/.htaccess", "x");
     other.once("LIST -a", refusesData(c.reply));
     client.login("127.0.0.1", "joe", "x", "", other.port());
-    EXPECT_THAT(client.list(), HasSubstr(".htaccess")) << c.reply;
+    EXPECT_THAT(client.list().text, HasSubstr(".htaccess")) << c.reply;
     client.list();
     EXPECT_EQ(other.count("LIST -a"), c.asked) << c.reply;
     client.logout();
@@ -58,7 +58,7 @@ TEST_F(FtpTransferTest, AsksForHiddenFilesAgainAfterAFailureThatPasses) {
 TEST_F(FtpTransferTest, TakesARefusalToListNothingForAnEmptyFolder) {
   login();
   server.on("LIST", refusesData("550 No files found."));
-  EXPECT_EQ(client.list(), "");
+  EXPECT_EQ(client.list().text, "");
   server.on("LIST", refusesData("550 Permission denied."));
   EXPECT_EQ(errorOf([&] { client.list(); }).number(), 550);
   EXPECT_EQ(client.state(), FtpState::connected);

@@ -156,7 +156,7 @@ TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
     client.command("TYPE I");
     client.getFile("/f", (folder / "f").string());
     EXPECT_EQ(contentsOf(folder / "f"), "hello");
-    EXPECT_THAT(client.list(), HasSubstr(" f\r\n"));
+    EXPECT_THAT(client.list().text, HasSubstr(" f\r\n"));
     client.logout();
     EXPECT_EQ(server.count(c.asked), askedBefore + 2);
     const auto requests = proxy.requests();

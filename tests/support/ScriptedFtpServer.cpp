@@ -282,7 +282,7 @@ bool ScriptedFtpServer::Session::nextLine() {
   input_.erase(0, server_.discards_ ? input_.size() : end + 1);
   if (line.ends_with('\r')) line.pop_back();
   // Telnet's interrupt and data mark stand before ABOR.
-  std::erase_if(line, [](char c) { return static_cast<unsigned char>(c) >= 0xF0; });
+  line.erase(0, std::min(line.find_first_not_of("\xFF\xF2\xF4"), line.size()));
   const auto blank = line.find(' ');
   argument = blank == std::string::npos ? "" : line.substr(blank + 1);
   const std::lock_guard lock(server_.mutex_);
@@ -329,6 +329,7 @@ void ScriptedFtpServer::Session::usual() {
   if (verb == "PORT" || verb == "EPRT") return adoptPort(argument);
   if (verb == "LIST") return listFolder();
   if (verb == "RETR") return sendFile();
+  if (verb == "SIZE") return tellSize();
   reply("500 What is " + verb + "?");
 }
 
@@ -369,19 +370,28 @@ void ScriptedFtpServer::Session::listFolder() {
   reply("226 Listed.");
 }
 
+/// The bytes of the file that the command names.
+std::optional<std::string> ScriptedFtpServer::Session::bytesOfFile() {
+  const std::lock_guard lock(server_.mutex_);
+  const std::string path =
+      argument.starts_with('/') ? argument : (folder_ == "/" ? "" : folder_) + "/" + argument;
+  const auto file = server_.files_.find(path);
+  return file == server_.files_.end() ? std::nullopt : std::optional(file->second.bytes);
+}
+
+void ScriptedFtpServer::Session::tellSize() {
+  if (ascii_) return reply("550 SIZE not allowed in ASCII mode.");
+  const auto bytes = bytesOfFile();
+  reply(bytes ? "213 " + std::to_string(bytes->size()) : "550 There is no such file.");
+}
+
 void ScriptedFtpServer::Session::sendFile() {
-  std::string bytes;
-  {
-    const std::lock_guard lock(server_.mutex_);
-    const std::string path =
-        argument.starts_with('/') ? argument : (folder_ == "/" ? "" : folder_) + "/" + argument;
-    const auto file = server_.files_.find(path);
-    if (file == server_.files_.end()) {
-      closeDataPort();
-      return reply("550 There is no such file.");
-    }
-    bytes = file->second.bytes;
+  const auto found = bytesOfFile();
+  if (!found) {
+    closeDataPort();
+    return reply("550 There is no such file.");
   }
+  const std::string& bytes = *found;
   if (!openData()) return reply("425 Cannot open the data connection.");
   reply("150 Here it comes (" + std::to_string(bytes.size()) + " bytes).");
   const bool sent = sendData(ascii_ ? withCrLf(bytes) : bytes);

@@ -6,7 +6,8 @@
 //   server.once("PASS", [](auto& session) { session.reply("530 Not today."); });  // the first one only
 //
 // It runs on a thread of its own and serves one connection after the other. What a rule does not take over is
-// answered as a server in good order would.
+// answered as a server in good order would. It takes the bytes 255 of a name as they come, as most servers
+// do.
 #pragma once
 
 #include <condition_variable>
@@ -14,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -96,6 +98,8 @@ class ScriptedFtpServer {
     bool nextLine();
     void usual();
     void listFolder();
+    std::optional<std::string> bytesOfFile();
+    void tellSize();
     void sendFile();
     void listenForData(bool extended);
     void adoptPort(const std::string& text);
