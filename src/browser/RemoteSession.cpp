@@ -9,6 +9,7 @@
 
 #include "engine/BusyFlag.h"
 #include "engine/ErrorGuard.h"
+#include "engine/FtpAdvice.h"
 #include "engine/FtpConnection.h"
 #include "engine/ListingParser.h"
 #include "profiles/LenientNumber.h"
@@ -91,8 +92,10 @@ void RemoteSession::tryLogin() {
     client_.login(profile_.Host, profile_.UserID, profile_.Password, profile_.Account,
                   numberOf(profile_.Port));
   } catch (const FtpError& error) {
-    if (!stopping())
-      events_.logLine("Login error: " + std::to_string(error.number()) + "," + error.what() + "\r\n");
+    if (stopping()) return;
+    events_.logLine("Login error: " + std::to_string(error.number()) + "," + error.what() + "\r\n");
+    const std::string advice = LoginAdvice(error.number(), error.what());
+    if (!advice.empty()) events_.logLine(advice + "\r\n");
   }
 }
 

@@ -1,0 +1,74 @@
+#include "engine/FtpAdvice.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace quillmoor {
+namespace {
+
+bool isOneOf(int number, std::initializer_list<int> numbers) {
+  return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
+}
+
+/// Letters in small, and one blank for whatever stands between words: " 530 max clients reached ".
+std::string plainWords(std::string_view text) {
+  std::string plain = " ";
+  for (char c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    const bool ofWord = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+    if (ofWord || plain.back() != ' ') plain += ofWord ? c : ' ';
+  }
+  if (plain.back() != ' ') plain += ' ';
+  return plain;
+}
+
+/// Whether one of these begins a word.
+bool hasAny(const std::string& plain, std::initializer_list<const char*> beginnings) {
+  return std::any_of(beginnings.begin(), beginnings.end(), [&](const char* beginning) {
+    return plain.find(std::string(" ") + beginning) != std::string::npos;
+  });
+}
+
+bool wantsEncryption(const std::string& plain) {
+  return hasAny(plain, {"tls", "ssl", "ftps ", "ftpes ", "encrypt", "unencrypted", "cleartext", "clear text",
+                        "plaintext", "plain text", "secure connection", "secure ftp"}) &&
+         hasAny(plain, {"must", "requir", "need", "only", "use ", "using", "not allowed", "not accepted",
+                        "not permitted", "forbidden", "disabled", "policy", "mandatory", "enforce", "force",
+                        "without", "first "});
+}
+
+bool isCrowded(const std::string& plain) {
+  // Of too many wrong passwords, and of the time that a session may last.
+  if (hasAny(plain, {"fail", "attempt", "error", "incorrect", "invalid", "idle", "time limit", "timeout",
+                     "time out", "timed out", "session time"}))
+    return false;
+  return hasAny(plain, {"connection", "connected", "client", "user", "session", "login", "logged in", "logon",
+                        "people"}) &&
+         hasAny(plain,
+                {"too many", "maximum", "max ", "limit", "simultaneous", "concurrent", "count exceeded",
+                 "already connected", "already logged in", "server full", "server is full"});
+}
+
+}  // namespace
+
+std::string LoginAdvice(int number, std::string_view description) {
+  // Before the reply stand words of this program's own.
+  const auto reply = description.find(std::to_string(number));
+  if (reply == std::string_view::npos) return {};
+  const std::string plain = plainWords(description.substr(reply));
+  // 421 and 550 are how some servers refuse USER without encryption; but 550 is of files as a rule.
+  const bool ofLogin = description.substr(0, reply).find(" refused the ") != std::string_view::npos;
+  if ((isOneOf(number, {421, 522, 530, 534}) || (number == 550 && ofLogin)) && wantsEncryption(plain)) {
+    return "This server wants an encrypted connection (TLS), and this program logs in without encryption: "
+           "ask "
+           "the server's operator to allow plain FTP for this user.";
+  }
+  if (isOneOf(number, {421, 530}) && isCrowded(plain)) {
+    return "The server takes no more connections at the moment: close other FTP programs that are connected "
+           "to "
+           "it, or ask its operator for a higher limit.";
+  }
+  return {};
+}
+
+}  // namespace quillmoor
