@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "browser/BrowserWorld.h"
@@ -56,17 +57,25 @@ TEST_F(RemoteBrowserTest, StaysWhereTheServerPutsItWhenThereIsNoSuchFolder) {
 TEST_F(RemoteBrowserTest, TriesAgainUntilALoginWorks) {
   server.once("PASS", replies("530 Not today."));
   server.once("PASS", replies("530 Not today."));
+  server.once("", replies("421 Too many users."));
   open();
   const std::vector<std::string> attempt = {
       "Connecting... ", "Connection Closed", "Error: 530, The server refused the password: 530 Not today.",
       "Login error: 530,The server refused the password: 530 Not today."};
   std::vector<std::string> expected;
-  for (const char* retry : {"Retry : 1", "Retry : 2"}) {
+  for (const char* retry : {"Retry : 2", "Retry : 3"}) {
     expected.insert(expected.end(), attempt.begin(), attempt.end());
     expected.insert(expected.end(), {retry, "Waiting 0 Seconds..."});
   }
   expected.insert(expected.end(), {"Connecting... ", "Connected to: 127.0.0.1", ""});
-  EXPECT_EQ(logLines(), expected);
+  auto lines = logLines();
+  const auto advice = std::find_if(lines.begin(), lines.end(), [](const std::string& line) {
+    return line.starts_with("The server takes no more connections");
+  });
+  ASSERT_NE(advice, lines.end());
+  EXPECT_EQ(*(advice - 1), "Login error: 421,The server does not want to talk: 421 Too many users.");
+  lines.erase(lines.begin(), advice + 3);  // with "Retry : 1" and the waiting
+  EXPECT_EQ(lines, expected);
   EXPECT_TRUE(browser->loggedIn());
 }
 
@@ -195,6 +204,12 @@ TEST_F(RemoteBrowserTest, TellsOfAListingThatNobodyCanRead) {
       message.text,
       "Some non-UNIX or non-DOS listing were encountered. \r\nThis sample only supports UNIX and DOS "
       "listings. \r\n\r\nHere are some of the lines that failed: \r\n\r\ngibberish\r\nand ?[2J more\r\n");
+
+  server.once("LIST", transfers("150 Here.", "", "226 Output truncated to 1 matches"));
+  browser->refresh();
+  settle();
+  EXPECT_THAT(logLines(),
+              Contains("The server has not listed all that is in /: Output truncated to 1 matches"));
 
   server.setListing("/", std::string(1'000'000, 'x'));
   browser->refresh();

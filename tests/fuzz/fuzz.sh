@@ -12,7 +12,8 @@ clang++ "${flags[@]}" tests/fuzz/AviFuzz.cpp src/controls/{AviReader,Rle8}.cpp "
 clang++ "${flags[@]}" tests/fuzz/RtfFuzz.cpp src/controls/{RtfReader,RtfTokenizer}.cpp "${common[@]}" -o build/fuzz/rtf
 clang++ "${flags[@]}" -DASIO_STANDALONE tests/fuzz/SocksFuzz.cpp src/platform/{SocksProxy,PumpedIo}.cpp src/platform/posix/ErrorText.cpp \
   -o build/fuzz/socks
-for reader in avi rtf socks; do
+clang++ "${flags[@]}" tests/fuzz/ReplyFuzz.cpp src/platform/{FtpReply,FtpWording}.cpp -o build/fuzz/reply
+for reader in avi rtf socks reply; do
   mkdir -p "build/fuzz/$reader-corpus"
   "build/fuzz/$reader" -max_total_time="$seconds" -max_len=4096 -rss_limit_mb=1024 -timeout=10 -print_final_stats=1 \
     -artifact_prefix=build/fuzz/ "build/fuzz/$reader-corpus" "tests/fuzz/seeds/$reader"

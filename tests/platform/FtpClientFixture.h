@@ -54,6 +54,13 @@ class FtpClientTest : public ::testing::Test {
     return all;
   }
 
+  /// All that a server has received: "USER joe, PASS x".
+  static std::string received(const testing::ScriptedFtpServer& by) {
+    std::string all;
+    for (const auto& line : by.commands()) all += (all.empty() ? "" : ", ") + line;
+    return all;
+  }
+
   std::size_t filesIn(const std::filesystem::path& path) const {
     return static_cast<std::size_t>(
         std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator()));

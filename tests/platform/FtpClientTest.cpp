@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "platform/FtpClientFixture.h"
+#include "platform/FtpControl.h"
 
 namespace quillmoor {
 namespace {
@@ -27,74 +28,55 @@ TEST_F(FtpClientTest, LogsInAndOut) {
 }
 
 TEST_F(FtpClientTest, LogsInTheWayTheServerAsks) {
+  const char* const kUserPass = "USER joe, PASS hunter22";
   const struct {
     const char* name;
     const char* greeting;
     const char* user;
     const char* pass;
     const char* account;
-    std::vector<std::string> sent;
+    const char* sent;
     int error;
   } cases[] = {
-      {"delayed greeting",
-       "120 In a minute.\r\n220 Ready.",
-       "331 ?",
-       "230 In.",
-       "",
-       {"USER joe", "PASS hunter22"},
-       0},
-      {"long greeting",
-       "220-Hi\r\n 220 not yet\r\n220 Ready.",
-       "331 ?",
-       "230 In.",
-       "",
-       {"USER joe", "PASS hunter22"},
-       0},
-      {"no password wanted", "220 Ready.", "230 In.", "", "", {"USER joe"}, 0},
-      {"password superfluous",
-       "220 Ready.",
-       "331 ?",
-       "202 Superfluous.",
-       "",
-       {"USER joe", "PASS hunter22"},
-       0},
-      {"account after password",
-       "220 R",
-       "331 ?",
-       "332 Account?",
-       "acc",
-       {"USER joe", "PASS hunter22", "ACCT acc"},
-       0},
-      {"account after user", "220 R", "332 Account?", "", "acc", {"USER joe", "ACCT acc"}, 0},
-      {"account wanted, none there",
-       "220 R",
-       "331 ?",
-       "332 Account?",
-       "",
-       {"USER joe", "PASS hunter22"},
-       332},
-      {"account not wanted", "220 R", "331 ?", "230 In.", "acc", {"USER joe", "PASS hunter22"}, 0},
-      {"closed for today", "421 Too many users.", "", "", "", {}, 421},
-      {"user refused", "220 R", "530 No joe.", "", "", {"USER joe"}, 530},
-      {"password refused", "220 R", "331 ?", "530 Not hunter22.", "", {"USER joe", "PASS hunter22"}, 530},
-      {"no FTP server", "SSH-2.0-Server", "", "", "", {}, number(FtpErrorNumber::badReply)},
+      {"delayed greeting", "120 In a minute.\r\n220 Ready.", "331 ?", "230 In.", "", kUserPass, 0},
+      {"long greeting", "220-Hi\r\n 220 not yet\r\n220 Ready.", "331 ?", "230 In.", "", kUserPass, 0},
+      {"no password wanted", "220 R", "230 In.", "", "", "USER joe", 0},
+      {"password superfluous", "220 R", "331 ?", "202 Superfluous.", "", kUserPass, 0},
+      {"account", "220 R", "331 ?", "332 ?", "acc", "USER joe, PASS hunter22, ACCT acc", 0},
+      {"account after user", "220 R", "332 Account?", "", "acc", "USER joe, ACCT acc", 0},
+      {"account wanted, none there", "220 R", "331 ?", "332 Account?", "", kUserPass, 332},
+      {"account not wanted", "220 R", "331 ?", "230 In.", "acc", kUserPass, 0},
+      {"closed for today", "421 Too many users.", "", "", "", "", 421},
+      {"user refused", "220 R", "530 No joe.", "", "", "USER joe", 530},
+      {"password refused", "220 R", "331 ?", "530 Not hunter22.", "", kUserPass, 530},
+      {"no FTP server", "SSH-2.0-Server", "", "", "", "", number(FtpErrorNumber::badReply)},
   };
   for (const auto& c : cases) {
     ScriptedFtpServer other;
-    other.on("", [&](Session& s) { s.reply(c.greeting); });
-    other.on("USER", [&](Session& s) { s.reply(c.user); });
-    other.on("PASS", [&](Session& s) { s.reply(c.pass); });
-    other.on("ACCT", [&](Session& s) { s.reply("230 In."); });
+    other.on("", replies(c.greeting));
+    other.on("USER", replies(c.user));
+    other.on("PASS", replies(c.pass));
+    other.on("ACCT", replies("230 In."));
     const FtpError error =
         errorOf([&] { client.login("127.0.0.1", "joe", "hunter22", c.account, other.port()); });
     EXPECT_EQ(error.number(), c.error) << c.name << ": " << error.what();
     EXPECT_EQ(client.state(), c.error == 0 ? FtpState::connected : FtpState::closed) << c.name;
-    auto sent = other.commands();
-    sent.resize(std::min(sent.size(), c.sent.size()));
-    EXPECT_EQ(sent, c.sent) << c.name;
+    EXPECT_EQ(received(other), c.sent + std::string(c.error == 0 ? ", FEAT, OPTS UTF8 ON" : "")) << c.name;
     EXPECT_THAT(shownTexts(), Not(HasSubstr("hunter22"))) << c.name;
     client.abort();
   }
+}
+
+TEST_F(FtpClientTest, HasTheSystemProbeASilentConnectionEveryMinute) {
+  const Pump pump;
+  PumpedIo io(pump);
+  FtpControl control(io);
+  control.connect({{asio::ip::address_v4::loopback(), server.port()}}, "", std::chrono::seconds(10));
+  const auto socket = control.channel().socket.native_handle();
+  EXPECT_NE(socketOption(socket, SOL_SOCKET, SO_KEEPALIVE), 0);
+  if (!tellsProbes()) return;
+  EXPECT_EQ(socketOption(socket, IPPROTO_TCP, kProbeAfter), 60);
+  EXPECT_EQ(socketOption(socket, IPPROTO_TCP, kProbeEvery), 60);
 }
 
 TEST_F(FtpClientTest, TellsARefusedConnection) {
@@ -272,6 +254,22 @@ TEST_F(FtpClientTest, IsNotHeldUpByAFloodOfReplies) {
         << reply;
     EXPECT_EQ(client.state(), FtpState::closed);
   }
+}
+
+TEST_F(FtpClientTest, KnowsTheTypeInForce) {
+  login();
+  EXPECT_TRUE(client.asciiType());
+  client.command("TYPE I");
+  EXPECT_FALSE(client.asciiType());
+  server.once("TYPE A", replies("504 Never."));
+  EXPECT_EQ(errorOf([&] { client.command("TYPE A"); }).number(), 504);
+  EXPECT_FALSE(client.asciiType());
+  client.sendAhead({"TYPE A"}, false);
+  client.currentRemoteDirectory();
+  EXPECT_TRUE(client.asciiType()) << "the reply has been let pass";
+  client.command("TYPE I");
+  login();
+  EXPECT_TRUE(client.asciiType());
 }
 
 TEST_F(FtpClientTest, TakesNoOtherReplyForTheFolder) {

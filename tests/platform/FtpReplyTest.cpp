@@ -111,9 +111,13 @@ TEST(FtpReply, NamesTheFolder) {
 TEST(FtpReply, MentionsTheSize) {
   EXPECT_EQ(announcedSize("150 Opening BINARY mode data connection for a (1).txt (5000000000 bytes)."),
             5'000'000'000);
-  EXPECT_EQ(announcedSize("150 Here it comes"), std::nullopt);
-  EXPECT_EQ(announcedSize("150 part (5 of 10)"), std::nullopt);
-  EXPECT_EQ(announcedSize("150 (-5 bytes)"), std::nullopt);
+  EXPECT_EQ(announcedSize("150 Sending a (7 bytes).txt(42 bytes) (so to speak)"), 42);
+  for (const char* none : {"150 Here it comes", "150 part (5 of 10)", "150 (-5 bytes)", "(", "150 ("})
+    EXPECT_EQ(announcedSize(none), std::nullopt) << none;
+  EXPECT_EQ(statedSize({213, "213  5000000000 "}), 5'000'000'000);
+  for (const char* none : {"213", "213 ", "213 -1", "213 5k", "213 1,024", "213 99999999999999999999"})
+    EXPECT_EQ(statedSize({213, none}), std::nullopt) << none;
+  EXPECT_EQ(statedSize({226, "226 5"}), std::nullopt);
 }
 
 TEST(FtpReply, ShowsNeitherSecretsNorControlCharacters) {

@@ -39,29 +39,41 @@ TEST_F(FtpTransferTest, AsksForHiddenFilesWhereTheServerUnderstands) {
 TEST_F(FtpTransferTest, AsksForHiddenFilesAgainAfterAFailureThatPasses) {
   const struct {
     const char* reply;
-    std::size_t asked;
-  } cases[] = {
-      {"425 No data connection.", 2}, {"426 Cut.", 2},        {"450 Busy.", 2}, {"451 Try later.", 2},
-      {"450 No files found.", 1},     {"501 No switches.", 1}};
+    bool passes;
+  } cases[] = {{"425 No data connection.", true},
+               {"426 Cut.", true},
+               {"450 Busy.", true},
+               {"451 Try later.", true},
+               {"450 No files found.", false},
+               {"501 No switches.", false}};
   for (const auto& c : cases) {
     ScriptedFtpServer other;
     other.addFile("/.htaccess", "x");
     other.once("LIST -a", refusesData(c.reply));
     client.login("127.0.0.1", "joe", "x", "", other.port());
-    EXPECT_THAT(client.list().text, HasSubstr(".htaccess")) << c.reply;
-    client.list();
-    EXPECT_EQ(other.count("LIST -a"), c.asked) << c.reply;
+    const FtpListing listing = client.list();
+    EXPECT_THAT(listing.text, HasSubstr(".htaccess")) << c.reply;
+    EXPECT_EQ(listing.hiddenFilesMissing, c.passes) << c.reply;
+    EXPECT_FALSE(client.list().hiddenFilesMissing) << c.reply;
+    EXPECT_EQ(other.count("LIST -a"), c.passes ? 2U : 1U) << c.reply;
     client.logout();
   }
 }
 
-TEST_F(FtpTransferTest, TakesARefusalToListNothingForAnEmptyFolder) {
+TEST_F(FtpTransferTest, TellsAnEmptyFolderAndACutListingFromOthers) {
   login();
   server.on("LIST", refusesData("550 No files found."));
   EXPECT_EQ(client.list().text, "");
-  server.on("LIST", refusesData("550 Permission denied."));
+  server.on("LIST", refusesData("550 Permission denied: no files visible."));
   EXPECT_EQ(errorOf([&] { client.list(); }).number(), 550);
   EXPECT_EQ(client.state(), FtpState::connected);
+  server.on("LIST",
+            transfers("150 Here.", "a\r\n", "226-Options: -a -l\r\n226 Output truncated to\x1b 1 matches"));
+  const FtpListing listing = client.list();
+  EXPECT_EQ(listing.text, "a\r\n");
+  EXPECT_EQ(listing.cut, "Output truncated to? 1 matches");
+  server.on("LIST", transfers("150 Here.", "a\r\n", "226 1 matches total"));
+  EXPECT_EQ(client.list().cut, "");
 }
 
 TEST_F(FtpTransferTest, EndsAListingThatNeverEnds) {
@@ -355,6 +367,132 @@ TEST_F(FtpTransferTest, TakesAFileThatIsThereToTheLastByte) {
     EXPECT_EQ(errorOf([&] { client.getFile("/f", (folder / "f").string()); }).number(), 0) << c.name;
     EXPECT_EQ(contentsOf(folder / "f"), "hello") << c.name;
     std::filesystem::remove(folder / "f");
+  }
+}
+
+TEST_F(FtpTransferTest, AsksAboutAFileThatIsNotAsLongAsListed) {
+  const char* const kSize = "SIZE /f";
+  const char* const kInBoth = "SIZE /f, TYPE I, SIZE /f, TYPE A";
+  const char* const kLies = "150 Sending x (9 bytes).txt.";
+  const struct {
+    const char* name;
+    const char* type;
+    std::optional<std::int64_t> listed;
+    const char* preliminary;  // of the 5 bytes that come
+    const char* ascii;        // the answers to SIZE, in either type
+    const char* binary;
+    const char* asked;
+    const char* words;  // of the error, if any
+  } cases[] = {
+      {"as listed", "TYPE I", 5, "150 Here.", "", "", "", ""},
+      {"not known", "TYPE I", {}, "150 Here.", "", "", "", ""},
+      {"cut off", "TYPE I", 9, "150 Here.", "", "213 9", kSize,
+       "5 bytes have come, but the server lists 9 and says now that there are 9."},
+      {"has shrunk since", "TYPE I", 9, "150 Here.", "", "213 5", kSize, ""},
+      {"has grown from nothing", "TYPE I", 0, "150 Here (5 bytes).", "", "213 5", kSize, ""},
+      {"goes on growing", "TYPE I", 4, "150 Here.", "", "213 6", kSize,
+       "lists 4 and says now that there are 6."},
+      {"SIZE unknown", "TYPE I", 9, "150 Here (5 bytes).", "", "500 What?", kSize,
+       "lists 9 and does not tell"},
+      {"SIZE refused", "TYPE I", 9, "150 Here.", "", "550 No.", kSize, "lists 9 and does not tell the size."},
+      {"no number", "TYPE I", 9, "150 Here.", "", "213 5,000", kSize, "lists 9 and does not tell the size."},
+      {"announced longer", "TYPE I", {}, "150 (9 bytes)", "", "213 9", kSize, "announces 9 and says now"},
+      {"a name like a size", "TYPE I", 5, kLies, "", "213 5", kSize, ""},
+      {"a name like a size, before it", "TYPE I", 5, "150 x (9 bytes).txt (5 bytes).", "", "", "", ""},
+      {"text, longer", "TYPE A", 3, kLies, "", "", "", ""},
+      {"text, shrunk since", "TYPE A", 9, "150 Here.", "213 5", "", kSize, ""},
+      {"text, cut off", "TYPE A", 9, "150 Here.", "213 10", "", kSize,
+       "lists 9 and says now that there are 10."},
+      {"text, shrunk, told in binary", "TYPE A", 9, "150 Here.", "550 Not in ASCII.", "213 4", kInBoth, ""},
+      {"text, cut off, told in binary", "TYPE A", 9, "150 Here.", "550 Not in ASCII.", "213 6", kInBoth,
+       "are 6."},
+      {"text, not told", "TYPE A", 9, "150 Here.", "500 What?", "500 What?", kInBoth,
+       "does not tell the size."},
+  };
+  login();
+  bool ascii = true;
+  server.on("TYPE", [&](Session& s) {
+    ascii = s.argument == "A";
+    s.answerAsUsual();
+  });
+  for (const auto& c : cases) {
+    server.once("RETR", transfers(c.preliminary, "hello", "226 Sent."));
+    server.on("SIZE", [&](Session& s) { s.reply(ascii ? c.ascii : c.binary); });
+    writeFile(folder / "f", "the old file");
+    client.sendAhead({c.type}, true);
+    client.command(c.type);
+    const FtpError error = errorOf([&] { client.getFile("/f", (folder / "f").string(), c.listed); });
+    const std::string sent = received(server);
+    EXPECT_EQ(error.number(), *c.words ? number(FtpErrorNumber::incomplete) : 0)
+        << c.name << ": " << error.what();
+    EXPECT_THAT(error.what(), HasSubstr(c.words)) << c.name;
+    EXPECT_EQ(contentsOf(folder / "f"), *c.words ? "the old file" : "hello") << c.name;
+    EXPECT_EQ(sent.substr(sent.rfind("RETR")), std::string("RETR /f") + (*c.asked ? ", " : "") + c.asked)
+        << c.name;
+    EXPECT_EQ(client.currentRemoteDirectory(), "/") << c.name;
+    EXPECT_EQ(ascii, std::string(c.type) == "TYPE A") << c.name;
+    EXPECT_EQ(client.asciiType(), ascii) << c.name;
+  }
+}
+
+TEST_F(FtpTransferTest, ClosesASessionThatTheQuestionOfTheSizeHasUpset) {
+  server.on("RETR", transfers("150 Here.", "hello", "226 Sent."));
+  server.on("SIZE", replies("213 5"));
+  const struct {
+    const char* command;
+    std::function<void(Session&)> action;
+    int error;
+  } cases[] = {{"SIZE", drops(), number(FtpErrorNumber::connectionLost)},
+               {"SIZE", replies("421 Bye."), 421},
+               {"SIZE", staysSilent(), number(FtpErrorNumber::timedOut)},
+               {"TYPE A", replies("500 Not any more."),
+                0}};  // the file is there, but in which type would the next be?
+  for (const auto& c : cases) {
+    writeFile(folder / "f", "the old file");
+    login();
+    server.once(c.command, c.action);
+    if (c.error == 0) server.once("SIZE", replies("550 Not in ASCII."));
+    client.timeoutMs = c.error == number(FtpErrorNumber::timedOut) ? kEnoughMs : 10'000;
+    EXPECT_EQ(errorOf([&] { client.getFile("/f", (folder / "f").string(), 9); }).number(), c.error);
+    EXPECT_EQ(client.state(), FtpState::closed) << c.error;
+    EXPECT_EQ(contentsOf(folder / "f"), c.error ? "the old file" : "hello");
+  }
+}
+
+TEST_F(FtpTransferTest, FindsOutHowTheServerTakesAByte255) {
+  for (const bool undoubles : {false, true}) {
+    for (const bool ahead : {false, true}) {
+      ScriptedFtpServer other;
+      other.addFile("/d\xFF/f\xFF\xFF", "hello");
+      for (const char* verb : {"CWD", "RETR"}) {
+        if (!undoubles) break;
+        other.on(verb, [](Session& s) {
+          for (auto at = s.argument.find("\xFF\xFF"); at != std::string::npos;
+               at = s.argument.find("\xFF\xFF", at + 1))
+            s.argument.erase(at, 1);
+          s.answerAsUsual();
+        });
+      }
+      client.login("127.0.0.1", "joe", "x", "", other.port());
+      EXPECT_EQ(errorOf([&] { client.setCurrentRemoteDirectory("/none\xFF"); }).number(), 550);
+      EXPECT_EQ(other.count("CWD"), 2U) << "either form may be the right one";
+      errors.clear();
+      for (const bool absolute : {false, true}) {
+        if (absolute) client.getFile("/d\xFF/f\xFF\xFF", (folder / "f").string());
+        if (ahead) client.sendAhead({"CWD /d\xFF", "PWD"}, true);
+        client.setCurrentRemoteDirectory("/d\xFF");
+        EXPECT_EQ(client.currentRemoteDirectory(), "/d\xFF");
+        client.getFile("f\xFF\xFF", (folder / "f").string());
+        EXPECT_EQ(contentsOf(folder / "f"), "hello");
+      }
+      EXPECT_EQ(other.count("CWD /d"), undoubles ? 2U : 3U) << "found out once";
+      EXPECT_EQ(other.count("RETR"), 3U);
+      client.login("127.0.0.1", "joe", "x", "", other.port());
+      client.getFile("/d\xFF/f\xFF\xFF", (folder / "g").string());
+      EXPECT_EQ(contentsOf(folder / "g"), "hello") << "by a file's name too";
+      EXPECT_EQ(other.count("RETR"), undoubles ? 4U : 5U);
+      EXPECT_TRUE(errors.empty()) << errors[0];
+    }
   }
 }
 

@@ -5,9 +5,9 @@ namespace quillmoor {
 namespace {
 
 using namespace testing;  // of this project
-using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 class ProxyLoginTest : public FtpClientTest {
  protected:
@@ -20,70 +20,28 @@ class ProxyLoginTest : public FtpClientTest {
 };
 
 TEST_F(ProxyLoginTest, SendsWhatTheStyleAsksFor) {
+  const char* const kHost = "ftp.example.org";
   const struct {
-    const char* name;
     FtpProxyType type;
     const char* proxyUser;
     const char* host;
     std::int32_t port;
-    std::vector<std::string> sent;
+    const char* sent;
   } cases[] = {
-      {"SITE",
-       FtpProxyType::siteHostname,
-       "gate",
-       "ftp.example.org",
-       21,
-       {"USER gate", "PASS opensesame", "SITE ftp.example.org", "USER joe", "PASS hunter22"}},
-      {"SITE, port",
-       FtpProxyType::siteHostname,
-       "gate",
-       "ftp.example.org",
-       2121,
-       {"USER gate", "PASS opensesame", "SITE ftp.example.org 2121", "USER joe", "PASS hunter22"}},
-      {"SITE, no login",
-       FtpProxyType::siteHostname,
-       "",
-       "ftp.example.org",
-       21,
-       {"SITE ftp.example.org", "USER joe", "PASS hunter22"}},
-      {"USER with logon",
-       FtpProxyType::userLogon,
-       "gate",
-       "ftp.example.org",
-       21,
-       {"USER gate", "PASS opensesame", "USER joe@ftp.example.org", "PASS hunter22"}},
-      {"USER with logon, port",
-       FtpProxyType::userLogon,
-       "gate",
-       "ftp.example.org",
-       2121,
-       {"USER gate", "PASS opensesame", "USER joe@ftp.example.org:2121", "PASS hunter22"}},
+      {FtpProxyType::siteHostname, "gate", kHost, 21,
+       "USER gate, PASS opensesame, SITE ftp.example.org, USER joe"},
+      {FtpProxyType::siteHostname, "gate", kHost, 2121,
+       "USER gate, PASS opensesame, SITE ftp.example.org 2121, USER joe"},
+      {FtpProxyType::siteHostname, "", kHost, 21, "SITE ftp.example.org, USER joe"},
+      {FtpProxyType::userLogon, "gate", kHost, 21, "USER gate, PASS opensesame, USER joe@ftp.example.org"},
+      {FtpProxyType::userLogon, "gate", kHost, 2121,
+       "USER gate, PASS opensesame, USER joe@ftp.example.org:2121"},
       // The editor has no user name for this type; one that is left from another type must not be used.
-      {"USER without logon",
-       FtpProxyType::userNoLogon,
-       "gate",
-       "ftp.example.org",
-       21,
-       {"USER joe@ftp.example.org", "PASS hunter22"}},
-      {"USER without logon, IPv6",
-       FtpProxyType::userNoLogon,
-       "",
-       "2001:db8::1",
-       2121,
-       {"USER joe@[2001:db8::1]:2121", "PASS hunter22"}},
-      {"OPEN",
-       FtpProxyType::open,
-       "gate",
-       "192.0.2.1",
-       21,
-       {"USER gate", "PASS opensesame", "OPEN 192.0.2.1", "USER joe", "PASS hunter22"}},
-      {"OPEN, no login, port",
-       FtpProxyType::open,
-       "",
-       "ftp.example.org",
-       990,
-       {"OPEN ftp.example.org 990", "USER joe", "PASS hunter22"}},
-      {"pipe", FtpProxyType::pipe, "gate", "ftp.example.org", 2121, {"USER joe", "PASS hunter22"}},
+      {FtpProxyType::userNoLogon, "gate", kHost, 21, "USER joe@ftp.example.org"},
+      {FtpProxyType::userNoLogon, "", "2001:db8::1", 2121, "USER joe@[2001:db8::1]:2121"},
+      {FtpProxyType::open, "gate", "192.0.2.1", 21, "USER gate, PASS opensesame, OPEN 192.0.2.1, USER joe"},
+      {FtpProxyType::open, "", kHost, 990, "OPEN ftp.example.org 990, USER joe"},
+      {FtpProxyType::pipe, "gate", kHost, 2121, "USER joe"},
   };
   for (const auto& c : cases) {
     ScriptedFtpServer proxy;
@@ -97,12 +55,10 @@ TEST_F(ProxyLoginTest, SendsWhatTheStyleAsksFor) {
     client.sendAhead({"TYPE I"}, true);
     client.command("TYPE I");
     client.getFile("/f", (folder / "f").string());
-    EXPECT_EQ(contentsOf(folder / "f"), "hello") << c.name << ": data connections lead to the proxy";
+    EXPECT_EQ(contentsOf(folder / "f"), "hello") << c.sent << ": data connections lead to the proxy";
     client.logout();
-    EXPECT_EQ(proxy.commandsSentAhead(), 0U) << c.name << ": a proxy may answer out of turn";
-    auto sent = proxy.commands();
-    sent.resize(c.sent.size());
-    EXPECT_THAT(sent, ElementsAreArray(c.sent)) << c.name;
+    EXPECT_EQ(proxy.commandsSentAhead(), 0U) << c.sent << ": a proxy may answer out of turn";
+    EXPECT_THAT(received(proxy), StartsWith(c.sent + std::string(", PASS hunter22, FEAT")));
   }
   EXPECT_THAT(shownTexts(), Not(HasSubstr("hunter22")));
   EXPECT_THAT(shownTexts(), Not(HasSubstr("opensesame")));
@@ -253,16 +209,6 @@ TEST_F(ProxyLoginTest, NeverSendsASecondCommandHiddenInAHost) {
               number(FtpErrorNumber::badArgument));
   }
   EXPECT_EQ(server.count("DELE"), 0U);
-}
-
-TEST_F(ProxyLoginTest, CanBeAborted) {
-  server.on("SITE", staysSilent());
-  client.proxyPort = server.port();
-  client.pump = [&] {
-    if (server.count("SITE") > 0) client.abort();
-  };
-  EXPECT_EQ(errorOf([&] { loginBy(FtpProxyType::siteHostname); }).number(), number(FtpErrorNumber::aborted));
-  EXPECT_EQ(client.state(), FtpState::closed);
 }
 
 }  // namespace

@@ -41,6 +41,16 @@ inline std::ptrdiff_t receive(SocketNumber socket, char* bytes, std::size_t size
 inline bool tellsResetFromEnd() {
   return true;
 }
+/// Seconds of silence after which the system probes a connection, and between the probes; whether it tells.
+inline constexpr int kProbeAfter = TCP_KEEPIDLE, kProbeEvery = TCP_KEEPINTVL;
+inline bool tellsProbes() {
+  return true;
+}
+inline int socketOption(SocketNumber socket, int level, int option) {
+  int value = 0;
+  socklen_t size = sizeof value;
+  return ::getsockopt(socket, level, option, &value, &size) == 0 ? value : -1;
+}
 template <class Value>
 void setSocketOption(SocketNumber socket, int level, int option, const Value& value) {
   ::setsockopt(socket, level, option, &value, sizeof value);

@@ -44,6 +44,17 @@ inline std::ptrdiff_t receive(SocketNumber socket, char* bytes, std::size_t size
 inline bool tellsResetFromEnd() {
   return ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
 }
+/// Seconds of silence after which the system probes a connection, and between the probes (TCP_KEEPIDLE and
+/// TCP_KEEPINTVL); whether it tells.
+inline constexpr int kProbeAfter = 3, kProbeEvery = 17;
+inline bool tellsProbes() {
+  return tellsResetFromEnd();  // Wine tells neither
+}
+inline int socketOption(SocketNumber socket, int level, int option) {
+  int value = 0;
+  socklen_t size = sizeof value;
+  return ::getsockopt(socket, level, option, reinterpret_cast<char*>(&value), &size) == 0 ? value : -1;
+}
 template <class Value>
 void setSocketOption(SocketNumber socket, int level, int option, const Value& value) {
   ::setsockopt(socket, level, option, reinterpret_cast<const char*>(&value), sizeof value);
