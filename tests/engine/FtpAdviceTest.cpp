@@ -19,8 +19,7 @@ TEST(FtpAdvice, IsGivenForAFullServerAndForOneThatWantsEncryption) {
       "530 Sorry, the maximum number of clients (3) from your host are already connected.",
       "421 Maximum session limit reached. Try again in 5 minutes.",
       "530 Only 2 simultaneous logins allowed.",
-      "530-Welcome\r\n530 Max clients reached",
-  };
+      "530-Welcome\r\n530 Max clients reached"};
   const char* const encrypted[] = {
       "530 Non-anonymous sessions must use encryption.",
       "421 Sorry, cleartext sessions and weak ciphers are not accepted on this server.",
@@ -28,19 +27,16 @@ TEST(FtpAdvice, IsGivenForAFullServerAndForOneThatWantsEncryption) {
       "534 Policy requires SSL.",
       "522 TLS is required before USER",
       "530 Please use AUTH TLS first; maximum 5 connections.",
-      "530 This server only accepts FTPS logins",
-  };
-  const char* const neither[] = {
-      "530 Login incorrect.",
-      "530 Login incorrect. TLS session established.",
-      "530 Too many failed login attempts from your connection",
-      "530 User cannot log in, home directory inaccessible.",
-      "530 Please login with USER and PASS.",
-      "421 Idle timeout: the connection has reached its limit",
-      "421 Service not available.",
-      "534 Request denied.",
-      "550 Too many users",
-  };
+      "530 This server only accepts FTPS logins"};
+  const char* const neither[] = {"530 Login incorrect.",
+                                 "530 Login incorrect. TLS session established.",
+                                 "530 Too many failed login attempts from your connection",
+                                 "530 User cannot log in, home directory inaccessible.",
+                                 "530 Please login with USER and PASS.",
+                                 "421 Idle timeout: the connection has reached its limit",
+                                 "421 Service not available.",
+                                 "534 Request denied.",
+                                 "550 Too many users"};
   const auto advice = [](const char* reply, const char* what = "refused the user name") {
     return LoginAdvice(std::stoi(reply), std::string("The server ") + what + ": " + reply);
   };

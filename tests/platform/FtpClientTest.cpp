@@ -216,13 +216,6 @@ TEST_F(FtpClientTest, EndsASessionWhoseAnswersCannotBeTrusted) {
       {"garbage", [](Session& s) { s.sendControl("\x01\x02 what\r\n"); }, number(FtpErrorNumber::badReply)},
       {"line of 1 MiB", [](Session& s) { s.sendControl("200 " + std::string(1 << 20, 'x')); },
        number(FtpErrorNumber::tooLong)},
-      {"reply without end",
-       [](Session& s) {
-         std::string reply = "200-begin\r\n";
-         for (int i = 0; i < 100'000; ++i) reply += "200-and on\r\n";
-         s.sendControl(reply);
-       },
-       number(FtpErrorNumber::tooLong)},
       {"silence", staysSilent(), number(FtpErrorNumber::timedOut)},
       {"a reply in drips",
        [](Session& s) {

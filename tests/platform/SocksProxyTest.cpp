@@ -194,25 +194,6 @@ TEST_F(SocksSessionTest, ReachesAServerOverIPv6) {
   EXPECT_EQ(server6.count("PASV"), 0U);
 }
 
-TEST_F(SocksSessionTest, FallsBackToPasvAsWithoutAProxy) {
-  server.on("EPSV", replies("500 What?"));
-  loginBy(FtpProxyType::socks5);
-  client.getFile("/f", (folder / "f").string());
-  EXPECT_EQ(contentsOf(folder / "f"), "hello");
-  EXPECT_EQ(server.count("PASV"), 1U);
-}
-
-TEST_F(SocksSessionTest, TakesAddressesOfEveryKindInAReply) {
-  for (const std::string& reply :
-       {bytes({5, 0, 0, 3, 2, 'a', 'b', 0, 21}),
-        bytes({5, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 21})}) {
-    proxy.set({.reply = reply, .then = Then::goOn});
-    loginBy(FtpProxyType::socks5);
-    EXPECT_EQ(client.currentRemoteDirectory(), "/");
-    client.logout();
-  }
-}
-
 TEST_F(SocksSessionTest, TellsWhatTheProxyRefusesInPlainWords) {
   const auto five = [](int code) { return bytes({5, code, 0, 1, 0, 0, 0, 0, 0, 0}); };
   const auto four = [](int code) { return bytes({0, code, 0, 0, 0, 0, 0, 0}); };
