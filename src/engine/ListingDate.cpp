@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <vector>
 
 namespace quillmoor {
@@ -39,11 +40,18 @@ std::string lowered(std::string_view text) {
   return lower;
 }
 
+/// Three letters as one number, whatever their case.
+constexpr std::uint32_t caselessKey(std::string_view letters) {
+  std::uint32_t key = 0;
+  for (const char c : letters) key = key << 8 | static_cast<unsigned char>(c | 0x20);
+  return key;
+}
+
 std::optional<int> englishMonth(std::string_view name) {
   if (name.size() != 3) return std::nullopt;
-  const std::string lower = lowered(name);
+  const std::uint32_t key = caselessKey(name);
   for (std::size_t i = 0; i < kEnglish.size(); ++i) {
-    if (lower == lowered(kEnglish[i])) return static_cast<int>(i) + 1;
+    if (key == caselessKey(kEnglish[i])) return static_cast<int>(i) + 1;
   }
   return std::nullopt;
 }

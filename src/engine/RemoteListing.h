@@ -18,6 +18,8 @@ struct RemoteEntry {
   std::string user;
   std::string group;
   std::int32_t size = 0;  // bytes; a larger one shows as the largest that fits
+  /// Whether sizeBytes is the exact size: not so where the listing rounds ("1.5K") or gives none (devices).
+  bool sizeExact = true;
   std::int64_t sizeBytes = 0;
   /// "Jan 5 12:34" or "Jan 5 2009", for ParseListingDate; a month in a language unknown here stays as it is.
   std::string dateText;
@@ -28,6 +30,12 @@ struct RemoteListing {
   std::string text;  // as received; "" when the folder listed nothing
   ListingFormat format = ListingFormat::unixStyle;
   std::vector<RemoteEntry> entries;  // in the order of the lines
+  /// Lines beside the entries that are neither one nor customary noise, whole and in order: each may be a
+  /// file that will be missed. No more than kMostUnread of them are kept. Empty when the format is `neither`.
+  std::vector<std::string> unread;
+  std::size_t unreadCount = 0;  // of all such lines, kept or not
+
+  static constexpr std::size_t kMostUnread = 1000;
 };
 
 }  // namespace quillmoor

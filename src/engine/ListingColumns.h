@@ -1,0 +1,76 @@
+// The columns of one listing line: its words, numbers and sizes.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "engine/RemoteListing.h"
+
+namespace quillmoor::listing {
+
+inline bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+inline bool isNumber(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), isDigit);
+}
+
+/// Of digits alone, as far as an int holds them.
+inline std::optional<int> smallNumber(std::string_view text) {
+  int value = 0;
+  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (!isNumber(text) || error != std::errc() || rest != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+/// The words at the beginning of a line. More than kMost do not matter: the date has come by then.
+struct Words {
+  static constexpr std::size_t kMost = 20;
+
+  explicit Words(std::string_view line) {
+    const char* at = line.data();
+    const char* const end = at + line.size();
+    while (count < kMost) {
+      at = std::find_if(at, end, [](char c) { return c != ' '; });
+      if (at == end) break;
+      const char* const start = at;
+      at = std::find(at, end, ' ');
+      word[count++] = {start, static_cast<std::size_t>(at - start)};
+    }
+  }
+  /// Empty when there are not so many.
+  std::string_view operator[](std::size_t i) const { return i < count ? word[i] : std::string_view(); }
+  /// The text from the beginning of one word to the end of another.
+  std::string_view span(std::size_t first, std::size_t last) const {
+    return {word[first].data(),
+            static_cast<std::size_t>(word[last].data() + word[last].size() - word[first].data())};
+  }
+
+  std::array<std::string_view, kMost> word;
+  std::size_t count = 0;
+};
+
+/// Names begin after the one blank that follows the column before; further blanks are theirs.
+inline std::string_view nameAfter(std::string_view line, std::string_view column) {
+  const auto end = static_cast<std::size_t>(column.data() + column.size() - line.data());
+  return line.substr(std::min(end + 1, line.size()));
+}
+
+/// Letters of whatever language; with a final dot where words are abbreviated so.
+bool isAnyWord(std::string_view word);
+
+/// "1024", "1,234,567", "1.234.567", or the major and minor number of a device; rounded ones like "1.5K",
+/// "3,4M", "2GiB". Servers that count in 32 bits list sizes beyond 2 GB as negative.
+bool isSize(std::string_view word);
+
+/// Stores the size that a word says for which isSize holds. A rounded one, or one that 64 bits cannot hold,
+/// leaves the entry without an exact size.
+void setSize(RemoteEntry& entry, std::string_view word);
+
+}  // namespace quillmoor::listing
