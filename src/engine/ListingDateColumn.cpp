@@ -154,6 +154,7 @@ std::optional<NumericDay> readNumericDay(std::string_view word) {
   std::size_t digits[3] = {}, part = 0;
   for (const char c : word) {
     if (isDigit(c)) {
+      if (digits[part] == 4) return std::nullopt;
       number[part] = number[part] * 10 + (c - '0');
       ++digits[part];
     } else if ((c == '.' || c == '/' || c == '-') && part < 2 && digits[part] > 0 &&

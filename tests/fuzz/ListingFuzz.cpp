@@ -1,0 +1,74 @@
+// Any bytes at all are a listing: each line becomes an entry, is kept as unread, or is noise, and none gets
+// lost.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "engine/ListingDate.h"
+#include "engine/ListingParser.h"
+
+namespace {
+
+using namespace quillmoor;
+
+void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+struct Counts {
+  std::size_t lines = 0, entries = 0, unread = 0;
+  bool mayGoOnElsewhere = false;  // with lines of another folder, as a recursive listing does
+};
+
+/// What becomes of each line by itself, beside one that can be read.
+Counts countLines(std::string_view text, LocalDateTime now) {
+  Counts counts;
+  bool first = true;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string line(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    const RemoteListing two = ParseListing("-rw-r--r-- 1 a b 1 Jan 15 12:34 a\n" + line, now);
+    require(two.entries.size() - 1 + two.unreadCount <= 1);
+    ++counts.lines;
+    counts.entries += two.entries.size() - 1;
+    const std::size_t start = line.find_first_not_of(" \t\r");
+    const bool path = first && start != std::string::npos && line[start] == '/';
+    counts.unread += path ? 0 : two.unreadCount;
+    first = first && start == std::string::npos;
+    counts.mayGoOnElsewhere |= line.find(':') != std::string::npos && two.entries.size() == 1;
+    counts.mayGoOnElsewhere |= line.find("Directory of") != std::string::npos;
+  }
+  return counts;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const LocalDateTime now = *MakeLocalDateTime({2026, 11, 14, 10, 30, 0, 0});
+  const std::string text(reinterpret_cast<const char*>(data), size);
+  ParseListingDate(text, now);
+  const RemoteListing listing = ParseListing(text, now);
+  require(listing.text == text);
+  require((listing.format == ListingFormat::neither) <= listing.entries.empty());
+  require(listing.unread.size() == std::min(listing.unreadCount, RemoteListing::kMostUnread));
+  require(listing.unreadCount == 0 || !listing.entries.empty());
+  for (const RemoteEntry& entry : listing.entries) {
+    require(!entry.name.empty() && entry.name.find('\n') == std::string::npos && entry.type.size() == 1);
+    require(entry.sizeBytes >= 0 && entry.size >= 0 && text.find(entry.name) != std::string::npos);
+    ParseListingDate(entry.dateText, now);
+  }
+  for (const std::string& line : listing.unread)
+    require(line.find('\n') == std::string::npos && line.find_first_not_of(" \t") != std::string::npos);
+
+  const Counts counts = countLines(text, now);
+  require(listing.entries.size() <= counts.entries);
+  require(listing.entries.size() + listing.unreadCount <= counts.lines);
+  if (counts.mayGoOnElsewhere) return 0;
+  require(listing.entries.size() == counts.entries);
+  if (!listing.entries.empty()) require(listing.unreadCount == counts.unread);
+  return 0;
+}
