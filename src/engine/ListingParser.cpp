@@ -111,17 +111,17 @@ bool Reader::take(std::string_view line, std::string_view following) {
     passOver(line);
     return true;
   }
-  if (auto dos = parseDosLine(line, yearNow_)) {
-    addEntry(*std::move(dos), ListingFormat::dosStyle);
-  } else if (auto unix = parseUnixLine(line, yearNow_)) {
-    addEntry(*std::move(unix), ListingFormat::unixStyle);
+  if (auto asDos = parseDosLine(line, yearNow_)) {
+    addEntry(*std::move(asDos), ListingFormat::dosStyle);
+  } else if (auto asUnix = parseUnixLine(line, yearNow_)) {
+    addEntry(*std::move(asUnix), ListingFormat::unixStyle);
   } else {
     if (afterBlank_ && !listing_.entries.empty()) {
       // A recursive listing goes on with another folder; a note that ends in a colon looks the same.
       if (const std::string_view path = headingPath(line); !path.empty()) {
         if (isListedFolder(path)) return false;
         const std::string_view next = following.substr(0, following.find_first_of("\r\n"));
-        // It cannot be told which folder the lines to come belong to, so that they are better missed aloud.
+        // Nothing says which folder the lines to come belong to: better unread than fetched from a wrong one.
         elsewhere_ = path.starts_with('/') || path.starts_with("./") || isTotal(next);
       }
     }
