@@ -31,10 +31,16 @@ struct TextPiece {
 /// half: it separates the parts of a path.
 TextPiece FirstPiece(std::string_view text);
 
-/// The capital letter of the code page for a small one; any other character as it is.
-char AnsiUpper(char c);
+/// The text as UTF-8: what is none of it is read in the code page, piece by piece.
+std::string ToUtf8(std::string_view text);
 
-/// Equal but for the case of letters.
-bool SameAnsiName(std::string_view a, std::string_view b);
+/// The order of two ANSI names without regard to the case of letters: below 0 when `a` comes first, 0 when
+/// they are the same name. They are compared character by character: the second byte of a double-byte
+/// character may look like a letter and is none.
+int CompareAnsiNames(std::string_view a, std::string_view b);
+
+inline bool SameAnsiName(std::string_view a, std::string_view b) {
+  return CompareAnsiNames(a, b) == 0;
+}
 
 }  // namespace quillmoor

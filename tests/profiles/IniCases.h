@@ -41,6 +41,9 @@ inline std::vector<IniReadCase> iniReadCases() {
       {"missing section", "[s]\r\nk=v\r\n", "t", "k", ""},
       {"no sections", "just some text\r\n", "s", "k", ""},
       {"empty file", "", "s", "k", ""},
+      // Characters of two bytes, the second of which looks like another.
+      {"half of the name is a bracket", "[\x83\x5D\x81\x5B]\r\nk=v\r\n", "\x83\x5D\x81\x5B", "k", "v"},
+      {"half of the value is a bar", "[s]\r\nk=\x83\x7C~|~\x83\x7C\r\n", "s", "k", "\x83\x7C~|~\x83\x7C"},
       {"ANSI bytes", "[\xFC]\r\nk=\xE4\xF6\r\n", "\xFC", "k", "\xE4\xF6"},
       {"longer than the buffer", "[s]\r\nk=" + std::string(150'000, 'x') + "\r\n", "s", "k",
        std::string(99'999, 'x')},
@@ -86,6 +89,7 @@ inline std::vector<IniWriteCase> iniWriteCases() {
        "[s]\r\nk=" + std::string(90'000, 'x') + "\r\nj=2\r\n"},
       {"a value longer than is read", "", "s", "k", std::string(150'000, 'x'),
        "[s]\r\nk=" + std::string(150'000, 'x') + "\r\n", std::string(99'999, 'x')},
+      {"half of the name is a bracket", "", "\x83\x5D", "k", "\x83\x5B", "[\x83\x5D]\r\nk=\x83\x5B\r\n"},
       {"umlauts", "[\xE4]\r\n\xF6=1\r\n", "\xE4", "\xF6", "\xFC\xDF", "[\xE4]\r\n\xF6=\xFC\xDF\r\n"},
   };
 }

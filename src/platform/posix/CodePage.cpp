@@ -16,6 +16,15 @@ char ansiOf(char32_t character) {
   return '?';
 }
 
+/// The capital letter for a small one; any other character as it is.
+char32_t upper(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  if ((byte >= 'a' && byte <= 'z') || (byte >= 0xE0 && byte <= 0xFE && byte != 0xF7)) return byte - 0x20U;
+  if (byte == 0x9A || byte == 0x9C || byte == 0x9E)
+    return FromWindows1252(static_cast<unsigned char>(byte - 0x10));  // s, oe and z with marks
+  return FromWindows1252(byte == 0xFF ? 0x9F : byte);                 // y with dots
+}
+
 }  // namespace
 
 std::string ToAnsi(std::string_view utf8) {
@@ -39,6 +48,17 @@ std::string FromAnsi(std::string_view ansi) {
   return utf8;
 }
 
+std::string ToUtf8(std::string_view text) {
+  std::string utf8;
+  utf8.reserve(text.size());
+  while (!text.empty()) {
+    const TextPiece piece = FirstPiece(text);
+    utf8 += piece.ansi ? FromAnsi(text.substr(0, piece.bytes)) : text.substr(0, piece.bytes);
+    text.remove_prefix(piece.bytes);
+  }
+  return utf8;
+}
+
 TextPiece FirstPiece(std::string_view text) {
   std::size_t bytes = 0;
   while (bytes < text.size()) {
@@ -49,18 +69,11 @@ TextPiece FirstPiece(std::string_view text) {
   return {bytes, false};
 }
 
-char AnsiUpper(char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  if ((byte >= 'a' && byte <= 'z') || (byte >= 0xE0 && byte <= 0xFE && byte != 0xF7))
-    return static_cast<char>(byte - 0x20);
-  if (byte == 0x9A || byte == 0x9C || byte == 0x9E)
-    return static_cast<char>(byte - 0x10);  // s, oe and z with marks
-  return byte == 0xFF ? '\x9F' : c;         // y with dots
-}
-
-bool SameAnsiName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return AnsiUpper(x) == AnsiUpper(y); });
+int CompareAnsiNames(std::string_view a, std::string_view b) {
+  const auto [x, y] = std::mismatch(a.begin(), a.end(), b.begin(), b.end(),
+                                    [](char one, char other) { return upper(one) == upper(other); });
+  if (x == a.end() || y == b.end()) return (x != a.end()) - (y != b.end());
+  return upper(*x) < upper(*y) ? -1 : 1;
 }
 
 }  // namespace quillmoor

@@ -19,11 +19,11 @@ std::string ToAnsi(std::string_view utf8) {
 
 namespace {
 
-std::wstring wideFromAnsi(std::string_view ansi) {
+std::wstring wideFromAnsi(std::string_view ansi, unsigned codePage = CP_ACP) {
   const int length = static_cast<int>(ansi.size());
-  const int size = ::MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, nullptr, 0);
+  const int size = ::MultiByteToWideChar(codePage, 0, ansi.data(), length, nullptr, 0);
   std::wstring wide(static_cast<std::size_t>(size), L'\0');
-  ::MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, wide.data(), size);
+  ::MultiByteToWideChar(codePage, 0, ansi.data(), length, wide.data(), size);
   return wide;
 }
 
@@ -37,17 +37,20 @@ TextPiece FirstPiece(std::string_view text) {
   return FirstPiece(text, CP_ACP);
 }
 
-char AnsiUpper(char c) {
-  // Given a number in place of a pointer, the function converts this one character.
-  const auto code = static_cast<ULONG_PTR>(static_cast<unsigned char>(c));
-  return static_cast<char>(reinterpret_cast<ULONG_PTR>(::CharUpperA(reinterpret_cast<LPSTR>(code))));
+std::string ToUtf8(std::string_view text) {
+  return Narrow(Widen(text));
 }
 
-bool SameAnsiName(std::string_view a, std::string_view b) {
-  const std::wstring x = wideFromAnsi(a);
-  const std::wstring y = wideFromAnsi(b);
+int CompareAnsiNames(std::string_view a, std::string_view b) {
+  return CompareAnsiNames(a, b, CP_ACP);
+}
+
+int CompareAnsiNames(std::string_view a, std::string_view b, unsigned codePage) {
+  const std::wstring x = wideFromAnsi(a, codePage);
+  const std::wstring y = wideFromAnsi(b, codePage);
   return ::CompareStringOrdinal(x.data(), static_cast<int>(x.size()), y.data(), static_cast<int>(y.size()),
-                                TRUE) == CSTR_EQUAL;
+                                TRUE) -
+         CSTR_EQUAL;
 }
 
 }  // namespace quillmoor

@@ -14,6 +14,7 @@ std::wstring Widen(std::string_view utf8, unsigned codePage = 0);
 
 /// For the code page given; 0 is the ANSI one.
 TextPiece FirstPiece(std::string_view text, unsigned codePage);
+int CompareAnsiNames(std::string_view a, std::string_view b, unsigned codePage);
 
 /// UTF-16 to UTF-8; half a surrogate pair becomes U+FFFD.
 std::string Narrow(std::wstring_view wide);

@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#undef AnsiUpper
 #undef CopyFile
 #undef GetPrivateProfileSectionNames
 #undef GetPrivateProfileString

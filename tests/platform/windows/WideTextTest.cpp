@@ -54,6 +54,31 @@ TEST(WideText, ReadsWhatIsNoUtf8InTheCodePage) {
     EXPECT_TRUE(Widen("a\x95\\b", codePage).ends_with(L"\\b")) << "a separator stays one";
 }
 
+TEST(CodePage, ComparesWholeCharacters) {
+  const struct {
+    unsigned codePage;
+    const char *a, *b;
+    int order;
+  } cases[] = {{932, "\x83\x41", "\x83\x61", -1},     // the second byte looks like a letter
+               {932, "\x83\x7C", "\x83\x5C", 1},      // a bar, a backslash
+               {932, "\x83\x5B", "\x83\x5D", -1},     // brackets
+               {932, "\x82\x60 x", "\x82\x81 X", 0},  // a wide letter, capital and small
+               {936, "\x81\x41site", "\x81\x61SITE", -1},
+               {936, "\x81\x5Dsite", "\x81\x5DSITE", 0},
+               {949, "\x81\x41", "\x81\x61", -1},
+               {950, "\xA4\x41", "\xA4\x61", -1},
+               {1252, "k\xD6ln", "K\xF6LN", 0},
+               {1252, "10", "2", -1},
+               {1252, "", "a", -1}};
+  const auto sign = [](int order) { return (order > 0) - (order < 0); };
+  for (const auto& c : cases) {
+    EXPECT_EQ(sign(CompareAnsiNames(c.a, c.b, c.codePage)), c.order)
+        << c.codePage << " " << c.a << " " << c.b;
+    EXPECT_EQ(sign(CompareAnsiNames(c.b, c.a, c.codePage)), -c.order)
+        << c.codePage << " " << c.a << " " << c.b;
+  }
+}
+
 TEST(WidePath, LiftsTheLimitOfLength) {
   EXPECT_EQ(WidePath(std::string("C:\\short")), L"C:\\short");
   const std::string name(200, 'n');
