@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/PrintableText.h"
+
 namespace quillmoor {
 namespace {
 
@@ -34,25 +36,9 @@ std::string tailOf(const std::string& text, std::size_t columns) {
 }  // namespace
 
 std::string terminalText(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
-    if (c == '\n') {
-      out += '\n';
-    } else if (c == '\r' && next == '\n') {
-      continue;
-    } else if (c < 0x20 || c == 0x7F) {
-      out += '?';
-    } else if (c == 0xC2 && next >= 0x80 && next < 0xA0) {
-      out += '?';
-      ++i;
-    } else {
-      out += text[i];
-    }
-  }
-  return out;
+  std::string lines(text);
+  for (auto at = lines.find("\r\n"); at != std::string::npos; at = lines.find("\r\n", at)) lines.erase(at, 1);
+  return PrintableText(lines, "\n");
 }
 
 void ConsoleDisplay::insertLogText(std::string_view text) {

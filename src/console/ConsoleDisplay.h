@@ -67,7 +67,7 @@ class ConsoleDisplay final : public RunDisplay {
   std::vector<std::array<std::string, kReportColumns>> rows_;
 };
 
-/// Text fit for a terminal: CR LF becomes LF, any other control character (C1 ones in UTF-8 too) "?".
+/// Text fit for a terminal: CR LF becomes LF, any other control character "?" (see PrintableText).
 std::string terminalText(std::string_view text);
 
 }  // namespace quillmoor

@@ -1,20 +1,23 @@
 #include "engine/ShownText.h"
 
+#include <algorithm>
+
 #include "platform/CodePage.h"
+#include "platform/PrintableText.h"
 #include "platform/Utf8.h"
 
 namespace quillmoor {
 namespace {
 
-bool isControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character < 0xA0);
+bool isPrintableAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < '\x7F'; });
 }
 
 std::size_t appendUtf8(std::string& shown, std::string_view text) {
   std::size_t characters = 0;
   for (; !text.empty(); ++characters) {
     const Utf8Character one = DecodeUtf8(text);
-    if (isControl(one.character)) {
+    if (IsControlCharacter(one.character)) {
       shown += one.character == '\t' ? ' ' : '?';
     } else {
       shown += text.substr(0, one.length);
@@ -27,14 +30,12 @@ std::size_t appendUtf8(std::string& shown, std::string_view text) {
 }  // namespace
 
 std::size_t AppendShown(std::string& shown, std::string_view text) {
-  std::size_t characters = 0;
-  while (!text.empty()) {
-    const TextPiece piece = FirstPiece(text);
-    const std::string utf8(text.substr(0, piece.bytes));
-    characters += appendUtf8(shown, piece.ansi ? FromAnsi(utf8) : utf8);
-    text.remove_prefix(piece.bytes);
+  if (isPrintableAscii(text)) {  // nearly every line of a log
+    shown += text;
+    return text.size();
   }
-  return characters;
+  // The code page may have control characters of its own, which come to light when its bytes are read.
+  return appendUtf8(shown, ToUtf8(PrintableText(text, "\t")));
 }
 
 }  // namespace quillmoor

@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 
+#include "platform/PrintableText.h"
+
 namespace quillmoor {
 namespace {
 
@@ -187,14 +189,15 @@ std::string printableReply(std::string_view replyText, std::string_view secret) 
     }
   }
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
-      ++i;
-    } else if (c < 0x20 || c == 0x7F) {
-      text[i] = c == '\t' ? ' ' : '?';
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+      ++i;  // between two lines
+    } else if (text[i] == '\t') {
+      text[i] = ' ';
+    } else if (text[i] == '\r' || text[i] == '\n') {
+      text[i] = '?';
     }
   }
-  return text;
+  return PrintableText(text, "\r\n");
 }
 
 }  // namespace quillmoor

@@ -74,8 +74,8 @@ std::optional<std::int64_t> statedSize(const FtpReply& reply);
 /// proxy.
 std::string saidBy(std::string_view speaker, const FtpReply& reply);
 
-/// Reply text fit to be shown: control characters but CR LF between lines become "?", a tab a blank, and the
-/// secret, if any, is blotted out.
+/// Reply text fit to be shown: control characters (see PrintableText) but CR LF between lines become "?", a
+/// tab a blank, and the secret, if any, is blotted out.
 std::string printableReply(std::string_view replyText, std::string_view secret);
 
 }  // namespace quillmoor

@@ -35,8 +35,8 @@ TEST(ConsoleDisplay, WritesPlainTextWhereThereIsNoTerminal) {
 }
 
 TEST(ConsoleDisplay, NeverPassesControlCharactersToATerminal) {
-  EXPECT_EQ(terminalText("a\x1b[2J\rb\r\nc\td\x7f\xc2\x9b\xc2\xa0\xc3\xbc\n"),
-            "a?[2J?b\nc?d??\xc2\xa0\xc3\xbc\n");
+  EXPECT_EQ(terminalText("a\x1b[2J\rb\r\nc\td\x7f\xc2\x9b\x9b[\xc2\xa0\xc3\xbc\n"),
+            "a?[2J?b\nc?d???[\xc2\xa0\xc3\xbc\n");
 }
 
 TEST(ConsoleDisplay, ChangesTheColourOnlyWithTheText) {

@@ -92,9 +92,9 @@ TEST(LogText, ShowsWhateverBytesAServerSends) {
                {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xE2\x82\xAC"},  // half a surrogate pair
                {"\xC0\xAF", "\xC3\x80\xC2\xAF"},                  // an overlong "/"
                {"a\rb\x1b[31m\t\x7F", "a?b?[31m ?"},
-               {"\xC2\x9B"
+               {"\x9B\xC2\x9B"
                 "31m",
-                "?31m"}};
+                "??31m"}};
   for (const auto& one : cases) {
     LogText log;
     log.setColour(kRed);

@@ -124,7 +124,7 @@ TEST(FtpReply, ShowsNeitherSecretsNorControlCharacters) {
   EXPECT_EQ(printableReply("530 no \"hunter22\" here, hunter22", "hunter22"), "530 no \"****\" here, ****");
   EXPECT_EQ(printableReply("230 User lo logged in", "lo"), "230 User **** logged in");
   EXPECT_EQ(printableReply("220-a\r\n220 \x1b[31mred\x07\r", ""), "220-a\r\n220 ?[31mred??");
-  EXPECT_EQ(printableReply("220 \xc3\xbc", ""), "220 \xc3\xbc");
+  EXPECT_EQ(printableReply("220 \xc3\xbc\xfc\x9b\xc2\x9b", ""), "220 \xc3\xbc\xfc??");
   EXPECT_EQ(printableReply("220 a\tbanner", ""), "220 a banner");
 }
 
