@@ -4,6 +4,7 @@
 #include <array>
 
 #include "engine/mCreatePath.h"
+#include "platform/PrintableText.h"
 
 namespace quillmoor {
 namespace {
@@ -44,10 +45,10 @@ std::optional<std::string> componentsRefusal(std::string_view path, char separat
 
 /// Judges the local folder itself, after all that is done to a path on the way there.
 std::optional<std::string> mirroredRefusal(const std::string& target, const std::string& currentDir,
-                                           LocalNameRules rules) {
+                                           LocalNameRules rules, FolderNames names) {
   const char separator = separatorOf(rules);
-  const std::string root = LocalFolderFor(target, "/", separator);
-  const std::string folder = LocalFolderFor(target, currentDir, separator);
+  const std::string root = LocalFolderFor(target, "/", separator, names);
+  const std::string folder = LocalFolderFor(target, currentDir, separator, names);
   if (!folder.starts_with(root)) return "it leads out of the local folder";
   return componentsRefusal(std::string_view(folder).substr(root.size()), separator, rules);
 }
@@ -70,28 +71,19 @@ std::optional<std::string> ListedNameRefusal(std::string_view name, LocalNameRul
   return std::nullopt;
 }
 
-std::optional<std::string> RemotePathRefusal(std::string_view path, LocalNameRules rules) {
+std::optional<std::string> RemotePathRefusal(std::string_view path, LocalNameRules rules, FolderNames names) {
   if (auto reason = componentsRefusal(path, '/', rules)) return reason;
-  return mirroredRefusal("target", std::string(path), rules);
+  return mirroredRefusal("target", std::string(path), rules, names);
 }
 
 std::optional<std::string> LocalFolderRefusal(const std::string& target, const std::string& currentDir,
-                                              LocalNameRules rules) {
-  if (auto reason = RemotePathRefusal(currentDir, rules)) return reason;
-  return mirroredRefusal(target, currentDir, rules);
+                                              LocalNameRules rules, FolderNames names) {
+  if (auto reason = RemotePathRefusal(currentDir, rules, names)) return reason;
+  return mirroredRefusal(target, currentDir, rules, names);
 }
 
 std::string PrintableName(std::string_view name) {
-  std::string shown(name);
-  for (std::size_t i = 0; i < shown.size(); ++i) {
-    if (isControl(shown[i])) shown[i] = '?';
-    // U+0080 to U+009F, which some terminals obey too.
-    const bool c1 = shown[i] == '\xC2' && i + 1 < shown.size() &&
-                    static_cast<unsigned char>(shown[i + 1]) >= 0x80 &&
-                    static_cast<unsigned char>(shown[i + 1]) < 0xA0;
-    if (c1) shown.replace(i, 2, 1, '?');
-  }
-  return shown;
+  return PrintableText(name);
 }
 
 }  // namespace quillmoor

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/mCreatePath.h"
 #include "platform/LocalPath.h"
 
 namespace quillmoor {
@@ -14,15 +15,17 @@ namespace quillmoor {
 std::optional<std::string> ListedNameRefusal(std::string_view name, LocalNameRules rules = kLocalNameRules);
 
 /// The same for a path as a server reports it, component by component, and for what LocalFolderFor makes of
-/// it: cutting brackets and trimming can turn "/.[x]." or "/.. " into "/..". "/" alone passes.
-std::optional<std::string> RemotePathRefusal(std::string_view path, LocalNameRules rules = kLocalNameRules);
+/// it: FolderNames::cut can turn "/.[x]." or "/.. " into "/..". "/" alone passes.
+std::optional<std::string> RemotePathRefusal(std::string_view path, LocalNameRules rules = kLocalNameRules,
+                                             FolderNames names = FolderNames::cut);
 
 /// RemotePathRefusal and whether the local folder of `currentDir` lies at or below that of the remote root:
 /// a bracket left open in `target` can be closed by the server, which cuts the end of `target` away.
 std::optional<std::string> LocalFolderRefusal(const std::string& target, const std::string& currentDir,
-                                              LocalNameRules rules = kLocalNameRules);
+                                              LocalNameRules rules = kLocalNameRules,
+                                              FolderNames names = FolderNames::cut);
 
-/// Control characters replaced by "?", so that a name cannot break a log line or talk to a terminal.
+/// PrintableText: a name cannot break a log line or talk to a terminal.
 std::string PrintableName(std::string_view name);
 
 }  // namespace quillmoor

@@ -8,37 +8,49 @@
 namespace quillmoor {
 namespace {
 
+constexpr std::string_view kNetwork = "\\\\";  // begins a network path of Windows
+
 std::string trimmed(const std::string& text) {
   const auto first = text.find_first_not_of(' ');
   if (first == std::string::npos) return "";
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+std::string cut(std::string path) {
+  const auto open = path.find('[');
+  const auto close = path.find(']');
+  if (open != std::string::npos && close != std::string::npos && open < close)
+    path.erase(open, close - open + 1);
+  return trimmed(path);
+}
+
 }  // namespace
 
-std::string AddTrailingSeparator(const std::string& path, bool remote, char localSeparator) {
-  std::string result = path;
-  const auto open = result.find('[');
-  const auto close = result.find(']');
-  if (open != std::string::npos && close != std::string::npos && open < close)
-    result.erase(open, close - open + 1);
-  result = trimmed(result);
+std::string AddTrailingSeparator(const std::string& path, bool remote, char localSeparator,
+                                 FolderNames names) {
+  std::string result = names == FolderNames::cut ? cut(path) : path;
   const char separator = remote ? '/' : localSeparator;
   if (!result.ends_with(separator)) result += separator;
   return result;
 }
 
-std::string LocalFolderFor(const std::string& target, const std::string& currentDir, char localSeparator) {
-  std::string joined = AddTrailingSeparator(target, false, localSeparator) + currentDir;
+std::string LocalFolderFor(const std::string& target, const std::string& currentDir, char localSeparator,
+                           FolderNames names) {
+  std::string joined = AddTrailingSeparator(target, false, localSeparator, names) + currentDir;
   std::replace(joined.begin() + static_cast<std::ptrdiff_t>(joined.size() - currentDir.size()), joined.end(),
                '/', localSeparator);
   std::string folder;
   folder.reserve(joined.size());
-  for (std::size_t i = 0; i < joined.size(); ++i) {
+  std::size_t i = 0;
+  if (names == FolderNames::asListed && localSeparator == '\\' && joined.starts_with(kNetwork)) {
+    folder += localSeparator;
+    ++i;
+  }
+  for (; i < joined.size(); ++i) {
     folder += joined[i];
     if (joined[i] == localSeparator && i + 1 < joined.size() && joined[i + 1] == localSeparator) ++i;
   }
-  return AddTrailingSeparator(folder, false, localSeparator);
+  return AddTrailingSeparator(folder, false, localSeparator, names);
 }
 
 bool CreatePath(const std::string& path) {
@@ -50,7 +62,6 @@ bool CreatePath(const std::string& path) {
 bool CreatePath(const std::string& path, char separator, const FolderSystem& system) {
   if (path.empty()) return false;
   if (system.exists(path)) return true;
-  constexpr std::string_view kNetwork = "\\\\";
   const bool onNetwork = separator == '\\' && path.starts_with(kNetwork);
   std::size_t at = onNetwork ? kNetwork.size() : 0;
   const auto nextComponent = [&] {

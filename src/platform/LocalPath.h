@@ -1,8 +1,10 @@
 // How local paths are written on this platform, and how they are handed to the system.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace quillmoor {
 
@@ -12,6 +14,13 @@ extern const char kLocalSeparator;
 /// Rules for what may be a file's name.
 enum class LocalNameRules { posix, windows };
 extern const LocalNameRules kLocalNameRules;
+
+/// The path begins with a server's name, as in "\\server\share"; blanks before it do not count. Only where
+/// Windows rules hold.
+inline bool IsNetworkPath(std::string_view path, LocalNameRules rules = kLocalNameRules) {
+  path.remove_prefix(std::min(path.find_first_not_of(' '), path.size()));
+  return rules == LocalNameRules::windows && path.starts_with("\\\\");
+}
 
 /// The same text for names that file systems of this platform take for one: on Windows they do not regard
 /// case.

@@ -8,12 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "console/ConsoleDisplay.h"
 #include "engine/RecordingDisplay.h"
 #include "engine/RunLog.h"
 #include "engine/SafeName.h"
+#include "engine/ShownText.h"
 #include "engine/mCreatePath.h"
 #include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
+#include "platform/FtpReply.h"
+#include "platform/Utf8.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
@@ -38,20 +42,29 @@ TEST(LocalPaths, EndInASeparator) {
 }
 
 TEST(LocalPaths, MirrorRemoteOnes) {
+  constexpr auto kCut = FolderNames::cut, kAsListed = FolderNames::asListed;
   const struct {
+    FolderNames names;
     const char *target, *currentDir;
     char separator;
     const char* folder;
   } cases[] = {
-      {"C:\\backup\\site", "/", '\\', "C:\\backup\\site\\"},
-      {"C:\\backup\\site", "/www/img", '\\', "C:\\backup\\site\\www\\img\\"},
-      {"C:\\backup\\site", "www", '\\', "C:\\backup\\site\\www\\"},
-      {"\\\\server\\share", "/www", '\\', "\\server\\share\\www\\"},
-      {"/backup/site", "/www/img", '/', "/backup/site/www/img/"},
-      {"/backup/site", "/odd\\name", '/', "/backup/site/odd\\name/"},
-      {"/backup/site", "///www", '/', "/backup/site//www/"},
+      {kCut, "C:\\backup\\site", "/", '\\', "C:\\backup\\site\\"},
+      {kCut, "C:\\backup\\site", "/www/img", '\\', "C:\\backup\\site\\www\\img\\"},
+      {kCut, "C:\\backup\\site", "www", '\\', "C:\\backup\\site\\www\\"},
+      {kCut, "\\\\server\\share", "/www", '\\', "\\server\\share\\www\\"},
+      {kCut, "/backup/site", "/www/img", '/', "/backup/site/www/img/"},
+      {kCut, "/backup/site", "/odd\\name", '/', "/backup/site/odd\\name/"},
+      {kCut, "/backup/site", "///www", '/', "/backup/site//www/"},
+      {kAsListed, "\\\\nas\\backup", "/www", '\\', "\\\\nas\\backup\\www\\"},
+      {kAsListed, "\\\\nas\\\\backup\\", "//www", '\\', "\\\\nas\\backup\\www\\"},
+      {kAsListed, "C:\\backup\\", "/photos [2024]/ a ", '\\', "C:\\backup\\photos [2024]\\ a \\"},
+      {kAsListed, "/backup/[x] site", "/photos [2024]", '/', "/backup/[x] site/photos [2024]/"},
+      {kAsListed, "//backup", "/www", '/', "/backup/www/"},
   };
-  for (const auto& c : cases) EXPECT_EQ(LocalFolderFor(c.target, c.currentDir, c.separator), c.folder);
+  for (const auto& c : cases)
+    EXPECT_EQ(LocalFolderFor(c.target, c.currentDir, c.separator, c.names), c.folder);
+  EXPECT_EQ(AddTrailingSeparator(" /a [b] ", true, '/', kAsListed), " /a [b] /");
 }
 
 TEST(LocalPaths, AreCreatedLevelByLevel) {
@@ -122,6 +135,15 @@ TEST(SafeName, RefusesWhatCouldLeadOutOfAFolder) {
     EXPECT_TRUE(RemotePathRefusal(path)) << path;
   for (const char* path : {"/", "", "//a//b/", "/a b/c"}) EXPECT_FALSE(RemotePathRefusal(path)) << path;
   EXPECT_EQ(PrintableName("a\x1b[31m\r\n\xc2\x9b\xc3\xbc"), "a?[31m???\xc3\xbc");
+  EXPECT_EQ(PrintableName("\xE4\x9B[31m \xE9\x9B\xAA"), "\xE4?[31m \xE9\x9B\xAA") << "a byte of Latin-1 text";
+  for (const char32_t turns : U"\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069"s) {
+    std::string name = "gpj.";
+    AppendUtf8(name, turns);
+    for (const auto shown :
+         {PrintableName(name), ShownText(name), terminalText(name), printableReply(name, "")})
+      EXPECT_EQ(shown, "gpj.?");
+  }
+  EXPECT_EQ(PrintableName("\u2029\u202F\u2065\u206A"), "\u2029\u202F\u2065\u206A") << "beside them";
 }
 
 TEST(SafeName, RefusesFoldersThatWouldLieOutsideTheTarget) {
@@ -129,6 +151,7 @@ TEST(SafeName, RefusesFoldersThatWouldLieOutsideTheTarget) {
     const char *target, *currentDir;
     LocalNameRules rules;
     bool refused;
+    FolderNames names = FolderNames::cut;
   } cases[] = {
       {"/backup/site", "/www/a b", LocalNameRules::posix, false},
       {"/backup/site", "/", LocalNameRules::posix, false},
@@ -146,13 +169,18 @@ TEST(SafeName, RefusesFoldersThatWouldLieOutsideTheTarget) {
       {"\\\\server\\share", "/www", LocalNameRules::windows, false},
       {"C:\\backup", "/C[x]ON", LocalNameRules::windows, true},
       {"C:\\backup", "/a\\..\\b", LocalNameRules::windows, true},
+      {"/backup/[site", "/a]../c", LocalNameRules::posix, false, FolderNames::asListed},
+      {"/backup/site", "/.[x].", LocalNameRules::posix, false, FolderNames::asListed},
+      {"/backup/site", "/a/..", LocalNameRules::posix, true, FolderNames::asListed},
+      {"\\\\nas\\share", "/photos [2024]", LocalNameRules::windows, false, FolderNames::asListed},
+      {"\\\\nas\\share", "/a ", LocalNameRules::windows, true, FolderNames::asListed},
   };
   for (const auto& c : cases) {
-    const auto refusal = LocalFolderRefusal(c.target, c.currentDir, c.rules);
+    const auto refusal = LocalFolderRefusal(c.target, c.currentDir, c.rules, c.names);
     EXPECT_EQ(refusal.has_value(), c.refused) << c.target << " and " << c.currentDir;
     // The path alone tells, unless the target leaves a bracket open.
     if (std::string_view(c.target).find('[') == std::string_view::npos) {
-      EXPECT_EQ(RemotePathRefusal(c.currentDir, c.rules).has_value(), c.refused) << c.currentDir;
+      EXPECT_EQ(RemotePathRefusal(c.currentDir, c.rules, c.names).has_value(), c.refused) << c.currentDir;
     }
   }
 }
