@@ -11,8 +11,11 @@
 
 #include "connectivity/DialUp.h"
 #include "platform/CodePage.h"
+#include "platform/LocalPath.h"
 #include "platform/ProgramArguments.h"
 #include "platform/Terminal.h"
+#include "profiles/ApplicationSettings.h"
+#include "profiles/ProfileHints.h"
 #include "profiles/ProfileText.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"
@@ -157,6 +160,10 @@ int setProfile(const std::string& given, const std::vector<std::string>& assignm
   if (!folders.empty()) profile.Folders = folders;
   checkProfile(profile);
   if (!SaveSiteProfile(profile, file)) throw std::runtime_error("cannot write " + file);
+  if (IsNetworkPath(profile.SaveTo)) {
+    const std::string note = FieldNote(profile, "SaveTo", LoadApplicationSettings().NamesAsListed == 1);
+    if (!note.empty()) std::fprintf(stderr, "quillmoor-config: %s\n", note.c_str());
+  }
   return kDone;
 }
 
@@ -168,14 +175,18 @@ int deleteProfile(const std::string& name) {
 }
 
 const SettingDefinition& settingOf(const std::string& key) {
-  for (const SettingDefinition& setting : kSettings) {
-    if (setting.key == key) return setting;
+  try {
+    return DefinitionOf(key);
+  } catch (const std::logic_error& error) {
+    throw UsageError(error.what() + std::string(". See quillmoor-config setting list."));
   }
-  throw UsageError("There is no setting " + key + ". See quillmoor-config setting list.");
 }
 
+/// As it is stored. One that the programs cannot use is told of beside that.
 std::string shownSetting(const SettingDefinition& setting) {
   std::string value = ReadSetting(std::string(setting.key), std::string(setting.defaultText));
+  const std::string note = SettingNote(setting, value);
+  if (!note.empty()) std::fprintf(stderr, "quillmoor-config: %s\n", note.c_str());
   return IsSecret(setting.key) && !value.empty() ? "(hidden)" : value;
 }
 
@@ -193,6 +204,10 @@ int setSetting(const std::string& key, const std::string& value) {
     const auto [rest, error] = std::from_chars(value.data(), value.data() + value.size(), number);
     if (error != std::errc() || rest != value.data() + value.size())
       throw UsageError(key + " takes a number.");
+    if (number < setting.lowest || number > setting.highest) {
+      throw UsageError(key + " takes a number from " + std::to_string(setting.lowest) + " to " +
+                       std::to_string(setting.highest) + ".");
+    }
   }
   if (!IsSecret(key)) {
     WriteSetting(key, value);

@@ -1,8 +1,5 @@
 #include "profiles/ApplicationSettings.h"
 
-#include <algorithm>
-#include <stdexcept>
-
 #include "profiles/LenientNumber.h"
 #include "profiles/NameOrder.h"
 #include "profiles/SettingsStore.h"
@@ -11,19 +8,30 @@ namespace quillmoor {
 namespace {
 
 std::string stored(const char* key) {
-  const auto definition = std::find_if(kSettings.begin(), kSettings.end(),
-                                       [&](const auto& setting) { return setting.key == key; });
-  if (definition == kSettings.end()) throw std::logic_error(std::string("There is no setting ") + key);
-  return ReadSetting(key, std::string(definition->defaultText));
+  return ReadSetting(key, std::string(DefinitionOf(key).defaultText));
 }
 
-std::int32_t number(const char* key) {
-  try {
-    return ToLong(stored(key));
-  } catch (const std::overflow_error&) {
-    throw std::overflow_error(std::string("The setting ") + key + " is too large: " + stored(key));
+/// Reads numbers and notes those that cannot be read.
+class Numbers {
+ public:
+  explicit Numbers(std::vector<std::string>* notes) : notes_(notes) {}
+
+  std::int32_t whole(const char* key) const { return SettingNumber(DefinitionOf(key), usable(key)).value(); }
+  /// The window's place may be stored with decimals.
+  double real(const char* key) const { return Val(usable(key)); }
+
+ private:
+  std::string usable(const char* key) const {
+    const SettingDefinition& setting = DefinitionOf(key);
+    std::string text = stored(key);
+    std::string note = SettingNote(setting, text);
+    if (note.empty()) return text;
+    if (notes_) notes_->push_back(std::move(note));
+    return std::string(setting.defaultText);
   }
-}
+
+  std::vector<std::string>* notes_;
+};
 
 /// A Boolean is stored as a word or as a number.
 bool boolean(const char* key) {
@@ -33,40 +41,43 @@ bool boolean(const char* key) {
 
 }  // namespace
 
-ApplicationSettings LoadApplicationSettings() {
+ApplicationSettings LoadApplicationSettings(std::vector<std::string>* notes) {
+  const Numbers number(notes);
   ApplicationSettings s;
-  s.MainLeft = Val(stored("MainLeft"));
-  s.MainTop = Val(stored("MainTop"));
-  s.MainWidth = Val(stored("MainWidth"));
-  s.MainHeight = Val(stored("MainHeight"));
-  s.TransferType = number("TransferType");
+  s.MainLeft = number.real("MainLeft");
+  s.MainTop = number.real("MainTop");
+  s.MainWidth = number.real("MainWidth");
+  s.MainHeight = number.real("MainHeight");
+  s.TransferType = number.whole("TransferType");
   s.Passive = boolean("Passive");
-  s.Timeout = number("Timeout");
-  s.RemotePort = number("RemotePort");
-  s.ScheduleHour = number("SchedualHour");
-  s.ScheduleMinute = number("SchedualMinute");
+  s.Timeout = number.whole("Timeout");
+  s.RemotePort = number.whole("RemotePort");
+  s.ScheduleHour = number.whole("SchedualHour");
+  s.ScheduleMinute = number.whole("SchedualMinute");
   for (std::size_t day = 1; day < s.ScheduleDays.size(); ++day) {
-    s.ScheduleDays[day] = number(kScheduleDayKeys[day]);
+    s.ScheduleDays[day] = number.whole(kScheduleDayKeys[day]);
   }
-  s.ProcessPriority = number("ProcessPriority");
-  s.AutoDial = number("AutoDial");
-  s.AutoHangUp = number("AutoHangUp");
+  s.ProcessPriority = number.whole("ProcessPriority");
+  s.AutoDial = number.whole("AutoDial");
+  s.AutoHangUp = number.whole("AutoHangUp");
   s.AutoDialUpConnection = stored("AutoDialUpConnection");
-  s.AutoStartUp = number("AutoStartUp");
-  s.BackupMode = number("BackupMode");
-  s.UniqueBackup = number("UniqueBackup");
-  s.CreateZip = number("CreateZip");
-  s.SplitZip = number("SplitZip");
-  s.ZipSpanSize = number("ZipSpanSize");
-  s.ZipSelfExtract = number("ZipSelfExtract");
+  s.AutoStartUp = number.whole("AutoStartUp");
+  s.BackupMode = number.whole("BackupMode");
+  s.UniqueBackup = number.whole("UniqueBackup");
+  s.CreateZip = number.whole("CreateZip");
+  s.SplitZip = number.whole("SplitZip");
+  s.ZipSpanSize = number.whole("ZipSpanSize");
+  s.ZipSelfExtract = number.whole("ZipSelfExtract");
   s.ZipPassword = stored("ZipPassword");
   s.ZipCopies = stored("ZipCopies");
   s.RunBefore = stored("RunBefore");
   s.RunAfter = stored("RunAfter");
   s.ConnectBefore = stored("ConnectBefore");
   s.ConnectAfter = stored("ConnectAfter");
-  s.FtpRetryCount = number("FtpRetryCount");
-  s.ConnectionDelay = number("ConnectionDelay");
+  s.FtpRetryCount = number.whole("FtpRetryCount");
+  s.ConnectionDelay = number.whole("ConnectionDelay");
+  s.LoginAttempts = number.whole("LoginAttempts");
+  s.NamesAsListed = number.whole("NamesAsListed");
   return s;
 }
 

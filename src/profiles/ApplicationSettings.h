@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace quillmoor {
 
@@ -50,14 +51,17 @@ struct ApplicationSettings {
   std::string ConnectAfter;
   std::int32_t FtpRetryCount = 5;
   std::int32_t ConnectionDelay = 5;  // seconds
-  std::int32_t LoginAttempts = 0;    // 0: no limit
-  std::int32_t NamesAsListed = 0;    // 1: no bracketed text and no blanks are cut from paths
+  std::int32_t LoginAttempts = 0;    // 0: no limit, else 1..kMostLoginAttempts
+  std::int32_t NamesAsListed = 0;    // 1: nothing is cut from the paths of folders (engine/mCreatePath.h)
 };
 
-/// Reads every key but `AsciiExts`. A stored text that is no number reads as its leading number, else 0.
-/// Raises RegistryStoreError when the store itself cannot be read (damaged file; the text names it), and
-/// std::overflow_error for a number too large, naming its key.
-ApplicationSettings LoadApplicationSettings();
+inline constexpr std::int32_t kMostLoginAttempts = 99;
+
+/// Reads every key but `AsciiExts`. A number is what leads the stored text; where that is no number, or one
+/// that the setting cannot have, the default holds and `notes`, if given, gets a sentence that names the key,
+/// the stored text and the default. Raises RegistryStoreError when the store itself cannot be read (damaged
+/// file; the text names it).
+ApplicationSettings LoadApplicationSettings(std::vector<std::string>* notes = nullptr);
 
 /// The `AsciiExts` value, the default list when it is missing; joined with "|".
 std::string LoadAsciiExtensions();

@@ -20,7 +20,7 @@ Integer narrowed(double number) {
 
 }  // namespace
 
-double Val(std::string_view text) {
+std::optional<double> LeadingNumber(std::string_view text) {
   std::string compact;
   for (const char c : text.substr(0, 400)) {
     if (c != ' ' && c != '\t' && c != '\r' && c != '\n') compact += c;
@@ -31,16 +31,20 @@ double Val(std::string_view text) {
   // "inf" and "nan" are words here, not numbers.
   const char* digit = begin;
   if (digit != end && *digit == '-') ++digit;
-  if (digit == end || (*digit != '.' && (*digit < '0' || *digit > '9'))) return 0;
+  if (digit == end || (*digit != '.' && (*digit < '0' || *digit > '9'))) return std::nullopt;
   double number = 0;
   const auto [rest, error] = std::from_chars(begin, end, number);
   if (error == std::errc::result_out_of_range) {
     return std::string_view(begin, static_cast<std::size_t>(rest - begin)).find("e-") !=
                    std::string_view::npos
-               ? 0
+               ? 0.0
                : std::numeric_limits<double>::max();
   }
-  return error == std::errc() ? number : 0;
+  return error == std::errc() ? std::optional(number) : std::nullopt;
+}
+
+double Val(std::string_view text) {
+  return LeadingNumber(text).value_or(0);
 }
 
 std::int32_t ToLong(double number) {

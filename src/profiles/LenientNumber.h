@@ -3,12 +3,16 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace quillmoor {
 
-/// The number that leads the text (sign, digits, decimal point, exponent), blanks passed over; 0 when there
-/// is none. "60 s" is 60, "abc" is 0.
+/// The number that leads the text (sign, digits, decimal point, exponent), blanks passed over; nothing when
+/// there is none. "60 s" is 60, "1e999" the largest number there is.
+std::optional<double> LeadingNumber(std::string_view text);
+
+/// The same, but 0 when there is none.
 double Val(std::string_view text);
 
 /// To the nearest whole number, a half to the even one. Raises std::overflow_error beyond 32 bits.

@@ -53,6 +53,7 @@ OptionsEditor::OptionsEditor(ApplicationSettings& settings, UserPrompts& prompts
       txtZipSpanSize(std::to_string(settings.ZipSpanSize)),
       chkZipSelfExtract(settings.ZipSelfExtract == 1),
       lstZipCopies(SplitList(settings.ZipCopies)),
+      chkNamesAsListed(settings.NamesAsListed == 1),
       spanSizeNote(noteOnSpan(settings.ZipSpanSize)),
       settings_(settings),
       prompts_(prompts),
@@ -102,6 +103,11 @@ void OptionsEditor::SetUniqueBackup(bool checked) {
 void OptionsEditor::storeFlag(const char* key, std::int32_t ApplicationSettings::*value, bool checked) {
   settings_.*value = checked ? 1 : 0;
   writer_.WriteFlag(key, checked);
+}
+
+void OptionsEditor::SetNamesAsListed(bool checked) {
+  chkNamesAsListed = checked;
+  storeFlag("NamesAsListed", &ApplicationSettings::NamesAsListed, checked);
 }
 
 void OptionsEditor::SetCreateZip(bool checked) {

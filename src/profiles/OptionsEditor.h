@@ -44,6 +44,7 @@ class OptionsEditor {
   std::string txtZipPassword;
   std::vector<std::string> lstZipCopies;
   std::array<std::string, kRunTexts.size()> txtRun;  // as in kRunTexts
+  bool chkNamesAsListed = false;
 
   /// Lines beside unique backup, the span size, the password and the addresses, "" when there is nothing to
   /// say.
@@ -56,6 +57,8 @@ class OptionsEditor {
   void ChooseFull();
   void ChooseIncremental();
   void SetUniqueBackup(bool checked);
+
+  void SetNamesAsListed(bool checked);
 
   void SetCreateZip(bool checked);
   void SetSplitZip(bool checked);

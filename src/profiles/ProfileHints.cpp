@@ -75,10 +75,20 @@ bool inUse(const SiteProfile& profile, std::string_view key) {
   return !key.starts_with("Proxy") || profile.ProxyType != 0;
 }
 
+/// A run cuts one backslash off a network path, unless folder names are kept: files and archive would then
+/// lie in different places.
+std::string saveToNote(const std::string& path, bool namesAsListed, LocalNameRules rules) {
+  if (IsNetworkPath(path, rules)) {
+    return namesAsListed
+               ? ""
+               : "No backup is made to a network path. Give it a drive letter and enter that, or tick in "
+                 "the options that names of folders are kept as the server lists them.";
+  }
+  return LocalPath(path).is_absolute() ? "" : "The whole path of a folder of this computer is wanted.";
+}
+
 std::string noteOf(const SiteProfile& profile, std::string_view key, const std::string& text) {
   if (key == "Host" || key == "ProxyHost") return hostNote(text);
-  if (key == "SaveTo")
-    return LocalPath(text).is_absolute() ? "" : "The whole path of a folder of this computer is wanted.";
   if (key == "RunURL") return AddressNote(text);
   if (key == "MaxData") return highestPortNote(profile);
   for (const NumberRange& range : kNumbers) {
@@ -102,12 +112,14 @@ std::string AddressNote(const std::string& address) {
   return web && !holdsAny(address, " \t") ? "" : "An address with http:// or https:// is wanted.";
 }
 
-std::string FieldNote(const SiteProfile& profile, std::string_view key) {
+std::string FieldNote(const SiteProfile& profile, std::string_view key, bool namesAsListed,
+                      LocalNameRules rules) {
   for (const ProfileText& field : kProfileTexts) {
     if (field.key != key) continue;
     const std::string text = TrimmedText(profile.*field.field);
     const bool needed = profile.ProxyType != 0 && (key == "ProxyHost" || key == "ProxyPort");
-    return (text.empty() && !needed) || !inUse(profile, key) ? "" : noteOf(profile, key, text);
+    if ((text.empty() && !needed) || !inUse(profile, key)) return "";
+    return key == "SaveTo" ? saveToNote(text, namesAsListed, rules) : noteOf(profile, key, text);
   }
   return "";
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/LocalPath.h"
 #include "profiles/SiteProfile.h"
 
 namespace quillmoor {
@@ -12,10 +13,12 @@ namespace quillmoor {
 /// two; "" where the caption says it all.
 std::string_view FieldHint(std::string_view key);
 
-/// What is wrong with what the field holds, as one sentence, "" when nothing is. It forbids nothing: a save
-/// refuses and corrects by rules of its own. A field that is empty, or that nothing looks at, is passed over;
-/// but not the host and the port of a proxy that is to be used.
-std::string FieldNote(const SiteProfile& profile, std::string_view key);
+/// What is wrong with what the field holds, as a sentence or two, "" when nothing is. It forbids nothing: a
+/// save refuses and corrects by rules of its own. A field that is empty, or that nothing looks at, is passed
+/// over; but not the host and the port of a proxy that is to be used. `namesAsListed`: the setting
+/// NamesAsListed is 1.
+std::string FieldNote(const SiteProfile& profile, std::string_view key, bool namesAsListed = false,
+                      LocalNameRules rules = kLocalNameRules);
 
 /// The same for a web address that is to be called; blanks around it count here.
 std::string AddressNote(const std::string& address);

@@ -46,6 +46,7 @@ SettingsEditor::SettingsEditor(ApplicationSettings& settings, DialUpPanel& dialU
       chkAutoStartUp(settings.AutoStartUp == 1),
       txtRetryCount(std::to_string(settings.FtpRetryCount)),
       txtConnectionDelay(std::to_string(settings.ConnectionDelay)),
+      txtLoginAttempts(std::to_string(settings.LoginAttempts)),
       lstExtensions(SplitList(LoadAsciiExtensions())),
       priorityPosition(modProcessPriority::ClassToPosition(settings.ProcessPriority)),
       lblPriority(modProcessPriority::ClassName(settings.ProcessPriority)),
@@ -125,6 +126,12 @@ void SettingsEditor::SetConnectionDelay(const std::string& text) {
   txtConnectionDelay = text;
   settings_.ConnectionDelay = storeNumber("ConnectionDelay", text, kLongestDelay);
   connectionDelayNote = noteOn(text, settings_.ConnectionDelay, kLongestDelay);
+}
+
+void SettingsEditor::SetLoginAttempts(const std::string& text) {
+  txtLoginAttempts = text;
+  settings_.LoginAttempts = storeNumber("LoginAttempts", text, kMostLoginAttempts);
+  loginAttemptsNote = noteOn(text, settings_.LoginAttempts, kMostLoginAttempts);
 }
 
 void SettingsEditor::AddExtension() {

@@ -37,8 +37,9 @@ class SettingsEditor {
   std::string autoStartUpNote;
   std::string txtRetryCount;
   std::string txtConnectionDelay;  // seconds
-  /// Lines beside the two, "" when there is nothing to say.
-  std::string retryCountNote, connectionDelayNote;
+  std::string txtLoginAttempts;    // 0: no limit
+  /// Lines beside the three, "" when there is nothing to say.
+  std::string retryCountNote, connectionDelayNote, loginAttemptsNote;
   std::vector<std::string> lstExtensions;
   /// The add-extension box.
   std::string txtExtension;
@@ -59,6 +60,7 @@ class SettingsEditor {
   /// The texts stay as they were typed; what leads them as a number counts, nothing below 0.
   void SetRetryCount(const std::string& text);
   void SetConnectionDelay(const std::string& text);
+  void SetLoginAttempts(const std::string& text);
 
   /// Puts what the add-extension box holds into the list. Names are compared in small letters and with their
   /// dot, so that is how it is kept: " TXT" becomes ".txt".

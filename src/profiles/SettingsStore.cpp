@@ -1,7 +1,12 @@
 #include "profiles/SettingsStore.h"
 
+#include <stdexcept>
+
+#include "platform/CodePage.h"
+#include "platform/PrintableText.h"
 #include "platform/RegistryApi.h"
 #include "profiles/ApplicationSettings.h"
+#include "profiles/LenientNumber.h"
 #include "profiles/cRegistry.h"
 
 namespace quillmoor {
@@ -14,7 +19,7 @@ const char* const kDefaultAsciiExtensions =
     ".vbs|.js|.css|.cgi|.pm|.pl|.t|.html|.htm|.shtm|.shtml|.dhtml|.phtml|.java|.jsp|.config|.manifest|.log|."
     "sql";
 
-const std::array<SettingDefinition, 37> kSettings = {{
+const std::array<SettingDefinition, 39> kSettings = {{
     {"MainLeft", Kind::number, "1000"},
     {"MainTop", Kind::number, "1000"},
     {"MainWidth", Kind::number, "11685"},
@@ -52,6 +57,8 @@ const std::array<SettingDefinition, 37> kSettings = {{
     {"FtpRetryCount", Kind::number, "5"},
     {"ConnectionDelay", Kind::number, "5"},
     {"AsciiExts", Kind::text, kDefaultAsciiExtensions},
+    {"LoginAttempts", Kind::number, "0", 0, kMostLoginAttempts},
+    {"NamesAsListed", Kind::number, "0", 0, 1},
 }};
 
 namespace {
@@ -64,7 +71,38 @@ cRegistry settingValue(const std::string& application, const std::string& sectio
   return registry;
 }
 
+// A damaged text can be of any length, and so can the line that tells of it.
+constexpr std::size_t kShownBytes = 200;
+
 }  // namespace
+
+const SettingDefinition& DefinitionOf(std::string_view key) {
+  for (const SettingDefinition& setting : kSettings) {
+    if (setting.key == key) return setting;
+  }
+  throw std::logic_error("There is no setting " + std::string(key));
+}
+
+std::optional<std::int32_t> SettingNumber(const SettingDefinition& setting, std::string_view stored) {
+  const std::optional<double> number = LeadingNumber(stored);
+  if (!number) return std::nullopt;
+  try {
+    const std::int32_t whole = ToLong(*number);
+    if (whole < setting.lowest || whole > setting.highest) return std::nullopt;
+    return whole;
+  } catch (const std::overflow_error&) {
+    return std::nullopt;
+  }
+}
+
+std::string SettingNote(const SettingDefinition& setting, std::string_view stored) {
+  if (setting.kind != Kind::number || SettingNumber(setting, stored)) return "";
+  std::string wanted = "number";
+  if (setting.lowest == 0) wanted += " from 0 to " + std::to_string(setting.highest);
+  return "The setting " + std::string(setting.key) + " is stored as \"" +
+         PrintableText(ToUtf8(stored.substr(0, kShownBytes))) + "\", which is no " + wanted +
+         " that can be used: " + std::string(setting.defaultText) + " is used instead.";
+}
 
 std::string ReadSetting(const std::string& application, const std::string& section, const std::string& key,
                         const std::string& defaultText) {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,10 +30,24 @@ struct SettingDefinition {
   std::string_view key;
   enum class Kind { number, text } kind;
   std::string_view defaultText;
+  /// Of a number. The older settings take every number and make the best of it.
+  std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
+  std::int32_t highest = std::numeric_limits<std::int32_t>::max();
 };
 
-/// Every setting, in the order in which they are read at start-up; `AsciiExts` comes last and is read by
-/// those who need it. The odd spellings of some keys are those of the stored settings.
-extern const std::array<SettingDefinition, 37> kSettings;
+/// Every setting, in the order in which they are read at start-up; `AsciiExts` is read by those who need it.
+/// The odd spellings of some keys are those of the stored settings.
+extern const std::array<SettingDefinition, 39> kSettings;
+
+/// Raises std::logic_error for a key that kSettings does not have.
+const SettingDefinition& DefinitionOf(std::string_view key);
+
+/// The number that a setting's stored text begins with, as ToLong rounds it. Nothing when it begins with
+/// none, or with one outside the setting's range.
+std::optional<std::int32_t> SettingNumber(const SettingDefinition& setting, std::string_view stored);
+
+/// Why a stored text cannot be used for its setting and what is used instead, as one sentence; "" when it
+/// can.
+std::string SettingNote(const SettingDefinition& setting, std::string_view stored);
 
 }  // namespace quillmoor

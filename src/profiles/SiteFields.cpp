@@ -28,8 +28,8 @@ std::string SiteProfile::*valueOf(std::string_view key) {
 
 }  // namespace
 
-SiteFields::SiteFields(wxWindow* parent, SiteProfileEditor& editor)
-    : ScrolledForm(parent, "SiteFields"), editor_(editor) {
+SiteFields::SiteFields(wxWindow* parent, SiteProfileEditor& editor, const ApplicationSettings& settings)
+    : ScrolledForm(parent, "SiteFields"), editor_(editor), settings_(settings) {
   layOutSite();
   layOutFolders();
   layOutConnection();
@@ -212,7 +212,8 @@ void SiteFields::show() {
 void SiteFields::showNotes() {
   for (const Text& text : texts_) {
     const bool password = text.key == "Password";
-    setNote(text.note, fromUtf8(password ? editor_.passwordNote() : FieldNote(editor_.shown, text.key)));
+    setNote(text.note, fromUtf8(password ? editor_.passwordNote()
+                                         : FieldNote(editor_.shown, text.key, settings_.NamesAsListed == 1)));
   }
 }
 

@@ -11,17 +11,20 @@
 
 #include "controls/ReportControl.h"
 #include "controls/ScrolledForm.h"
+#include "profiles/ApplicationSettings.h"
 #include "profiles/SiteProfileEditor.h"
 
 namespace quillmoor {
 
 class SiteFields : public ScrolledForm {
  public:
-  /// `editor` must outlive this.
-  SiteFields(wxWindow* parent, SiteProfileEditor& editor);
+  /// Both must outlive this; `settings` decides on what is said of network paths.
+  SiteFields(wxWindow* parent, SiteProfileEditor& editor, const ApplicationSettings& settings);
 
   /// Shows all fields as the editor has them.
   void show();
+  /// Brings what is said below the boxes up to date: it depends on a setting, too.
+  void showNotes();
   /// The connect button was clicked.
   std::function<void()> onConnect;
 
@@ -74,12 +77,11 @@ class SiteFields : public ScrolledForm {
   void selectsAll(wxTextCtrl* text);
   /// Changes the editor and shows what has become of it.
   void change(const std::function<void()>& command);
-  void showTexts();
-  void showNotes();
   void showFolders();
   void enableControls();
 
   SiteProfileEditor& editor_;
+  const ApplicationSettings& settings_;
   std::vector<Text> texts_;
   std::vector<std::string> shownFolders_;
 };

@@ -36,6 +36,7 @@ frmOptions::frmOptions(wxWindow* parent, ApplicationSettings& settings, std::uni
       prompts_(prompts ? std::move(prompts) : std::make_unique<WindowPrompts>(this)),
       editor_(settings, *prompts_) {
   layOutMode();
+  layOutNames();
   layOutArchive();
   layOutCopies();
   layOutRunTexts();
@@ -64,6 +65,19 @@ void frmOptions::layOutMode() {
   add(chkUniqueBackup);
   lblUniqueBackupNote = addNote("", indent());
   addNote("What is changed here counts from the next start of the program.");
+}
+
+void frmOptions::layOutNames() {
+  beginGroup("Names of folders");
+  chkNamesAsListed = checkBox("Keep them as the server &lists them", "chkNamesAsListed",
+                              "For sites that have folders such as \"photos [2024]\", and on Windows for a "
+                              "network path under \"Save to\"");
+  add(chkNamesAsListed);
+  addNote(
+      "Without the tick the path of a folder loses what stands between \"[\" and \"]\", the blanks around "
+      "it, "
+      "and the first of the two backslashes of a network path.",
+      indent());
 }
 
 void frmOptions::layOutArchive() {
@@ -144,6 +158,7 @@ void frmOptions::connect() {
   on(optFull, wxEVT_RADIOBUTTON, [this] { editor_.ChooseFull(); });
   on(optIncremental, wxEVT_RADIOBUTTON, [this] { editor_.ChooseIncremental(); });
   on(chkUniqueBackup, wxEVT_CHECKBOX, [this] { editor_.SetUniqueBackup(chkUniqueBackup->GetValue()); });
+  on(chkNamesAsListed, wxEVT_CHECKBOX, [this] { editor_.SetNamesAsListed(chkNamesAsListed->GetValue()); });
   on(chkCreateZip, wxEVT_CHECKBOX, [this] { editor_.SetCreateZip(chkCreateZip->GetValue()); });
   on(chkSplitZip, wxEVT_CHECKBOX, [this] { editor_.SetSplitZip(chkSplitZip->GetValue()); });
   on(txtZipSpanSize, wxEVT_TEXT, [this] { editor_.SetZipSpanSize(TextOf(*txtZipSpanSize)); });
@@ -185,6 +200,7 @@ void frmOptions::show() {
   chkUniqueBackup->SetValue(editor_.chkUniqueBackup);
   chkUniqueBackup->Enable(editor_.chkUniqueBackupEnabled);
   setNote(lblUniqueBackupNote, wxString::FromUTF8(editor_.uniqueBackupNote));
+  chkNamesAsListed->SetValue(editor_.chkNamesAsListed);
   chkCreateZip->SetValue(editor_.chkCreateZip);
   chkSplitZip->SetValue(editor_.chkSplitZip);
   ShowText(txtZipSpanSize, wxString::FromUTF8(editor_.txtZipSpanSize));

@@ -23,6 +23,7 @@ class frmOptions : public ScrolledForm {
   wxRadioButton* optIncremental;
   wxCheckBox* chkUniqueBackup;
   wxStaticText* lblUniqueBackupNote;
+  wxCheckBox* chkNamesAsListed;
   wxCheckBox* chkCreateZip;
   wxCheckBox* chkSplitZip;
   wxStaticText* lblZipSpanSize;
@@ -43,6 +44,7 @@ class frmOptions : public ScrolledForm {
 
  private:
   void layOutMode();
+  void layOutNames();
   void layOutArchive();
   void layOutCopies();
   void layOutRunTexts();

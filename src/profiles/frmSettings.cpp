@@ -85,6 +85,14 @@ void frmSettings::layOutConnection() {
   SetAccessibleName(*txtConnectionDelay, "Delay, in seconds");
   addRow(delay, txtConnectionDelay, Width::own, {label("seconds")});
   lblConnectionDelayNote = addNote("", indent());
+  wxStaticText* const logins = caption("L&ogin attempts:");
+  txtLoginAttempts = textBox(8, "txtLoginAttempts",
+                             "A number from 1 to 99: how often a profile may be refused its login before the "
+                             "next profile has its turn. 0: there is no limit");
+  SetLabelFor(*logins, *txtLoginAttempts);
+  SetAccessibleName(*txtLoginAttempts, "Login attempts of a profile, 0 for no limit");
+  addRow(logins, txtLoginAttempts, Width::own, {label("0: no limit")});
+  lblLoginAttemptsNote = addNote("", indent());
 }
 
 void frmSettings::layOutDialUp() {
@@ -187,6 +195,7 @@ void frmSettings::connect() {
     on(chkDay[day], wxEVT_CHECKBOX, [this, day] { editor_.SetDay(day, chkDay[day]->GetValue()); });
   on(txtRetryCount, wxEVT_TEXT, [this] { editor_.SetRetryCount(TextOf(*txtRetryCount)); });
   on(txtConnectionDelay, wxEVT_TEXT, [this] { editor_.SetConnectionDelay(TextOf(*txtConnectionDelay)); });
+  on(txtLoginAttempts, wxEVT_TEXT, [this] { editor_.SetLoginAttempts(TextOf(*txtLoginAttempts)); });
   on(cboConnections, wxEVT_CHOICE,
      [this] { editor_.ChooseDialUpEntry(cboConnections->GetStringSelection().utf8_string()); });
   on(chkAutoDial, wxEVT_CHECKBOX, [this] { editor_.SetAutoDial(chkAutoDial->GetValue()); });
@@ -253,7 +262,9 @@ void frmSettings::show() {
   ShowText(txtRetryCount, wxString::FromUTF8(editor_.txtRetryCount));
   ShowText(txtConnectionDelay, wxString::FromUTF8(editor_.txtConnectionDelay));
   setNote(lblRetryCountNote, wxString::FromUTF8(editor_.retryCountNote));
+  ShowText(txtLoginAttempts, wxString::FromUTF8(editor_.txtLoginAttempts));
   setNote(lblConnectionDelayNote, wxString::FromUTF8(editor_.connectionDelayNote));
+  setNote(lblLoginAttemptsNote, wxString::FromUTF8(editor_.loginAttemptsNote));
   chkAutoDial->SetValue(editor_.chkAutoDial);
   chkAutoHangUp->SetValue(editor_.chkAutoHangUp);
   cmdRemoveExtension->Enable(lstExtensions->GetSelection() != wxNOT_FOUND);

@@ -59,6 +59,7 @@ class frmSettings : public ScrolledForm {
   wxStaticText* lblLANstatus;
   wxTextCtrl* txtRetryCount;
   wxTextCtrl* txtConnectionDelay;
+  wxTextCtrl* txtLoginAttempts;
   wxChoice* cboConnections;
   wxCheckBox* chkAutoDial;
   wxCheckBox* chkAutoHangUp;
@@ -74,6 +75,7 @@ class frmSettings : public ScrolledForm {
   wxStaticText* lblAutoStartNote;
   wxStaticText* lblRetryCountNote;
   wxStaticText* lblConnectionDelayNote;
+  wxStaticText* lblLoginAttemptsNote;
   wxSlider* SliderlPriority;
   wxStaticText* lblPriority;
   wxButton* cmdResetLayout;

@@ -47,7 +47,7 @@ frmSite::frmSite(wxWindow* parent, const ApplicationSettings& settings, std::str
   wndTaskPanel = new TaskPanel(halves, "wndTaskPanel");
   wndTaskPanel->addCommands(fromUtf8(kCommandGroup), kCommands);
   wndTaskPanel->addList(fromUtf8(kProfileGroup), "tasks/Profile");
-  fields = new SiteFields(halves, editor_);
+  fields = new SiteFields(halves, editor_, settings_);
   halves->SetMinimumPaneSize(FromDIP(80));
   halves->SplitVertically(wndTaskPanel, fields, WidthForText(*this, kTaskPanelWidth));
   auto* const all = new wxBoxSizer(wxVERTICAL);
@@ -61,7 +61,10 @@ frmSite::frmSite(wxWindow* parent, const ApplicationSettings& settings, std::str
     if (onExit) onExit();
   };
   lookForChange();
-  tmrProfiles_.begin(this, kLookEvery, [this] { lookForChange(); });
+  tmrProfiles_.begin(this, kLookEvery, [this] {
+    lookForChange();
+    fields->showNotes();
+  });
 }
 
 void frmSite::itemClicked(int id) {

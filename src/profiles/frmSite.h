@@ -22,7 +22,7 @@ namespace quillmoor {
 
 class frmSite : public wxPanel {
  public:
-  /// `settings` is what the remote browser goes by; it must outlive the form.
+  /// `settings` is what the remote browser and the notes below the fields go by; it must outlive the form.
   frmSite(wxWindow* parent, const ApplicationSettings& settings, std::string profilesFile);
 
   /// The window is shown again.

@@ -54,6 +54,12 @@ expect 1 "needs a Host" "$config" profile set "My site" Host=" "
 # Settings
 expect 0 "AutoDial=1" "$config" setting list
 for number in no 1-2 "" 99999999999; do expect 2 "takes a number" "$config" setting set AutoDial "$number"; done
+for pair in "LoginAttempts 100" "LoginAttempts -1" "NamesAsListed 2"; do
+  expect 2 "takes a number from 0 to" "$config" setting set ${pair% *} "${pair#* }"
+done
+expect 0 "" "$config" setting set LoginAttempts 99
+expect 0 "LoginAttempts=99" "$config" setting list
+expect 0 "" "$config" setting set LoginAttempts 0
 expect 2 "no setting Colour" "$config" setting set Colour red
 expect 0 "" "$config" setting set ZipPassword "s3cret word"
 expect 0 "(hidden)" "$config" setting get ZipPassword
@@ -68,11 +74,19 @@ expect 0 "Good Bye." "$run" --assume-network             # nothing enabled: noth
 
 expect 0 "" "$config" dialup list
 
+# A network path is told of where there are such paths.
+expect 0 "$([ $windows = yes ] && echo "drive letter")" "$config" profile set Net 'SaveTo=\\nas\backup' Host=h UserID=u Password=p Folder=/
+expect 0 "" "$config" profile delete Net
+
 # What follows is done to the programs from outside, by signals and files that Windows does not have.
 if [ $windows = yes ]; then
   [ "$failed" = 0 ] && echo ok
   exit "$failed"
 fi
+
+chmod 644 "$work/program/Profiles.ini"
+expect 0 "Its permissions are now 0600" "$config" profile set Other Host=h UserID=u Password=p Folder=/
+expect 0 "" "$config" profile delete Other
 
 # Dial-up, with a system of the test's own that has one entry, and that connected.
 mkdir "$work/bin"

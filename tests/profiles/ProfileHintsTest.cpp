@@ -1,6 +1,7 @@
 // What is said beside the fields of a site profile.
 #include "profiles/ProfileHints.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "profiles/ProfileText.h"
@@ -67,6 +68,18 @@ TEST(ProfileHints, SayNothingOfANewProfileAndOfWhatNothingLooksAt) {
   }
   profile.MinData = profile.MaxData = profile.ProxyPort = "x";
   for (const char* key : {"MinData", "MaxData", "ProxyPort"}) EXPECT_EQ(FieldNote(profile, key), "") << key;
+}
+
+TEST(ProfileHints, SayWhatToDoWithANetworkPath) {
+  SiteProfile profile;
+  for (const char* path : {R"(\\nas\backup)", R"( \\?\C:\backup)"}) {
+    profile.SaveTo = path;
+    EXPECT_THAT(FieldNote(profile, "SaveTo", false, LocalNameRules::windows),
+                ::testing::HasSubstr("drive letter"));
+    EXPECT_EQ(FieldNote(profile, "SaveTo", true, LocalNameRules::windows), "");
+    EXPECT_THAT(FieldNote(profile, "SaveTo", false, LocalNameRules::posix),
+                ::testing::Not(::testing::HasSubstr("drive letter")));
+  }
 }
 
 TEST(ProfileHints, MeasureTheHighestPortByTheLowest) {

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 #include <thread>
 
@@ -62,19 +61,6 @@ TEST_F(ProfileFile, CannotBeBrokenByAValue) {
   EXPECT_FALSE(mIni::WriteValue("s]\r\n[t", "k", "v", file));
   EXPECT_FALSE(std::filesystem::exists(file));
   EXPECT_FALSE(mIni::WriteValue("s", "k", "v", (folder / "none" / "x.ini").string()));
-}
-
-TEST_F(ProfileFile, SurvivesRubbish) {
-  std::mt19937 random(4711);
-  for (int round = 0; round < 300; ++round) {
-    std::string rubbish;
-    for (int i = 0; i < 400; ++i) rubbish += "[]=;\r\n\0 \"k\xE4"[random() % 11];
-    writeFile(file, rubbish);
-    mIni::ListSections(file);
-    mIni::ReadValue("k", "k", file);
-    ASSERT_TRUE(mIni::WriteValue("own section", "own key", "value", file));
-    EXPECT_EQ(mIni::ReadValue("own section", "own key", file), "value");
-  }
 }
 
 TEST_F(ProfileFile, KeepsAProfileThroughSavingAndLoading) {

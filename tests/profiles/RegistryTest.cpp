@@ -189,23 +189,58 @@ TEST_F(Registry, KeepsTheSettingsUnderTheirKeys) {
                                             "Software\\Tarnick\\Quillmoor\\Settings", "ZipCopies");
   ASSERT_TRUE(data);
   EXPECT_EQ(data->bytes, "a|b");
-  WriteSetting("AutoDial", "99999999999");
-  EXPECT_THROW(LoadApplicationSettings(), std::overflow_error);
+}
+
+TEST_F(Registry, TakesTheDefaultOfANumberThatCannotBeRead) {
+  const struct {
+    const char *key, *text;
+    std::int32_t ApplicationSettings::*value;
+    std::int32_t read;
+    bool noted;
+  } cases[] = {{"Timeout", "99999999999", &ApplicationSettings::Timeout, 30, true},
+               {"RemotePort", "-99999999999", &ApplicationSettings::RemotePort, 21, true},
+               {"SchedualHour", "noon\n", &ApplicationSettings::ScheduleHour, 12, true},
+               {"FtpRetryCount", "", &ApplicationSettings::FtpRetryCount, 5, true},
+               {"ConnectionDelay", " 7 s", &ApplicationSettings::ConnectionDelay, 7, false},
+               {"SchedualMinute", "-1", &ApplicationSettings::ScheduleMinute, -1, false},
+               {"LoginAttempts", "99", &ApplicationSettings::LoginAttempts, 99, false},
+               {"LoginAttempts", "100", &ApplicationSettings::LoginAttempts, 0, true},
+               {"LoginAttempts", "-1", &ApplicationSettings::LoginAttempts, 0, true},
+               {"NamesAsListed", "2", &ApplicationSettings::NamesAsListed, 0, true}};
+  WriteSetting("MainLeft", "1e999");
+  for (const auto& c : cases) {
+    WriteSetting(c.key, c.text);
+    std::vector<std::string> notes;
+    EXPECT_EQ(LoadApplicationSettings(&notes).*c.value, c.read) << c.key << " " << c.text;
+    ASSERT_FALSE(notes.empty());
+    EXPECT_THAT(notes[0], HasSubstr("MainLeft is stored as \"1e999\"")) << "the table's order";
+    if (c.noted) {
+      EXPECT_THAT(notes.back(), StartsWith("The setting " + std::string(c.key) + " is stored as \""));
+      EXPECT_THAT(notes.back(), HasSubstr(std::to_string(c.read) + " is used instead."));
+    }
+    EXPECT_EQ(notes.size(), c.noted ? 2U : 1U) << c.key << " " << c.text;
+    RegistryApi::deleteValue(HKEY_LOCAL_MACHINE_VALUE, "Software\\Tarnick\\Quillmoor\\Settings", c.key);
+  }
+  EXPECT_EQ(LoadApplicationSettings().MainLeft, 1000);
 }
 
 TEST_F(Registry, StartsTheProgramWithTheSession) {
   using mAutoRun::Mode;
+  constexpr const char* kRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+  constexpr const char* kRunOnce = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
   const auto isIn = [](const char* key) {
-    const auto data = RegistryApi::queryValue(
-        HKEY_LOCAL_MACHINE_VALUE, std::string("Software\\Microsoft\\Windows\\CurrentVersion\\") + key,
-        ProgramName());
+    const auto data = RegistryApi::queryValue(HKEY_LOCAL_MACHINE_VALUE, key, ProgramName());
     return data && data->bytes == ProgramFolder() + ProgramName();
   };
-  mAutoRun::SetAutoRun(Mode::off);
-  for (const Mode mode : {Mode::always, Mode::once, Mode::always, Mode::off, Mode::once, Mode::off}) {
+  for (const Mode mode :
+       {Mode::off, Mode::always, Mode::once, Mode::always, Mode::off, Mode::once, Mode::off}) {
     mAutoRun::SetAutoRun(mode);
-    EXPECT_EQ(isIn("Run"), mode == Mode::always);
-    EXPECT_EQ(isIn("RunOnce"), mode == Mode::once);
+    EXPECT_EQ(isIn(kRun), mode == Mode::always);
+    EXPECT_EQ(isIn(kRunOnce), mode == Mode::once);
+    const auto once = own.writeStamp(kRunOnce), always = own.writeStamp(kRun);
+    mAutoRun::SetAutoRun(mode);
+    EXPECT_EQ(own.writeStamp(kRunOnce), once) << "needs no right to write";
+    EXPECT_EQ(own.writeStamp(kRun), always);
   }
 }
 

@@ -54,13 +54,14 @@ TEST_F(SettingsEditorTest, IsFilledFromTheSettings) {
   settings.AutoDial = settings.AutoHangUp = settings.AutoStartUp = -1;
   settings.FtpRetryCount = 7;
   settings.ConnectionDelay = 8;
+  settings.LoginAttempts = 9;
   settings.ProcessPriority = 12;
   WriteSetting("AsciiExts", ".b|.a");
   const SettingsEditor opened(settings, panel, prompts);
   EXPECT_EQ(std::to_string(opened.startHour) + ":" + std::to_string(opened.startMinute), "23:0");
   EXPECT_THAT(opened.days, ElementsAre(false, true, false, false, false, false, false, true));
   EXPECT_FALSE(opened.chkAutoDial || opened.chkAutoHangUp || opened.chkAutoStartUp);
-  EXPECT_EQ(opened.txtRetryCount + opened.txtConnectionDelay, "78");
+  EXPECT_EQ(opened.txtRetryCount + opened.txtConnectionDelay + opened.txtLoginAttempts, "789");
   EXPECT_THAT(opened.lstExtensions, ElementsAre(".b", ".a"));
   EXPECT_EQ(opened.lblPriority + " at " + std::to_string(opened.priorityPosition), "Unknown:12 at 7");
   EXPECT_EQ(settings.ScheduleHour, 99) << "looking changes nothing";
@@ -71,22 +72,9 @@ TEST_F(SettingsEditorTest, TakesTheStartTimeAtOnceButNoDay) {
   editor.SetStartTime(0, 5);
   EXPECT_EQ(settings.ScheduleHour * 100 + settings.ScheduleMinute, 5);
   EXPECT_EQ(stored("SchedualHour") + ":" + stored("SchedualMinute"), "0:5");
-  const char* const keys[] = {"",
-                              "SchedualSunday",
-                              "SchedualMonday",
-                              "SchedualTusday",
-                              "SchedualWednesday",
-                              "SchedualThrusday",
-                              "SchedualFriday",
-                              "SchedualSaturday"};
-  for (std::size_t day = 1; day <= 7; ++day) {
-    editor.SetDay(day, true);
-    EXPECT_EQ(stored(keys[day]), "1");
-    EXPECT_TRUE(editor.days[day]);
-    if (day != 2) continue;
-    editor.SetDay(day, false);
-    EXPECT_EQ(stored(keys[day]), "0");
-  }
+  for (std::size_t day = 1; day <= 7; ++day) editor.SetDay(day, true);
+  editor.SetDay(2, false);
+  EXPECT_THAT(editor.days, ElementsAre(false, true, false, true, true, true, true, true));
   EXPECT_THAT(settings.ScheduleDays, ::testing::Each(0)) << "they count from the next start";
   EXPECT_THAT(LoadApplicationSettings().ScheduleDays, ElementsAre(0, 1, 0, 1, 1, 1, 1, 1));
 }
@@ -110,19 +98,25 @@ TEST_F(SettingsEditorTest, StoresTheCheckBoxesAndTheEntry) {
 TEST_F(SettingsEditorTest, TakesTheNumbersThatLeadTheTexts) {
   const struct {
     const char* typed;
-    std::int32_t retries, delay;
-  } rows[] = {{"3", 3, 3},   {"12 times", 12, 12}, {"", 0, 0},
-              {"abc", 0, 0}, {"-1", 0, 0},         {"99999999999", 2147483646, 2147483}};
+    std::int32_t retries, delay, logins;
+  } rows[] = {{"3", 3, 3, 3},   {"12 times", 12, 12, 12}, {"", 0, 0, 0},
+              {"abc", 0, 0, 0}, {"-1", 0, 0, 0},          {"99999999999", 2147483646, 2147483, 99}};
   for (const auto& row : rows) {
     editor.SetRetryCount(row.typed);
     editor.SetConnectionDelay(row.typed);
+    editor.SetLoginAttempts(row.typed);
     EXPECT_EQ(settings.FtpRetryCount, row.retries) << row.typed;
     EXPECT_EQ(settings.ConnectionDelay, row.delay) << row.typed;
-    EXPECT_EQ(stored("FtpRetryCount"), std::to_string(row.retries));
-    EXPECT_EQ(stored("ConnectionDelay"), std::to_string(row.delay));
-    EXPECT_EQ(editor.txtRetryCount + editor.txtConnectionDelay, std::string(row.typed) + row.typed);
+    EXPECT_EQ(settings.LoginAttempts, row.logins) << row.typed;
+    const ApplicationSettings next = LoadApplicationSettings();
+    EXPECT_THAT(std::vector({next.FtpRetryCount, next.ConnectionDelay, next.LoginAttempts}),
+                ElementsAre(row.retries, row.delay, row.logins));
+    EXPECT_THAT(std::vector({editor.txtRetryCount, editor.txtConnectionDelay, editor.txtLoginAttempts}),
+                ::testing::Each(row.typed));
     const bool meant = row.typed == std::string("3");
-    EXPECT_EQ(editor.retryCountNote.empty() && editor.connectionDelayNote.empty(), meant) << row.typed;
+    for (const std::string& note :
+         {editor.retryCountNote, editor.connectionDelayNote, editor.loginAttemptsNote})
+      EXPECT_EQ(note.empty(), meant) << row.typed;
   }
 }
 
@@ -169,15 +163,11 @@ TEST_F(SettingsEditorTest, SavesWhatItShows) {
   editor.priorityPosition = 4;
   editor.lstExtensions = {".a", ".b"};
   editor.Save();
-  const struct {
-    const char* key;
-    const char* text;
-  } rows[] = {{"SchedualHour", "7"},         {"SchedualMinute", "8"},      {"SchedualSunday", "0"},
-              {"SchedualMonday", "0"},       {"SchedualTusday", "0"},      {"SchedualWednesday", "0"},
-              {"SchedualThrusday", "0"},     {"SchedualFriday", "0"},      {"SchedualSaturday", "1"},
-              {"AsciiExts", ".a|.b"},        {"ProcessPriority", "32768"}, {"AutoDial", "nothing"},
-              {"ConnectionDelay", "nothing"}};
-  for (const auto& row : rows) EXPECT_EQ(stored(row.key), row.text) << row.key;
+  for (std::size_t day = 1; day <= 7; ++day) EXPECT_EQ(stored(kScheduleDayKeys[day]), day == 7 ? "1" : "0");
+  EXPECT_EQ(stored("SchedualHour") + ":" + stored("SchedualMinute"), "7:8");
+  EXPECT_EQ(stored("AsciiExts") + " " + stored("ProcessPriority"), ".a|.b 32768");
+  for (const char* key : {"AutoDial", "ConnectionDelay", "LoginAttempts"})
+    EXPECT_EQ(stored(key), "nothing") << key;
 }
 
 TEST_F(SettingsEditorTest, TellsInOneMessageOfWhatCannotBeStored) {

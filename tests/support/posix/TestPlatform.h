@@ -1,6 +1,8 @@
 // What a test changes around itself for a while, as this system does it.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -47,6 +49,12 @@ class OwnRegistry {
   void refuseWrites() {
     std::filesystem::remove_all(folder.path());
     writeFile(folder.path(), "");
+  }
+
+  /// Another number after every write.
+  std::uint64_t writeStamp(const char*) const {
+    struct stat found {};
+    return ::stat(store.c_str(), &found) == 0 ? found.st_ino : 0;
   }
 
   TemporaryFolder folder;

@@ -37,6 +37,17 @@ class OwnRegistry {
   /// From now on nothing can be stored: the key is gone, though still in the machine's place.
   void refuseWrites() { ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str()); }
 
+  /// Another number after every write to that key of the machine.
+  std::uint64_t writeStamp(const char* key) const {
+    HKEY found = nullptr;
+    if (::RegOpenKeyExA(HKEY_LOCAL_MACHINE, key, 0, KEY_READ, &found) != ERROR_SUCCESS) return 0;
+    FILETIME time{};
+    ::RegQueryInfoKeyW(found, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                       nullptr, &time);
+    ::RegCloseKey(found);
+    return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+  }
+
   OwnRegistry(const OwnRegistry&) = delete;
   OwnRegistry& operator=(const OwnRegistry&) = delete;
 
