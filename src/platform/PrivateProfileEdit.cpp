@@ -8,6 +8,7 @@
 #include "platform/FolderLock.h"
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
+#include "platform/PrivateFile.h"
 #include "platform/PrivateProfile.h"
 #include "platform/PrivateProfileFile.h"
 
@@ -36,9 +37,7 @@ bool WriteProfileFile(const std::string& file, std::string_view before, std::str
   try {
     // A file that the user may not write stays, although its folder would let it be replaced.
     if (LocalPathExists(file) && !LocalFileIsWritable(file)) return false;
-    WholeFile whole(LocalPath(file), survives, WholeFile::Readers::owner);
-    whole.write(after);
-    whole.commit();
+    WritePrivateFile(LocalPath(file), after, survives);
     return true;
   } catch (const std::exception&) {
     return false;

@@ -29,6 +29,7 @@ enum class RegistryType : std::uint32_t { none = 0, text = 1, expandText = 2, bi
 struct RegistryData {
   RegistryType type = RegistryType::none;
   std::string bytes;
+  bool operator==(const RegistryData&) const = default;
 };
 
 /// The registry as a whole cannot be read or written (a damaged file, a full disk, no right to it): `what()`
@@ -49,9 +50,9 @@ bool deleteKey(std::uint32_t root, const std::string& path);
 
 /// Nothing when key or value is missing. The value "" is the key's default value.
 std::optional<RegistryData> queryValue(std::uint32_t root, const std::string& path, const std::string& name);
-/// Creates a missing key.
+/// Creates a missing key. Nothing is written, and no right to it needed, where the value is so already.
 void setValue(std::uint32_t root, const std::string& path, const std::string& name, const RegistryData& data);
-/// False when the key is missing; a missing value is no failure.
+/// False when the key is missing; a missing value is no failure and needs no right to write.
 bool deleteValue(std::uint32_t root, const std::string& path, const std::string& name);
 
 /// Names in the order in which they are stored.

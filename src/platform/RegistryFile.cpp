@@ -6,6 +6,7 @@
 #include <charconv>
 #include <optional>
 
+#include "platform/CodePage.h"
 #include "platform/Utf8.h"
 
 namespace quillmoor {
@@ -38,8 +39,9 @@ std::string fromUtf16(std::string_view bytes) {
   return text;
 }
 
-/// Text of the program is UTF-8; a byte that is none stands for the character of its number.
-std::string toUtf16(std::string_view text) {
+std::string toUtf16(std::string_view ofProgram) {
+  const std::string utf8 = ToUtf8(ofProgram);
+  std::string_view text = utf8;
   std::string bytes;
   const auto append = [&](char32_t unit) {
     bytes += static_cast<char>(unit & 0xFF);
@@ -47,8 +49,8 @@ std::string toUtf16(std::string_view text) {
   };
   while (!text.empty()) {
     const Utf8Character next = DecodeUtf8(text);
-    const char32_t c = next.length == 0 ? static_cast<unsigned char>(text[0]) : next.character;
-    text.remove_prefix(std::max<std::size_t>(next.length, 1));
+    const char32_t c = next.character;
+    text.remove_prefix(next.length);
     if (c < 0x10000) {
       append(c);
     } else {
@@ -310,7 +312,10 @@ std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes) {
     return Parser(text).parse();
   }
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-  return Parser(bytes).parse();
+  // Bytes that are no UTF-8 get their characters here: as they are they would change with the first
+  // rewriting.
+  const std::string text = ToUtf8(bytes);
+  return Parser(text).parse();
 }
 
 std::string formatRegistryFile(const std::vector<RegistryFileKey>& keys) {

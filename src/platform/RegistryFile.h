@@ -39,11 +39,13 @@ class RegistryFileError : public std::runtime_error {
 };
 
 /// Keys in the order of the file; one that occurs twice is one key. Reads UTF-8, and UTF-16LE with a byte
-/// order mark, which is what the registry editor writes. "" has no keys.
+/// order mark, which is what the registry editor writes; what is neither is read in the ANSI code page. ""
+/// has no keys.
 std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes);
 
-/// The file's bytes: plain ASCII as long as that holds everything, else UTF-16LE with a byte order mark. A
-/// file without one is ANSI to the registry editor, also where it has text as hex.
+/// The file's bytes, which parseRegistryFile reads back as the same keys: plain ASCII as long as that holds
+/// everything, else UTF-16LE with a byte order mark. A file without one is ANSI to the registry editor, also
+/// where it has text as hex.
 std::string formatRegistryFile(const std::vector<RegistryFileKey>& keys);
 
 }  // namespace quillmoor

@@ -19,12 +19,11 @@ cRegistry entryIn(const char* section) {
 }
 
 void remove(const char* section) {
-  cRegistry entry = entryIn(section);
-  const bool hasKey = entry.KeyExists();
   try {
-    entry.DeleteValue();  // asked for in any case: the desktop's entry may be there without the key
-  } catch (const RegistryError&) {
-    if (hasKey) throw;
+    entryIn(section)
+        .DeleteValue();  // asked for in any case: the desktop's entry may be there without the key
+  } catch (const RegistryError& error) {
+    if (!error.reason().empty()) throw;  // without one the key is missing, and nothing is to be deleted
   }
 }
 

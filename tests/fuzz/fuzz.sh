@@ -17,7 +17,10 @@ clang++ "${flags[@]}" tests/fuzz/ListingFuzz.cpp src/engine/Listing*.cpp src/pla
   -o build/fuzz/listing
 clang++ "${flags[@]}" tests/fuzz/UnpackFuzz.cpp src/sfx/{EntryName,Segments,ZipReader}.cpp src/engine/{SafeName,mCreatePath}.cpp \
   src/platform/{LocalDateTime,Utf8,ZipCrypto}.cpp src/platform/posix/{ArchiveFiles,ErrorText,LocalFiles,LocalPath,LocalTime}.cpp -lz -lnettle -o build/fuzz/unpack
-for reader in avi rtf socks reply listing unpack; do
+clang++ "${flags[@]}" tests/fuzz/RegistryFuzz.cpp src/platform/{RegistryFile,Utf8}.cpp src/platform/posix/CodePage.cpp -o build/fuzz/registry
+clang++ "${flags[@]}" tests/fuzz/IniFuzz.cpp src/platform/{PrivateProfileEdit,Notices,Utf8}.cpp src/platform/posix/{CodePage,ErrorText,FolderLock}.cpp \
+  src/platform/posix/{LocalFiles,LocalPath,PrivateFile,PrivateProfile,ProgramFolder,WholeFile}.cpp -o build/fuzz/ini
+for reader in avi rtf socks reply listing unpack registry ini; do
   mkdir -p "build/fuzz/$reader-corpus"
   "build/fuzz/$reader" -max_total_time="$seconds" -max_len=4096 -rss_limit_mb=1024 -timeout=10 -print_final_stats=1 \
     -artifact_prefix=build/fuzz/ "build/fuzz/$reader-corpus" "tests/fuzz/seeds/$reader"

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 
@@ -33,6 +35,13 @@ std::string execArgument(std::string_view path) {
   return escaped;
 }
 
+bool holds(const std::filesystem::path& file, const std::string& text) {
+  std::error_code error;
+  if (std::filesystem::file_size(file, error) != text.size() || error) return false;
+  std::ifstream stream(file, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(stream), {}) == text;
+}
+
 }  // namespace
 
 void WriteAutostartEntry(const std::string& name, const std::string& program) {
@@ -41,16 +50,18 @@ void WriteAutostartEntry(const std::string& name, const std::string& program) {
     throw std::invalid_argument("\"" + name + "\" cannot be started with the session");
   }
   const std::filesystem::path file = entryFile(name);
+  const std::string text =
+      "[Desktop Entry]\nType=Application\nName=Quillmoor\nExec=" + execArgument(program) +
+      "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n";
+  if (holds(file, text)) return;
   std::filesystem::create_directories(file.parent_path());
   WholeFile entry(file);
-  entry.write("[Desktop Entry]\nType=Application\nName=Quillmoor\nExec=" + execArgument(program) +
-              "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+  entry.write(text);
   entry.commit();
 }
 
 void RemoveAutostartEntry(const std::string& name) {
-  std::error_code ignored;
-  std::filesystem::remove(entryFile(name), ignored);
+  std::filesystem::remove(entryFile(name));
 }
 
 }  // namespace quillmoor

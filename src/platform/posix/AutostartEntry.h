@@ -5,11 +5,11 @@
 
 namespace quillmoor {
 
-/// Writes autostart/NAME.desktop in the user's configuration folder, for a program given by its path. Raises
-/// std::exception when it cannot be written.
+/// Writes autostart/NAME.desktop in the user's configuration folder, for a program given by its path, unless
+/// it is there as it is to be. Raises std::exception when it cannot be written.
 void WriteAutostartEntry(const std::string& name, const std::string& program);
 
-/// A missing entry is no failure.
+/// A missing entry is no failure. Raises std::exception when it cannot be removed.
 void RemoveAutostartEntry(const std::string& name);
 
 }  // namespace quillmoor

@@ -108,17 +108,16 @@ std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file) 
 
 bool WritePrivateProfileString(std::string_view section, std::string_view key, std::string_view value,
                                const std::string& file) {
+  // A line break would begin a line of its own, which could be anything.
+  for (const std::string_view part : {section, key, value}) {
+    if (part.find_first_of("\r\n") != std::string_view::npos) return false;
+  }
   const auto text = ReadProfileFile(file);
   if (!text) return false;
   // Blanks behind the value are written, those before it are not.
   value.remove_prefix(std::min(value.find_first_not_of(kBlanks), value.size()));
   std::string entry(trimmed(key));
   entry.append("=").append(value).append("\r\n");
-  // A line break would begin a line of its own, which could be anything.
-  if (entry.find_first_of("\r\n") != entry.size() - 2 ||
-      section.find_first_of("\r\n") != std::string_view::npos) {
-    return false;
-  }
   const auto lines = linesOf(*text);
   const SectionRange range = findSection(lines, section);
 

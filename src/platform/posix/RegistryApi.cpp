@@ -11,8 +11,8 @@
 #include <system_error>
 
 #include "platform/FolderLock.h"
+#include "platform/PrivateFile.h"
 #include "platform/RegistryFile.h"
-#include "platform/WholeFile.h"
 #include "platform/posix/AutostartEntry.h"
 #include "platform/posix/UserFolders.h"
 
@@ -43,6 +43,8 @@ void keepDamaged(const std::filesystem::path& file) {
   auto copy = file;
   copy += ".damaged";
   std::filesystem::copy_file(file, copy, std::filesystem::copy_options::skip_existing, ignored);
+  std::filesystem::permissions(copy, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
+                               ignored);
 }
 
 Keys load() {
@@ -71,13 +73,11 @@ template <class Change>
 void modify(Change change) {
   const std::filesystem::path file = storeFile();
   try {
-    std::filesystem::create_directories(file.parent_path());
+    MakePrivateFolder(file.parent_path());
     const FolderLock lock(file.parent_path());  // from reading the file to having replaced it
     Keys keys = load();
     if (!change(keys)) return;
-    WholeFile whole(file, WholeFile::Survives::power, WholeFile::Readers::owner);
-    whole.write(formatRegistryFile(keys));
-    whole.commit();
+    WritePrivateFile(file, formatRegistryFile(keys), WholeFile::Survives::power);
   } catch (const std::system_error& error) {
     throw RegistryStoreError(std::string("The settings cannot be written: ") + error.what() + ".");
   }
@@ -110,6 +110,16 @@ bool isBelow(const std::string& path, const std::string& full) {
 bool exists(const Keys& keys, const std::string& full) {
   return std::any_of(keys.begin(), keys.end(),
                      [&](const auto& key) { return sameName(key.path, full) || isBelow(key.path, full); });
+}
+
+template <class Change>
+void tellDesktop(Change change) {
+  try {
+    change();
+  } catch (const std::exception& error) {
+    throw RegistryStoreError(std::string("The registry is as it is to be, but the desktop cannot be told: ") +
+                             error.what() + ".");
+  }
 }
 
 std::vector<RegistryFileValue>::iterator findValue(RegistryFileKey& key, const std::string& name) {
@@ -161,42 +171,38 @@ std::optional<RegistryData> queryValue(std::uint32_t root, const std::string& pa
 void setValue(std::uint32_t root, const std::string& path, const std::string& name,
               const RegistryData& data) {
   const std::string full = fullPath(root, path);
-  modify([&](Keys& keys) {
-    auto key = findKey(keys, full);
-    if (key == keys.end()) key = keys.insert(keys.end(), {full, {}});
-    const auto value = findValue(*key, name);
-    if (value == key->values.end()) {
-      key->values.push_back({name, data});
-    } else {
-      if (value->data.type == data.type && value->data.bytes == data.bytes) return false;
-      value->data = data;
-    }
-    return true;
-  });
+  if (queryValue(root, path, name) != data) {
+    modify([&](Keys& keys) {
+      auto key = findKey(keys, full);
+      if (key == keys.end()) key = keys.insert(keys.end(), {full, {}});
+      const auto value = findValue(*key, name);
+      if (value == key->values.end()) {
+        key->values.push_back({name, data});
+      } else {
+        value->data = data;
+      }
+      return true;
+    });
+  }
   const bool expands = data.type == RegistryType::expandText;
   if (!sameName(full, kRunKey) || (!expands && data.type != RegistryType::text)) return;
-  try {
-    WriteAutostartEntry(name, expands ? expandEnvironment(data.bytes) : data.bytes);
-  } catch (const std::exception& error) {
-    throw RegistryStoreError(std::string("The entry is stored, but the desktop cannot be told: ") +
-                             error.what() + ".");
-  }
+  tellDesktop([&] { WriteAutostartEntry(name, expands ? expandEnvironment(data.bytes) : data.bytes); });
 }
 
 bool deleteValue(std::uint32_t root, const std::string& path, const std::string& name) {
   const std::string full = fullPath(root, path);
-  bool hasKey = false;
-  modify([&](Keys& keys) {
-    hasKey = exists(keys, full);
-    const auto key = findKey(keys, full);
-    if (key == keys.end()) return false;
-    const auto value = findValue(*key, name);
-    if (value == key->values.end()) return false;
-    key->values.erase(value);
-    return true;
-  });
-  if (sameName(full, kRunKey)) RemoveAutostartEntry(name);
-  return hasKey;
+  if (queryValue(root, path, name)) {
+    modify([&](Keys& keys) {
+      const auto key = findKey(keys, full);
+      if (key == keys.end()) return false;
+      const auto value = findValue(*key, name);
+      if (value == key->values.end()) return false;
+      key->values.erase(value);
+      return true;
+    });
+  }
+  if (sameName(full, kRunKey)) tellDesktop([&] { RemoveAutostartEntry(name); });
+  return keyExists(root, path);
 }
 
 std::vector<std::string> enumerateKeys(std::uint32_t root, const std::string& path) {

@@ -9,6 +9,7 @@
 #include <exception>
 #include <filesystem>
 
+#include "platform/PrivateFile.h"
 #include "platform/posix/UserFolders.h"
 
 namespace quillmoor {
@@ -16,7 +17,7 @@ namespace quillmoor {
 SingleInstance::SingleInstance(Mark mark) {
   try {
     const std::filesystem::path folder = UserConfigurationFolder() / "quillmoor";
-    std::filesystem::create_directories(folder);
+    MakePrivateFolder(folder);
     handle_ = ::open((folder / (mark == Mark::run ? "backup.lock" : "running.lock")).c_str(),
                      O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   } catch (const std::exception&) {

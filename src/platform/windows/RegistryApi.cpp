@@ -141,6 +141,7 @@ std::optional<RegistryData> queryValue(std::uint32_t root, const std::string& pa
 
 void setValue(std::uint32_t root, const std::string& path, const std::string& name,
               const RegistryData& data) {
+  if (queryValue(root, path, name) == data) return;
   const Key key = create(root, path);
   std::string bytes = data.bytes;
   if (isText(data.type)) {

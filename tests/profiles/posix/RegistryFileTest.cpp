@@ -2,10 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 #include <vector>
 
+#include "platform/Notices.h"
+#include "platform/PrivateProfile.h"
 #include "platform/ProgramFolder.h"
 #include "platform/RegistryApi.h"
 #include "platform/RegistryFile.h"
@@ -19,6 +20,7 @@ namespace quillmoor {
 namespace {
 
 using testing::contentsOf;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using testing::writeFile;
 using Bytes = std::vector<std::uint8_t>;
@@ -102,29 +104,6 @@ TEST_F(RegistryStore, LeavesADamagedFileAlone) {
   }
 }
 
-TEST_F(RegistryStore, SurvivesRubbish) {
-  std::mt19937 random(815);
-  const std::string good = formatRegistryFile({{"HKEY_CURRENT_USER\\A",
-                                                {{"t", {RegistryType::text, "x\\\"y"}},
-                                                 {"e", {RegistryType::expandText, "%a%"}},
-                                                 {"b", {RegistryType::binary, "0123"}}}}});
-  int readable = 0;
-  for (int round = 0; round < 20'000; ++round) {
-    std::string bytes = good;
-    for (unsigned changes = random() % 4; changes > 0; --changes) {
-      bytes[random() % bytes.size()] = "\"\\[]=:,-@;\r\n\0a"[random() % 14];
-    }
-    try {
-      const auto keys = parseRegistryFile(bytes);
-      parseRegistryFile(formatRegistryFile(keys));  // what was understood can be written
-      ++readable;
-    } catch (const RegistryFileError& error) {
-      EXPECT_GE(error.line(), 1U);
-    }
-  }
-  EXPECT_GT(readable, 1000);
-}
-
 TEST_F(RegistryStore, GivesBackWhatTheOtherPlatformExchanges) {
   for (const RegistryFileValue& v : testing::exchangedValues()) {
     RegistryApi::setValue(HKEY_CURRENT_USER_VALUE, testing::kExchangePath, v.name, v.data);
@@ -132,12 +111,33 @@ TEST_F(RegistryStore, GivesBackWhatTheOtherPlatformExchanges) {
   EXPECT_EQ(contentsOf(own.store),
             formatRegistryFile(
                 {{std::string("HKEY_CURRENT_USER\\") + testing::kExchangePath, testing::exchangedValues()}}));
-  for (const RegistryFileValue& v : testing::exchangedValues()) {
-    const auto data = RegistryApi::queryValue(HKEY_CURRENT_USER_VALUE, testing::kExchangePath, v.name);
-    ASSERT_TRUE(data) << v.name;
-    EXPECT_EQ(data->type, v.data.type) << v.name;
-    EXPECT_EQ(data->bytes, v.data.bytes) << v.name;
-  }
+}
+
+TEST_F(RegistryStore, TakesFromOthersWhatTheyCouldRead) {
+  std::vector<std::string> notices;
+  SetNoticeSink([&](const std::string& line) { notices.push_back(line); });
+  const auto settingsFolder = own.store.parent_path();
+  const auto profiles = own.folder / "Profiles.ini";
+  const auto mode = [](const auto& path) {
+    return static_cast<int>(std::filesystem::status(path).permissions());
+  };
+  const auto writeBoth = [&](const std::string& text) {
+    WriteSetting("AutoDial", text);
+    EXPECT_TRUE(WritePrivateProfileString("s", "k", text, profiles.string()));
+    EXPECT_EQ(mode(settingsFolder), 0700);
+    EXPECT_EQ(mode(own.store), 0600);
+    EXPECT_EQ(mode(profiles), 0600);
+  };
+  writeBoth("0");
+  EXPECT_THAT(notices, ::testing::IsEmpty()) << "they are new";
+  std::filesystem::permissions(settingsFolder, std::filesystem::perms(0755));
+  std::filesystem::permissions(own.store, std::filesystem::perms(0640));
+  std::filesystem::permissions(profiles, std::filesystem::perms(0604));
+  writeBoth("1");
+  EXPECT_THAT(notices, ElementsAre(HasSubstr(settingsFolder.string() + ". Its permissions are now 0700"),
+                                   HasSubstr(own.store.string() + ". Its permissions are now 0600"),
+                                   HasSubstr(profiles.string() + ". Its permissions are now 0600")));
+  SetNoticeSink({});
 }
 
 TEST_F(RegistryStore, SaysWhenItCannotBeMade) {
@@ -153,6 +153,12 @@ TEST_F(RegistryStore, KeepsTheDesktopsEntryInStep) {
     mAutoRun::SetAutoRun(mode);
     EXPECT_EQ(std::filesystem::exists(desktopEntry), mode == Mode::always);
   }
+  mAutoRun::SetAutoRun(Mode::always);
+  const auto past = std::filesystem::last_write_time(desktopEntry) - std::chrono::hours(1);
+  std::filesystem::last_write_time(desktopEntry, past);
+  mAutoRun::SetAutoRun(Mode::always);
+  EXPECT_EQ(std::filesystem::last_write_time(desktopEntry), past) << "it was right";
+  writeFile(desktopEntry, "[Desktop Entry]\nHidden=true\n");
   mAutoRun::SetAutoRun(Mode::always);
   EXPECT_THAT(contentsOf(desktopEntry), HasSubstr("\nExec=\"" + ProgramFolder() + ProgramName() + "\"\n"));
 
