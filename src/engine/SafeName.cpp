@@ -5,6 +5,7 @@
 
 #include "engine/mCreatePath.h"
 #include "platform/PrintableText.h"
+#include "platform/ReservedNames.h"
 
 namespace quillmoor {
 namespace {
@@ -60,6 +61,7 @@ std::optional<std::string> ListedNameRefusal(std::string_view name, LocalNameRul
   if (name == "." || name == "..") return "it leads to another folder";
   if (std::any_of(name.begin(), name.end(), isControl)) return "it holds a control character";
   if (name.find('/') != std::string_view::npos) return "it holds a path separator";
+  if (IsReservedLocalName(name)) return "it is a name of this program's own temporary files";
   if (rules == LocalNameRules::posix) return std::nullopt;
 
   if (name.find('\\') != std::string_view::npos) return "it holds a path separator";

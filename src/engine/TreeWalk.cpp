@@ -14,7 +14,7 @@
 #include "platform/ArchiveFiles.h"
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
-#include "platform/WholeFile.h"
+#include "platform/WorkFolder.h"
 
 namespace quillmoor {
 namespace {
@@ -191,7 +191,7 @@ bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime fol
     return false;
   }
   // Of a run that was killed.
-  RemoveLocalFile(LocalPathText(WholeFile::temporaryName(LocalPath(localDir))));
+  RemoveStaleTemporaries(localDir);
   SetFileModifiedTime(localDir, folderDate, true);
   return true;
 }

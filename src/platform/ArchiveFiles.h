@@ -61,7 +61,7 @@ class InputFile {
   std::int64_t position_ = 0;
 };
 
-/// A file that is written: made anew, or emptied when it stands there; never through a symbolic link.
+/// A new file that is written; raises when something stands under its name.
 class OutputFile {
  public:
   explicit OutputFile(const std::string& path, bool executable = false);
@@ -93,6 +93,8 @@ void restoreState(const std::string& path, const FileState& state, std::uint8_t 
 /// False where `renameFile` would refuse a target of that name for what it is: a folder, or on Windows a file
 /// that may not be written.
 bool mayBeReplaced(const std::string& path);
+/// Creates one folder; raises when something stands under its name.
+void createFolder(const std::string& path);
 /// Replaces what stands under `to` if that is a file.
 void renameFile(const std::string& from, const std::string& to);
 /// False when there was none or it cannot be removed.

@@ -11,35 +11,10 @@
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
 #include "platform/Pump.h"
+#include "platform/WorkFolder.h"
 
 namespace quillmoor {
 namespace {
-
-/// Files under their temporary names, gone unless they were renamed.
-class Unfinished {
- public:
-  explicit Unfinished(const std::vector<FileCopy>& files) {
-    for (std::size_t i = 0; i < files.size(); ++i) paths_.push_back(temporaryName(files[i].to, i + 1));
-    for (const std::string& path : paths_) RemoveLocalFile(path);
-    for (std::size_t i = files.size() + 1; RemoveLocalFile(temporaryName(files.back().to, i)); ++i) {
-    }
-  }
-  ~Unfinished() {
-    for (const std::string& path : paths_) RemoveLocalFile(path);
-  }
-  Unfinished(const Unfinished&) = delete;
-  Unfinished& operator=(const Unfinished&) = delete;
-
-  const std::string& operator[](std::size_t i) const { return paths_[i]; }
-
- private:
-  static std::string temporaryName(const std::string& to, std::size_t number) {
-    return to.substr(0, to.rfind(kLocalSeparator) + 1) + ".quillmoor-unfinished-" + std::to_string(number) +
-           ".tmp";
-  }
-
-  std::vector<std::string> paths_;
-};
 
 void copyAll(const std::vector<FileCopy>& files, const std::atomic<bool>& ended) {
   for (const FileCopy& file : files) {
@@ -50,17 +25,19 @@ void copyAll(const std::vector<FileCopy>& files, const std::atomic<bool>& ended)
     }
   }
   if (files.empty()) return;
-  const Unfinished unfinished(files);
+  const std::string folder = files.back().to.substr(0, files.back().to.rfind(kLocalSeparator) + 1);
+  RemoveStaleTemporaries(folder);
   endKilledExchange(files.back().to);
-  for (std::size_t i = 0; i < files.size(); ++i) CopyFileTo(unfinished[i], files[i].from, ended);
+  const WorkFolder unfinished(folder);
+  for (std::size_t i = 0; i < files.size(); ++i) CopyFileTo(unfinished.file(i), files[i].from, ended);
   // A former copy is given up only for one that is on the disk.
   for (std::size_t i = 0; i < files.size(); ++i) {
-    if (LocalPathExists(files[i].to) && !FlushLocalFile(unfinished[i])) {
+    if (LocalPathExists(files[i].to) && !FlushLocalFile(unfinished.file(i))) {
       throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + files[i].to);
     }
   }
   std::vector<SetFile> set;
-  for (std::size_t i = 0; i < files.size(); ++i) set.push_back({unfinished[i], files[i].to});
+  for (std::size_t i = 0; i < files.size(); ++i) set.push_back({unfinished.file(i), files[i].to});
   giveSetItsNames(set);
 }
 

@@ -14,7 +14,7 @@ struct FileCopy {
 };
 
 /// Copies the files. The copies keep the time of the last change, unless the target's file system refuses
-/// that, and the permissions as far as the system copies them. They are written under temporary names beside
+/// that, and the permissions as far as the system copies them. They are written in a hidden folder beside
 /// their targets, each is compared in size with what was copied, and when all are there they get their names,
 /// the last of them at the end (see giveSetItsNames). What a killed program has left there is removed, or put
 /// back if it is of a former set.

@@ -11,6 +11,7 @@
 #include "platform/PrivateFile.h"
 #include "platform/PrivateProfile.h"
 #include "platform/PrivateProfileFile.h"
+#include "platform/WorkFolder.h"
 
 namespace quillmoor {
 namespace {
@@ -37,6 +38,7 @@ bool WriteProfileFile(const std::string& file, std::string_view before, std::str
   try {
     // A file that the user may not write stays, although its folder would let it be replaced.
     if (LocalPathExists(file) && !LocalFileIsWritable(file)) return false;
+    RemoveStaleTemporaries(LocalPathText(LocalPath(file).parent_path()));
     WritePrivateFile(LocalPath(file), after, survives);
     return true;
   } catch (const std::exception&) {

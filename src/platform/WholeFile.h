@@ -1,10 +1,10 @@
 // A file that appears whole or not at all: written under a temporary name beside its target, then renamed.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <string_view>
+
+#include "platform/TemporaryFile.h"
 
 namespace quillmoor {
 
@@ -21,12 +21,10 @@ class WholeFile {
   /// permissions of a new file are those that its folder hands down.
   enum class Readers { everyone, owner };
 
-  /// Creates the temporary file in the folder of `target`, which must exist. A temporary file left there by a
-  /// killed run is overwritten: the name depends on the folder alone.
+  /// Creates the temporary file in the folder of `target`, which must exist. It is removed at the end unless
+  /// it was committed.
   explicit WholeFile(std::filesystem::path target, Survives survives = Survives::process,
                      Readers readers = Readers::everyone);
-  /// Removes the temporary file unless it was committed.
-  ~WholeFile();
   WholeFile(const WholeFile&) = delete;
   WholeFile& operator=(const WholeFile&) = delete;
 
@@ -35,13 +33,9 @@ class WholeFile {
   /// Gives the file its final name, replacing what stood there. Nothing may be written afterwards.
   void commit();
 
-  /// The name a temporary file of `folder` bears; a walk removes a stale one when it enters the folder.
-  static std::filesystem::path temporaryName(const std::filesystem::path& folder);
-
  private:
   std::filesystem::path target_;
-  std::filesystem::path temporary_;
-  std::intptr_t handle_ = -1;
+  TemporaryFile file_;
   Survives survives_;
   Readers readers_;
 };

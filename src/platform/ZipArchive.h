@@ -77,10 +77,10 @@ struct ZipResult {
 /// calls `pump` at least every 20 ms until it is done; the pump and the events may call `abort`, any other
 /// operation started from inside them raises `busy`.
 ///
-/// The archive appears whole or not at all. It is written under temporary names beside `path`
-/// (".quillmoor-unfinished-1.tmp", ...), which are renamed when all is written, the file called `path` last,
-/// so that a set without it is an unfinished one. An operation that raises removes what it has written; of a
-/// program that is killed the temporary files stay until the next archive in that folder. What stood under
+/// The archive appears whole or not at all. It is written in a hidden folder beside `path` (see WorkFolder)
+/// and renamed when all is written, the file called `path` last, so that a set without it is an unfinished
+/// one. An operation that raises removes what it has written; of a program that is killed it stays until the
+/// next archive in that folder, or EndKilledExchanges. What stood under
 /// `path` stands until then. A single file is replaced in one step. A former set is moved aside while names
 /// are given, and put back when one cannot be given; where the program is killed at that moment or something
 /// holds a file, by the next archive of that name (see giveSetItsNames). Segments left over from a former,
@@ -111,7 +111,8 @@ class ZipArchive {
   /// a row does no harm. With `recurse` sub-folders are packed too, empty ones as well, whatever they are
   /// called ("*" finds names that begin with a dot). Names in the archive begin below the folder. Symbolic
   /// links and special files are left out with an error event; the folder itself may be a link. Of two files
-  /// that would have one name the first is packed. The archive being written is not packed into itself.
+  /// that would have one name the first is packed. The archive being written is not packed into itself, nor
+  /// is anything under a reserved name (see IsReservedLocalName).
   ///
   /// A password (UTF-8, 1 to 1,000 bytes) encrypts the contents of these files with AES-256 (AE-2); their
   /// names, sizes and times stay readable. Nothing is read yet. Raises badArgument.

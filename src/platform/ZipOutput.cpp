@@ -16,8 +16,6 @@ namespace {
 
 constexpr std::size_t kBuffer = std::size_t{256} << 10;
 
-constexpr std::string_view kUnfinished = ".quillmoor-unfinished-";
-
 std::span<const std::uint8_t> asBytes(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
@@ -73,16 +71,8 @@ std::string SegmentNames::final(std::uint32_t disk, std::uint32_t count) const {
   return selfExtracting_ ? stem_ + ".zip" : path_;
 }
 
-std::string SegmentNames::temporary(std::uint32_t disk) const {
-  return folder_ + std::string(kUnfinished) + std::to_string(disk + 1) + ".tmp";
-}
-
-std::string SegmentNames::spool() const {
-  return folder_ + std::string(kUnfinished) + "0.tmp";
-}
-
 bool SegmentNames::maybePart(std::string_view name) const {
-  if (name.starts_with(kUnfinished) || name == std::string_view(path_).substr(folder_.size())) return true;
+  if (name == std::string_view(path_).substr(folder_.size())) return true;
   const std::string_view stem = std::string_view(stem_).substr(folder_.size());
   if (!mayHaveSegments_ || !name.starts_with(stem)) return false;
   const std::string_view ending = name.substr(stem.size());
@@ -109,22 +99,15 @@ void SegmentNames::removeSurplus(std::uint32_t count) const {
 
 Output::Output(SegmentNames names, std::optional<std::int64_t> segmentBytes, bool selfExtracting)
     : names_(std::move(names)), limit_(segmentBytes), selfExtracting_(selfExtracting) {
-  for (std::uint32_t disk = 0; removeFile(names_.temporary(disk)); ++disk) {
-  }
-  removeFile(names_.spool());
+  RemoveStaleTemporaries(names_.folder());
   endKilledExchange(names_.final(0, 1));
+  work_.emplace(names_.folder());
   buffer_.reserve(kBuffer);
   open();
 }
 
-Output::~Output() {
-  if (finished_) return;
-  file_.reset();
-  for (std::uint32_t disk = 0; disk <= disk_; ++disk) removeFile(names_.temporary(disk));
-}
-
 void Output::open() {
-  file_ = std::make_unique<OutputFile>(names_.temporary(disk_), selfExtracting_ && disk_ == 0);
+  file_ = std::make_unique<OutputFile>(temporary(disk_), selfExtracting_ && disk_ == 0);
 }
 
 void Output::flush() {
@@ -183,7 +166,7 @@ void Output::write(std::span<const std::uint8_t> bytes) {
 
 void Output::patch(Place place, std::string_view bytes) {
   if (place.disk != disk_) {
-    OutputFile::patch(names_.temporary(place.disk), place.offset, asBytes(bytes));
+    OutputFile::patch(temporary(place.disk), place.offset, asBytes(bytes));
     return;
   }
   flush();
@@ -206,17 +189,16 @@ std::vector<std::string> Output::finish() {
   const bool replaces =
       std::any_of(paths.begin(), paths.end(), [](const auto& path) { return pathKind(path); });
   for (std::uint32_t disk = 0; replaces && disk < count; ++disk) {
-    if (!FlushLocalFile(names_.temporary(disk))) {
+    if (!FlushLocalFile(temporary(disk))) {
       throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + paths[disk]);
     }
   }
   std::vector<SetFile> files;
   for (std::uint32_t disk = 0; disk < count; ++disk) {
-    if (disk != main) files.push_back({names_.temporary(disk), paths[disk]});
+    if (disk != main) files.push_back({temporary(disk), paths[disk]});
   }
-  files.push_back({names_.temporary(main), paths[main]});
+  files.push_back({temporary(main), paths[main]});
   giveSetItsNames(files);
-  finished_ = true;
   names_.removeSurplus(count);
   return paths;
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/ArchiveFiles.h"
+#include "platform/WorkFolder.h"
 
 namespace quillmoor::zip {
 
@@ -32,13 +33,10 @@ class SegmentNames {
   bool mayHaveSegments() const { return mayHaveSegments_; }
   /// Final name of segment `disk` (from 0) of a set of `count`.
   std::string final(std::uint32_t disk, std::uint32_t count) const;
-  std::string temporary(std::uint32_t disk) const;
-  /// For what is kept beside the segments while they are written.
-  std::string spool() const;
 
   /// Folder of the archive, with its separator; "" for a path without one.
   const std::string& folder() const { return folder_; }
-  /// Could a file of this name in that folder be part of the archive, finished or not?
+  /// Could a file of this name in that folder be part of the archive?
   bool maybePart(std::string_view name) const;
 
   /// What is left of a former archive of this name beside the finished one of `count` segments: its surplus
@@ -55,13 +53,13 @@ class SegmentNames {
   bool mayHaveSegments_ = false;
 };
 
-/// Writes an archive front to back. Errors are raised as std::system_error.
+/// Writes an archive front to back; what is not finished is removed with this. Errors are raised as
+/// std::system_error.
 class Output {
  public:
-  /// `segmentBytes`: upper bound of a segment; none: one file. Temporary files of a killed run are removed.
+  /// `segmentBytes`: upper bound of a segment; none: one file. What a killed run has left in that folder is
+  /// removed, or put back if it is of a former set of that name.
   Output(SegmentNames names, std::optional<std::int64_t> segmentBytes, bool selfExtracting);
-  /// Removes what was written unless it was finished.
-  ~Output();
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
@@ -83,22 +81,25 @@ class Output {
 
   std::int64_t totalBytes() const { return total_; }
   const SegmentNames& names() const { return names_; }
+  /// The path for what is kept beside the segments while they are written.
+  std::string spool() const { return work_->file(0); }
 
  private:
   void open();
   void flush();
   void nextSegment();
+  std::string temporary(std::uint32_t disk) const { return work_->file(disk + 1); }
 
   SegmentNames names_;
   std::optional<std::int64_t> limit_;
   bool selfExtracting_;
+  std::optional<WorkFolder> work_;
   std::unique_ptr<OutputFile> file_;
   std::vector<std::uint8_t> buffer_;
   std::uint32_t disk_ = 0;
   std::int64_t size_ = 0;   ///< of the present segment, with what is still in the buffer
   std::int64_t total_ = 0;  ///< of all segments
   Place signature_;
-  bool finished_ = false;
 };
 
 }  // namespace quillmoor::zip

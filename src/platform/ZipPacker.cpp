@@ -285,10 +285,7 @@ class Reader {
 class Writer {
  public:
   Writer(Output& output, PackEvents& events, ZipResult& result)
-      : output_(output),
-        events_(events),
-        result_(result),
-        directory_(output.names().spool(), kDirectoryInMemory) {}
+      : output_(output), events_(events), result_(result), directory_(output.spool(), kDirectoryInMemory) {}
 
   void write(Batch& batch) {
     auto piece = batch.job.pieces.begin();

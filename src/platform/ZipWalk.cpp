@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/LocalPath.h"
+#include "platform/ReservedNames.h"
 
 namespace quillmoor::zip {
 namespace {
@@ -66,6 +67,7 @@ Walk::Walk(WildcardPath what, bool recurse, Excluded excluded, OnError onError)
 void Walk::enter(const std::string& path, std::string folder, std::string prefix, bool mayBeLink) {
   Level level{std::move(folder), std::move(prefix), {}, {}, 0};
   const auto gather = [&](const std::string& name, FileKind kind) {
+    if (IsReservedLocalName(name)) return;
     if (kind == FileKind::folder ? !recurse_ : !matchesWildcard(names_, name)) return;
     if (kind != FileKind::folder && excluded_(level.folder, name)) return;
     if (level.text.size() + name.size() + 2 > std::numeric_limits<std::uint32_t>::max())

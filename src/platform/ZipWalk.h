@@ -38,7 +38,8 @@ class Walk {
   using OnError = std::function<void(const std::string& description)>;
 
   /// Reads the folder itself; raises std::system_error when it cannot. `excluded` is asked for every file,
-  /// `onError` told what is left out: links, special files, sub-folders that cannot be read.
+  /// `onError` told what is left out: links, special files, sub-folders that cannot be read. What bears a
+  /// reserved name (see IsReservedLocalName) is left out without a word.
   Walk(WildcardPath what, bool recurse, Excluded excluded, OnError onError);
 
   /// Nothing at the end.

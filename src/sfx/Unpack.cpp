@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -9,12 +10,12 @@
 #include "engine/SafeName.h"
 #include "platform/ArchiveFiles.h"
 #include "platform/LocalFiles.h"
+#include "platform/TemporaryFile.h"
+#include "platform/WorkFolder.h"
 #include "sfx/EntryName.h"
 
 namespace quillmoor::sfx {
 namespace {
-
-constexpr std::string_view kUnfinished = ".quillmoor-unfinished.tmp";
 
 /// Restores what can be, and tells why something could not: on some disks nobody, or only another user, may
 /// set times or permissions.
@@ -28,32 +29,6 @@ std::optional<std::error_code> stateLacks(const std::string& path, const FileSta
   return std::nullopt;
 }
 
-/// A file under its temporary name, removed unless it is finished.
-class NewFile {
- public:
-  explicit NewFile(const std::string& folder) : path_(folder + std::string(kUnfinished)), file_(path_) {}
-  ~NewFile() {
-    if (!finished_) removeFile(path_);
-  }
-  NewFile(const NewFile&) = delete;
-  NewFile& operator=(const NewFile&) = delete;
-
-  void write(std::span<const std::uint8_t> bytes) { file_.write(bytes); }
-  /// Gives it its name; what could not be restored, if anything.
-  std::optional<std::error_code> finish(const std::string& target, const ArchiveEntry& entry) {
-    file_.close();
-    std::optional<std::error_code> lacks = stateLacks(path_, entry.state, entry.hostSystem);
-    renameFile(path_, target);
-    finished_ = true;
-    return lacks;
-  }
-
- private:
-  std::string path_;
-  OutputFile file_;
-  bool finished_ = false;
-};
-
 class Unpacker {
  public:
   Unpacker(ZipReader& archive, std::string folder, std::string_view password, const UnpackEvents& events)
@@ -66,6 +41,7 @@ class Unpacker {
 
   UnpackResult run() {
     makeFolderItself();
+    RemoveStaleTemporaries(folder_);
     archive_.forEach([this](const ArchiveEntry& entry) { unpackEntry(entry); });
     // Only now: what was unpacked into them has changed their times, and a folder may not be written.
     for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
@@ -113,8 +89,10 @@ class Unpacker {
       path += parts[i];
       if (path.size() >= madeLast_.size() || !madeLast_.starts_with(path + kLocalSeparator)) {
         std::optional<FileKind> kind = pathKind(path);
+        const bool wasThere = kind.has_value();
         if (!kind && CreateLocalFolder(path)) kind = FileKind::folder;
         if (kind != FileKind::folder) return std::nullopt;
+        if (wasThere && swept_.insert(path).second) RemoveStaleTemporaries(path);
       }
       path += kLocalSeparator;
     }
@@ -140,7 +118,7 @@ class Unpacker {
     if (there && !(events_.replace && events_.replace(shown)))
       return refuse("left as it was, since it was there: " + shown);
 
-    std::optional<NewFile> file;
+    std::optional<TemporaryFile> file;
     try {
       file.emplace(*folder);
     } catch (const std::system_error& error) {
@@ -148,13 +126,16 @@ class Unpacker {
     }
     std::uint64_t done = result_.bytes;
     archive_.contents(entry, password_, [&](std::span<const std::uint8_t> bytes) {
-      file->write(bytes);
+      file->write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
       done += bytes.size();
       if (events_.progress) events_.progress(shown, done, all_);
     });
     result_.bytes = done;
     try {
-      if (const auto lacks = file->finish(target, entry)) note(*lacks, shown);
+      file->finishWriting();
+      const auto lacks = stateLacks(file->path(), entry.state, entry.hostSystem);
+      file->renameTo(target, {});
+      if (lacks) note(*lacks, shown);
     } catch (const std::system_error& error) {
       return refuse(error.what());
     }
@@ -167,6 +148,7 @@ class Unpacker {
   const UnpackEvents& events_;
   std::uint64_t all_ = 0;
   std::string madeLast_;
+  std::set<std::string> swept_;  ///< folders that were there and are free of what a killed process has left
   std::vector<Folder> folders_;
   UnpackResult result_;
 };

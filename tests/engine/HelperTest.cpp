@@ -113,7 +113,9 @@ TEST(LocalPaths, AreCreatedLevelByLevel) {
 }
 
 TEST(SafeName, RefusesWhatCouldLeadOutOfAFolder) {
-  for (const std::string& name : {""s, "."s, ".."s, "a/b"s, "/"s, "a\0b"s, "a\nb"s, "\x1b[2J"s, "a\x7f"s}) {
+  for (const std::string& name :
+       {""s, "."s, ".."s, "a/b"s, "/"s, "a\0b"s, "a\nb"s, "\x1b[2J"s, "a\x7f"s, ".quillmoor-unfinished.tmp"s,
+        ".Quillmoor-unfinished-site.zip"s, ".QUILLMOOR-LOCK"s}) {
     EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::posix)) << name;
     EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::windows)) << name;
   }
@@ -125,8 +127,8 @@ TEST(SafeName, RefusesWhatCouldLeadOutOfAFolder) {
   for (const char* name : {"COM\u00B9", "lpt\u00B2.txt"}) {
     EXPECT_TRUE(ListedNameRefusal(name, LocalNameRules::windows)) << name;
   }
-  for (const char* name :
-       {".htaccess", "...", "..a", "a b", "grüße", "COM", "COM0", "CONSOLE", "a.con", "[x]", "~"}) {
+  for (const char* name : {".htaccess", ".quillmoor", "...", "..a", "a b", "grüße", "COM", "COM0", "CONSOLE",
+                           "a.con", "[x]", "~"}) {
     EXPECT_FALSE(ListedNameRefusal(name, LocalNameRules::posix)) << name;
     const bool endsInDot = std::string(name).ends_with('.');
     EXPECT_EQ(ListedNameRefusal(name, LocalNameRules::windows).has_value(), endsInDot) << name;

@@ -8,7 +8,6 @@
 
 #include "engine/RunWorld.h"
 #include "platform/LocalPath.h"
-#include "platform/WholeFile.h"
 
 namespace quillmoor {
 namespace {
@@ -220,7 +219,7 @@ TEST_F(RunFaultsTest, AFolderThatCannotBeMadeIsOneLineInTheLog) {
 TEST_F(RunFaultsTest, RemovesWhatAKilledRunLeftUnfinished) {
   server.addFile("/www/a.bin", "x");
   fs::create_directories(target() / "www");
-  writeFile(WholeFile::temporaryName(target() / "www"), "half a file");
+  writeFile(target() / "www" / ".quillmoor-unfinished.tmp", "half a file");
   run();
   EXPECT_THAT(treeOf(target()), ElementsAre("www/", "www/a.bin"));
 }

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "platform/LocalPath.h"
+#include "platform/TargetLock.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
@@ -94,6 +95,7 @@ TEST_F(FileSetTest, MixesNoSetsWhileAProgramHasAFileOpen) {
 
 TEST_F(FileSetTest, EndsWhatAKilledProgramHasLeft) {
   const std::string aside = ".quillmoor-unfinished-a.zip/";
+  const Files none;
   const struct {
     const char* killed;
     Files left;
@@ -113,12 +115,51 @@ TEST_F(FileSetTest, EndsWhatAKilledProgramHasLeft) {
       {"while the former was put back",
        {{"a.z01", "old 1"}, {aside + "a.z02", "old 2"}, {aside + "a.zip", "old"}},
        former_},
+      {"when the first of a longer set had its name",
+       {{"a.z01", "old 1"},
+        {"a.z02", "old 2"},
+        {"a.z03", "new 3"},
+        {aside + ".quillmoor-unfinished-free-names", "a.z03/a.z04/../b/"},
+        {aside + "a.zip", "old"}},
+       former_},
+      {"when there was no former set",
+       {{"a.z01", "new 1"}, {aside + ".quillmoor-unfinished-free-names", "a.z01/a.zip/"}},
+       none},
   };
   for (const auto& c : cases) {
-    lay(c.left);
-    endKilledExchange(path("a.zip"));
+    lay(both(c.left, {{aside + ".quillmoor-lock", ""}}));
+    EndKilledExchanges(path(""));
     EXPECT_EQ(there(), c.then) << c.killed;
   }
+}
+
+TEST_F(FileSetTest, LeavesTheExchangeOfALivingProcessAlone) {
+  const Files left = {{".quillmoor-unfinished-a.zip/a.zip", "old"}};
+  lay(left);
+  {
+    const auto lock = TargetLock::acquire(path(".quillmoor-unfinished-a.zip"));
+    EndKilledExchanges(path(""));
+    EXPECT_TRUE(std::filesystem::exists(folder_ / ".quillmoor-unfinished-a.zip" / "a.zip"));
+  }
+  EndKilledExchanges(LocalPathText(folder_.path()));
+  EXPECT_EQ(there(), (Files{{"a.zip", "old"}}));
+}
+
+TEST_F(FileSetTest, NamesEachFileThatCannotBePutBackAndPutsTheOthersBack) {
+  lay({{".quillmoor-unfinished-a.zip/a.z01", "old"},
+       {"a.z01/occupied", ""},
+       {".quillmoor-unfinished-b.zip/b.z01", "old"},
+       {"b.z01/occupied", ""},
+       {".quillmoor-unfinished-c.zip/c.zip", "old"}});
+  try {
+    EndKilledExchanges(path(""));
+    FAIL() << "not raised";
+  } catch (const std::runtime_error& error) {
+    for (const char* const name : {"a.z01", "b.z01"})
+      EXPECT_NE(std::string(error.what()).find(name), std::string::npos) << error.what();
+  }
+  EXPECT_EQ(contentsOf(folder_ / "c.zip"), "old");
+  EXPECT_NO_THROW(EndKilledExchanges(path("missing")));
 }
 
 }  // namespace

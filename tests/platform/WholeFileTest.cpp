@@ -1,9 +1,15 @@
+// Files and sets that are being written: they appear whole, and only what nobody writes any more is removed.
 #include "platform/WholeFile.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <system_error>
 
+#include "platform/LocalPath.h"
+#include "platform/ReservedNames.h"
+#include "platform/WorkFolder.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
@@ -24,41 +30,27 @@ TEST(WholeFile, ReplacesTheTargetOnlyAtCommit) {
   {
     WholeFile file(folder / "a", WholeFile::Survives::power);
     file.write("new");
+    WholeFile other(folder / "b");
+    other.write("another writer's");
     EXPECT_EQ(contentsOf(folder / "a"), "old");
     file.commit();
   }
   EXPECT_EQ(contentsOf(folder / "a"), "new");
-  EXPECT_EQ(filesIn(folder.path()), 1U);
+  EXPECT_EQ(filesIn(folder.path()), 1U) << "of the one that was given up, nothing";
 }
 
-TEST(WholeFile, LeavesNothingBehindWhenGivenUp) {
+TEST(WholeFile, LeavesWhatBearsItsTemporaryNameAlone) {
   const TemporaryFolder folder;
-  {
-    WholeFile file(folder / "a");
-    file.write("half");
-  }
-  EXPECT_EQ(filesIn(folder.path()), 0U);
-}
-
-TEST(WholeFile, TakesOverTheTemporaryFileOfAKilledRun) {
-  const TemporaryFolder folder;
-  writeFile(WholeFile::temporaryName(folder.path()), "a long remainder of a run that was killed");
+  const std::string last = NewTemporaryName();
+  const std::size_t dash = last.rfind('-');
+  const std::string next =
+      last.substr(0, dash + 1) + std::to_string(std::stoull(last.substr(dash + 1)) + 1) + ".tmp";
+  writeFile(folder / next, "somebody's");
   WholeFile file(folder / "a");
-  file.write("x");
-  file.commit();
-  EXPECT_EQ(contentsOf(folder / "a"), "x");
-  EXPECT_EQ(filesIn(folder.path()), 1U);
-}
-
-TEST(WholeFile, CanWriteAFileThatIsNamedLikeATemporaryOne) {
-  const TemporaryFolder folder;
-  const auto target = WholeFile::temporaryName(folder.path());
-  writeFile(target, "old");
-  WholeFile file(target);
   file.write("new");
-  EXPECT_EQ(contentsOf(target), "old");
   file.commit();
-  EXPECT_EQ(contentsOf(target), "new");
+  EXPECT_EQ(contentsOf(folder / "a"), "new");
+  EXPECT_EQ(contentsOf(folder / next), "somebody's");
 }
 
 TEST(WholeFile, NamesTheFileInItsError) {
@@ -72,6 +64,58 @@ TEST(WholeFile, NamesTheFileInItsError) {
     EXPECT_NE(std::string(error.what()).find((folder / "a").string()), std::string::npos) << error.what();
   }
   EXPECT_EQ(filesIn(folder.path()), 1U);
+}
+
+TEST(StaleTemporaries, AreRemovedAndThoseOfLivingWritersAreNot) {
+  const TemporaryFolder folder;
+  const std::string parent = LocalPathText(folder / "");
+  const std::string killed = NewTemporaryName();
+  for (const std::string& name : {std::string(".quillmoor-unfinished.tmp"), killed, NewTemporaryName()})
+    writeFile(folder / name, "half");
+  const std::string killedSet = NewTemporaryName();
+  std::filesystem::create_directory(folder / killedSet);
+  for (const char* const name : {".quillmoor-lock", "1", "2"}) writeFile(folder / killedSet / name, "half");
+  // Of the user, and of an exchange that has to be ended first.
+  const std::vector<std::string> kept = {".quillmoor-unfinished-a.zip", "quillmoor-unfinished-1.tmp",
+                                         "x.tmp"};
+  for (const std::string& name : kept) writeFile(folder / name, "kept");
+
+  WholeFile file(folder / "a");
+  file.write("whole");
+  auto set = std::make_unique<WorkFolder>(parent);
+  writeFile(LocalPath(set->file(1)), "whole");
+  RemoveStaleTemporaries(parent);
+  file.commit();
+  EXPECT_EQ(contentsOf(folder / "a"), "whole");
+  std::filesystem::rename(LocalPath(set->file(1)), folder / "b");
+  set.reset();
+  std::vector<std::string> left;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+    left.push_back(LocalPathText(entry.path().filename()));
+  EXPECT_THAT(left, ::testing::UnorderedElementsAre(kept[0], kept[1], kept[2], "a", "b"));
+}
+
+TEST(TargetLock, HoldsAFolderOnceAndKeepsItsTime) {
+  const TemporaryFolder folder;
+  const std::string path = LocalPathText(folder.path());
+  const auto time = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1000);
+  std::filesystem::last_write_time(folder.path(), time);
+  const auto before = std::filesystem::last_write_time(folder.path());
+  for (int round = 0; round < 2; ++round) {
+    const auto lock = TargetLock::acquire(path);
+    ASSERT_TRUE(lock);
+    EXPECT_TRUE(lock->enforced());
+    EXPECT_FALSE(TargetLock::acquire(path));
+    EXPECT_EQ(std::filesystem::last_write_time(folder.path()), before);
+  }
+  EXPECT_EQ(filesIn(folder.path()), 0U);
+  EXPECT_EQ(std::filesystem::last_write_time(folder.path()), before);
+
+  writeFile(folder / kLockFileName, "of a process that was killed");
+  EXPECT_TRUE(TargetLock::acquire(path));
+  EXPECT_THROW(TargetLock::acquire(LocalPathText(folder / "missing")), std::system_error);
+  std::filesystem::create_directory(folder / kLockFileName);
+  EXPECT_THROW(TargetLock::acquire(path), std::system_error);
 }
 
 }  // namespace

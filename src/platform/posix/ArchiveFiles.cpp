@@ -148,8 +148,7 @@ std::size_t InputFile::readAt(std::int64_t offset, std::span<std::uint8_t> bytes
 
 OutputFile::OutputFile(const std::string& path, bool executable)
     : path_(path),
-      handle_(::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
-                     executable ? 0777 : 0666)) {
+      handle_(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, executable ? 0777 : 0666)) {
   if (handle_ < 0) fail("cannot create", path);
 }
 
@@ -195,6 +194,10 @@ void restoreState(const std::string& path, const FileState& state, std::uint8_t 
 
 bool mayBeReplaced(const std::string& path) {
   return pathKind(path) != FileKind::folder;
+}
+
+void createFolder(const std::string& path) {
+  if (::mkdir(path.c_str(), 0777) != 0) fail("cannot create", path);
 }
 
 void renameFile(const std::string& from, const std::string& to) {

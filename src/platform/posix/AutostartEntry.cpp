@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/WholeFile.h"
+#include "platform/WorkFolder.h"
 #include "platform/posix/UserFolders.h"
 
 namespace quillmoor {
@@ -55,6 +56,7 @@ void WriteAutostartEntry(const std::string& name, const std::string& program) {
       "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n";
   if (holds(file, text)) return;
   std::filesystem::create_directories(file.parent_path());
+  RemoveStaleTemporaries(file.parent_path());
   WholeFile entry(file);
   entry.write(text);
   entry.commit();

@@ -13,6 +13,7 @@
 #include "platform/FolderLock.h"
 #include "platform/PrivateFile.h"
 #include "platform/RegistryFile.h"
+#include "platform/WorkFolder.h"
 #include "platform/posix/AutostartEntry.h"
 #include "platform/posix/UserFolders.h"
 
@@ -77,6 +78,7 @@ void modify(Change change) {
     const FolderLock lock(file.parent_path());  // from reading the file to having replaced it
     Keys keys = load();
     if (!change(keys)) return;
+    RemoveStaleTemporaries(file.parent_path());
     WritePrivateFile(file, formatRegistryFile(keys), WholeFile::Survives::power);
   } catch (const std::system_error& error) {
     throw RegistryStoreError(std::string("The settings cannot be written: ") + error.what() + ".");

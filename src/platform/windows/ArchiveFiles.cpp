@@ -179,18 +179,10 @@ std::size_t InputFile::readAt(std::int64_t offset, std::span<std::uint8_t> bytes
 }
 
 OutputFile::OutputFile(const std::string& path, bool) : path_(path), handle_(-1) {
-  // Without following a link that stands under the name; emptied only when it is known to be none.
   const HANDLE file =
       ::CreateFileW(WidePath(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+                    nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) fail("cannot create", path);
-  BY_HANDLE_FILE_INFORMATION found{};
-  const bool plain = ::GetFileInformationByHandle(file, &found) != FALSE &&
-                     (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
-  if (!plain || ::SetEndOfFile(file) == FALSE) {
-    ::CloseHandle(file);
-    fail("cannot create", path, ERROR_CANNOT_MAKE);
-  }
   handle_ = reinterpret_cast<std::intptr_t>(file);
 }
 
@@ -246,6 +238,10 @@ bool mayBeReplaced(const std::string& path) {
   const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
   return attributes == INVALID_FILE_ATTRIBUTES ||
          (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) == 0;
+}
+
+void createFolder(const std::string& path) {
+  if (::CreateDirectoryW(WidePath(path).c_str(), nullptr) == FALSE) fail("cannot create", path);
 }
 
 void renameFile(const std::string& from, const std::string& to) {

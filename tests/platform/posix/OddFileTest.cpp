@@ -1,13 +1,21 @@
-// What else may stand where a file is expected: a pipe, a link, one that is being changed.
+// What else may stand where a file is expected: a pipe, one that is being changed; and what a killed process
+// leaves.
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <functional>
 #include <system_error>
+#include <utility>
 
 #include "TestPlatform.h"
 #include "platform/CopyFile.h"
 #include "platform/FileTimes.h"
+#include "platform/ReservedNames.h"
 #include "platform/WholeFile.h"
+#include "platform/WorkFolder.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
@@ -24,12 +32,84 @@ TEST(FileTimes, LeaveAPipeAloneWithoutWaitingForAReader) {
   EXPECT_FALSE(WriteModifiedTime(pipe, std::chrono::sys_seconds{}));
 }
 
-TEST(WholeFile, DoesNotWriteThroughALinkUnderTheTemporaryName) {
+/// A process that does something and then waits to be killed.
+class KilledProcess {
+ public:
+  explicit KilledProcess(const std::function<void()>& act) {
+    int done[2];
+    EXPECT_EQ(::pipe(done), 0);
+    child_ = ::fork();
+    if (child_ == 0) {
+      act();
+      if (::write(done[1], "", 1) == 1) ::pause();
+      ::_exit(1);
+    }
+    char byte = 0;
+    ::close(done[1]);
+    EXPECT_EQ(::read(done[0], &byte, 1), 1) << "the process has failed";
+    ::close(done[0]);
+  }
+  ~KilledProcess() { kill(); }
+  KilledProcess(const KilledProcess&) = delete;
+  KilledProcess& operator=(const KilledProcess&) = delete;
+
+  void kill() {
+    if (child_ < 0) return;
+    ::kill(child_, SIGKILL);
+    ::waitpid(std::exchange(child_, -1), nullptr, 0);
+  }
+
+ private:
+  pid_t child_;
+};
+
+/// Another user, where the test may become one.
+void becomeAnotherUser() {
+  if (::geteuid() != 0) return;
+  if (::setgid(65534) != 0 || ::setuid(65534) != 0) ::_exit(1);
+}
+
+TEST(TargetLock, IsReleasedByAKillAndTakenOverByAnotherUser) {
   const TemporaryFolder folder;
-  writeFile(folder / "victim", "untouched");
-  std::filesystem::create_symlink(folder / "victim", WholeFile::temporaryName(folder.path()));
-  EXPECT_THROW(WholeFile(folder / "a"), std::system_error);
-  EXPECT_EQ(contentsOf(folder / "victim"), "untouched");
+  ::chmod(folder.path().c_str(), 01777);
+  KilledProcess other([&] {
+    becomeAnotherUser();
+    ::umask(0077);
+    static const auto lock = TargetLock::acquire(folder.path());
+    if (!lock) ::_exit(1);
+  });
+  EXPECT_FALSE(TargetLock::acquire(folder.path()));
+  other.kill();
+  EXPECT_TRUE(std::filesystem::exists(folder / kLockFileName));
+  EXPECT_TRUE(TargetLock::acquire(folder.path()));
+
+  KilledProcess first([&] {
+    static const auto lock = TargetLock::acquire(folder.path());
+    if (!lock) ::_exit(1);
+  });
+  first.kill();
+  const KilledProcess second([&] {
+    becomeAnotherUser();
+    static const auto lock = TargetLock::acquire(folder.path());
+    if (!lock) ::_exit(1);
+  });
+  EXPECT_FALSE(TargetLock::acquire(folder.path()));
+}
+
+TEST(StaleTemporaries, AreThoseOfKilledProcesses) {
+  const TemporaryFolder folder;
+  const auto names = [&] { return ReservedNamesIn(folder.path()).size(); };
+  KilledProcess writer([&] {
+    static WholeFile file(folder / "a");
+    static WorkFolder set(folder.path().string() + "/");
+    std::ofstream(set.file(1)) << "half";
+  });
+  RemoveStaleTemporaries(folder.path());
+  EXPECT_EQ(names(), 2U);
+  writer.kill();
+  EXPECT_EQ(names(), 2U);
+  RemoveStaleTemporaries(folder.path());
+  EXPECT_EQ(names(), 0U);
 }
 
 TEST(CopyWholeFiles, RefusesAFileThatChangesMeanwhile) {
