@@ -7,6 +7,7 @@
 #include <memory>
 #include <system_error>
 
+#include "platform/ArchiveFiles.h"
 #include "platform/LocalPath.h"
 #include "platform/ReservedNames.h"
 #include "platform/WorkFolder.h"
@@ -98,18 +99,17 @@ TEST(StaleTemporaries, AreRemovedAndThoseOfLivingWritersAreNot) {
 TEST(TargetLock, HoldsAFolderOnceAndKeepsItsTime) {
   const TemporaryFolder folder;
   const std::string path = LocalPathText(folder.path());
-  const auto time = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1000);
-  std::filesystem::last_write_time(folder.path(), time);
-  const auto before = std::filesystem::last_write_time(folder.path());
+  constexpr std::int64_t kTime = 1'231'981'200;
+  restoreState(path, {0, kTime, 0, 0}, 0);
   for (int round = 0; round < 2; ++round) {
     const auto lock = TargetLock::acquire(path);
     ASSERT_TRUE(lock);
     EXPECT_TRUE(lock->enforced());
     EXPECT_FALSE(TargetLock::acquire(path));
-    EXPECT_EQ(std::filesystem::last_write_time(folder.path()), before);
+    EXPECT_EQ(folderState(path).modifiedSeconds, kTime);
   }
   EXPECT_EQ(filesIn(folder.path()), 0U);
-  EXPECT_EQ(std::filesystem::last_write_time(folder.path()), before);
+  EXPECT_EQ(folderState(path).modifiedSeconds, kTime);
 
   writeFile(folder / kLockFileName, "of a process that was killed");
   EXPECT_TRUE(TargetLock::acquire(path));
