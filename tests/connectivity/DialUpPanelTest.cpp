@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "ScriptedDialUp.h"
 #include "TestPlatform.h"
 #include "profiles/SettingsStore.h"
 
@@ -12,30 +13,11 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-struct FakeDialUp final : DialUp {
-  bool busy = false, systemUp = false, dialThrows = false;
-  std::int32_t state = kDialUpDisconnected;
-  std::vector<std::string> entries, calls;
-  int systemAsked = 0;
-
-  bool Busy() override { return busy; }
-  std::int32_t State() override { return state; }
-  std::vector<std::string> Entries() override { return entries; }
-  void Dial(const std::string& entry) override {
-    calls.push_back("dial " + entry);
-    if (dialThrows) throw std::runtime_error("no");
-  }
-  void HangUp() override { calls.push_back("hang up"); }
-  void Abort() override { calls.push_back("abort"); }
-  bool IsDialUpConnected() override { return ++systemAsked, systemUp; }
-  bool HangUpDialUp() override { return false; }
-};
-
 class DialUpPanelTest : public ::testing::Test {
  protected:
   testing::OwnRegistry registry;
   ApplicationSettings settings;
-  FakeDialUp dialUp;
+  testing::ScriptedDialUp dialUp;
   DialUpPanel panel{dialUp, settings};
 };
 

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <variant>
+
 #include "ScriptedRemoteAccess.h"
 #include "connectivity/DialUpStates.h"
 #include "connectivity/SystemDialUp.h"
@@ -48,15 +50,22 @@ TEST(DialUpStates, HaveTheirTexts) {
     EXPECT_EQ(DialUpStateText(state), "") << state;
 }
 
+using News = std::vector<std::int32_t>;
+
 class DialUpComponent : public ::testing::Test {
  protected:
-  DialUpComponent() {
+  DialUpComponent() { make(); }
+  void make() {
+    shown.clear();
     auto access = std::make_unique<ScriptedRemoteAccess>();
     system = access.get();
     dialUp = std::make_unique<SystemDialUp>(std::move(access), [this] { return ticks; });
-    dialUp->onStateChange = [this](std::int32_t state) { shown.push_back(state); };
+    dialUp->onStateChange = [this](std::int32_t state) {
+      EXPECT_EQ(dialUp->State(), state) << "it may be asked by the one it tells";
+      shown.push_back(state);
+    };
   }
-  void reports(std::vector<std::int32_t> states) {
+  void reports(News states) {
     system->states = std::move(states);
     dialUp->Busy();
   }
@@ -64,53 +73,76 @@ class DialUpComponent : public ::testing::Test {
   std::int64_t ticks = 0;
   ScriptedRemoteAccess* system;
   std::unique_ptr<SystemDialUp> dialUp;
-  std::vector<std::int32_t> shown;
+  News shown;
 };
 
-TEST_F(DialUpComponent, DialsAndHangsUp) {
-  EXPECT_EQ(dialUp->State(), 8193);
-  dialUp->Dial("Office");
-  EXPECT_TRUE(dialUp->Busy());
-  reports({0, 1, 1, 2});
-  reports({14, 8192});
-  EXPECT_FALSE(dialUp->Busy());
-  EXPECT_EQ(dialUp->State(), 8192);
-  dialUp->HangUp();
-  EXPECT_TRUE(dialUp->Busy());
-  dialUp->HangUp();
-  reports({8193});
-  EXPECT_FALSE(dialUp->Busy());
-  EXPECT_THAT(shown, ElementsAre(8195, 0, 1, 2, 14, 8192, 8198, 8193)) << "each change once";
-  EXPECT_THAT(system->calls, ElementsAre("dial Office", "close"));
-}
-
-TEST_F(DialUpComponent, LosesAConnection) {
-  dialUp->Dial("Office");
-  reports({8192});
-  reports({8193});
-  EXPECT_FALSE(dialUp->Busy());
-  EXPECT_EQ(dialUp->State(), 8193);
-  dialUp->HangUp();
-  dialUp->Abort();
-  EXPECT_THAT(system->calls, ElementsAre("dial Office")) << "there is nothing to end";
-}
-
-TEST_F(DialUpComponent, GoesOnWithADialThatIsAskedForAgain) {
-  dialUp->Dial("Office");
-  reports({2});
-  dialUp->HangUp();
-  dialUp->Dial("Office");
-  EXPECT_EQ(dialUp->State(), 2);
-  EXPECT_THAT(system->calls, ElementsAre("dial Office"));
-}
-
-TEST_F(DialUpComponent, AbortsADial) {
-  dialUp->Dial("Office");
-  dialUp->Abort();
-  EXPECT_TRUE(dialUp->Busy());
-  reports({3, 8192, 8193});
-  EXPECT_FALSE(dialUp->Busy());
-  EXPECT_THAT(shown, ElementsAre(8195, 8199, 8193)) << "late news of what is being ended is none";
+TEST_F(DialUpComponent, DoesOneThingAfterTheOther) {
+  using Calls = std::vector<std::string>;
+  const struct {
+    const char* name;
+    std::vector<std::variant<std::string, News>> steps;  // an order, or news of the system
+    std::vector<std::int32_t> shown;
+    Calls calls;
+    bool busy;
+  } cases[] = {
+      {"nothing", {"hang up", "abort"}, {}, {}, false},
+      {"a connection, each change told once",
+       {"Office", News{0, 1, 1, 2}, News{14, 8192}},
+       {8195, 0, 1, 2, 14, 8192},
+       {"dial Office"},
+       false},
+      {"hung up",
+       {"Office", News{8192}, "hang up", "hang up"},
+       {8195, 8192, 8198},
+       {"dial Office", "close"},
+       true},
+      {"lost",
+       {"Office", News{8192}, News{8193}, "hang up", "abort"},
+       {8195, 8192, 8193},
+       {"dial Office"},
+       false},
+      {"asked for again", {"Office", News{2}, "hang up", "Office"}, {8195, 2}, {"dial Office"}, true},
+      {"aborted; late news of what is being ended is none",
+       {"Office", "abort", News{3, 8192, 8193}},
+       {8195, 8199, 8193},
+       {"dial Office", "close"},
+       false},
+      {"another dial", {"Home", "Office"}, {8195, 8199}, {"dial Home", "close"}, true},
+      {"another dial, when the first has ended",
+       {"Home", "Office", News{8193}},
+       {8195, 8199, 8193, 8195},
+       {"dial Home", "close", "dial Office"},
+       true},
+      {"a dial in place of a connection",
+       {"Home", News{8192}, "Office", News{8193}},
+       {8195, 8192, 8198, 8193, 8195},
+       {"dial Home", "close", "dial Office"},
+       true},
+      {"another dial, forgotten at an abort",
+       {"Home", "Office", "abort", News{8193}},
+       {8195, 8199, 8193},
+       {"dial Home", "close"},
+       false},
+  };
+  for (const auto& c : cases) {
+    make();
+    for (const auto& step : c.steps) {
+      const std::string* const order = std::get_if<std::string>(&step);
+      if (!order) {
+        reports(std::get<News>(step));
+      } else if (*order == "hang up") {
+        dialUp->HangUp();
+      } else if (*order == "abort") {
+        dialUp->Abort();
+      } else {
+        dialUp->Dial(*order);
+      }
+    }
+    EXPECT_EQ(dialUp->Busy(), c.busy) << c.name;
+    EXPECT_EQ(dialUp->State(), c.shown.empty() ? 8193 : c.shown.back()) << c.name;
+    EXPECT_EQ(shown, c.shown) << c.name;
+    EXPECT_EQ(system->calls, c.calls) << c.name;
+  }
 }
 
 TEST_F(DialUpComponent, AbortsADialThatIsStillBeingStarted) {
@@ -119,36 +151,6 @@ TEST_F(DialUpComponent, AbortsADialThatIsStillBeingStarted) {
   EXPECT_THAT(system->calls, ElementsAre("dial Office", "close"));
   reports({8193});
   EXPECT_THAT(shown, ElementsAre(8195, 8199, 8193));
-}
-
-TEST_F(DialUpComponent, DialsWhenWhatWasThereHasBeenEnded) {
-  const struct {
-    const char* name;
-    bool connected;
-    std::int32_t closing;
-  } cases[] = {{"another dial", false, 8199}, {"a connection", true, 8198}};
-  for (const auto& c : cases) {
-    system->calls.clear();
-    shown.clear();
-    dialUp->Dial("Home");
-    if (c.connected) reports({8192});
-    dialUp->Dial("Office");
-    EXPECT_EQ(dialUp->State(), c.closing) << c.name;
-    EXPECT_THAT(system->calls, ElementsAre("dial Home", "close")) << c.name;
-    reports({8193});
-    EXPECT_THAT(system->calls, ElementsAre("dial Home", "close", "dial Office")) << c.name;
-    EXPECT_EQ(dialUp->State(), 8195) << c.name;
-    reports({8193});
-  }
-}
-
-TEST_F(DialUpComponent, ForgetsTheNextDialAtAnAbort) {
-  dialUp->Dial("Home");
-  dialUp->Dial("Office");
-  dialUp->Abort();
-  reports({8193});
-  EXPECT_THAT(system->calls, ElementsAre("dial Home", "close"));
-  EXPECT_FALSE(dialUp->Busy());
 }
 
 TEST_F(DialUpComponent, RaisesWhatCannotBeDialled) {
@@ -168,16 +170,6 @@ TEST_F(DialUpComponent, GivesUpADialThatHangs) {
   ticks += 1;
   EXPECT_EQ(dialUp->State(), 8199);
   EXPECT_THAT(system->calls, ElementsAre("dial Office", "close"));
-}
-
-TEST_F(DialUpComponent, MayBeAskedByTheOneItTells) {
-  dialUp->onStateChange = [this](std::int32_t state) {
-    EXPECT_EQ(dialUp->State(), state);
-    shown.push_back(state);
-  };
-  dialUp->Dial("Office");
-  reports({1, 2, 8192});
-  EXPECT_THAT(shown, ElementsAre(8195, 1, 2, 8192));
 }
 
 }  // namespace

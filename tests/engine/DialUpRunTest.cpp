@@ -8,7 +8,6 @@ namespace quillmoor {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using Session = testing::ScriptedFtpServer::Session;
 
 class DialUpRunTest : public ::testing::Test, protected RunWorld {
@@ -21,52 +20,53 @@ class DialUpRunTest : public ::testing::Test, protected RunWorld {
     server.addFile("/a.bin", "x");
   }
   void connect(bool up = true) {
-    dialUp.states = Script<std::int32_t>(up ? kDialUpConnected : kDialUpDisconnected);
-    dialUp.systemUp = Script<bool>(up);
+    dialUp.state = up ? kDialUpConnected : kDialUpDisconnected;
+    dialUp.systemUp = up;
     dialUp.busy = false;
   }
   int waits() const { return display.count("Waiting 5 Seconds Before Retrying...\r\n"); }
   int dials() const { return display.count("Dialing the connection Office\r\n"); }
 };
 
-TEST_F(DialUpRunTest, WaitsForAConnectionThatComesUpWhileThePumpRuns) {
-  dialUp.onDial = [this] { dialUp.busy = true; };
-  pump = [this] {
-    if (*ticks >= 12'000 && dialUp.busy) connect();
+TEST_F(DialUpRunTest, DialsUntilAConnectionIsUp) {
+  const struct {
+    const char* name;
+    const char* entry;
+    std::function<void()> atDial;
+    std::function<bool()> comesUp;  // asked by the pump
+    int dials, waits;
+    bool fails = false;
+  } cases[] = {
+      {"at once", "Office", [this] { connect(); }, [] { return false; }, 1, 0},
+      {"while the pump runs", "Office", [this] { dialUp.busy = true; }, [this] { return *ticks >= 12'000; },
+       3, 3},
+      {"after a dial that failed", "Office", nullptr, [this] { return waits() == 2; }, 2, 2, true},
+      {"once system and component agree", "Office", [this] { dialUp.state = kDialUpConnected; },
+       [this] { return waits() == 1; }, 1, 1},
+      {"made by somebody else, no entry being chosen", "", nullptr, [this] { return waits() == 3; }, 3, 3},
+      {"up already", "Office", nullptr, [] { return true; }, 0, 0},
   };
-  EXPECT_TRUE(run().at(0).completed);
-  EXPECT_EQ(dials(), 3);
-  EXPECT_EQ(waits(), 3);
-  EXPECT_GE(*ticks, 15'000);
-  EXPECT_THAT(dialUp.calls,
-              ElementsAre("hang up", "dial Office", "hang up", "dial Office", "hang up", "dial Office"))
-      << "and AutoHangUp is 0";
-}
-
-TEST_F(DialUpRunTest, DialsAgainAfterADialThatFails) {
-  dialUp.dialThrows = true;
-  pump = [this] {
-    if (waits() == 2) connect();
-  };
-  EXPECT_TRUE(run().at(0).completed);
-  EXPECT_EQ(dials(), 2);
-}
-
-TEST_F(DialUpRunTest, WaitsOnceMoreUntilSystemAndComponentAgree) {
-  dialUp.onDial = [this] { dialUp.states = Script<std::int32_t>(kDialUpConnected); };
-  pump = [this] {
-    if (waits() == 1) connect();
-  };
-  EXPECT_TRUE(run().at(0).completed);
-  EXPECT_EQ(dials(), 1);
-  EXPECT_EQ(waits(), 1);
-}
-
-TEST_F(DialUpRunTest, DialsNothingWhileSomethingIsUp) {
-  connect();
-  EXPECT_TRUE(run().at(0).completed);
-  EXPECT_THAT(dialUp.calls, IsEmpty());
-  EXPECT_FALSE(display.logged("Dialing"));
+  for (const auto& c : cases) {
+    display = {};
+    dialUp.calls.clear();
+    dialUp.onDial = c.atDial;
+    dialUp.dialThrows = c.fails;
+    settings.AutoDialUpConnection = c.entry;
+    ticks = 0;
+    connect(c.dials == 0);
+    pump = [&] {
+      if (c.comesUp()) connect();
+    };
+    EXPECT_TRUE(run().at(0).completed) << c.name;
+    EXPECT_EQ(display.count("Dialing the connection " + std::string(c.entry) + "\r\n"), c.dials) << c.name;
+    EXPECT_EQ(display.count("Dialing"), c.dials) << c.name;
+    EXPECT_EQ(waits(), c.waits) << c.name;
+    EXPECT_GE(*ticks, c.waits * 5000) << c.name;
+    EXPECT_FALSE(display.logged("LAN")) << c.name;
+    std::vector<std::string> calls;
+    for (int i = 0; i < c.dials && *c.entry; ++i) calls.insert(calls.end(), {"hang up", "dial Office"});
+    EXPECT_EQ(dialUp.calls, calls) << c.name << ": and AutoHangUp is 0";
+  }
 }
 
 TEST_F(DialUpRunTest, LogsInAgainAndAgainWithoutADelay) {
@@ -142,13 +142,14 @@ TEST_F(DialUpRunTest, HangsUpAtTheEndWhatSystemOrComponentHave) {
   for (const auto& c : cases) {
     display = {};
     dialUp.calls.clear();
-    dialUp.states = Script<std::int32_t>(c.state);
-    dialUp.systemUp = Script<bool>(c.systemUp);
+    dialUp.state = c.state;
+    dialUp.systemUp = c.systemUp;
     dialUp.busy = c.busy;
     settings.AutoHangUp = c.autoHangUp;
     run();
     EXPECT_EQ(dialUp.calls, c.calls) << c.name;
-    EXPECT_EQ(display.logged("Disconnecting Dial-up connection.\r\nDisconnected.\r\n"), c.autoHangUp == 1)
+    EXPECT_EQ(display.logged("Disconnecting Dial-up connection.\r\nDisconnected.\r\nFinished all at: "),
+              c.autoHangUp == 1)
         << c.name;
   }
 }

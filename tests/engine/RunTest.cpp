@@ -285,43 +285,6 @@ TEST_F(RunTest, WaitsForALanWhateverTheUserSays) {
   EXPECT_GE(*ticks, 12'000);
 }
 
-TEST_F(RunTest, DialsUntilAConnectionIsUp) {
-  settings.AutoDial = 1;
-  settings.AutoHangUp = 1;
-  settings.AutoDialUpConnection = "Office";
-  dialUp.onDial = [this] {
-    if (dialUp.calls.size() == 4) {  // the second attempt
-      dialUp.states = Script<std::int32_t>(kDialUpConnected);
-      dialUp.systemUp = Script<bool>(true);
-    }
-  };
-  server.addFile("/a.bin", "x");
-  EXPECT_TRUE(run().at(0).completed);
-  EXPECT_EQ(display.count("Dialing the connection Office\r\n"), 2);
-  EXPECT_EQ(display.count("Waiting 0 Seconds Before Retrying...\r\n"), 1);
-  EXPECT_FALSE(display.logged("LAN"));
-  EXPECT_THAT(dialUp.calls,
-              ElementsAre("hang up", "dial Office", "hang up", "dial Office", "hang up system", "hang up"));
-  EXPECT_TRUE(display.logged("Disconnecting Dial-up connection.\r\nDisconnected.\r\nFinished all at: "));
-}
-
-TEST_F(RunTest, WithoutAnEntryItWaitsForAConnectionThatSomebodyElseMakes) {
-  settings.AutoDial = 1;
-  pump = [this] {
-    if (display.count("Dialing the connection \r\n") == 3) controller->Stop();
-  };
-  run();
-  EXPECT_THAT(dialUp.calls, ElementsAre()) << "there is nothing to dial and nothing to hang up";
-}
-
-TEST_F(RunTest, HangsUpOnlyWhatIsUp) {
-  settings.AutoHangUp = 1;
-  profile.name.clear();
-  run();
-  EXPECT_THAT(dialUp.calls, ElementsAre());
-  EXPECT_TRUE(display.logged("Disconnected.\r\n"));
-}
-
 TEST_F(RunTest, LeavesTheFieldToAnotherProgramsRun) {
   save(profile);
   RunServices refused = services();

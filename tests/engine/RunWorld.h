@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <deque>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -11,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "connectivity/ScriptedDialUp.h"
 #include "engine/RecordingDisplay.h"
 #include "engine/RunController.h"
 #include "engine/TransferType.h"
@@ -19,48 +19,6 @@
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
-
-/// Answers each question with the next answer; the last one stays.
-template <class Answer>
-class Script {
- public:
-  explicit Script(Answer only) : answers_{std::move(only)} {}
-  void set(std::deque<Answer> answers) { answers_ = std::move(answers); }
-  Answer next() {
-    Answer answer = answers_.front();
-    if (answers_.size() > 1) answers_.pop_front();
-    return answer;
-  }
-
- private:
-  std::deque<Answer> answers_;
-};
-
-class ScriptedDialUp final : public DialUp {
- public:
-  Script<std::int32_t> states{kDialUpDisconnected};
-  Script<bool> systemUp{false};
-  std::vector<std::string> calls;
-  bool busy = false;
-  bool dialThrows = false;
-
-  bool Busy() override { return busy; }
-  std::int32_t State() override { return states.next(); }
-  std::vector<std::string> Entries() override { return {}; }
-  void Dial(const std::string& entry) override {
-    calls.push_back("dial " + entry);
-    if (dialThrows) throw std::runtime_error("no such entry");
-    if (onDial) onDial();
-  }
-  void HangUp() override { calls.push_back("hang up"); }
-  void Abort() override { calls.push_back("abort"); }
-  bool IsDialUpConnected() override { return systemUp.next(); }
-  bool HangUpDialUp() override {
-    calls.push_back("hang up system");
-    return false;
-  }
-  std::function<void()> onDial;
-};
 
 /// Notes in which order a run calls them; each may be told to fail.
 class RecordingStages final : public RunActions, public ArchiveStage {
@@ -154,7 +112,7 @@ class RunWorld {
   RecordingDisplay display;
   ApplicationSettings settings;
   SiteProfile profile;
-  ScriptedDialUp dialUp;
+  testing::ScriptedDialUp dialUp;
   RecordingStages stages;
   NetworkSource network = [](std::uint32_t& kinds) {
     kinds = kNetworkLan;

@@ -3,7 +3,7 @@
 #include <wx/dateevt.h>
 
 #include "FormFixture.h"
-#include "connectivity/DialUpStates.h"
+#include "connectivity/ScriptedDialUp.h"
 #include "platform/ProgramFolder.h"
 #include "platform/RegistryApi.h"
 #include "profiles/ScheduleText.h"
@@ -15,40 +15,17 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-/// A line that does what the test says, and notes what it is told to do.
-struct Line {
-  bool busy = false;
-  std::int32_t state = kDialUpDisconnected;
-  std::vector<std::string> entries{"Office", "Home & Co"};
-  std::vector<std::string> calls;
-  int asked = 0;
-};
-
-class LineDialUp final : public DialUp {
- public:
-  explicit LineDialUp(Line& line) : line_(line) {}
-  bool Busy() override {
-    ++line_.asked;
-    return line_.busy;
-  }
-  std::int32_t State() override { return line_.state; }
-  std::vector<std::string> Entries() override { return line_.entries; }
-  void Dial(const std::string& entry) override {
-    line_.calls.push_back("dial " + entry);
-    line_.busy = true;
-    if (onStateChange) onStateChange(5);
-  }
-  void HangUp() override { line_.calls.push_back("hang up"); }
-  void Abort() override { line_.calls.push_back("abort"); }
-  bool IsDialUpConnected() override { return false; }
-  bool HangUpDialUp() override { return false; }
-
- private:
-  Line& line_;
-};
-
 class SettingsFormTest : public FormTest {
+  std::unique_ptr<testing::ScriptedDialUp> dialUp_ = std::make_unique<testing::ScriptedDialUp>();
+
  protected:
+  SettingsFormTest() {
+    line.entries = {"Office", "Home & Co"};
+    line.onDial = [this] {
+      line.busy = true;
+      line.onStateChange(5);
+    };
+  }
   void open() {
     s = new frmSettings(frame, {settings,
                                 network,
@@ -56,7 +33,7 @@ class SettingsFormTest : public FormTest {
                                   return *MakeLocalDateTime({2026, 11, 24, 15, 5, 9});
                                 },
                                 {0, 0, 1, 0, 0, 1, 0, 0},
-                                std::make_unique<LineDialUp>(line),
+                                std::move(dialUp_),
                                 ownPrompts()});
     present(s);
   }
@@ -81,7 +58,7 @@ class SettingsFormTest : public FormTest {
                : "no";
   }
 
-  Line line;
+  testing::ScriptedDialUp& line = *dialUp_;  // the form's own
   std::uint32_t kinds = kNetworkLan;
   NetworkSource network = [this](std::uint32_t& found) {
     found = kinds;
@@ -274,8 +251,8 @@ TEST_F(SettingsFormTest, AsksTheLineThatItDialsAlsoWhileItIsNotSeen) {
   open();
   press(s->cmdDial);
   form->Hide();
-  line.asked = 0;
-  ASSERT_TRUE(waitUntil([&] { return line.asked > 5; }));
+  line.busyAsked = 0;
+  ASSERT_TRUE(waitUntil([&] { return line.busyAsked > 5; }));
   EXPECT_EQ(s->tmrOnlineStatus.GetInterval(), frmSettings::kTmrOnlineStatus);
   line.busy = false;
   EXPECT_TRUE(waitUntil([&] { return s->tmrOnlineStatus.GetInterval() > frmSettings::kTmrOnlineStatus; }))
