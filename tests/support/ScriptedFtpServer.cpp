@@ -2,75 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <asio.hpp>
 #include <stdexcept>
 #include <utility>
 
 namespace quillmoor::testing {
 namespace {
 
-void closeSocket(SocketNumber& socket) {
-  if (socket != kNoSocket) closeSocketNumber(socket);
-  socket = kNoSocket;
-}
-
-struct Address {
-  sockaddr_storage storage{};
-  socklen_t size = 0;
-  sockaddr* get() { return reinterpret_cast<sockaddr*>(&storage); }
-};
-
-Address addressOf(const std::string& host, std::uint16_t port) {
-  Address address;
-  if (host.find(':') != std::string::npos) {
-    auto& in6 = reinterpret_cast<sockaddr_in6&>(address.storage);
-    in6.sin6_family = AF_INET6;
-    in6.sin6_port = htons(port);
-    ::inet_pton(AF_INET6, host.c_str(), &in6.sin6_addr);
-    address.size = sizeof in6;
-  } else {
-    auto& in = reinterpret_cast<sockaddr_in&>(address.storage);
-    in.sin_family = AF_INET;
-    in.sin_port = htons(port);
-    ::inet_pton(AF_INET, host.c_str(), &in.sin_addr);
-    address.size = sizeof in;
-  }
-  return address;
-}
-
-std::pair<SocketNumber, std::uint16_t> listenOn(const std::string& host) {
-  Address address = addressOf(host, 0);
-  SocketNumber listener = newSocket(address.storage.ss_family);
-  if (listener == kNoSocket || ::bind(listener, address.get(), address.size) != 0 ||
-      ::listen(listener, 8) != 0) {
-    closeSocket(listener);
-    throw std::runtime_error("cannot listen on " + host);
-  }
-  ::getsockname(listener, address.get(), &address.size);
-  const auto port = address.storage.ss_family == AF_INET6
-                        ? reinterpret_cast<sockaddr_in6&>(address.storage).sin6_port
-                        : reinterpret_cast<sockaddr_in&>(address.storage).sin_port;
-  return {listener, ntohs(port)};
-}
-
-/// False when the other end is gone or the server is being stopped.
-bool sendAll(SocketNumber socket, std::string_view bytes, SocketNumber wake) {
-  while (!bytes.empty()) {
-    std::array<PolledSocket, 2> polled = {{{socket, POLLOUT, 0}, {wake, POLLIN, 0}}};
-    pollSockets(polled.data(), polled.size());
-    if (polled[1].revents != 0) return false;
-    const std::ptrdiff_t sent = sendNow(socket, bytes);
-    if (sent < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(sent));
-  }
-  return true;
-}
-
-bool waitReadable(SocketNumber socket, SocketNumber wake) {
-  std::array<PolledSocket, 2> polled = {{{socket, POLLIN, 0}, {wake, POLLIN, 0}}};
-  pollSockets(polled.data(), polled.size());
-  return polled[1].revents == 0;
-}
+using asio::ip::tcp;
 
 std::string parentOf(const std::string& path) {
   const auto slash = path.rfind('/');
@@ -88,30 +27,68 @@ std::string withCrLf(const std::string& text) {
 
 }  // namespace
 
-ScriptedFtpServer::ScriptedFtpServer(bool ipv6) : ipv6_(ipv6) {
+/// All that is open, on the server's thread. An operation blocks until it is done; the server's end closes
+/// everything, which ends the operation in progress and lets every later one fail.
+class ScriptedFtpServer::Sockets {
+ public:
+  explicit Sockets(bool ipv6) : listener(context), dataPort(context), control(context), data(context) {
+    here = ipv6 ? asio::ip::address(asio::ip::address_v6::loopback()) : asio::ip::address_v4::loopback();
+    listenOn(listener);
+  }
+
+  std::uint16_t listenOn(tcp::acceptor& acceptor) {
+    acceptor = tcp::acceptor(context, {here, 0});
+    return acceptor.local_endpoint().port();
+  }
+  /// False when the operation failed. `start` begins it with the handler that it is handed.
+  template <class Start>
+  bool wait(Start start) {
+    bool done = false, succeeded = false;
+    start([&](const asio::error_code& error, auto...) {
+      done = true;
+      succeeded = !error;
+    });
+    for (context.restart(); !done;) context.run_one();
+    return succeeded;
+  }
+  bool accept(tcp::acceptor& acceptor, tcp::socket& socket) {
+    return wait([&](auto then) { acceptor.async_accept(socket, then); });
+  }
+  bool send(tcp::socket& socket, std::string_view bytes) {
+    return wait([&](auto then) { asio::async_write(socket, asio::buffer(bytes), then); });
+  }
+  template <class Socket>
+  static void close(Socket& socket) {
+    asio::error_code ignored;
+    socket.close(ignored);
+  }
+  /// From the thread that ends the server.
+  void end() {
+    asio::post(context, [this] {
+      over = true;
+      close(listener);
+      close(dataPort);
+      close(control);
+      close(data);
+    });
+  }
+
+  asio::io_context context;
+  asio::ip::address here;
+  tcp::acceptor listener, dataPort;
+  tcp::socket control, data;
+  bool over = false;
+};
+
+ScriptedFtpServer::ScriptedFtpServer(bool ipv6) : sockets_(std::make_unique<Sockets>(ipv6)) {
   folders_["/"];
-  std::tie(listener_, port_) = listenOn(ipv6 ? "::1" : "127.0.0.1");
-  connectToItself();
+  port_ = sockets_->listener.local_endpoint().port();
   thread_ = std::thread([this] { serve(); });
 }
 
 ScriptedFtpServer::~ScriptedFtpServer() {
-  // It is never received: every wait of the server's thread ends by it.
-  sendNow(wake_[1], "x");
+  sockets_->end();
   thread_.join();
-  closeSocket(listener_);
-  closeSocket(wake_[0]);
-  closeSocket(wake_[1]);
-}
-
-/// A connection with both ends here: what is sent into one ends a wait on the other.
-void ScriptedFtpServer::connectToItself() {
-  auto [listener, port] = listenOn("127.0.0.1");
-  Address address = addressOf("127.0.0.1", port);
-  wake_[1] = newSocket(AF_INET);
-  if (::connect(wake_[1], address.get(), address.size) == 0) wake_[0] = ::accept(listener, nullptr, nullptr);
-  closeSocket(listener);
-  if (wake_[0] == kNoSocket) throw std::runtime_error("cannot connect to this machine itself");
 }
 
 void ScriptedFtpServer::addFolder(const std::string& path) {
@@ -164,12 +141,12 @@ std::size_t ScriptedFtpServer::commandsSentAhead() const {
 }
 
 void ScriptedFtpServer::serve() {
-  while (waitReadable(listener_, wake_[0])) {
-    const SocketNumber control = ::accept(listener_, nullptr, nullptr);
-    if (control == kNoSocket) continue;
+  while (!sockets_->over) {
+    if (!sockets_->accept(sockets_->listener, sockets_->control)) continue;
     // Replies go out one by one: held back until the one before is acknowledged, each would cost 40 ms.
-    setSocketOption(control, IPPROTO_TCP, TCP_NODELAY, int{1});
-    Session session(*this, control);
+    asio::error_code ignored;
+    sockets_->control.set_option(tcp::no_delay(true), ignored);
+    Session session(*this);
     for (perform(session); session.open_ && session.nextLine();) perform(session);
     session.drop();
   }
@@ -217,8 +194,11 @@ std::string ScriptedFtpServer::listingOf(const std::string& folder) const {
 
 // --- a session
 
+ScriptedFtpServer::Session::Session(ScriptedFtpServer& server)
+    : server_(server), sockets_(*server.sockets_) {}
+
 void ScriptedFtpServer::Session::sendControl(std::string_view bytes) {
-  if (!sendAll(control_, bytes, server_.wake_[0])) open_ = false;
+  if (!sockets_.send(sockets_.control, bytes)) open_ = false;
 }
 
 void ScriptedFtpServer::Session::reply(const std::string& text) {
@@ -228,54 +208,54 @@ void ScriptedFtpServer::Session::reply(const std::string& text) {
 void ScriptedFtpServer::Session::drop() {
   closeData();
   closeDataPort();
-  closeSocket(control_);
+  Sockets::close(sockets_.control);
   open_ = false;
 }
 
 void ScriptedFtpServer::Session::closeData() {
-  closeSocket(data_);
+  Sockets::close(sockets_.data);
 }
 void ScriptedFtpServer::Session::closeDataPort() {
-  closeSocket(listening_);
+  Sockets::close(sockets_.dataPort);
 }
 
 void ScriptedFtpServer::Session::resetData() {
-  const linger reset{1, 0};
-  setSocketOption(data_, SOL_SOCKET, SO_LINGER, reset);
-  closeSocket(data_);
+  asio::error_code ignored;
+  sockets_.data.set_option(tcp::socket::linger(true, 0), ignored);
+  closeData();
 }
 
 bool ScriptedFtpServer::Session::sendData(std::string_view bytes) {
-  return data_ != kNoSocket && sendAll(data_, bytes, server_.wake_[0]);
+  return sockets_.data.is_open() && sockets_.send(sockets_.data, bytes);
 }
 
 void ScriptedFtpServer::Session::waitForClient() {
-  if (input_.find('\n') == std::string::npos) waitReadable(control_, server_.wake_[0]);
+  if (input_.find('\n') != std::string::npos) return;
+  sockets_.wait([&](auto then) { sockets_.control.async_wait(tcp::socket::wait_read, then); });
 }
 
 bool ScriptedFtpServer::Session::openData() {
+  closeData();
   if (activePort_ != 0) {
-    Address address = addressOf(activeHost_, std::exchange(activePort_, std::uint16_t{0}));
-    data_ = newSocket(address.storage.ss_family);
-    if (::connect(data_, address.get(), address.size) == 0) return true;
-    closeSocket(data_);
+    const tcp::endpoint client(asio::ip::make_address(activeHost_),
+                               std::exchange(activePort_, std::uint16_t{0}));
+    if (sockets_.wait([&](auto then) { sockets_.data.async_connect(client, then); })) return true;
+    closeData();
     return false;
   }
-  if (listening_ == kNoSocket || !waitReadable(listening_, server_.wake_[0])) return false;
-  data_ = ::accept(listening_, nullptr, nullptr);
-  closeSocket(listening_);
-  return data_ != kNoSocket;
+  if (!sockets_.dataPort.is_open() || !sockets_.accept(sockets_.dataPort, sockets_.data)) return false;
+  closeDataPort();
+  return true;
 }
 
 bool ScriptedFtpServer::Session::nextLine() {
   std::size_t end;
   bool waited = false;
   while ((end = input_.find('\n')) == std::string::npos) {
-    char bytes[4096];
-    if (!waitReadable(control_, server_.wake_[0])) return false;
-    const std::ptrdiff_t size = receive(control_, bytes, sizeof bytes);
-    if (size <= 0) return false;
-    input_.append(bytes, static_cast<std::size_t>(size));
+    const auto more = asio::dynamic_buffer(input_);
+    if (!sockets_.wait(
+            [&](auto then) { asio::async_read(sockets_.control, more, asio::transfer_at_least(1), then); }))
+      return false;
     waited = true;
   }
   line = input_.substr(0, end);
@@ -334,9 +314,7 @@ void ScriptedFtpServer::Session::usual() {
 }
 
 void ScriptedFtpServer::Session::listenForData(bool extended) {
-  closeDataPort();
-  std::uint16_t port = 0;
-  std::tie(listening_, port) = listenOn(server_.ipv6_ ? "::1" : "127.0.0.1");
+  const std::uint16_t port = sockets_.listenOn(sockets_.dataPort);
   if (extended) return reply("229 Come in (|||" + std::to_string(port) + "|)");
   reply("227 Come in (127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256) + ")");
 }

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -21,11 +22,13 @@
 #include <thread>
 #include <vector>
 
-#include "SocketApi.h"
+#include "TestPlatform.h"
 
 namespace quillmoor::testing {
 
 class ScriptedFtpServer {
+  class Sockets;
+
  public:
   class Session;
   using Action = std::function<void(Session&)>;
@@ -93,7 +96,7 @@ class ScriptedFtpServer {
 
    private:
     friend class ScriptedFtpServer;
-    explicit Session(ScriptedFtpServer& server, SocketNumber control) : server_(server), control_(control) {}
+    explicit Session(ScriptedFtpServer& server);
 
     bool nextLine();
     void usual();
@@ -105,7 +108,7 @@ class ScriptedFtpServer {
     void adoptPort(const std::string& text);
 
     ScriptedFtpServer& server_;
-    SocketNumber control_, data_ = kNoSocket, listening_ = kNoSocket;
+    Sockets& sockets_;
     std::uint16_t activePort_ = 0;
     std::string activeHost_;
     std::string input_, folder_ = "/";
@@ -123,7 +126,6 @@ class ScriptedFtpServer {
   };
 
   void addRule(const std::string& prefix, Action action, int uses);
-  void connectToItself();
   void serve();
   void perform(Session& session);
   std::string listingOf(const std::string& folder) const;
@@ -136,9 +138,7 @@ class ScriptedFtpServer {
   std::vector<std::string> commands_;
   std::size_t ahead_ = 0;
   bool discards_ = false;
-  bool ipv6_;
-  bool stopping_ = false;
-  SocketNumber listener_ = kNoSocket, wake_[2] = {kNoSocket, kNoSocket};
+  std::unique_ptr<Sockets> sockets_;
   std::uint16_t port_ = 0;
   std::thread thread_;
 };

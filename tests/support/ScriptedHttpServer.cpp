@@ -5,73 +5,50 @@
 
 namespace quillmoor::testing {
 
+using asio::awaitable;
+using asio::use_awaitable;
 using asio::ip::tcp;
 
 class ScriptedHttpServer::Impl {
  public:
+  explicit Impl(ScriptedHttpServer& owner) : owner_(owner) {}
+
   asio::io_context context;
   tcp::acceptor acceptor{context, {asio::ip::address_v4::loopback(), 0}};
 
-  void accept(ScriptedHttpServer& server);
-};
-
-/// One client; kept alive by whatever is under way.
-class ScriptedHttpServer::Connection : public std::enable_shared_from_this<Connection> {
- public:
-  Connection(ScriptedHttpServer& server, tcp::socket socket) : server_(server), socket_(std::move(socket)) {}
-
-  void readHead() {
-    asio::async_read_until(socket_, asio::dynamic_buffer(request_), "\r\n\r\n",
-                           [self = shared_from_this()](const asio::error_code& error, std::size_t size) {
-                             if (!error) self->readBody(size);
-                           });
+  awaitable<void> acceptAll() {
+    for (;;) {
+      tcp::socket client = co_await acceptor.async_accept(use_awaitable);
+      asio::co_spawn(context, serve(std::move(client)), asio::detached);
+    }
   }
 
  private:
-  void readBody(std::size_t headSize) {
+  awaitable<void> serve(tcp::socket client) {
     constexpr std::string_view kLength = "Content-Length: ";
-    const auto at = request_.find(kLength);
-    const std::size_t length = at < headSize ? std::stoul(request_.substr(at + kLength.size())) : 0;
-    const std::size_t have = request_.size() - headSize;
-    asio::async_read(socket_, asio::dynamic_buffer(request_),
-                     asio::transfer_exactly(length > have ? length - have : 0),
-                     [self = shared_from_this()](const asio::error_code& error, std::size_t) {
-                       if (error) return;
-                       self->answer_ = self->server_.take(self->request_);
-                       self->send(self->answer_.bytes);
-                     });
+    try {
+      std::string request;
+      auto buffer = asio::dynamic_buffer(request);
+      const std::size_t head = co_await asio::async_read_until(client, buffer, "\r\n\r\n", use_awaitable);
+      const auto at = request.find(kLength);
+      const std::size_t whole = head + (at < head ? std::stoul(request.substr(at + kLength.size())) : 0);
+      const std::size_t missing = whole > request.size() ? whole - request.size() : 0;
+      co_await asio::async_read(client, buffer, asio::transfer_exactly(missing), use_awaitable);
+      const Answer answer = owner_.take(request);
+      co_await asio::async_write(client, asio::buffer(answer.bytes), use_awaitable);
+      while (answer.then == Then::repeat)
+        co_await asio::async_write(client, asio::buffer(answer.more), use_awaitable);
+      if (answer.then == Then::silence) co_await client.async_wait(tcp::socket::wait_read, use_awaitable);
+    } catch (const std::system_error&) {
+    }
   }
 
-  void send(const std::string& bytes) {
-    asio::async_write(socket_, asio::buffer(bytes),
-                      [self = shared_from_this()](const asio::error_code& error, std::size_t) {
-                        if (error || self->answer_.then == Then::close) return;
-                        if (self->answer_.then == Then::repeat) return self->send(self->answer_.more);
-                        self->waitForClient();
-                      });
-  }
-
-  void waitForClient() {
-    socket_.async_wait(tcp::socket::wait_read, [self = shared_from_this()](const asio::error_code&) {});
-  }
-
-  ScriptedHttpServer& server_;
-  tcp::socket socket_;
-  std::string request_;
-  Answer answer_;
+  ScriptedHttpServer& owner_;
 };
 
-void ScriptedHttpServer::Impl::accept(ScriptedHttpServer& server) {
-  acceptor.async_accept([this, &server](const asio::error_code& error, tcp::socket socket) {
-    if (error) return;
-    std::make_shared<Connection>(server, std::move(socket))->readHead();
-    accept(server);
-  });
-}
-
-ScriptedHttpServer::ScriptedHttpServer() : impl_(std::make_unique<Impl>()) {
+ScriptedHttpServer::ScriptedHttpServer() : impl_(std::make_unique<Impl>(*this)) {
   port_ = impl_->acceptor.local_endpoint().port();
-  impl_->accept(*this);
+  asio::co_spawn(impl_->context, impl_->acceptAll(), asio::detached);
   thread_ = std::thread([this] { impl_->context.run(); });
 }
 

@@ -44,7 +44,6 @@ class ScriptedHttpServer {
     std::string more;
   };
   class Impl;
-  class Connection;
 
   Answer take(const std::string& request);
 

@@ -15,6 +15,11 @@ namespace quillmoor::testing {
 /// Bytes of a file, set by its size alone, that takes long to copy and holds next to nothing.
 inline constexpr std::uintmax_t kLongToCopy = std::uintmax_t{1} << 36;
 
+/// Whether a connection that was reset can be told from one that was closed.
+inline bool tellsResetFromEnd() {
+  return true;
+}
+
 inline void setEnvironment(const char* name, const std::string& value) {
   ::setenv(name, value.c_str(), 1);
 }

@@ -14,6 +14,12 @@ namespace quillmoor::testing {
 /// Bytes of a file, set by its size alone, that takes a while to copy.
 inline constexpr std::uintmax_t kLongToCopy = std::uintmax_t{1} << 28;
 
+/// Whether a connection that was reset can be told from one that was closed. Wine cannot where a program
+/// waits with select.
+inline bool tellsResetFromEnd() {
+  return ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
+}
+
 inline void setEnvironment(const char* name, const std::string& value) {
   ::SetEnvironmentVariableA(name, value.c_str());
 }
