@@ -84,16 +84,6 @@ TEST_F(SchedulerTest, ServesEveryDayAtItsOwnFlag) {
   }
 }
 
-TEST_F(SchedulerTest, ServesASingleDayOnceUntilTheNextStart) {
-  settings.ScheduleDays[kMonday] = 1;
-  open(on(kSunday, 0, 0));
-  runUntil(on(kSunday + 14, 0, 0));
-  EXPECT_EQ(started, Starts{"11-02-2026 12:30"});
-  open(on(kSunday + 14, 0, 0));
-  runUntil(on(kSunday + 21, 0, 0));
-  EXPECT_EQ(started, (Starts{"11-02-2026 12:30", "11-16-2026 12:30"}));
-}
-
 TEST_F(SchedulerTest, MissesTheMinuteOfAnotherProgramsRunAndServesNoDay) {
   settings.ScheduleDays[kMonday] = 1;
   open(on(kSunday, 0, 0));
@@ -111,59 +101,59 @@ TEST_F(SchedulerTest, MissesTheMinuteOfAnotherProgramsRunAndServesNoDay) {
   EXPECT_EQ(missed, 2);
 }
 
-TEST_F(SchedulerTest, LetsTwoDaysUnlockEachOther) {
-  settings.ScheduleDays[kMonday] = settings.ScheduleDays[kThursday] = 1;
-  open(on(kSunday, 0, 0));
-  runUntil(on(kSunday + 14, 0, 0));
-  EXPECT_EQ(started,
-            (Starts{"11-02-2026 12:30", "11-05-2026 12:30", "11-09-2026 12:30", "11-12-2026 12:30"}));
-}
-
-TEST_F(SchedulerTest, StartsAtTheFirstTickInsideTheMinute) {
-  settings.ScheduleDays[kFriday] = 1;
+TEST_F(SchedulerTest, StartsInTheMinuteAndServesADayOnceUntilAnotherIsServed) {
+  const auto monday = on(kMonday, 12, 30);
+  const LocalDateTime none{};
   const struct {
-    LocalDateTime opened;
-    bool starts;
-  } cases[] = {{on(kFriday, 12, 29, 59), false},
-               {on(kFriday, 12, 30, 0), true},
-               {on(kFriday, 12, 30, 59), true},
-               {on(kFriday, 12, 31, 0), false}};
-  for (const auto& one : cases) {
-    BackupRunning = false;
+    const char* name;
+    std::vector<int> days;
+    LocalDateTime opened, until;
+    LocalDateTime handRunEnds;  // of one that goes on when the program is opened
+    Starts starts;
+    seconds length{5};
+  } cases[] = {
+      {"one day", {kMonday}, on(kSunday, 0, 0), on(kSunday + 14, 0, 0), none, {"11-02-2026 12:30"}},
+      {"two days unlock each other",
+       {kMonday, kThursday},
+       on(kSunday, 0, 0),
+       on(kSunday + 14, 0, 0),
+       none,
+       {"11-02-2026 12:30", "11-05-2026 12:30", "11-09-2026 12:30", "11-12-2026 12:30"}},
+      {"a run shorter than its minute",
+       {kMonday},
+       on(kMonday, 12, 0),
+       on(kMonday, 13, 0),
+       none,
+       {"11-02-2026 12:30"},
+       seconds(1)},
+      {"not before the minute", {kMonday}, monday - seconds(1), monday, none, {}},
+      {"at its first second", {kMonday}, monday, monday + seconds(1), none, {"11-02-2026 12:30"}},
+      {"at its last", {kMonday}, monday + seconds(59), monday + seconds(60), none, {"11-02-2026 12:30"}},
+      {"not after it", {kMonday}, monday + seconds(60), on(kTuesday, 0, 0), none, {}},
+      {"missed during a run, which leaves the day unserved",
+       {kMonday},
+       on(kMonday, 12, 29, 30),
+       on(kMonday + 7, 13, 0),
+       on(kMonday, 12, 31),
+       {"11-09-2026 12:30"}},
+      {"a run ends inside the minute",
+       {kMonday},
+       on(kMonday, 12, 29, 30),
+       on(kMonday, 13, 0),
+       on(kMonday, 12, 30, 40),
+       {"11-02-2026 12:30"}},
+  };
+  for (const auto& c : cases) {
     started.clear();
-    open(one.opened);
-    tick();
-    EXPECT_EQ(started.size(), one.starts ? 1u : 0u) << TimeText(one.opened);
+    settings.ScheduleDays.fill(0);
+    for (const int day : c.days) settings.ScheduleDays[static_cast<std::size_t>(day)] = 1;
+    length = c.length;
+    open(c.opened);
+    BackupRunning = c.handRunEnds != none;
+    runEnds = c.handRunEnds;
+    runUntil(c.until);
+    EXPECT_EQ(started, c.starts) << c.name;
   }
-}
-
-TEST_F(SchedulerTest, MissesAMinuteThatPassesDuringARunAndLeavesTheDayUnserved) {
-  settings.ScheduleDays[kMonday] = 1;
-  open(on(kMonday, 12, 29, 30));
-  BackupRunning = true;  // by hand
-  runEnds = on(kMonday, 12, 31);
-  runUntil(on(kMonday + 1, 0, 0));
-  EXPECT_EQ(started, Starts{});
-  EXPECT_EQ(scheduler->LastScheduledWeekday(), 0);
-  runUntil(on(kMonday + 7, 13, 0));
-  EXPECT_EQ(started, Starts{"11-09-2026 12:30"});
-}
-
-TEST_F(SchedulerTest, StillStartsWhenARunEndsInsideTheMinute) {
-  settings.ScheduleDays[kMonday] = 1;
-  open(on(kMonday, 12, 29, 30));
-  BackupRunning = true;
-  runEnds = on(kMonday, 12, 30, 40);
-  runUntil(on(kMonday, 13, 0));
-  EXPECT_EQ(started, Starts{"11-02-2026 12:30"});
-}
-
-TEST_F(SchedulerTest, DoesNotStartAgainWhenARunIsShorterThanItsMinute) {
-  settings.ScheduleDays[kMonday] = 1;
-  length = seconds(1);
-  open(on(kMonday, 12, 0));
-  runUntil(on(kMonday, 13, 0));
-  EXPECT_EQ(started.size(), 1u);
 }
 
 TEST_F(SchedulerTest, TakesANewTimeAtOnceAndANewDayAtTheNextStart) {
