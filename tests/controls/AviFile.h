@@ -36,7 +36,8 @@ struct AviFile {
       std::string("\x00\x00\xFF\x00\x00\xFF\x00\x00\xFF\x00\x00\x00", 12);  // red, green, blue
   std::string streamsBefore;                                                // "strl" lists
   std::string videoNumber = "00";
-  std::vector<std::pair<std::string, std::string>> frames;  // chunk's kind ("db"), content
+  std::vector<std::pair<std::string, std::string>>
+      frames;  // chunk's kind ("dc" where there is none), content
 
   std::string format() const {
     return le(40) + le(width) + le(height) + le(1, 2) + le(bits, 2) + le(compression) + le(0) + le(0) +
@@ -49,7 +50,8 @@ struct AviFile {
   }
   std::string movie() const {
     std::string content;
-    for (const auto& [kind, data] : frames) content += chunk(videoNumber + kind, data);
+    for (const auto& [kind, data] : frames)
+      content += chunk(videoNumber + (kind.empty() ? "dc" : kind), data);
     return content;
   }
   std::string bytes() const { return chunk("RIFF", "AVI " + headers() + list("movi", movie())); }

@@ -8,7 +8,6 @@
 
 #include "controls/AviFile.h"
 #include "controls/ColourMath.h"
-#include "controls/Mutations.h"
 #include "controls/Rle8.h"
 #include "platform/LocalPath.h"
 #include "support/TemporaryFolder.h"
@@ -28,6 +27,17 @@ std::string letters(const std::vector<std::uint8_t>& rgb) {
   for (std::size_t i = 0; i < rgb.size(); i += 3)
     text += rgb[i] == 255 ? 'r' : rgb[i + 1] == 255 ? 'g' : rgb[i + 2] == 255 ? 'b' : '.';
   return text;
+}
+
+/// What reading raises; "" when it raises nothing.
+template <class Read>
+std::string messageOf(Read read) {
+  try {
+    read();
+  } catch (const AviError& error) {
+    return error.what();
+  }
+  return "";
 }
 
 TEST(AviReader, ReadsRowsFromTheBottomWithTheirPadding) {
@@ -117,41 +127,19 @@ TEST(AviReader, SaysWhatIsWrongAndWhere) {
       {"another codec", [](AviFile& f) { f.compression = 0x44495658; }, "in compression 1145656920"},
       {"palette too long", [](AviFile& f) { f.usedColours = 257; }, "a palette of 257 colours"},
       {"palette cut", [](AviFile& f) { f.usedColours = 4; }, "the file ends before the end of the palette"},
-      {"frame cut",
-       [](AviFile& f) {
-         f.frames = {{"db", "abc"}};
-       },
-       "a frame of 3 bytes instead of 8"},
-      {"palette change",
-       [](AviFile& f) {
-         f.frames.push_back({"pc", "abcd"});
-       },
-       "a change of the palette"},
-      {"too many frames",
-       [](AviFile& f) {
-         f.frames.resize(kMaxAviFrames + 1, {"dc", ""});
-       },
-       "more frames than"},
+      {"frame cut", [](AviFile& f) { f.frames[0].second = "abc"; }, "a frame of 3 bytes instead of 8"},
+      {"palette change", [](AviFile& f) { f.frames[0].first = "pc"; }, "a change of the palette"},
+      {"too many frames", [](AviFile& f) { f.frames.resize(kMaxAviFrames + 1); }, "more frames than"},
       {"too many pixels",
-       [](AviFile& f) {
-         f.width = f.height = kMaxAviSide, f.compression = 1, f.frames.resize(3, {"dc", ""});
-       },
+       [](AviFile& f) { f.width = f.height = kMaxAviSide, f.compression = 1, f.frames.resize(3); },
        "more frames than"},
   };
   for (const Case& c : cases) {
     AviFile file;
     file.frames = {{"db", std::string(8, '\0')}};
     c.spoil(file);
-    try {
-      ReadAvi(file.bytes());
-      ADD_FAILURE() << c.name << " was read";
-    } catch (const AviError& error) {
-      EXPECT_THAT(error.what(), HasSubstr(c.message)) << c.name;
-    }
+    EXPECT_THAT(messageOf([&] { ReadAvi(file.bytes()); }), HasSubstr(c.message)) << c.name;
   }
-}
-
-TEST(AviReader, SaysWhereTheContainerIsDamaged) {
   AviFile file;
   file.frames = {{"db", std::string(8, '\0')}};
   const std::string good = file.bytes();
@@ -162,14 +150,8 @@ TEST(AviReader, SaysWhereTheContainerIsDamaged) {
            {good.substr(0, good.size() - 1), "byte 4: the file says"},
            {chunk("RIFF", "AVI "), "no video stream"},
            {noHeaders, "frames without the header"},
-           {chunk("RIFF", "AVI JUNK" + le(100)), "byte 12: a chunk of 100 bytes where 0 are left"}}) {
-    try {
-      ReadAvi(bytes);
-      ADD_FAILURE() << message;
-    } catch (const AviError& error) {
-      EXPECT_THAT(error.what(), HasSubstr(message));
-    }
-  }
+           {chunk("RIFF", "AVI JUNK" + le(100)), "byte 12: a chunk of 100 bytes where 0 are left"}})
+    EXPECT_THAT(messageOf([&] { ReadAvi(bytes); }), HasSubstr(message));
 }
 
 TEST(Rle8, StopsAtTheCodeThatIsWrong) {
@@ -211,33 +193,8 @@ TEST(AviReader, NamesTheFileThatCannotBeRead) {
   const testing::TemporaryFolder folder;
   testing::writeFile(folder / "Broken.avi", "RIFF");
   for (const auto& [name, message] : {std::pair{"Broken.avi", "Broken.avi: byte 0: no AVI file"},
-                                      std::pair{"Missing.avi", "Missing.avi: cannot be opened"}}) {
-    try {
-      LoadAvi(LocalPathText(folder / name));
-      ADD_FAILURE() << name;
-    } catch (const AviError& error) {
-      EXPECT_THAT(error.what(), HasSubstr(message));
-    }
-  }
-}
-
-TEST(AviReader, SurvivesDamageOfEveryKind) {
-  AviFile plain;
-  plain.frames = {{"db", std::string(8, '\1')}, {"dc", ""}};
-  AviFile coded;
-  coded.compression = 1;
-  coded.frames = {{"dc", std::string("\3\1\0\0\3\2\0\1", 8)}, {"dc", std::string("\0\2\1\1\1\0\0\1", 8)}};
-  for (const AviFile& file : {plain, coded}) {
-    testing::forEachMutation(file.bytes(), [](const std::string& bytes) {
-      try {
-        const AviAnimation read = ReadAvi(bytes);
-        for (const auto& frame : read.frames)
-          ASSERT_EQ(frame.size(),
-                    static_cast<std::size_t>(read.width) * static_cast<std::size_t>(read.height) * 3);
-      } catch (const AviError&) {
-      }
-    });
-  }
+                                      std::pair{"Missing.avi", "Missing.avi: cannot be opened"}})
+    EXPECT_THAT(messageOf([&] { LoadAvi(LocalPathText(folder / name)); }), HasSubstr(message));
 }
 
 }  // namespace

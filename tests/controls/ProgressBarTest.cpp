@@ -39,33 +39,33 @@ TEST(ProgressBar, SaysHundredPercentOnlyWhenDone) {
 }
 
 TEST(ProgressBar, FillsFromTheLeftOrTheBottom) {
+  using Rects = std::vector<BarRect>;
+  const struct {
+    int max, value;
+    bool vertical, blocks;
+    BarRect area;
+    Rects filled;
+  } cases[] = {
+      {100, 25, false, false, {10, 20, 200, 16}, {{10, 20, 50, 16}}},
+      {100, 25, true, false, {10, 20, 16, 200}, {{10, 170, 16, 50}}},
+      // The first step is seen, and so is that the last is missing.
+      {100'000, 0, false, false, {0, 0, 200, 16}, {}},
+      {100'000, 1, false, false, {0, 0, 200, 16}, {{0, 0, 1, 16}}},
+      {100'000, 99'999, false, false, {0, 0, 200, 16}, {{0, 0, 199, 16}}},
+      {100'000, 100'000, false, false, {0, 0, 200, 16}, {{0, 0, 200, 16}}},
+      {100'000, 100'000, false, false, {0, 0, 0, 16}, {}},
+      {100'000, 100'000, false, false, {0, 0, -4, 16}, {}},
+      {100, 25, false, true, {0, 0, 100, 16}, {{0, 0, 8, 16}, {10, 0, 8, 16}, {20, 0, 5, 16}}},  // the last
+                                                                                                 // is cut
+  };
   ProgressBar bar;
-  bar.setValue(25);
-  EXPECT_EQ(FilledParts(bar, {10, 20, 200, 16}, 8, 2), (std::vector<BarRect>{{10, 20, 50, 16}}));
-  bar.orientation = BarOrientation::vertical;
-  EXPECT_EQ(FilledParts(bar, {10, 20, 16, 200}, 8, 2), (std::vector<BarRect>{{10, 170, 16, 50}}));
-}
-
-TEST(ProgressBar, ShowsTheFirstStepAndKeepsTheLast) {
-  ProgressBar bar;
-  bar.setMax(100'000);
-  EXPECT_TRUE(FilledParts(bar, {0, 0, 200, 16}, 8, 2).empty());
-  bar.setValue(1);
-  EXPECT_EQ(FilledParts(bar, {0, 0, 200, 16}, 8, 2).at(0).width, 1);
-  bar.setValue(99'999);
-  EXPECT_EQ(FilledParts(bar, {0, 0, 200, 16}, 8, 2).at(0).width, 199);
-  bar.setValue(100'000);
-  EXPECT_EQ(FilledParts(bar, {0, 0, 200, 16}, 8, 2).at(0).width, 200);
-  EXPECT_TRUE(FilledParts(bar, {0, 0, 0, 16}, 8, 2).empty());
-  EXPECT_TRUE(FilledParts(bar, {0, 0, -4, 16}, 8, 2).empty());
-}
-
-TEST(ProgressBar, CutsTheLastBlock) {
-  ProgressBar bar;
-  bar.scrolling = BarScrolling::standard;
-  bar.setValue(25);
-  EXPECT_EQ(FilledParts(bar, {0, 0, 100, 16}, 8, 2),
-            (std::vector<BarRect>{{0, 0, 8, 16}, {10, 0, 8, 16}, {20, 0, 5, 16}}));
+  for (const auto& c : cases) {
+    bar.setMax(c.max);
+    bar.setValue(c.value);
+    bar.orientation = c.vertical ? BarOrientation::vertical : BarOrientation::horizontal;
+    bar.scrolling = c.blocks ? BarScrolling::standard : BarScrolling::smooth;
+    EXPECT_EQ(FilledParts(bar, c.area, 8, 2), c.filled) << c.value << " of " << c.max;
+  }
   EXPECT_EQ(FilledParts(bar, {0, 0, 100, 16}, 0, -1).size(), 25U) << "a length of nothing would never end";
 }
 

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "controls/Mutations.h"
 #include "platform/LocalPath.h"
 #include "support/TemporaryFolder.h"
 
@@ -41,6 +40,17 @@ std::string marked(const RtfDocument& document) {
     text += '|';
   }
   return text;
+}
+
+/// What reading raises; "" when it raises nothing.
+template <class Read>
+std::string messageOf(Read read) {
+  try {
+    read();
+  } catch (const RtfError& error) {
+    return error.what();
+  }
+  return "";
 }
 
 TEST(RtfReader, ReadsText) {
@@ -147,12 +157,7 @@ TEST(RtfReader, SaysWhatIsWrongAndWhere) {
            {restless, "more changes of format than"},
            {long_, "more paragraphs than"},
            {"{\\rtf1 " + std::string(kMaxRtfBytes, ' ') + "}", "is larger than"}}) {
-    try {
-      ReadRtf(rtf);
-      ADD_FAILURE() << rtf.substr(0, 40) << " was read";
-    } catch (const RtfError& error) {
-      EXPECT_THAT(error.what(), HasSubstr(message)) << rtf.substr(0, 40);
-    }
+    EXPECT_THAT(messageOf([&] { ReadRtf(rtf); }), HasSubstr(message)) << rtf.substr(0, 40);
   }
 }
 
@@ -172,26 +177,8 @@ TEST(RtfReader, ReadsTheUsersGuide) {
 TEST(RtfReader, NamesTheFileThatCannotBeRead) {
   const testing::TemporaryFolder folder;
   testing::writeFile(folder / "Help.rtf", "{\\rtf1");
-  try {
-    LoadRtf(LocalPathText(folder / "Help.rtf"));
-    ADD_FAILURE();
-  } catch (const RtfError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("Help.rtf: byte 6: the text ends"));
-  }
-}
-
-TEST(RtfReader, SurvivesDamageOfEveryKind) {
-  testing::forEachMutation(
-      R"({\rtf1\ansi\ansicpg1252\uc2\deff0{\fonttbl{\f0\fswiss Sans;}{\f1\fcharset2 S;}}{\colortbl;\red1\green2;}{\*\x y})"
-      R"(\pard\li360\fi-9\tx7\sb2\qc\b a\b0\'e4\f1\'b7\tab\u8364 EUR\u-10179??\u-8704??\cf1\fs30{\i\v b}\bin2 xx\par c})",
-      [](const std::string& rtf) {
-        try {
-          for (const RtfParagraph& paragraph : ReadRtf(rtf).paragraphs) {
-            for (const RtfRun& run : paragraph.runs) ASSERT_FALSE(run.text.empty());
-          }
-        } catch (const RtfError&) {
-        }
-      });
+  EXPECT_THAT(messageOf([&] { LoadRtf(LocalPathText(folder / "Help.rtf")); }),
+              HasSubstr("Help.rtf: byte 6: the text ends"));
 }
 
 }  // namespace

@@ -209,7 +209,12 @@ TEST_F(ArchiveStageTest, WithoutAnArchiveEveryCopyFails) {
   EXPECT_TRUE(fs::is_empty(folder / "a"));
 }
 
-TEST_F(ArchiveStageTest, APackingThatFailsEndsIt) {
+TEST_F(ArchiveStageTest, AFileThatCannotBePackedIsNamedAndAPackingThatFailsEndsIt) {
+  packer.instead = [](const PackingOrder& order) { order.onError("a.txt cannot be read"); };
+  create();
+  EXPECT_EQ(display.log(), "\r\nCreating Zip File: " + archive +
+                               "\r\nZip Error: a.txt cannot be read\r\nDone Zip File.\r\n");
+  display = {};
   settings.ZipCopies = folderOf("copies");
   writeFile(archive, "the archive of the run before");
   packer.instead = [](const PackingOrder& order) {
@@ -221,13 +226,6 @@ TEST_F(ArchiveStageTest, APackingThatFailsEndsIt) {
   EXPECT_EQ(display.lines.back().colour, (Colour{255, 0, 0}));
   EXPECT_EQ(contentsOf(archive), "the archive of the run before");
   EXPECT_TRUE(fs::is_empty(folder / "copies"));
-}
-
-TEST_F(ArchiveStageTest, AFileThatCannotBePackedIsNamedAndTheArchiveMade) {
-  packer.instead = [](const PackingOrder& order) { order.onError("a.txt cannot be read"); };
-  create();
-  EXPECT_EQ(display.log(), "\r\nCreating Zip File: " + archive +
-                               "\r\nZip Error: a.txt cannot be read\r\nDone Zip File.\r\n");
 }
 
 TEST_F(ArchiveStageTest, NeverPacksWithoutAPasswordThatItCannotRead) {

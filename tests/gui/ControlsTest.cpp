@@ -1,5 +1,4 @@
 // The log's view under a flood of lines, and the tray's messages.
-#include <wx/frame.h>
 #include <wx/sizer.h>
 
 #include <algorithm>
@@ -14,22 +13,12 @@
 namespace quillmoor {
 namespace {
 
-class LogViewTest : public ::testing::Test {
+class LogViewTest : public FrameTest {
  protected:
   LogViewTest() {
-    frame = new wxFrame(nullptr, wxID_ANY, "log", wxDefaultPosition, wxSize(700, 400));
     view = new LogView(frame, log, "log", "Log of a test");
     frame->Show();
     EXPECT_TRUE(waitUntil([&] { return view->IsShownOnScreen() && view->GetClientSize().y > 100; }));
-  }
-  ~LogViewTest() override {
-    bool gone = false;
-    frame->Bind(wxEVT_DESTROY, [&](wxWindowDestroyEvent& event) {
-      gone = gone || event.GetEventObject() == frame;
-      event.Skip();
-    });
-    frame->Destroy();
-    EXPECT_TRUE(waitUntil([&] { return gone; }));
   }
   void append(const std::string& text) {
     if (log.length() > RunLog::kLongestLog) log.trim(RunLog::kTrimmed);
@@ -44,7 +33,6 @@ class LogViewTest : public ::testing::Test {
   }
 
   LogText log;
-  wxFrame* frame;
   LogView* view;
 };
 

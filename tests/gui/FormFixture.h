@@ -1,7 +1,6 @@
 // A form of settings alone in a frame, over a registry of its own, and a hand for its controls.
 #pragma once
 
-#include <wx/frame.h>
 #include <wx/sizer.h>
 
 #include <cstdint>
@@ -20,22 +19,9 @@
 
 namespace quillmoor {
 
-class FormTest : public ::testing::Test {
+class FormTest : public FrameTest {
  protected:
-  FormTest()
-      : prompts(*new testing::ScriptedPrompts),
-        frame(new wxFrame(nullptr, wxID_ANY, "form", wxPoint(40, 40), wxSize(760, 560))),
-        prompts_(&prompts) {}
-
-  void TearDown() override {
-    bool gone = false;
-    frame->Bind(wxEVT_DESTROY, [&](wxWindowDestroyEvent& event) {
-      gone = gone || event.GetEventObject() == frame;
-      event.Skip();
-    });
-    frame->Destroy();
-    EXPECT_TRUE(waitUntil([&] { return gone; }));
-  }
+  FormTest() : FrameTest(wxSize(760, 560)), prompts(*new testing::ScriptedPrompts), prompts_(&prompts) {}
 
   /// For the form that is made; it becomes their owner.
   std::unique_ptr<UserPrompts> ownPrompts() { return std::move(prompts_); }
@@ -169,7 +155,6 @@ class FormTest : public ::testing::Test {
   testing::OwnRegistry registry;
   ApplicationSettings settings;
   testing::ScriptedPrompts& prompts;
-  wxFrame* frame;
   ScrolledForm* form = nullptr;
 
  private:

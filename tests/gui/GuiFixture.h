@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <wx/evtloop.h>
+#include <wx/frame.h>
 #include <wx/testing.h>
 #include <wx/timer.h>
 #include <wx/uiaction.h>
@@ -37,6 +38,24 @@ inline bool waitUntil(const std::function<bool()>& condition,
   }
   return true;
 }
+
+/// A frame of its own for what a test shows, gone when the test is.
+class FrameTest : public ::testing::Test {
+ protected:
+  explicit FrameTest(wxSize size = wxSize(700, 400))
+      : frame(new wxFrame(nullptr, wxID_ANY, "test", wxPoint(40, 40), size)) {}
+  void TearDown() override {
+    bool gone = false;
+    frame->Bind(wxEVT_DESTROY, [&](wxWindowDestroyEvent& event) {
+      gone = gone || event.GetEventObject() == frame;
+      event.Skip();
+    });
+    frame->Destroy();
+    EXPECT_TRUE(waitUntil([&] { return gone; }));
+  }
+
+  wxFrame* frame;
+};
 
 /// What the user does while a run blocks the program and only its pump serves events: steps, each taken once
 /// its condition holds.

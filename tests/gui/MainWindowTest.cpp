@@ -5,7 +5,10 @@
 #include <future>
 
 #include "GuiFixture.h"
+#include "connectivity/modProcessPriority.h"
 #include "controls/UserHoldsEventLoop.h"
+#include "platform/ProgramFolder.h"
+#include "platform/RegistryApi.h"
 #include "shell/WindowPlacement.h"
 
 namespace quillmoor {
@@ -40,6 +43,16 @@ class MainWindowTest : public GuiTest {
     clickEvent(main->process->cmdStart);
     steps.when([&] { return server.count("RETR /b.bin") == 1; });
   }
+  /// Opens the program two seconds before a scheduled run.
+  void startBeforeTheMinute() {
+    server.addFile("/a.bin", "bytes");
+    for (const auto& [key, text] : {std::pair{"SchedualHour", "12"}, std::pair{"SchedualMinute", "30"},
+                                    std::pair{"SchedualTusday", "1"}})
+      WriteSetting(key, text);
+    now = [this] { return clock; };
+    start();
+  }
+  LocalDateTime clock = *MakeLocalDateTime({2026, 11, 24, 12, 29, 58, 0});  // a Tuesday
 };
 
 TEST_F(MainWindowTest, StandsWhereItIsStoredAndHidesByItself) {
@@ -69,6 +82,26 @@ TEST_F(MainWindowTest, StandsWhereItIsStoredAndHidesByItself) {
   }
 }
 
+TEST_F(MainWindowTest, TakesItsPriorityAndItsPlaceInTheAutostartAsItStarts) {
+  using modProcessPriority::SetPriority;
+  constexpr std::int32_t kNoClass = 12;  // only asks for the class in force
+  const std::int32_t before = SetPriority(0, 0, kNoClass);
+  WriteSetting("ProcessPriority", "16384");
+  for (const char* autostart : {"1", "0"}) {
+    WriteSetting("AutoStartUp", autostart);
+    start();
+    stayOpen();
+    const auto entry = RegistryApi::queryValue(
+        HKEY_LOCAL_MACHINE_VALUE, "Software\\Microsoft\\Windows\\CurrentVersion\\Run", ProgramName());
+    EXPECT_EQ(entry.has_value(), *autostart == '1');
+    main->ExitRoutine();
+    ASSERT_TRUE(waitUntil([&] { return !main; }));
+  }
+  const std::int32_t inForce = SetPriority(0, 0, kNoClass);
+  EXPECT_TRUE(inForce == 16384 || inForce == 64) << inForce << ": idle when the test was started so";
+  SetPriority(0, 0, before);  // back, where that is allowed
+}
+
 TEST_F(MainWindowTest, IsHiddenByItsCloseBoxAndEndedByNothingButTheExitRoutine) {
   start();
   stayOpen();
@@ -77,7 +110,6 @@ TEST_F(MainWindowTest, IsHiddenByItsCloseBoxAndEndedByNothingButTheExitRoutine) 
   main->hide();
   main->restore();
   EXPECT_TRUE(waitUntil([&] { return main->IsShownOnScreen() && !main->IsIconized(); }));
-  ASSERT_TRUE(main);
   main->ExitRoutine();
   EXPECT_TRUE(waitUntil([&] { return !main; }));
 }
@@ -210,6 +242,19 @@ TEST_F(MainWindowTest, StartsAgainOnceAStoppedRunHasUnwound) {
   EXPECT_EQ(status(0), "Stoped");
 }
 
+TEST_F(MainWindowTest, EndsWhileARunWaitsForItsServer) {
+  server.on("PASS", [](Session& s) { s.reply("530 Never."); });
+  WriteSetting("ConnectionDelay", "3600");
+  start();
+  stayOpen();
+  clickEvent(main->process->cmdStart);
+  steps
+      .when([&] { return logged().find("Waiting 3600 Seconds") != std::string::npos; },
+            [&] { main->ExitRoutine(); })
+      .when([&] { return !main; })
+      .take();
+}
+
 TEST_F(MainWindowTest, EndsInTheMiddleOfARunAndLeavesNoHalfFile) {
   goIntoTheMiddleOfAFile();
   std::chrono::steady_clock::time_point begin;
@@ -227,19 +272,6 @@ TEST_F(MainWindowTest, EndsInTheMiddleOfARunAndLeavesNoHalfFile) {
   EXPECT_EQ(left, std::vector<std::string>{"a.bin"});
 }
 
-TEST_F(MainWindowTest, EndsWhileARunWaitsForItsServer) {
-  server.on("PASS", [](Session& s) { s.reply("530 Never."); });
-  WriteSetting("ConnectionDelay", "3600");
-  start();
-  stayOpen();
-  clickEvent(main->process->cmdStart);
-  steps
-      .when([&] { return logged().find("Waiting 3600 Seconds") != std::string::npos; },
-            [&] { main->ExitRoutine(); })
-      .when([&] { return !main; })
-      .take();
-}
-
 TEST_F(MainWindowTest, ExitsFromTheProfilesPaneOnlyWhenThatIsConfirmed) {
   start();
   stayOpen();
@@ -254,13 +286,7 @@ TEST_F(MainWindowTest, ExitsFromTheProfilesPaneOnlyWhenThatIsConfirmed) {
 }
 
 TEST_F(MainWindowTest, BacksUpAtTheScheduledMinuteWhileItIsHidden) {
-  server.addFile("/a.bin", "bytes");
-  WriteSetting("SchedualHour", "12");
-  WriteSetting("SchedualMinute", "30");
-  WriteSetting("SchedualTusday", "1");
-  LocalDateTime clock = *MakeLocalDateTime({2026, 11, 24, 12, 29, 58, 0});  // a Tuesday
-  now = [&] { return clock; };
-  start();
+  startBeforeTheMinute();
   main->hide();
   ASSERT_TRUE(waitUntil([&] { return !main->TimerMain.IsRunning() || !main->tmrHide.IsRunning(); }));
   EXPECT_FALSE(BackupRunning);
@@ -268,18 +294,10 @@ TEST_F(MainWindowTest, BacksUpAtTheScheduledMinuteWhileItIsHidden) {
   clock += std::chrono::seconds(2);
   ASSERT_TRUE(waitUntil([&] { return status() == "Completed" && !main->process->active(); })) << status();
   EXPECT_EQ(contentsOf(target() / "a.bin"), "bytes");
-  WriteSetting("SchedualTusday", "0");
 }
 
 TEST_F(MainWindowTest, StartsAScheduledRunOnceTheOpenBoxIsAnswered) {
-  server.addFile("/a.bin", "bytes");
-  WriteSetting("SchedualHour", "12");
-  WriteSetting("SchedualMinute", "30");
-  WriteSetting("SchedualTusday", "1");
-  LocalDateTime clock = *MakeLocalDateTime({2026, 11, 24, 12, 29, 58, 0});  // a Tuesday
-  now = [&] { return clock; };
-  start();
-  WriteSetting("SchedualTusday", "0");
+  startBeforeTheMinute();
   wxDialog box(main, wxID_ANY, "A question");
   const auto answer = [&] {
     if (box.IsModal()) box.EndModal(wxID_OK);
