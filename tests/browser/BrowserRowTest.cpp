@@ -10,34 +10,16 @@ namespace {
 using ::testing::ElementsAre;
 
 TEST(FileIcon, GoesByTheLastFourCharactersWhateverTheirCase) {
-  const struct {
-    const char* text;
-    const char* key;
-  } rows[] = {{"readme.txt", "TextFile"},
-              {"README.TXT", "TextFile"},
-              {"a.zip", "ZipFile"},
-              {"a.arj", "ZipFile"},
-              {"a.tgz", "ZipFile"},
-              {"a.Tar", "ZipFile"},
-              {"a.lzh", "ZipFile"},
-              {"a.lza", "ZipFile"},
-              {"a.tar.gz", "File"},
-              {"run.exe", "ExeFile"},
-              {"run.COM", "ExeFile"},
-              {"run.bat", "ExeFile"},
-              {"a.jpg", "ImageFile"},
-              {"a.bmp", "ImageFile"},
-              {"a.img", "ImageFile"},
-              {"a.gif", "ImageFile"},
-              {"a.jpeg", "File"},
-              {"a.hlp", "HelpFile"},
-              {"index.html", "File"},
-              {"x.b", "File"},
-              {".txt", "TextFile"},
-              {"txt", "File"},
-              {"", "File"},
-              {"a.txt ", "File"}};
-  for (const auto& row : rows) EXPECT_EQ(IconKey(FileIcon(row.text)), row.key) << row.text;
+  const std::pair<const char*, std::vector<const char*>> icons[] = {
+      {"TextFile", {"readme.txt", "README.TXT", ".txt"}},
+      {"ZipFile", {"a.zip", "a.arj", "a.tgz", "a.Tar", "a.lzh", "a.lza"}},
+      {"ExeFile", {"run.exe", "run.COM", "run.bat"}},
+      {"ImageFile", {"a.jpg", "a.bmp", "a.img", "a.gif"}},
+      {"HelpFile", {"a.hlp"}},
+      {"File", {"a.tar.gz", "a.jpeg", "index.html", "x.b", "txt", "", "a.txt "}}};
+  for (const auto& [key, names] : icons) {
+    for (const char* name : names) EXPECT_EQ(IconKey(FileIcon(name)), key) << name;
+  }
 }
 
 RemoteEntry entry(const std::string& type, const std::string& name, const std::string& target = "") {

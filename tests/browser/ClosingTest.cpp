@@ -50,10 +50,13 @@ TEST_F(ClosingTest, LogsOutAndStoresThePlacement) {
   EXPECT_FALSE(browser->busy()) << "it is over";
 }
 
-/// Where a window may be closed, and how a test gets there.
+/// Where a window may be closed: in what the server does at a command.
 struct Moment {
   const char* name;
-  void (*prepare)(BrowserWorld&);
+  const char* command;
+  ScriptedFtpServer::Action action;
+  bool whenOpen;                   // the command comes of a refresh, or of closing
+  bool (*reached)(BrowserWorld&);  // null: at once
 };
 void PrintTo(const Moment& moment, std::ostream* out) {
   *out << moment.name;
@@ -68,61 +71,48 @@ class ClosingInTheMiddle : public ClosingTest, public ::testing::WithParamInterf
     for (int i = 0; i < 50; ++i) links += "lrwxrwxrwx 1 o g 1 Jan 1 2020 l" + std::to_string(i) + " -> x\r\n";
     server.setListing("/", links);
   }
+  void prepare() {
+    const Moment& moment = GetParam();
+    if (moment.whenOpen) open();
+    server.on(moment.command, moment.action);
+    if (moment.whenOpen) {
+      browser->refresh();
+    } else {
+      make();
+      browser->connect();
+    }
+    if (moment.reached) takeUntil([&] { return moment.reached(*this); });
+    if (moment.whenOpen && !moment.reached) browser->waitForNews();
+  }
 };
 
-constexpr Moment kMoments[] = {{"Greeting",
-                                [](BrowserWorld& world) {
-                                  world.server.on("", staysSilent());
-                                  world.make();
-                                  world.browser->connect();
-                                }},
-                               {"LoginWait",
-                                [](BrowserWorld& world) {
-                                  world.server.on("PASS", replies("530 No."));
-                                  world.make();
-                                  world.browser->connect();
-                                  world.takeUntil([&] {
-                                    return world.logLines().at(world.logLines().size() - 1).empty() &&
-                                           world.browser->log().lineCount() > 6;
-                                  });
-                                }},
-                               {"Listing",
-                                [](BrowserWorld& world) {
-                                  world.open();
-                                  world.server.on("LIST", staysSilent());
-                                  world.browser->refresh();
-                                  world.takeUntil([&] { return world.browser->rowCount() == 1; });
-                                }},
-                               {"LinkTest",
-                                [](BrowserWorld& world) {
-                                  world.server.on("CWD /l20", staysSilent());
-                                  world.make();
-                                  world.browser->connect();
-                                  world.takeUntil([&] { return world.browser->rowCount() == 51; });
-                                }},
-                               {"NewsNotTaken",
-                                [](BrowserWorld& world) {
-                                  world.open();
-                                  world.browser->refresh();
-                                  world.browser->waitForNews();
-                                }},
-                               {"Farewell", [](BrowserWorld& world) {
-                                  world.open();
-                                  world.server.on("QUIT", staysSilent());
-                                }}};
+const Moment kMoments[] = {{"Greeting", "", staysSilent(), false, nullptr},
+                           {"LoginWait", "PASS", replies("530 No."), false,
+                            [](BrowserWorld& world) {
+                              return world.browser->log().lineCount() > 6 && world.logLines().back().empty();
+                            }},
+                           {"Listing", "LIST", staysSilent(), true,
+                            [](BrowserWorld& world) { return world.browser->rowCount() == 1; }},
+                           {"LinkTest", "CWD /l20", staysSilent(), false,
+                            [](BrowserWorld& world) { return world.browser->rowCount() == 51; }},
+                           {"NewsNotTaken", "no command", staysSilent(), true, nullptr},
+                           {"Farewell", "QUIT", staysSilent(), false, [](BrowserWorld& world) {
+                              return world.browser->rowCount() == 51 && !world.browser->busy();
+                            }}};
 
 TEST_P(ClosingInTheMiddle, ClosesAtOnce) {
-  GetParam().prepare(*this);
+  prepare();
   storePlacement();
   const auto begin = steady_clock::now();
   browser->close({});
   EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(1)) << "the caller does not wait";
+  EXPECT_LE(server.count("PASS"), 1U) << "it logs in again without a delay";
   close();
   EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(10)) << "nor does the session for long";
 }
 
 TEST_P(ClosingInTheMiddle, CanBeDestroyed) {
-  GetParam().prepare(*this);
+  prepare();
   const auto calls = view.calls;
   const auto begin = steady_clock::now();
   browser.reset();
@@ -132,7 +122,7 @@ TEST_P(ClosingInTheMiddle, CanBeDestroyed) {
 }
 
 TEST_P(ClosingInTheMiddle, CanBeDestroyedBetweenClosingAndTheEnd) {
-  GetParam().prepare(*this);
+  prepare();
   const auto begin = steady_clock::now();
   browser->close({});
   browser.reset();

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "browser/BrowserWorld.h"
-#include "engine/RunWorld.h"
 
 namespace quillmoor {
 namespace {
@@ -504,35 +503,6 @@ TEST_F(RemoteBrowserTest, KeepsAnIdleConnectionAlive) {
   browser->keepAlive();
   settle();
   EXPECT_EQ(server.count("USER"), logins) << "only a connected session is kept alive";
-}
-
-TEST_F(RemoteBrowserTest, WorksInTheMiddleOfABackupRunAndDoesNotHoldItUp) {
-  RunWorld run;
-  run.server.addFile("/a.txt", "x");
-  std::promise<void> listed;
-  run.server.once("RETR", [&](auto& session) {
-    listed.get_future().wait();
-    session.answerAsUsual();
-  });
-  server.addFolder("/www");
-  server.once("PASS", replies("530 Not yet."));
-  make();
-  bool told = false;
-  run.pump = [&] {
-    browser->connect();
-    browser->takeNews();
-    if (!browser->busy() && !std::exchange(told, true)) listed.set_value();
-  };
-  run.run();
-  EXPECT_EQ(run.display.item(0, ReportColumn::status), "Completed");
-  EXPECT_EQ(contentsOf(run.target() / "a.txt").substr(0, 1), "x");
-  EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www"));
-
-  server.on("PASS", replies("530 Never."));
-  make();
-  run.run();
-  EXPECT_TRUE(browser->busy()) << "it still tries to log in";
-  EXPECT_EQ(run.display.item(1, ReportColumn::status), "Completed");
 }
 
 TEST_F(RemoteBrowserTest, ComesBackToItsFolderWhenTheServerHasDroppedTheConnection) {

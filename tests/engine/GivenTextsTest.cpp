@@ -177,25 +177,17 @@ TEST(GivenNumbers, AreHandedToTheClient) {
 }
 
 TEST(GivenNumbers, AreTheDefaultsOfTheSettings) {
-  const std::pair<const char*, const char*> given[] = {
-      {"MainLeft", "1000"},     {"MainTop", "1000"},        {"MainWidth", "11685"},
-      {"MainHeight", "8085"},   {"TransferType", "1"},      {"Passive", "True"},
-      {"Timeout", "30"},        {"RemotePort", "21"},       {"SchedualHour", "12"},
-      {"SchedualMinute", "30"}, {"SchedualSunday", "0"},    {"SchedualMonday", "0"},
-      {"SchedualTusday", "0"},  {"SchedualWednesday", "0"}, {"SchedualThrusday", "0"},
-      {"SchedualFriday", "0"},  {"SchedualSaturday", "0"},  {"ProcessPriority", "32"},
-      {"AutoDial", "1"},        {"AutoHangUp", "1"},        {"AutoDialUpConnection", ""},
-      {"AutoStartUp", "1"},     {"BackupMode", "1"},        {"UniqueBackup", "0"},
-      {"CreateZip", "1"},       {"SplitZip", "0"},          {"ZipSpanSize", "1024"},
-      {"ZipSelfExtract", "0"},  {"ZipPassword", ""},        {"ZipCopies", ""},
-      {"RunBefore", ""},        {"RunAfter", ""},           {"ConnectBefore", ""},
-      {"ConnectAfter", ""},     {"FtpRetryCount", "5"},     {"ConnectionDelay", "5"},
-  };
-  std::size_t next = 0;
-  for (const auto& [key, text] : given) {
-    EXPECT_EQ(kSettings.at(next).key, key);
-    EXPECT_EQ(kSettings.at(next++).defaultText, text) << key;
-  }
+  const std::string_view given =
+      "MainLeft=1000|MainTop=1000|MainWidth=11685|MainHeight=8085|TransferType=1|Passive=True|Timeout=30|"
+      "RemotePort=21|SchedualHour=12|SchedualMinute=30|SchedualSunday=0|SchedualMonday=0|SchedualTusday=0|"
+      "SchedualWednesday=0|SchedualThrusday=0|SchedualFriday=0|SchedualSaturday=0|ProcessPriority=32|"
+      "AutoDial=1|AutoHangUp=1|AutoDialUpConnection=|AutoStartUp=1|BackupMode=1|UniqueBackup=0|CreateZip=1|"
+      "SplitZip=0|ZipSpanSize=1024|ZipSelfExtract=0|ZipPassword=|ZipCopies=|RunBefore=|RunAfter=|"
+      "ConnectBefore=|ConnectAfter=|FtpRetryCount=5|ConnectionDelay=5|";
+  std::string keys;
+  for (const auto& setting : kSettings)
+    keys.append(setting.key).append("=").append(setting.defaultText).append("|");
+  EXPECT_EQ(keys.substr(0, given.size()), given) << "the keys in the order in which they are read";
   const OwnRegistry registry;
   const ApplicationSettings s = LoadApplicationSettings();
   EXPECT_THAT((std::vector<double>{s.MainLeft, s.MainTop, s.MainWidth, s.MainHeight}),

@@ -236,6 +236,7 @@ TEST_F(BrowserFormTest, ClosesAtOnceInTheMiddleOfAnything) {
 TEST_F(BrowserFormTest, WorksBesideABackupRunAndEndsWithTheProgram) {
   testing::ScriptedFtpServer other;
   other.addFolder("/www");
+  other.once("PASS", [](Session& s) { s.reply("530 Not yet."); });  // which must not hold up the run below
   server.addFile("/a.bin", "bytes");
   std::promise<void> seen;
   server.once("RETR /a.bin", [looked = seen.get_future().share()](Session& s) {

@@ -84,10 +84,18 @@ TEST_F(SettingsFormTest, StoresWhatEveryControlSays) {
     return all;
   };
   const auto nothing = [] { return std::string(); };
-  std::vector<ControlRow> rows = {
+  const std::vector<ControlRow> rows = {
       {s->dtpStartTime, [&] { setTime(3, 7); }, "SchedualHour", "3", number(settings.ScheduleHour), "3"},
       {s->dtpStartTime, [&] { setTime(23, 59); }, "SchedualMinute", "59", number(settings.ScheduleMinute),
        "59"},
+      {s->chkDay[1], [&] { tick(s->chkDay[1], true); }, "SchedualSunday", "1", days, "00000000"},
+      {s->chkDay[2], [&] { tick(s->chkDay[2], true); }, "SchedualMonday", "1", days, "00000000"},
+      {s->chkDay[3], [&] { tick(s->chkDay[3], true); }, "SchedualTusday", "1", days, "00000000"},
+      {s->chkDay[4], [&] { tick(s->chkDay[4], true); }, "SchedualWednesday", "1", days, "00000000"},
+      {s->chkDay[5], [&] { tick(s->chkDay[5], true); }, "SchedualThrusday", "1", days, "00000000"},
+      {s->chkDay[6], [&] { tick(s->chkDay[6], true); }, "SchedualFriday", "1", days, "00000000"},
+      {s->chkDay[7], [&] { tick(s->chkDay[7], true); }, "SchedualSaturday", "1", days, "00000000"},
+      {s->chkDay[7], [&] { tick(s->chkDay[7], false); }, "SchedualSaturday", "0", days, "00000000"},
       {s->txtRetryCount, [&] { s->txtRetryCount->SetValue("12 times"); }, "FtpRetryCount", "12",
        number(settings.FtpRetryCount), "12"},
       {s->txtConnectionDelay, [&] { s->txtConnectionDelay->SetValue("90"); }, "ConnectionDelay", "90",
@@ -125,13 +133,6 @@ TEST_F(SettingsFormTest, StoresWhatEveryControlSays) {
       {s->cmdDial, [&] { press(s->cmdDial); }, "AutoDialUpConnection", "Home & Co", nothing, ""},
       {s->cmdHangUp, [&] { press(s->cmdHangUp); }, "AutoDialUpConnection", "Home & Co", nothing, ""},
   };
-  const char* const keys[] = {"SchedualSunday",   "SchedualMonday", "SchedualTusday",  "SchedualWednesday",
-                              "SchedualThrusday", "SchedualFriday", "SchedualSaturday"};
-  for (std::size_t day = 1; day <= 7; ++day) {
-    for (const bool on : {true, false})
-      rows.push_back({s->chkDay[day], [this, day, on] { tick(s->chkDay[day], on); }, keys[day - 1],
-                      on ? "1" : "0", days, "00000000"});
-  }
   expectEachDoesAsSaid(rows, {"cmdRemoveExtension"});
   EXPECT_THAT(line.calls, ElementsAre("dial Home & Co", "abort"));
   EXPECT_EQ(s->txtRetryCount->GetValue(), "12 times") << "left as typed";
