@@ -61,6 +61,8 @@ for ((n = 1;; n++)); do
   [ $status != 0 ] || break
   [ $status = 137 ] || fail "status $status"
   one_of_both
+  # Putting right is itself killed somewhere, and begun again.
+  { QUILLMOOR_KILL_AT=$((n % 12 + 1)) LD_PRELOAD=$kill_at "$end" "$work/backup" "$work/copies"; } 2>/dev/null || true
   "$end" "$work/backup" "$work/copies" || fail "a former set was not put back"
   nothing_unfinished "$work/backup" "$work/copies" -maxdepth 1
   whole_set backup
