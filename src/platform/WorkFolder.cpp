@@ -25,9 +25,17 @@ void removeAll(const std::string& folder, std::unique_ptr<TargetLock> lock) {
   RemoveLocalFile(folder);
 }
 
+bool isAllLongUnchanged(const std::string& folder) {
+  bool unchanged = IsLongUnchanged(folder);
+  readFolder(folder, false, [&](const std::string& name, FileKind) {
+    unchanged = unchanged && (name == kLockFileName || IsLongUnchanged(folder + kLocalSeparator + name));
+  });
+  return unchanged;
+}
+
 void removeUnheldFolder(const std::string& path) {
   std::unique_ptr<TargetLock> lock = TargetLock::acquire(path);
-  if (lock && (lock->enforced() || IsLongUnchanged(path))) removeAll(path, std::move(lock));
+  if (lock && (lock->enforced() || isAllLongUnchanged(path))) removeAll(path, std::move(lock));
 }
 
 }  // namespace
