@@ -270,12 +270,14 @@ TEST_F(ZipArchiveTest, HeedsAnAbortEvenFromItsLastEvent) {
   EXPECT_THAT(filesOut(), IsEmpty());
 }
 
-TEST_F(ZipArchiveTest, LeavesNoSetWhenASegmentCannotHaveItsName) {
+TEST_F(ZipArchiveTest, LeavesAFormerSetWholeWhenAFileOfItCannotGo) {
   put("noise", noise(150'000));
   std::filesystem::create_directories(LocalPath(out("a.z02")) / "occupied");
+  testing::writeFile(LocalPath(out("a.zip")), "former");
   add();
   EXPECT_EQ(numberOf([&] { archive.write(out("a.zip"), kSmallest); }), ZipErrorNumber::cannotWrite);
-  EXPECT_THAT(filesOut(), ElementsAre("a.z02"));
+  EXPECT_THAT(filesOut(), ElementsAre("a.z02", "a.zip"));
+  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.zip"))), "former");
   EXPECT_THAT(errors, ElementsAre(HasSubstr("a.z02")));
 }
 
