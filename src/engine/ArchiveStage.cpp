@@ -66,8 +66,9 @@ std::string withSeparator(std::string folder) {
   return folder;
 }
 
-/// In the order in which the copies are made.
-std::vector<std::string> destinationsOf(const std::string& ZipCopies) {
+}  // namespace
+
+std::vector<std::string> CopyDestinations(const std::string& ZipCopies) {
   std::vector<std::string> destinations;
   for (std::size_t at = 0; at <= ZipCopies.size();) {
     const std::size_t end = std::min(ZipCopies.find('|', at), ZipCopies.size());
@@ -78,8 +79,6 @@ std::vector<std::string> destinationsOf(const std::string& ZipCopies) {
   SortNames(destinations);
   return destinations;
 }
-
-}  // namespace
 
 ZipArchiveStage::ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& packer, std::string stubPath,
                                  Pump pump)
@@ -94,7 +93,7 @@ void ZipArchiveStage::CreateArchive(const std::string&, RunState& run, RunLog& l
   // Without an archive the copies are tried all the same: of the folder, which is no file, to no name.
   Archive archive{run.LocalTargetFolder, "", {run.LocalTargetFolder}};
   if (settings_.CreateZip == 1) archive = pack(run, segments, log, display);
-  for (const std::string& destination : destinationsOf(settings_.ZipCopies))
+  for (const std::string& destination : CopyDestinations(settings_.ZipCopies))
     copyInto(destination, archive, run, log);
 }
 

@@ -14,6 +14,9 @@
 
 namespace quillmoor {
 
+/// The folders that the setting `ZipCopies` names, in the order in which the copies are made.
+std::vector<std::string> CopyDestinations(const std::string& ZipCopies);
+
 class ArchiveStage {
  public:
   virtual ~ArchiveStage() = default;

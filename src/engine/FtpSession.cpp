@@ -6,6 +6,7 @@
 
 #include "engine/BusyFlag.h"
 #include "engine/ErrorGuard.h"
+#include "engine/FtpAdvice.h"
 #include "engine/FtpConnection.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
@@ -163,10 +164,11 @@ FtpListing FtpSession::list() {
   return client_.list();
 }
 
-void FtpSession::getFile(const std::string& remotePath, const std::string& localPath, std::int64_t size) {
+void FtpSession::getFile(const std::string& remotePath, const std::string& localPath,
+                         std::optional<std::int64_t> listedSize) {
   expect(FtpMethod::getFile);
   state_.transferStartTick = services_.tick();
-  client_.getFile(remotePath, localPath, size);
+  client_.getFile(remotePath, localPath, listedSize);
 }
 
 void FtpSession::sendAhead(const std::vector<std::string>& commandLines, bool dataConnection) {
@@ -176,7 +178,11 @@ void FtpSession::sendAhead(const std::vector<std::string>& commandLines, bool da
 void FtpSession::showError(int number, const std::string& description) {
   errorNumber_ = number;
   state_.TransferOutcome = TransferOutcomes::failedOrStopped;
-  if (!muted_) log_.AppendLog("Ftp Error: " + description + "\r\n", log_colour::kError, true);
+  if (muted_) return;
+  log_.AppendLog("Ftp Error: " + description + "\r\n", log_colour::kError, true);
+  const bool login = state_.ExpectedMethod == FtpMethod::login;
+  const std::string advice = login ? LoginAdvice(number, description) : "";
+  if (!advice.empty()) log_.AppendLog(advice + "\r\n", log_colour::kError, true);
 }
 
 void FtpSession::showState(FtpState state) {

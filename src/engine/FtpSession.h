@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,7 +50,9 @@ class FtpSession {
   std::string currentRemoteDirectory();
   void setCurrentRemoteDirectory(const std::string& path);
   FtpListing list();
-  void getFile(const std::string& remotePath, const std::string& localPath, std::int64_t size);
+  void getFile(const std::string& remotePath, const std::string& localPath,
+               std::optional<std::int64_t> listedSize);
+  bool asciiType() const { return client_.asciiType(); }
   /// A hint that saves round trips: the next operations will send just these.
   void sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
 

@@ -9,7 +9,10 @@
 #include "engine/SafeName.h"
 #include "engine/mCreatePath.h"
 #include "engine/mGeneral.h"
+#include "platform/FileSet.h"
+#include "platform/LocalPath.h"
 #include "profiles/SiteProfileStore.h"
+#include "profiles/mIni.h"
 
 namespace quillmoor {
 namespace {
@@ -87,6 +90,7 @@ void RunController::RunAllProfiles() {
     logError("Error: Unable to read the profiles: " + PrintableName(reason) + "\r\n");
     resultOf("").problem = "Unable to read the profiles: " + reason;
   }
+  endKilledRuns(ProfileQueue);
   network_.WaitForNetwork();
   {
     const BusyCursor hourglass(services_.display);
@@ -116,14 +120,17 @@ void RunController::RunProfile(const std::string& profileId) {
   addReportRow(profileId);
   logFrameHeader(profileId);
   std::string problem = prepareTarget(profileId);
-  if (problem.empty()) problem = lockTarget();
+  LockedTarget target;
+  if (problem.empty()) problem = lockTarget(target);
   if (!problem.empty()) {
     logError("Error: " + problem + "\r\n");
     resultOf(profileId).problem = std::move(problem);
     finishReportRow("Failed", log_colour::kError);
     return;
   }
-  if (!runSession()) {  // its row keeps "Running", on purpose
+  const bool loggedIn = runSession();
+  if (!state_.anyFolderWalked) target.releaseUnused();
+  if (!loggedIn) {  // its row keeps "Running", on purpose
     if (!state_.StopRequested) resultOf(profileId).problem = "Unable to login";
     return;
   }
@@ -151,6 +158,23 @@ void RunController::archiveProfile(const std::string& profileId) {
       Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_, services_.display); }, reason);
   // Most of what ends the stage has been counted where it was logged.
   if (!ended && state_.failures.count() == counted) state_.failures.add("archive", reason);
+}
+
+/// A killed run may have left an archive's former set in a hidden folder: it is put back before anything
+/// else.
+void RunController::endKilledRuns(const std::vector<std::string>& profileIds) {
+  std::set<std::string> folders;
+  for (const std::string& id : profileIds) {
+    const std::string SaveTo = mIni::ReadValue(id, "SaveTo", services_.profilesFile);
+    folders.insert(AddTrailingSeparator(SaveTo, false, kLocalSeparator, services_.names()));
+  }
+  for (const std::string& copies : CopyDestinations(services_.settings.ZipCopies)) folders.insert(copies);
+  for (const std::string& folder : folders) {
+    std::string reason;
+    if (Guarded([&] { EndKilledExchanges(folder); }, reason)) continue;
+    logError("Error: What a killed run has left cannot be put right: " + PrintableName(reason) + "\r\n");
+    resultOf("").failures.add(folder, reason);
+  }
 }
 
 void RunController::logFailures() {
@@ -184,24 +208,33 @@ void RunController::logFrameHeader(const std::string& profileId) {
 /// Works out where the profile's files go. Returns why it cannot be run, or "".
 std::string RunController::prepareTarget(const std::string& profileId) {
   if (!state_.profile.unreadable.empty()) return state_.profile.unreadable;
+  const FolderNames names = services_.names();
+  if (names == FolderNames::cut && IsNetworkPath(state_.profile.SaveTo)) {
+    return "SaveTo is a network path, and of the two backslashes it begins with one would be cut: map " +
+           state_.profile.SaveTo + " to a drive letter, or set NamesAsListed to 1";
+  }
   // The name becomes a folder below SaveTo; such a one could lead out of it.
-  if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId))
+  if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId, kLocalNameRules, names))
     return "The profile's name cannot be the name of a folder: " + PrintableName(profileId);
-  state_.profile.SaveTo = AddTrailingSeparator(state_.profile.SaveTo, false);
+  state_.profile.SaveTo = AddTrailingSeparator(state_.profile.SaveTo, false, kLocalSeparator, names);
   state_.localFolderName = profileId;
   if (services_.settings.UniqueBackup != 0) state_.localFolderName += DatedFolderSuffix(services_.now());
   state_.LocalTargetFolder = state_.profile.SaveTo + state_.localFolderName;
-  state_.localTargetPath = AddTrailingSeparator(state_.LocalTargetFolder, false);
+  state_.localTargetPath = AddTrailingSeparator(state_.LocalTargetFolder, false, kLocalSeparator, names);
   return "";
 }
 
 /// Makes sure that nobody else writes into the profile's folder, neither an earlier profile of this run nor
 /// another run. Returns why the profile cannot be run, or "".
-std::string RunController::lockTarget() {
-  const std::string folder = LocalFolderFor(state_.LocalTargetFolder, "/");
+std::string RunController::lockTarget(LockedTarget& target) {
+  const std::string folder =
+      LocalFolderFor(state_.LocalTargetFolder, "/", kLocalSeparator, services_.names());
   if (!targets_.insert(LocalNameKey(folder)).second)
     return "An earlier profile of this run has written into the same folder: " + PrintableName(folder);
-  return "";
+  std::string reason;
+  bool locked = false;
+  if (!Guarded([&] { locked = target.acquire(folder); }, reason)) return reason;
+  return locked ? "" : "Another backup run is writing into the same folder: " + PrintableName(folder);
 }
 
 /// From the profile's own actions to the logout. False when the login failed.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/FtpSession.h"
+#include "engine/LockedTarget.h"
 #include "engine/NetworkWait.h"
 #include "engine/RunLog.h"
 #include "engine/RunResult.h"
@@ -49,7 +50,8 @@ class RunController {
   void addReportRow(const std::string& profileId);
   void logFrameHeader(const std::string& profileId);
   std::string prepareTarget(const std::string& profileId);
-  std::string lockTarget();
+  std::string lockTarget(LockedTarget& target);
+  void endKilledRuns(const std::vector<std::string>& profileIds);
   bool runSession();
   void archiveProfile(const std::string& profileId);
   void logFailures();

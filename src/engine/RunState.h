@@ -44,12 +44,13 @@ struct RunState {
   /// The login has failed as often as the settings allow; the profile tries no further one.
   bool loginGivenUp = false;
   bool defaultDirFailed = false;  // and is counted
+  bool anyFolderWalked = false;   // a local folder was prepared
 
   void beginProfile() {
     fileCount = byteCount = 0;
     failures = {};
     loginRefusals = 0;
-    loginGivenUp = defaultDirFailed = false;
+    loginGivenUp = defaultDirFailed = anyFolderWalked = false;
   }
 
   /// Records a failure, unless it is what a Stop has left undone.

@@ -1,4 +1,7 @@
 // One file of the tree walk: is it up to date, and if not, how it is fetched.
+#include <optional>
+#include <string>
+
 #include "engine/ListingDate.h"
 #include "engine/LogColours.h"
 #include "engine/TransferType.h"
@@ -45,22 +48,25 @@ bool TreeWalk::isUpToDate(const std::string& localFile, LocalDateTime remoteDate
 bool TreeWalk::download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
                         LocalDateTime remoteDate) {
   const std::string type = std::string("TYPE ") + ChooseTransferType(entry.name, services_.AsciiExtensions);
+  const auto listedSize = entry.sizeExact ? std::optional(entry.sizeBytes) : std::nullopt;
   std::int32_t attempts = 0;
   bool fetched = false;
-  bool typed = false;
   for (std::int64_t round = 0; round < rounds() && !state_.StopRequested; ++round) {
     session_.ConnectAndLogin();
     if (!session_.connected()) break;
     session_.SetFtpProperties();
     session_.sendAhead({type}, true);
-    typed = retried([&] { session_.command(type); });
-    // Without the type the file is fetched in the one that is in force.
+    retried([&] { session_.command(type); });
     if (!session_.connected()) continue;
-    fetched = retried([&] { session_.getFile(remoteFile, localFile, entry.sizeBytes); }, attempts);
+    fetched = retried([&] { session_.getFile(remoteFile, localFile, listedSize); }, attempts);
     if (fetched || session_.connected() || attempts >= services_.settings.FtpRetryCount) break;
   }
-  if (fetched && !typed)
-    logError("The server has refused " + type + ", so this came in the other type", remoteFile);
+  // A type that is refused leaves the one in force, and the file is fetched in that.
+  const bool inText = session_.asciiType();
+  if (fetched && inText != (type == "TYPE A"))
+    logError("Came " + std::string(inText ? "as text (TYPE A)" : "byte by byte (TYPE I)") +
+                 ", since the server refused " + type,
+             remoteFile);
   // Also when the file could not be fetched: an older copy then bears the listed time.
   SetFileModifiedTime(localFile, remoteDate, true);
   return fetched;

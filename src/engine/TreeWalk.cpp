@@ -8,12 +8,15 @@
 #include "engine/ListingParser.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
+#include "engine/ShownText.h"
 #include "engine/mCreatePath.h"
 #include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
 #include "platform/ArchiveFiles.h"
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
+#include "platform/ReservedNames.h"
+#include "platform/Utf8.h"
 #include "platform/WorkFolder.h"
 
 namespace quillmoor {
@@ -23,9 +26,8 @@ namespace {
 bool holdsFiles(const std::string& localDir) {
   bool any = false;
   Guarded([&] {
-    readFolder(localDir, true, [&](const std::string& name, FileKind) {
-      any = any || !std::string_view(name).starts_with(".quillmoor-");
-    });
+    readFolder(localDir, true,
+               [&](const std::string& name, FileKind) { any = any || !IsReservedLocalName(name); });
   });
   return any;
 }
@@ -58,19 +60,22 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
 
   Folder folder;
   if (!enterFolder(remotePath, folder)) return;
-  const WalkTrail::Level level(trail_, folder.currentDir, folder.listing);
+  const WalkTrail::Level level(trail_, folder.currentDir, folder.listing.text);
   if (isLoop(level, folder.currentDir)) return;
-  const std::string remoteBase = AddTrailingSeparator(folder.currentDir, true);
+  const std::string remoteBase =
+      AddTrailingSeparator(folder.currentDir, true, kLocalSeparator, services_.names());
   tellCutPath(folder.currentDir, remoteBase);
-  const std::string localDir = LocalFolderFor(state_.LocalTargetFolder, folder.currentDir);
+  const std::string localDir =
+      LocalFolderFor(state_.LocalTargetFolder, folder.currentDir, kLocalSeparator, services_.names());
   if (!prepareLocalFolder(localDir, folderDate)) return;
 
-  RemoteListing listing = ParseListing(std::move(folder.listing), services_.now(), services_.pump);
+  RemoteListing listing = ParseListing(std::move(folder.listing.text), services_.now(), services_.pump);
   if (listing.format == ListingFormat::neither) {
     // Nothing is logged here, on purpose; the end of the run reports it.
     state_.countFailure(folder.currentDir, "its listing is in no known form");
     return;
   }
+  tellWhatIsNotListed(folder, listing);
   std::string().swap(listing.text);  // the levels below have theirs
   std::string remoteItem;
   std::string localFile;
@@ -97,7 +102,22 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
     if (!mayGoOn(remoteItem)) return;
     pump();
   }
-  if (items == 0 && trail_.depth() == 1 && folder.complete) tellEmptyFolder(folder.currentDir, localDir);
+  if (items == 0 && listing.unread.empty() && trail_.depth() == 1 && folder.complete)
+    tellEmptyFolder(folder.currentDir, localDir);
+}
+
+/// What the folder may hold beyond the entries that were understood.
+void TreeWalk::tellWhatIsNotListed(const Folder& folder, const RemoteListing& listing) {
+  constexpr std::size_t kShown = 200;  // characters of a line
+  if (!folder.listing.cut.empty())
+    logError("The server has not listed all of the folder (" + folder.listing.cut + ")", folder.currentDir);
+  if (folder.listing.hiddenFilesMissing)
+    logError("The server has not listed hidden files this time", folder.currentDir);
+  const std::string what = "Unable to read a line of the listing of " + PrintableName(folder.currentDir);
+  for (const std::string& line : listing.unread) logError(what, FirstCharacters(ShownText(line), kShown));
+  const std::size_t others = listing.unreadCount - listing.unread.size();
+  if (others != 0)
+    logError("Unable to read " + std::to_string(others) + " more lines of the listing of", folder.currentDir);
 }
 
 bool TreeWalk::isLoop(const WalkTrail::Level& level, const std::string& currentDir) {
@@ -160,7 +180,7 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     session_.SetFtpProperties();
     retried(typeA);
     if (lost()) continue;
-    const bool listed = retried([&] { folder.listing = session_.list().text; });
+    const bool listed = retried([&] { folder.listing = session_.list(); });
     if (!listed && lost()) continue;
     if (!listed) failure = reason_;
     folder.complete = entered && listed;
@@ -173,7 +193,8 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
 
 /// May the folder that the server has reported be walked? Asked before anything local is touched.
 bool TreeWalk::mayWalk(const std::string& currentDir) {
-  if (const auto reason = LocalFolderRefusal(state_.LocalTargetFolder, currentDir)) {
+  if (const auto reason =
+          LocalFolderRefusal(state_.LocalTargetFolder, currentDir, kLocalNameRules, services_.names())) {
     logError("Refused folder (" + *reason + ")", currentDir);
     return false;
   }
@@ -185,14 +206,15 @@ bool TreeWalk::mayWalk(const std::string& currentDir) {
 }
 
 bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate) {
-  if (!LocalFolderExists(localDir) && !CreatePath(localDir)) {
+  if (LocalFolderExists(localDir)) {
+    RemoveStaleTemporaries(localDir);
+  } else if (!CreatePath(localDir)) {
     log_.AppendLog("Error: Unable to create directory: " + PrintableName(localDir), log_colour::kError, true);
     state_.countFailure(localDir, "unable to create directory");
     return false;
   }
-  // Of a run that was killed.
-  RemoveStaleTemporaries(localDir);
   SetFileModifiedTime(localDir, folderDate, true);
+  state_.anyFolderWalked = true;
   return true;
 }
 

@@ -42,7 +42,7 @@ class TreeWalk {
   /// A folder that has been entered: where the server says it is, and what it holds.
   struct Folder {
     std::string currentDir;
-    std::string listing;
+    FtpListing listing;
     bool complete = true;  // false: a failure is counted, and what is listed may be another folder, or a part
   };
 
@@ -50,6 +50,7 @@ class TreeWalk {
   bool enterFolder(const std::string& remotePath, Folder& folder);
   bool mayWalk(const std::string& currentDir);
   bool prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate);
+  void tellWhatIsNotListed(const Folder& folder, const RemoteListing& listing);
   bool isLoop(const WalkTrail::Level& level, const std::string& currentDir);
   void tellCutPath(const std::string& currentDir, const std::string& remoteBase);
   void tellEmptyFolder(const std::string& currentDir, const std::string& localDir);

@@ -15,6 +15,16 @@ struct Utf8Character {
 /// The first character of a text that is not empty. Overlong forms and surrogates are no UTF-8.
 Utf8Character DecodeUtf8(std::string_view text);
 
+/// The first characters of a UTF-8 text, at most so many.
+inline std::string FirstCharacters(std::string_view text, std::size_t characters) {
+  std::size_t bytes = 0;
+  for (; characters != 0 && bytes < text.size(); --characters) {
+    do ++bytes;
+    while (bytes < text.size() && (static_cast<unsigned char>(text[bytes]) & 0xC0) == 0x80);
+  }
+  return std::string(text.substr(0, bytes));
+}
+
 /// Appends a character up to U+10FFFF.
 void AppendUtf8(std::string& text, char32_t character);
 

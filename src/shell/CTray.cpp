@@ -3,6 +3,7 @@
 #include <wx/taskbar.h>
 
 #include "engine/BusyFlag.h"
+#include "platform/Utf8.h"
 #include "shell/NotificationIcon.h"
 
 namespace quillmoor {

@@ -15,9 +15,9 @@ namespace quillmoor {
 /// weeks to come. What it missed, because a run was going on or the program was not, is not made up for.
 class Scheduler {
  public:
-  /// `now` returns the local time; `startBackup` arms the start of a run and returns at once. The hour and the
-  /// minute are read from `settings`, which must outlive this, at every tick; the days only here and now, so
-  /// that a day ticked later counts from the next start of the program.
+  /// `now` returns the local time; `startBackup` arms the start of a run and returns at once. The hour and
+  /// the minute are read from `settings`, which must outlive this, at every tick; the days only here and now,
+  /// so that a day ticked later counts from the next start of the program.
   Scheduler(const ApplicationSettings& settings, std::function<LocalDateTime()> now,
             std::function<void()> startBackup);
 

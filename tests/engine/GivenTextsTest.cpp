@@ -136,7 +136,7 @@ TEST_F(GivenTextsTest, CountEveryProfileFromNothing) {
     const char *files, *size;
   } rows[] = {{1, "2", "7.000 Bytes"}, {0, "1", "2.000 Bytes"}};
   for (std::size_t i = 0; i < 2; ++i) {
-    EXPECT_EQ(results[i].failures, rows[i].failures) << i;
+    EXPECT_EQ(results[i].failures.count(), rows[i].failures) << i;
     EXPECT_EQ(display.item(i, ReportColumn::files), rows[i].files) << i;
     EXPECT_EQ(display.item(i, ReportColumn::size), rows[i].size) << i;
   }

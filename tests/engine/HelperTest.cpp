@@ -141,7 +141,7 @@ TEST(SafeName, RefusesWhatCouldLeadOutOfAFolder) {
   for (const char32_t turns : U"\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069"s) {
     std::string name = "gpj.";
     AppendUtf8(name, turns);
-    for (const auto shown :
+    for (const std::string& shown :
          {PrintableName(name), ShownText(name), terminalText(name), printableReply(name, "")})
       EXPECT_EQ(shown, "gpj.?");
   }

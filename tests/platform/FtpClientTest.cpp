@@ -72,11 +72,17 @@ TEST_F(FtpClientTest, HasTheSystemProbeASilentConnectionEveryMinute) {
   PumpedIo io(pump);
   FtpControl control(io);
   control.connect({{asio::ip::address_v4::loopback(), server.port()}}, "", std::chrono::seconds(10));
-  const auto socket = control.channel().socket.native_handle();
-  EXPECT_NE(socketOption(socket, SOL_SOCKET, SO_KEEPALIVE), 0);
+  const auto& socket = control.channel().socket;
+  asio::socket_base::keep_alive probes;
+  socket.get_option(probes);
+  EXPECT_TRUE(probes.value());
   if (!tellsProbes()) return;
-  EXPECT_EQ(socketOption(socket, IPPROTO_TCP, kProbeAfter), 60);
-  EXPECT_EQ(socketOption(socket, IPPROTO_TCP, kProbeEvery), 60);
+  asio::detail::socket_option::integer<IPPROTO_TCP, kProbeAfter> after;
+  asio::detail::socket_option::integer<IPPROTO_TCP, kProbeEvery> every;
+  socket.get_option(after);
+  socket.get_option(every);
+  EXPECT_EQ(after.value(), 60);
+  EXPECT_EQ(every.value(), 60);
 }
 
 TEST_F(FtpClientTest, TellsARefusedConnection) {

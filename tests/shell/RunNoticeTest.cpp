@@ -1,3 +1,4 @@
+#include "platform/Utf8.h"
 #include "shell/RunNotice.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,8 @@
 // What a test changes around itself for a while, as this system does it.
 #pragma once
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/stat.h>
 
 #include <cstdint>
@@ -17,6 +19,13 @@ inline constexpr std::uintmax_t kLongToCopy = std::uintmax_t{1} << 36;
 
 /// Whether a connection that was reset can be told from one that was closed.
 inline bool tellsResetFromEnd() {
+  return true;
+}
+
+/// The TCP options for the seconds of silence after which the system probes a connection, and between the
+/// probes; whether the system returns them.
+inline constexpr int kProbeAfter = TCP_KEEPIDLE, kProbeEvery = TCP_KEEPINTVL;
+inline bool tellsProbes() {
   return true;
 }
 

@@ -20,6 +20,13 @@ inline bool tellsResetFromEnd() {
   return ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
 }
 
+/// The TCP options for the seconds of silence after which the system probes a connection, and between the
+/// probes; whether the system returns them.
+inline constexpr int kProbeAfter = 3, kProbeEvery = 17;  // TCP_KEEPIDLE, TCP_KEEPINTVL
+inline bool tellsProbes() {
+  return tellsResetFromEnd();  // Wine returns neither
+}
+
 inline void setEnvironment(const char* name, const std::string& value) {
   ::SetEnvironmentVariableA(name, value.c_str());
 }
