@@ -42,9 +42,10 @@ std::string LocalFolderFor(const std::string& target, const std::string& current
   std::string folder;
   folder.reserve(joined.size());
   std::size_t i = 0;
-  if (names == FolderNames::asListed && localSeparator == '\\' && joined.starts_with(kNetwork)) {
+  const auto rules = localSeparator == '\\' ? LocalNameRules::windows : LocalNameRules::posix;
+  if (names == FolderNames::asListed && IsNetworkPath(joined, rules)) {
+    i = joined.find(kNetwork) + 1;  // behind blanks, too, which no such path can begin with
     folder += localSeparator;
-    ++i;
   }
   for (; i < joined.size(); ++i) {
     folder += joined[i];

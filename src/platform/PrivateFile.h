@@ -1,8 +1,7 @@
 // Files that hold passwords, and the user's own folder for them: nobody else may read them.
 //
-// On Windows nothing is to be done: a file has the permissions that its folder hands down, and Windows gives
-// every user a profile folder, and every program folder, of which administrators decide who reads them. The
-// functions there write the file and make the folder.
+// On Windows nothing is to be done for that: a new file has the permissions that its folder hands down. Those
+// of a user's own folders keep other users out; those of a program folder are the administrator's decision.
 #pragma once
 
 #include <filesystem>

@@ -69,7 +69,7 @@ void frmOptions::layOutMode() {
 
 void frmOptions::layOutNames() {
   beginGroup("Names of folders");
-  chkNamesAsListed = checkBox("Keep them as the server &lists them", "chkNamesAsListed",
+  chkNamesAsListed = checkBox("K&eep them as the server lists them", "chkNamesAsListed",
                               "For sites that have folders such as \"photos [2024]\", and on Windows for a "
                               "network path under \"Save to\"");
   add(chkNamesAsListed);

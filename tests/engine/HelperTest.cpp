@@ -57,7 +57,7 @@ TEST(LocalPaths, MirrorRemoteOnes) {
       {kCut, "/backup/site", "/odd\\name", '/', "/backup/site/odd\\name/"},
       {kCut, "/backup/site", "///www", '/', "/backup/site//www/"},
       {kAsListed, "\\\\nas\\backup", "/www", '\\', "\\\\nas\\backup\\www\\"},
-      {kAsListed, "\\\\nas\\\\backup\\", "//www", '\\', "\\\\nas\\backup\\www\\"},
+      {kAsListed, " \\\\nas\\\\backup\\", "/www", '\\', "\\\\nas\\backup\\www\\"},
       {kAsListed, "C:\\backup\\", "/photos [2024]/ a ", '\\', "C:\\backup\\photos [2024]\\ a \\"},
       {kAsListed, "/backup/[x] site", "/photos [2024]", '/', "/backup/[x] site/photos [2024]/"},
       {kAsListed, "//backup", "/www", '/', "/backup/www/"},

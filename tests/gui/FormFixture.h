@@ -58,14 +58,12 @@ class FormTest : public FrameTest {
     box->SetValue(on);
     command(box, wxEVT_CHECKBOX);
   }
-  /// A control that is used, what is stored then, and what the program goes by from then on.
+  /// A control that is used, and what is stored then. What the program goes by is the editors' own tests'.
   struct ControlRow {
     wxWindow* control;
     std::function<void()> hand;
     const char* key;
     std::string stored;
-    std::function<std::string()> running;
-    std::string programGoesBy;
   };
   /// One after the other. Together with `others`, whose use is part of another row, they are all that there
   /// are.
@@ -74,15 +72,8 @@ class FormTest : public FrameTest {
       others.insert(row.control->GetName().utf8_string());
       row.hand();
       EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control->GetName();
-      EXPECT_EQ(row.running(), row.programGoesBy) << row.control->GetName();
     }
     EXPECT_EQ(others, inputNames()) << "a control that nothing happens to";
-  }
-  static std::function<std::string()> number(const std::int32_t& value) {
-    return [&value] { return std::to_string(value); };
-  }
-  static std::function<std::string()> word(const std::string& value) {
-    return [&value] { return value; };
   }
   static std::string text(const wxControl* label) { return label->GetLabelText().utf8_string(); }
 
