@@ -44,7 +44,7 @@ std::string LocalFolderFor(const std::string& target, const std::string& current
   std::size_t i = 0;
   const auto rules = localSeparator == '\\' ? LocalNameRules::windows : LocalNameRules::posix;
   if (names == FolderNames::asListed && IsNetworkPath(joined, rules)) {
-    i = joined.find(kNetwork) + 1;  // behind blanks, too, which no such path can begin with
+    i = joined.find(kNetwork) + 1;  // after blanks, too, which no such path begins with
     folder += localSeparator;
   }
   for (; i < joined.size(); ++i) {

@@ -8,7 +8,7 @@
 namespace quillmoor {
 
 /// Whether a character is obeyed instead of shown: the control characters of ASCII and Latin-1 (C0, DEL, C1),
-/// and those that reverse the direction of the text behind them (U+202A..U+202E, U+2066..U+2069), which make
+/// and those that reverse the direction of the text after them (U+202A..U+202E, U+2066..U+2069), which make
 /// a name look like another.
 bool IsControlCharacter(char32_t character);
 

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "support/TemporaryFolder.h"
 
@@ -65,11 +66,24 @@ class OwnRegistry {
     writeFile(folder.path(), "");
   }
 
-  /// Another number after every write.
-  std::uint64_t writeStamp(const char*) const {
-    struct stat found {};
-    return ::stat(store.c_str(), &found) == 0 ? found.st_ino : 0;
-  }
+  /// While it lives, nothing may write. A write gives the file another number, which shows also where the
+  /// user may write everywhere.
+  class NoWrites {
+   public:
+    NoWrites(const OwnRegistry& own, const std::vector<const char*>&)
+        : store_(own.store), before_(number()) {}
+    ~NoWrites() { EXPECT_EQ(number(), before_) << "written"; }
+    NoWrites(const NoWrites&) = delete;
+    NoWrites& operator=(const NoWrites&) = delete;
+
+   private:
+    std::uint64_t number() const {
+      struct stat found {};
+      return ::stat(store_.c_str(), &found) == 0 ? found.st_ino : 0;
+    }
+    const std::filesystem::path store_;
+    const std::uint64_t before_;
+  };
 
   TemporaryFolder folder;
   std::filesystem::path store = folder / "quillmoor" / "registry.reg";

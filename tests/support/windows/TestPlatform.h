@@ -2,10 +2,14 @@
 #pragma once
 
 #include <windows.h>
+// After it.
+#include <sddl.h>
 
 #include <cstdint>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "support/TemporaryFolder.h"
 
@@ -50,16 +54,30 @@ class OwnRegistry {
   /// From now on nothing can be stored: the key is gone, though still in the machine's place.
   void refuseWrites() { ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str()); }
 
-  /// Another number after every write to that key of the machine.
-  std::uint64_t writeStamp(const char* key) const {
-    HKEY found = nullptr;
-    if (::RegOpenKeyExA(HKEY_LOCAL_MACHINE, key, 0, KEY_READ, &found) != ERROR_SUCCESS) return 0;
-    FILETIME time{};
-    ::RegQueryInfoKeyW(found, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                       nullptr, &time);
-    ::RegCloseKey(found);
-    return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
-  }
+  /// While it lives, nobody has the right to write to those keys of the machine that are there.
+  class NoWrites {
+   public:
+    NoWrites(const OwnRegistry&, std::vector<const char*> keys) : keys_(std::move(keys)) { allow(L"KR"); }
+    ~NoWrites() { allow(L"KA"); }
+    NoWrites(const NoWrites&) = delete;
+    NoWrites& operator=(const NoWrites&) = delete;
+
+   private:
+    /// To everyone: the rights, and those to change this.
+    void allow(const std::wstring& rights) const {
+      PSECURITY_DESCRIPTOR all = nullptr;
+      EXPECT_TRUE(::ConvertStringSecurityDescriptorToSecurityDescriptorW(
+          (L"D:P(A;;" + rights + L";;;WD)(A;;WDSD;;;WD)").c_str(), SDDL_REVISION_1, &all, nullptr));
+      for (const char* const name : keys_) {
+        HKEY key = nullptr;
+        if (::RegOpenKeyExA(HKEY_LOCAL_MACHINE, name, 0, WRITE_DAC, &key) != ERROR_SUCCESS) continue;
+        EXPECT_EQ(::RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, all), ERROR_SUCCESS);
+        ::RegCloseKey(key);
+      }
+      ::LocalFree(all);
+    }
+    const std::vector<const char*> keys_;
+  };
 
   OwnRegistry(const OwnRegistry&) = delete;
   OwnRegistry& operator=(const OwnRegistry&) = delete;
