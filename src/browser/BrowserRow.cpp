@@ -43,8 +43,8 @@ BrowserRow ParentRow() {
 }
 
 std::vector<BrowserRow> FolderRows(const RemoteListing& listing, const std::string& currentFolder,
-                                   bool foldersOnly) {
-  const std::string folder = AddTrailingSeparator(currentFolder, true);
+                                   bool foldersOnly, FolderNames names) {
+  const std::string folder = AddTrailingSeparator(currentFolder, true, kLocalSeparator, names);
   std::vector<BrowserRow> rows;
   rows.reserve(listing.entries.size());
   for (const bool foldersPass : {true, false}) {

@@ -9,6 +9,7 @@
 
 #include "browser/RowIcon.h"
 #include "engine/RemoteListing.h"
+#include "engine/mCreatePath.h"
 
 namespace quillmoor {
 
@@ -32,8 +33,9 @@ BrowserRow ParentRow();
 
 /// The rows of a folder's listing, without the parent row: the folders, then links and files, each in the
 /// order of the listing. Links are `Link` until they have been tested. `foldersOnly` leaves out files.
-/// `currentFolder` is the folder's path as the server reports it.
+/// `currentFolder` is the folder's path as the server reports it, which paths of rows begin with as `names`
+/// says.
 std::vector<BrowserRow> FolderRows(const RemoteListing& listing, const std::string& currentFolder,
-                                   bool foldersOnly);
+                                   bool foldersOnly, FolderNames names = FolderNames::cut);
 
 }  // namespace quillmoor

@@ -27,6 +27,7 @@ RemoteBrowser::~RemoteBrowser() = default;
 void RemoteBrowser::passSettings() {
   session_->session().timeout = settings_.Timeout;
   session_->session().connectionDelay = settings_.ConnectionDelay;
+  session_->session().names = settings_.NamesAsListed == 1 ? FolderNames::asListed : FolderNames::cut;
 }
 
 template <class Operation>

@@ -173,7 +173,11 @@ void RemoteSession::listFolder(bool testingLinks) {
     if (loggedIn_) events_.unparsedListing(std::move(listing.text));
     return;
   }
-  std::vector<BrowserRow> rows = FolderRows(listing, folder_, foldersOnly);
+  if (listing.unreadCount != 0) {
+    events_.logLine(std::to_string(listing.unreadCount) + " lines of the listing of " + folder_ +
+                    " cannot be read. The first: " + listing.unread.front() + "\r\n");
+  }
+  std::vector<BrowserRow> rows = FolderRows(listing, folder_, foldersOnly, names);
   std::vector<std::size_t> links;
   std::vector<std::string> paths;
   for (std::size_t i = 0; i < rows.size(); ++i) {

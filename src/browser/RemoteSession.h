@@ -13,6 +13,7 @@
 
 #include "browser/BrowserEvents.h"
 #include "engine/RunProfileFields.h"
+#include "engine/mCreatePath.h"
 #include "platform/FtpClient.h"
 #include "profiles/SiteProfileEditor.h"
 
@@ -36,6 +37,7 @@ class RemoteSession {
   // Seconds; may be set on any thread, at any time.
   std::atomic<std::int32_t> timeout = 30;
   std::atomic<std::int32_t> connectionDelay = 5;
+  std::atomic<FolderNames> names = FolderNames::cut;
   /// Ends the tests of links once BrowserEvents::linkTestsBegun was told. To be set back between operations.
   std::atomic<bool> skipLinkTests = false;
 

@@ -105,7 +105,9 @@ int run(const Options& options) {
     std::fprintf(stderr, "quillmoor-run: cannot read the site profiles: %s\n", profilesFile.c_str());
     return kCouldNotStart;
   }
-  ApplicationSettings settings = LoadApplicationSettings();
+  std::vector<std::string> notes;
+  ApplicationSettings settings = LoadApplicationSettings(&notes);
+  for (const std::string& note : notes) std::fprintf(stderr, "quillmoor-run: %s\n", note.c_str());
   // Normal, as it comes, leaves the class in which the program was started: by nice, say.
   if (settings.ProcessPriority != modProcessPriority::kNormalClass) {
     modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);

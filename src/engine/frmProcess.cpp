@@ -182,6 +182,13 @@ void frmProcess::showNotice(const std::string& text, std::optional<std::size_t> 
   Layout();
 }
 
+void frmProcess::tell(const std::string& line) {
+  const std::size_t logLine = log_.firstLine() + log_.lineCount() - 1;
+  setLogColour(log_colour::kError);
+  insertLogText(line + "\r\n");
+  showNotice(line, logLine);
+}
+
 /// Says under the report what a run that is over could not back up.
 void frmProcess::showFailures(const std::vector<ProfileResult>& results) {
   const std::string notice = FailureNotice(results);

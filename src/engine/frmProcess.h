@@ -44,6 +44,9 @@ class frmProcess : public wxPanel, private RunDisplay {
   /// away. With `logLine` (see LogView::showLine) "Show" beside it leads there.
   void showNotice(const std::string& text, std::optional<std::size_t> logLine = std::nullopt);
 
+  /// Writes a line of the program's own into the log, and shows it under the report, with "Show" beside it.
+  void tell(const std::string& line);
+
   /// The window is shown again.
   void wake() { tmrFtpStatus.wake(); }
 

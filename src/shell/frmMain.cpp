@@ -17,6 +17,7 @@
 #include "engine/ErrorGuard.h"
 #include "engine/mGeneral.h"
 #include "platform/NetworkAlive.h"
+#include "platform/Notices.h"
 #include "profiles/SettingWriter.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"
@@ -59,6 +60,7 @@ std::vector<PixelRect> screens() {
 frmMain::frmMain() : network(IsNetworkAlive), profilesFile(ProfilesFilePath()) {}
 
 frmMain::~frmMain() {
+  SetNoticeSink({});
   wxTheApp->Unbind(wxEVT_QUERY_END_SESSION, &frmMain::onQueryEndSession, this);
   wxTheApp->Unbind(wxEVT_END_SESSION, &frmMain::onEndSession, this);
   if (panes) panes->SetEvtHandlerEnabled(false);
@@ -76,7 +78,8 @@ void frmMain::Load() {
   // Every tick of a timer ends in an idle turn; no window here needs to be asked in it.
   wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
   wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
-  settings = LoadApplicationSettings();
+  std::vector<std::string> notes;
+  settings = LoadApplicationSettings(&notes);
   // Its place is given before it exists: some window managers take a later move for their own business.
   pixelsPerInch_ = FromDIP(kPlainPixelsPerInch * 100) / 100.0;
   const PixelRect stored = StoredPlacement(settings, pixelsPerInch_);
@@ -94,6 +97,9 @@ void frmMain::Load() {
   scheduler_->mayStart = [this] { return services_->reserveRun(); };
   scheduler_->onMissed = [this] { onMissed(); };
   createPanes();
+  for (const std::string& note : notes) process->tell(note);
+  // A notice may come from the browser's thread, or from the middle of whatever stores a setting.
+  SetNoticeSink([this](const std::string& line) { CallAfter([this, line] { process->tell(line); }); });
   createTray();
   modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);
   setAutostart();

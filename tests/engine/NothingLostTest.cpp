@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/RunWorld.h"
+#include "platform/TargetLock.h"
 
 namespace quillmoor {
 namespace {
@@ -69,6 +70,26 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
       {"the archive", [&] { stages.fail = true; }, 1, "", "archive: archive site"},
       {"the first folder of the profile", [&] { profile.DefaultDir = "/gone"; }, 1,
        "Error: Unable to enter the first folder: /gone", "/gone: "},
+      {"a cut listing",
+       [&] {
+         server.on("LIST -a", transfers("150 Here.", "-rw-r--r-- 1 o g 1 Jan  1  2020 a.bin\r\n",
+                                        "226 Output truncated to 1 matches"));
+       },
+       1, "has not listed all of the folder (226 Output truncated to 1 matches): /", "/: The server has not"},
+      {"hidden files for the moment", [&] { server.once("LIST -a", refusesData("451 Try later.")); }, 1,
+       "not listed hidden files this time: /", "/: The server"},
+      {"a line that nobody can read", [&] { server.addLine("/sub", "-rw-r--r-- 1 o g what is this"); }, 1,
+       "Error: Unable to read a line of the listing of /sub: -rw-r--r-- 1 o g what is this",
+       "-rw-r--r-- 1 o g what is this: Unable"},
+      {"a file shorter than listed",
+       [&] { server.on("RETR /sub/b.bin", transfers("150 Here.", "", "226 Done.")); }, 1,
+       "Ftp Error: ", "/sub/b.bin: "},
+      {"a type that is refused", [&] { server.on("TYPE I", replies("504 Text only.")); }, 2,
+       "Error: Came as text (TYPE A), since the server refused TYPE I: /sub/b.bin",
+       "/sub/b.bin: Came as text"},
+      {"a name of our own",
+       [&] { server.addLine("/sub", "-rw-r--r-- 1 o g 1 Jan  1  2020 .quillmoor-unfinished-1.tmp"); }, 1,
+       "Error: Refused name (", ".quillmoor-unfinished-1.tmp: Refused name"},
       {"an empty folder whose copy is not",
        [&] {
          server.setListing("/", "");
@@ -144,6 +165,42 @@ TEST_F(NothingLostTest, ALinkIsPassedOverWhateverItIsCalled) {
     server.addLine("/", std::string("lrwxrwxrwx 1 o g 1 Jan  1  2020 ") + name + " -> x");
   EXPECT_EQ(run().at(0).failures.count(), 0U);
   EXPECT_FALSE(display.logged("Error"));
+}
+
+TEST_F(NothingLostTest, AFolderThatAnotherRunWritesIntoIsLeftToIt) {
+  server.addFile("/a.bin", "a");
+  SiteProfile next = profile;
+  next.name = "the next";
+  save(next);
+  fs::create_directories(target());
+  const auto others = TargetLock::acquire(target().string());
+  const auto results = run();
+  EXPECT_THAT(results.at(0).problem, HasSubstr("Another backup run is writing into the same folder"));
+  EXPECT_TRUE(results.at(1).completed);
+  EXPECT_EQ(treeOf(folder / "the next"), std::vector<std::string>{"a.bin"}) << "and no lock";
+}
+
+TEST_F(NothingLostTest, ARunPutsBackWhatAKilledOneHasLeft) {
+  for (const char* where : {"", "copies/"}) {
+    const fs::path waiting = folder / (where + std::string(".quillmoor-unfinished-old.zip"));
+    fs::create_directories(waiting);
+    writeFile(waiting / "old.zip", "former");
+  }
+  settings.ZipCopies = (folder / "copies").string();
+  profile.Status = 0;  // it is put right for every profile
+  run();
+  EXPECT_EQ(contentsOf(folder / "old.zip"), "former");
+  EXPECT_EQ(contentsOf(folder / "copies/old.zip"), "former");
+}
+
+TEST_F(NothingLostTest, NamesAsListedKeepsWhatIsCutOtherwise) {
+  settings.NamesAsListed = 1;
+  profile.name = "Site [a]";
+  server.addFile("/photos [2024]/a.bin", "right");
+  server.addFile("/photos/a.bin", "wrong");
+  profile.Folders = {"/photos [2024]"};
+  EXPECT_EQ(run().at(0).failures.count(), 0U);
+  EXPECT_EQ(contentsOf(folder / "Site [a]/photos [2024]/a.bin"), "right");
 }
 
 TEST_F(NothingLostTest, TwoProfilesOfOneFolderAreNotBothRun) {
