@@ -9,6 +9,7 @@ import os
 import random
 import re
 import shutil
+import signal
 import subprocess
 import sys
 from pathlib import Path
@@ -111,6 +112,7 @@ def main():
     ask.add_argument("--tests", metavar="REVISION")
     ask.add_argument("where", nargs="*", default=DEFAULT)
     args = ask.parse_args()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # which puts the file back
     source = prepare(args.tests)
     compiled = {entry["file"] for entry in json.loads((WORK / "build" / "compile_commands.json").read_text())}
     wanted = tuple(place.rstrip("/") for place in args.where)
