@@ -65,6 +65,7 @@ std::vector<ProfileResult> RunController::RunBackup() {
   }
   state_.StopRequested = false;
   BackupRunning = true;
+  state_.names = services_.settings.NamesAsListed == 1 ? FolderNames::asListed : FolderNames::cut;
   state_.networkWaitBusy = false;
   state_.connectBusy = false;
   services_.display.showRunning(true);
@@ -166,7 +167,7 @@ void RunController::endKilledRuns(const std::vector<std::string>& profileIds) {
   std::set<std::string> folders;
   for (const std::string& id : profileIds) {
     const std::string SaveTo = mIni::ReadValue(id, "SaveTo", services_.profilesFile);
-    folders.insert(AddTrailingSeparator(SaveTo, false, kLocalSeparator, services_.names()));
+    folders.insert(AddTrailingSeparator(SaveTo, false, kLocalSeparator, state_.names));
   }
   for (const std::string& copies : CopyDestinations(services_.settings.ZipCopies)) folders.insert(copies);
   for (const std::string& folder : folders) {
@@ -208,7 +209,7 @@ void RunController::logFrameHeader(const std::string& profileId) {
 /// Works out where the profile's files go. Returns why it cannot be run, or "".
 std::string RunController::prepareTarget(const std::string& profileId) {
   if (!state_.profile.unreadable.empty()) return state_.profile.unreadable;
-  const FolderNames names = services_.names();
+  const FolderNames names = state_.names;
   if (names == FolderNames::cut && IsNetworkPath(state_.profile.SaveTo)) {
     return "SaveTo is a network path, and of the two backslashes it begins with one would be cut: map " +
            state_.profile.SaveTo + " to a drive letter, or set NamesAsListed to 1";
@@ -227,8 +228,7 @@ std::string RunController::prepareTarget(const std::string& profileId) {
 /// Makes sure that nobody else writes into the profile's folder, neither an earlier profile of this run nor
 /// another run. Returns why the profile cannot be run, or "".
 std::string RunController::lockTarget(LockedTarget& target) {
-  const std::string folder =
-      LocalFolderFor(state_.LocalTargetFolder, "/", kLocalSeparator, services_.names());
+  const std::string folder = LocalFolderFor(state_.LocalTargetFolder, "/", kLocalSeparator, state_.names);
   if (!targets_.insert(LocalNameKey(folder)).second)
     return "An earlier profile of this run has written into the same folder: " + PrintableName(folder);
   std::string reason;

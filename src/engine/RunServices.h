@@ -14,7 +14,6 @@
 #include "engine/ArchiveStage.h"
 #include "engine/RunActions.h"
 #include "engine/RunDisplay.h"
-#include "engine/mCreatePath.h"
 #include "platform/LocalTime.h"
 #include "platform/Pump.h"
 #include "profiles/ApplicationSettings.h"
@@ -27,7 +26,6 @@ struct RunServices {
   Pump pump;
   /// Mutable: a stage may correct a value for the rest of the program's life.
   ApplicationSettings& settings;
-  FolderNames names() const { return settings.NamesAsListed == 1 ? FolderNames::asListed : FolderNames::cut; }
   /// Extensions of files that are fetched as text, as LoadAsciiFilesTypes gives them.
   std::vector<std::string> AsciiExtensions;
   std::string profilesFile;

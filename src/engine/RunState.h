@@ -8,6 +8,7 @@
 
 #include "engine/RunFailures.h"
 #include "engine/RunProfileFields.h"
+#include "engine/mCreatePath.h"
 #include "platform/FtpClient.h"
 
 namespace quillmoor {
@@ -21,6 +22,8 @@ struct RunState {
   bool StopRequested = false;
   /// Result of the last login attempt; cleared by Stop.
   bool LoggedIn = false;
+  /// As the setting NamesAsListed was at the start of the run.
+  FolderNames names = FolderNames::cut;
   bool networkWaitBusy = false;
   bool connectBusy = false;
 

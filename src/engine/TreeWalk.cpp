@@ -62,11 +62,10 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   if (!enterFolder(remotePath, folder)) return;
   const WalkTrail::Level level(trail_, folder.currentDir, folder.listing.text);
   if (isLoop(level, folder.currentDir)) return;
-  const std::string remoteBase =
-      AddTrailingSeparator(folder.currentDir, true, kLocalSeparator, services_.names());
+  const std::string remoteBase = AddTrailingSeparator(folder.currentDir, true, kLocalSeparator, state_.names);
   tellCutPath(folder.currentDir, remoteBase);
   const std::string localDir =
-      LocalFolderFor(state_.LocalTargetFolder, folder.currentDir, kLocalSeparator, services_.names());
+      LocalFolderFor(state_.LocalTargetFolder, folder.currentDir, kLocalSeparator, state_.names);
   if (!prepareLocalFolder(localDir, folderDate)) return;
 
   RemoteListing listing = ParseListing(std::move(folder.listing.text), services_.now(), services_.pump);
@@ -194,7 +193,7 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
 /// May the folder that the server has reported be walked? Asked before anything local is touched.
 bool TreeWalk::mayWalk(const std::string& currentDir) {
   if (const auto reason =
-          LocalFolderRefusal(state_.LocalTargetFolder, currentDir, kLocalNameRules, services_.names())) {
+          LocalFolderRefusal(state_.LocalTargetFolder, currentDir, kLocalNameRules, state_.names)) {
     logError("Refused folder (" + *reason + ")", currentDir);
     return false;
   }

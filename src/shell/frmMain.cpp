@@ -67,6 +67,13 @@ frmMain::~frmMain() {
 }
 
 bool frmMain::Initialise() {
+  // A notice may come from the browser's thread, from the middle of whatever stores a setting, and from what
+  // follows here, before there is a form to show it.
+  SetNoticeSink([this](const std::string& line) {
+    CallAfter([this, line] {
+      if (process) process->tell(line);
+    });
+  });
   instance_ = std::make_unique<SingleInstance>(SingleInstance::Mark::desktop);
   if (!instance_->anotherIsRunning()) return true;
   wxMessageBox("Program already running, Click the program icon in the Taskbar. ", kTitle,
@@ -98,8 +105,6 @@ void frmMain::Load() {
   scheduler_->onMissed = [this] { onMissed(); };
   createPanes();
   for (const std::string& note : notes) process->tell(note);
-  // A notice may come from the browser's thread, or from the middle of whatever stores a setting.
-  SetNoticeSink([this](const std::string& line) { CallAfter([this, line] { process->tell(line); }); });
   createTray();
   modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);
   setAutostart();

@@ -50,6 +50,7 @@ class NothingLostTest : public ::testing::Test, protected RunWorld {
 };
 
 TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
+  const std::string kB = "-rw-r--r-- 1 o g 1 Jan  1  2020 b.bin\r\n";
   const struct {
     const char* name;
     std::function<void()> damage;
@@ -75,10 +76,11 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
          server.on("LIST -a", transfers("150 Here.", "-rw-r--r-- 1 o g 1 Jan  1  2020 a.bin\r\n",
                                         "226 Output truncated to 1 matches"));
        },
-       1, "has not listed all of the folder (226 Output truncated to 1 matches): /", "/: The server has not"},
+       1, "has not listed all of the folder (Output truncated to 1 matches): /", "/: The server has not"},
       {"hidden files for the moment", [&] { server.once("LIST -a", refusesData("451 Try later.")); }, 1,
        "not listed hidden files this time: /", "/: The server"},
-      {"a line that nobody can read", [&] { server.addLine("/sub", "-rw-r--r-- 1 o g what is this"); }, 1,
+      {"a line that nobody can read",
+       [&] { server.setListing("/sub", kB + "-rw-r--r-- 1 o g what is this\r\n"); }, 1,
        "Error: Unable to read a line of the listing of /sub: -rw-r--r-- 1 o g what is this",
        "-rw-r--r-- 1 o g what is this: Unable"},
       {"a file shorter than listed",
@@ -88,8 +90,10 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
        "Error: Came as text (TYPE A), since the server refused TYPE I: /sub/b.bin",
        "/sub/b.bin: Came as text"},
       {"a name of our own",
-       [&] { server.addLine("/sub", "-rw-r--r-- 1 o g 1 Jan  1  2020 .quillmoor-unfinished-1.tmp"); }, 1,
-       "Error: Refused name (", ".quillmoor-unfinished-1.tmp: Refused name"},
+       [&] {
+         server.setListing("/sub", kB + "-rw-r--r-- 1 o g 1 Jan  1  2020 .quillmoor-unfinished-1.tmp\r\n");
+       },
+       1, "Error: Refused name (", ".quillmoor-unfinished-1.tmp: Refused name"},
       {"an empty folder whose copy is not",
        [&] {
          server.setListing("/", "");
@@ -108,7 +112,7 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
     server.forgetRules();
     server.setListing("/",
                       "drwxr-xr-x 1 o g 1 Jan  1  2020 sub\r\n-rw-r--r-- 1 o g 1 Jan  1  2020 a.bin\r\n");
-    server.setListing("/sub", "-rw-r--r-- 1 o g 1 Jan  1  2020 b.bin\r\n");
+    server.setListing("/sub", kB);
     server.addFile("/a.bin", "a");
     server.addFile("/sub/b.bin", "b");
     profile = good;
