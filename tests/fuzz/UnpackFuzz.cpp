@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,9 +33,9 @@ struct Folder {
 };
 
 void write(const std::string& path, std::span<const std::uint8_t> bytes) {
-  OutputFile file(path);
-  file.write(bytes);
-  file.close();
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  require(file.flush().good());
 }
 
 void readAll(const std::string& program) {

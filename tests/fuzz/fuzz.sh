@@ -1,27 +1,47 @@
 #!/usr/bin/env bash
-# fuzz.sh [SECONDS]   feeds the readers of files, listings and a proxy's answers damaged ones, for so long each (60), on this
-# machine's inputs and the seeds beside this script. Wants clang with its fuzzing library. What broke a reader is left in build/fuzz.
+# fuzz.sh [SECONDS]   feeds every reader of what a file, a server or a proxy says damaged input, for so long each (60), from the
+# seeds beside this script. Wants clang with its fuzzing library. What broke a reader is left in build/fuzz, with its log.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 seconds=${1:-60}
 scripts/setup.sh clang libclang-rt-dev
 mkdir -p build/fuzz
-flags=(-std=c++20 -O1 -g -Isrc -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=undefined)
+compile=(clang++ -std=c++20 -O1 -g -Isrc -DASIO_STANDALONE -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=undefined)
+if command -v ccache >/dev/null; then compile=(ccache "${compile[@]}"); fi
+failed=build/fuzz/failed
+rm -f "$failed"
+
+fuzz() {                                # NAME SOURCE...: in the background, as many at once as there are processors
+  while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || true; done
+  one "$@" >"build/fuzz/$1.log" 2>&1 && echo "fuzz: $1: $(grep -o 'number_of_executed_units: *[0-9]*' "build/fuzz/$1.log" |
+    tr -dc 0-9) inputs" || { cat "build/fuzz/$1.log"; echo "fuzz: $1 FAILED" | tee -a "$failed"; } &
+}
+one() {
+  local name=$1 object objects=()
+  shift
+  mkdir -p "build/fuzz/$name-corpus" "build/fuzz/$name-objects"
+  for source in "$@"; do                # one at a time, so that the compiler's cache knows them
+    case $source in -*) objects+=("$source"); continue ;; esac
+    object=build/fuzz/$name-objects/$(tr / - <<<"${source%.cpp}").o
+    "${compile[@]}" -c "$source" -o "$object" || return
+    objects+=("$object")
+  done
+  "${compile[@]}" "${objects[@]}" -o "build/fuzz/$name" || return
+  "build/fuzz/$name" -max_total_time="$seconds" -max_len=4096 -rss_limit_mb=1024 -timeout=10 -print_final_stats=1 \
+    -artifact_prefix=build/fuzz/ "build/fuzz/$name-corpus" "tests/fuzz/seeds/$name"
+}
+
 common=(src/controls/BoundedFile.cpp src/platform/Utf8.cpp src/platform/posix/LocalPath.cpp)
-clang++ "${flags[@]}" tests/fuzz/AviFuzz.cpp src/controls/{AviReader,Rle8}.cpp "${common[@]}" -o build/fuzz/avi
-clang++ "${flags[@]}" tests/fuzz/RtfFuzz.cpp src/controls/{RtfReader,RtfTokenizer}.cpp "${common[@]}" -o build/fuzz/rtf
-clang++ "${flags[@]}" -DASIO_STANDALONE tests/fuzz/SocksFuzz.cpp src/platform/{SocksProxy,PumpedIo}.cpp src/platform/posix/ErrorText.cpp \
-  -o build/fuzz/socks
-clang++ "${flags[@]}" tests/fuzz/ReplyFuzz.cpp src/platform/{FtpReply,FtpWording}.cpp -o build/fuzz/reply
-clang++ "${flags[@]}" tests/fuzz/ListingFuzz.cpp src/engine/Listing*.cpp src/platform/LocalDateTime.cpp src/platform/posix/LocalTime.cpp \
-  -o build/fuzz/listing
-clang++ "${flags[@]}" tests/fuzz/UnpackFuzz.cpp src/sfx/{EntryName,Segments,ZipReader}.cpp src/engine/{SafeName,mCreatePath}.cpp \
-  src/platform/{LocalDateTime,Utf8,ZipCrypto}.cpp src/platform/posix/{ArchiveFiles,ErrorText,LocalFiles,LocalPath,LocalTime}.cpp -lz -lnettle -o build/fuzz/unpack
-clang++ "${flags[@]}" tests/fuzz/RegistryFuzz.cpp src/platform/{RegistryFile,Utf8}.cpp src/platform/posix/CodePage.cpp -o build/fuzz/registry
-clang++ "${flags[@]}" tests/fuzz/IniFuzz.cpp src/platform/{PrivateProfileEdit,Notices,Utf8}.cpp src/platform/posix/{CodePage,ErrorText,FolderLock}.cpp \
-  src/platform/posix/{LocalFiles,LocalPath,PrivateFile,PrivateProfile,ProgramFolder,WholeFile}.cpp -o build/fuzz/ini
-for reader in avi rtf socks reply listing unpack registry ini; do
-  mkdir -p "build/fuzz/$reader-corpus"
-  "build/fuzz/$reader" -max_total_time="$seconds" -max_len=4096 -rss_limit_mb=1024 -timeout=10 -print_final_stats=1 \
-    -artifact_prefix=build/fuzz/ "build/fuzz/$reader-corpus" "tests/fuzz/seeds/$reader"
-done
+fuzz avi tests/fuzz/AviFuzz.cpp src/controls/{AviReader,Rle8}.cpp "${common[@]}"
+fuzz rtf tests/fuzz/RtfFuzz.cpp src/controls/{RtfReader,RtfTokenizer}.cpp "${common[@]}"
+fuzz socks tests/fuzz/SocksFuzz.cpp src/platform/{SocksProxy,PumpedIo}.cpp src/platform/posix/ErrorText.cpp
+fuzz reply tests/fuzz/ReplyFuzz.cpp src/platform/{FtpReply,FtpWording,PrintableText,Utf8}.cpp src/platform/posix/CodePage.cpp
+fuzz listing tests/fuzz/ListingFuzz.cpp src/engine/Listing*.cpp src/platform/LocalDateTime.cpp src/platform/posix/LocalTime.cpp
+fuzz unpack tests/fuzz/UnpackFuzz.cpp src/sfx/{EntryName,Segments,ZipReader}.cpp src/engine/{SafeName,mCreatePath}.cpp \
+  src/platform/{LocalDateTime,PrintableText,ReservedNames,Utf8,WorkFolder,ZipCrypto}.cpp \
+  src/platform/posix/{ArchiveFiles,CodePage,ErrorText,LocalFiles,LocalPath,LocalTime,TargetLock,TemporaryFile}.cpp -lz -lnettle
+fuzz registry tests/fuzz/RegistryFuzz.cpp src/platform/{RegistryFile,Utf8}.cpp src/platform/posix/CodePage.cpp
+fuzz ini tests/fuzz/IniFuzz.cpp src/platform/{FileSet,Notices,PrivateProfileEdit,ReservedNames,Utf8,WholeFile,WorkFolder}.cpp \
+  src/platform/posix/{ArchiveFiles,CodePage,ErrorText,FolderLock,LocalFiles,LocalPath,PrivateFile,PrivateProfile,ProgramFolder,TargetLock,TemporaryFile}.cpp
+wait
+[ ! -e "$failed" ]
