@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# kill_at_each_rename.sh PROGRAMS KILL_AT END   kills quillmoor-run at the first call that changes a name, at the second,
+# kill_at_each_rename.sh PROGRAMS KILL_AT   kills quillmoor-run at the first call that changes a name, at the second,
 # and so on until a run gets through. Each time it replaces an older backup, its archive in segments and a copy of that.
-# PROGRAMS is the folder of quillmoor-run, KILL_AT the library that kills, END the program of EndKilledExchanges.
+# PROGRAMS is the folder of quillmoor-run, KILL_AT the library that kills.
 set -euo pipefail
-programs=$(realpath "$1") kill_at=$(realpath "$2") end=$(realpath "$3")
+programs=$(realpath "$1") kill_at=$(realpath "$2")
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/../../support/programs.sh"
 work=$(mktemp -d -t quillmoor-kill.XXXXXX)
@@ -49,6 +49,15 @@ whole_set() {                                     # FOLDER: the archive is the f
   diff -r "$work/site" "$work/unpacked" || fail "the archive in $1 is neither old nor new"
   rm -r "$work/unpacked"
 }
+start_of_a_run() {                                # [N]: of a profile that is switched off; killed at call N
+  "$config" profile set site Status=0
+  if [ $# = 0 ]; then
+    "$run" --assume-network >"$work/log" 2>&1 || fail "a former set was not put back"
+  else
+    { QUILLMOOR_KILL_AT=$1 LD_PRELOAD=$kill_at "$run" --assume-network >"$work/log" 2>&1; } 2>/dev/null || true
+  fi
+  "$config" profile set site Status=1
+}
 nothing_unfinished() {
   [ -z "$(find "$@" -name '.quillmoor-*' -print -quit)" ] || fail "something unfinished was left"
 }
@@ -62,8 +71,8 @@ for ((n = 1;; n++)); do
   [ $status = 137 ] || fail "status $status"
   one_of_both
   # Putting right is itself killed somewhere, and begun again.
-  { QUILLMOOR_KILL_AT=$((n % 12 + 1)) LD_PRELOAD=$kill_at "$end" "$work/backup" "$work/copies"; } 2>/dev/null || true
-  "$end" "$work/backup" "$work/copies" || fail "a former set was not put back"
+  start_of_a_run $((n % 12 + 1))
+  start_of_a_run
   nothing_unfinished "$work/backup" "$work/copies" -maxdepth 1
   whole_set backup
   whole_set copies
