@@ -47,7 +47,8 @@ RunProfileFields LoadProfileForRun(const std::string& profileId, const std::stri
   try {
     fields.Password = mRC4::Decipher(text("Password"));
   } catch (const mBase64::DecodeError&) {
-    fields.Password.clear();  // the server's answer to an empty one will tell
+    // Every login would be refused, without end.
+    fields.unreadable = "The stored password cannot be deciphered; enter it anew";
   }
   fields.Port = std::to_string(number("Port"));
   fields.Account = text("Account");

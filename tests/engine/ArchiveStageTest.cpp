@@ -172,6 +172,8 @@ TEST_F(ArchiveStageTest, CopiesInTheOrderOfTheNamesAndGoesOnPastAFailure) {
   EXPECT_EQ(std::count(display.colours.begin(), display.colours.end(), kButtonFace), 2 + 6);
   for (const std::string& copy : {a, b}) EXPECT_EQ(contentsOf(fs::path(copy) / "site.zip"), "archive");
   EXPECT_FALSE(fs::exists(missing)) << "a disk that is not there is not made a folder";
+  ASSERT_EQ(run.failures.count(), 1U);
+  EXPECT_EQ(run.failures.named()[0].name, missing + "site.zip");
 }
 
 TEST_F(ArchiveStageTest, CopiesEverySegmentOfASet) {
@@ -205,6 +207,7 @@ TEST_F(ArchiveStageTest, WithoutAnArchiveEveryCopyFails) {
                                  "\r\nCopy files failed.\r\nCopy Zip file to: " + saveTo + "b" +
                                  kLocalSeparator + "\r\nCopy files failed.\r\n");
   }
+  EXPECT_EQ(run.failures.count(), 6U);
   EXPECT_THAT(packer.orders, IsEmpty());
   EXPECT_TRUE(fs::is_empty(folder / "a"));
 }
@@ -214,6 +217,8 @@ TEST_F(ArchiveStageTest, AFileThatCannotBePackedIsNamedAndAPackingThatFailsEndsI
   create();
   EXPECT_EQ(display.log(), "\r\nCreating Zip File: " + archive +
                                "\r\nZip Error: a.txt cannot be read\r\nDone Zip File.\r\n");
+  ASSERT_EQ(run.failures.count(), 1U);
+  EXPECT_EQ(run.failures.named()[0].reason, "a.txt cannot be read");
   display = {};
   settings.ZipCopies = folderOf("copies");
   writeFile(archive, "the archive of the run before");

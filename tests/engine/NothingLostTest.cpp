@@ -207,6 +207,14 @@ TEST_F(NothingLostTest, NamesAsListedKeepsWhatIsCutOtherwise) {
   EXPECT_EQ(contentsOf(folder / "Site [a]/photos [2024]/a.bin"), "right");
 }
 
+TEST_F(NothingLostTest, ANetworkPathIsRefusedWhereItWouldBeCut) {
+  if (kLocalNameRules != LocalNameRules::windows) GTEST_SKIP() << "no path of this system begins so";
+  profile.SaveTo = "\\\\nas\\backup";
+  EXPECT_THAT(run().at(0).problem, HasSubstr("SaveTo is a network path"));
+  EXPECT_TRUE(loggedInRed("set NamesAsListed to 1"));
+  EXPECT_EQ(server.count("USER"), 0U);
+}
+
 TEST_F(NothingLostTest, TwoProfilesOfOneFolderAreNotBothRun) {
   server.addFile("/a.bin", "a");
   profile.name = "Site [a]";

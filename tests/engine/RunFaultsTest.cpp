@@ -8,6 +8,7 @@
 
 #include "engine/RunWorld.h"
 #include "platform/LocalPath.h"
+#include "profiles/mIni.h"
 
 namespace quillmoor {
 namespace {
@@ -81,6 +82,11 @@ TEST_F(RunFaultsTest, DoesNotStartWhatWouldNeverEnd) {
     EXPECT_NE(display.item(report, ReportColumn::finished), " - ");
     ++report;
   }
+  profile = good;
+  save(profile);
+  mIni::WriteValue("site", "Password", "no Base64", profilesFile());
+  profile.name.clear();  // saved already
+  EXPECT_THAT(run().at(0).problem, ::testing::HasSubstr("password cannot be deciphered"));
   EXPECT_EQ(server.count("USER"), 0U);
 }
 

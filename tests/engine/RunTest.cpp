@@ -209,20 +209,6 @@ TEST_F(RunTest, HandsTheActiveModeToTheClientAndNoPortRange) {
   EXPECT_EQ(server.count("EPSV") + server.count("PASV"), 0U);
 }
 
-TEST_F(RunTest, LogsInWithAnEmptyPasswordWhenTheStoredOneCannotBeRead) {
-  server.on("PASS", [](Session& s) { s.reply(s.line == "PASS " ? "530 Login incorrect." : "230 In."); });
-  pump = [this] {
-    if (!display.rows.empty() && display.logged("Waiting")) controller->Stop();
-  };
-  save(profile);
-  mIni::WriteValue("site", "Password", "no Base64!", profilesFile());
-  profile.name.clear();
-  run();
-  EXPECT_TRUE(display.logged("530 Login incorrect."));
-}
-
-// --- logins
-
 TEST_F(RunTest, TriesToLogInUntilItWorks) {
   int refusals = 3;
   server.on("PASS", [&](Session& s) { refusals-- > 0 ? s.reply("530 Not yet.") : s.answerAsUsual(); });
