@@ -1,10 +1,16 @@
 #include "platform/PrintableText.h"
 
+#include <algorithm>
+
 #include "platform/CodePage.h"
 #include "platform/Utf8.h"
 
 namespace quillmoor {
 namespace {
+
+bool isPlain(char c) {
+  return c >= ' ' && c < '\x7F';
+}
 
 void appendUtf8(std::string& shown, std::string_view text, std::string_view kept) {
   while (!text.empty()) {
@@ -25,6 +31,16 @@ std::string PrintableText(std::string_view text, std::string_view kept) {
   std::string shown;
   shown.reserve(text.size());
   while (!text.empty()) {
+    // Nearly all that is said is ASCII, and a log is long.
+    const auto plain = std::find_if_not(text.begin(), text.end(), isPlain);
+    shown.append(text.begin(), plain);
+    text.remove_prefix(static_cast<std::size_t>(plain - text.begin()));
+    if (text.empty()) break;
+    if (static_cast<unsigned char>(text[0]) < 0x80) {
+      shown += kept.find(text[0]) != std::string_view::npos ? text[0] : '?';
+      text.remove_prefix(1);
+      continue;
+    }
     const TextPiece piece = FirstPiece(text);
     const std::string_view bytes = text.substr(0, piece.bytes);
     if (!piece.ansi) {
