@@ -57,7 +57,15 @@ std::vector<PixelRect> screens() {
 
 }  // namespace
 
-frmMain::frmMain() : network(IsNetworkAlive), profilesFile(ProfilesFilePath()) {}
+frmMain::frmMain() : network(IsNetworkAlive), profilesFile(ProfilesFilePath()) {
+  // A notice may come from the browser's thread, from the middle of whatever stores a setting, and before
+  // there is a form to show it.
+  SetNoticeSink([this](const std::string& line) {
+    CallAfter([this, line] {
+      if (process) process->tell(line);
+    });
+  });
+}
 
 frmMain::~frmMain() {
   SetNoticeSink({});
@@ -67,13 +75,6 @@ frmMain::~frmMain() {
 }
 
 bool frmMain::Initialise() {
-  // A notice may come from the browser's thread, from the middle of whatever stores a setting, and from what
-  // follows here, before there is a form to show it.
-  SetNoticeSink([this](const std::string& line) {
-    CallAfter([this, line] {
-      if (process) process->tell(line);
-    });
-  });
   instance_ = std::make_unique<SingleInstance>(SingleInstance::Mark::desktop);
   if (!instance_->anotherIsRunning()) return true;
   wxMessageBox("Program already running, Click the program icon in the Taskbar. ", kTitle,
@@ -95,7 +96,7 @@ void frmMain::Load() {
   const PixelRect window = (chosen ? BroughtOntoScreen : WhollyOnScreen)(stored, screens());
   Create(nullptr, wxID_ANY, kTitle, {window.left, window.top}, {window.width, window.height},
          wxDEFAULT_FRAME_STYLE, "frmMain");
-  SetMinSize(FromDIP(wxSize(360, 300)));
+  SetMinSize(FromDIP(wxSize(360, 340)));
   SetIcons(ApplicationIcon());
   services_ = std::make_unique<MachineServices>(settings, profilesFile, [this] { pump_.turn(); });
   services_->network = network;

@@ -30,7 +30,7 @@ namespace quillmoor {
 
 class frmMain : public wxFrame {
  public:
-  /// Does nothing but make the object.
+  /// Makes the object, to which the program's notices (platform/Notices.h) go from now on.
   frmMain();
   ~frmMain() override;
 
