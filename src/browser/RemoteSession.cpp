@@ -12,6 +12,8 @@
 #include "engine/FtpAdvice.h"
 #include "engine/FtpConnection.h"
 #include "engine/ListingParser.h"
+#include "engine/ShownText.h"
+#include "platform/Utf8.h"
 #include "profiles/LenientNumber.h"
 
 namespace quillmoor {
@@ -175,7 +177,8 @@ void RemoteSession::listFolder(bool testingLinks) {
   }
   if (listing.unreadCount != 0) {
     events_.logLine(std::to_string(listing.unreadCount) + " lines of the listing of " + folder_ +
-                    " cannot be read. The first: " + listing.unread.front() + "\r\n");
+                    " cannot be read. The first: " + FirstCharacters(ShownText(listing.unread.front()), 200) +
+                    "\r\n");
   }
   std::vector<BrowserRow> rows = FolderRows(listing, folder_, foldersOnly, names);
   std::vector<std::size_t> links;

@@ -26,11 +26,6 @@ bool isHeading(std::string_view line) {
   return line.ends_with(':') && !beginsLikeEntry(line);
 }
 
-/// What `ls` writes around its lines. A listing of nothing else is that of an empty folder.
-bool isCustomaryNoise(std::string_view line) {
-  return isBlank(line) || isHeading(line) || isTotal(line);
-}
-
 constexpr std::string_view kDirectoryOf = "Directory of ";
 
 /// What the `dir` of MS-DOS writes around its lines.
@@ -61,6 +56,7 @@ class Reader {
 
  private:
   void addEntry(ListedLine&& listed, ListingFormat format);
+  bool isCustomaryNoise(std::string_view line);
   void passOver(std::string_view line);
   bool isListedFolder(std::string_view path);
 
@@ -77,7 +73,8 @@ class Reader {
   std::vector<Unsettled> unsettled_;
   std::unordered_set<std::string> folders_;  // of the entries, as far as `foldersOf_`
   std::size_t foldersOf_ = 0;
-  bool first_ = true, afterBlank_ = false, elsewhere_ = false, unreadable_ = false;
+  bool first_ = true, afterBlank_ = false, elsewhere_ = false, unreadable_ = false, totalSeen_ = false,
+       afterHeading_ = false;
 };
 
 void Reader::addEntry(ListedLine&& listed, ListingFormat format) {
@@ -86,6 +83,15 @@ void Reader::addEntry(ListedLine&& listed, ListingFormat format) {
   if (ListedDateForms::needsOthers(listed.date.parts.form))
     unsettled_.push_back({listing_.entries.size(), listed.timeInName, listed.date.parts});
   listing_.entries.push_back(std::move(listed.entry));
+}
+
+/// What `ls` writes around its lines, where it writes it: headings before the entries or after a blank line,
+/// and one total before the entries or after a heading. A listing of nothing else is that of an empty folder.
+bool Reader::isCustomaryNoise(std::string_view line) {
+  if (isBlank(line)) return true;
+  const bool before = listing_.entries.empty();
+  if (isHeading(line)) return before || afterBlank_;
+  return isTotal(line) && (afterHeading_ || (before && !std::exchange(totalSeen_, true)));
 }
 
 void Reader::passOver(std::string_view line) {
@@ -128,6 +134,7 @@ bool Reader::take(std::string_view line, std::string_view following) {
     passOver(line);
   }
   afterBlank_ = isBlank(line);
+  afterHeading_ = isHeading(line);
   first_ = first_ && afterBlank_;
   return true;
 }

@@ -1,5 +1,6 @@
 #include "engine/RunController.h"
 
+#include <set>
 #include <utility>
 
 #include "engine/BackupRunning.h"
@@ -121,8 +122,7 @@ void RunController::RunProfile(const std::string& profileId) {
   addReportRow(profileId);
   logFrameHeader(profileId);
   std::string problem = prepareTarget(profileId);
-  LockedTarget target;
-  if (problem.empty()) problem = lockTarget(target);
+  if (problem.empty()) problem = lockTarget();
   if (!problem.empty()) {
     logError("Error: " + problem + "\r\n");
     resultOf(profileId).problem = std::move(problem);
@@ -130,7 +130,7 @@ void RunController::RunProfile(const std::string& profileId) {
     return;
   }
   const bool loggedIn = runSession();
-  if (!state_.anyFolderWalked) target.releaseUnused();
+  if (!state_.anyFolderWalked) targets_.back().releaseUnused();
   if (!loggedIn) {  // its row keeps "Running", on purpose
     if (!state_.StopRequested) resultOf(profileId).problem = "Unable to login";
     return;
@@ -227,14 +227,20 @@ std::string RunController::prepareTarget(const std::string& profileId) {
 
 /// Makes sure that nobody else writes into the profile's folder, neither an earlier profile of this run nor
 /// another run. Returns why the profile cannot be run, or "".
-std::string RunController::lockTarget(LockedTarget& target) {
+std::string RunController::lockTarget() {
   const std::string folder = LocalFolderFor(state_.LocalTargetFolder, "/", kLocalSeparator, state_.names);
-  if (!targets_.insert(LocalNameKey(folder)).second)
-    return "An earlier profile of this run has written into the same folder: " + PrintableName(folder);
   std::string reason;
   bool locked = false;
+  LockedTarget target;
   if (!Guarded([&] { locked = target.acquire(folder); }, reason)) return reason;
-  return locked ? "" : "Another backup run is writing into the same folder: " + PrintableName(folder);
+  // Before the lock is looked at, which an earlier profile of this run may hold itself.
+  for (const LockedTarget& earlier : targets_) {
+    if (earlier.holds(target))
+      return "An earlier profile of this run has written into the same folder: " + PrintableName(folder);
+  }
+  if (!locked) return "Another backup run is writing into the same folder: " + PrintableName(folder);
+  targets_.push_back(std::move(target));
+  return "";
 }
 
 /// From the profile's own actions to the logout. False when the login failed.

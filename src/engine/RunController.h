@@ -1,7 +1,6 @@
 // The run controller: one backup run from its start to its end, profile by profile.
 #pragma once
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -50,7 +49,7 @@ class RunController {
   void addReportRow(const std::string& profileId);
   void logFrameHeader(const std::string& profileId);
   std::string prepareTarget(const std::string& profileId);
-  std::string lockTarget(LockedTarget& target);
+  std::string lockTarget();
   void endKilledRuns(const std::vector<std::string>& profileIds);
   bool runSession();
   void archiveProfile(const std::string& profileId);
@@ -66,7 +65,7 @@ class RunController {
   FtpSession session_;
   TreeWalk walk_;
   std::vector<ProfileResult> results_;
-  std::set<std::string> targets_;  // local folders that profiles of this run have written into
+  std::vector<LockedTarget> targets_;  // of the profiles that this run has come to, held until its end
   bool active_ = false;
   bool refused_ = false;
 };

@@ -61,12 +61,12 @@ bool TreeWalk::download(const std::string& localFile, const std::string& remoteF
     fetched = retried([&] { session_.getFile(remoteFile, localFile, listedSize); }, attempts);
     if (fetched || session_.connected() || attempts >= services_.settings.FtpRetryCount) break;
   }
-  // A type that is refused leaves the one in force, and the file is fetched in that.
-  const bool inText = session_.asciiType();
-  if (fetched && inText != (type == "TYPE A"))
-    logError("Came " + std::string(inText ? "as text (TYPE A)" : "byte by byte (TYPE I)") +
-                 ", since the server refused " + type,
-             remoteFile);
+  // A refused TYPE I leaves text in force, and the file is fetched so. Without the listed time an incremental
+  // run takes it for one to be fetched again; with it, it would count as up to date for ever.
+  if (fetched && type == "TYPE I" && session_.asciiType()) {
+    logError("Came as text (TYPE A), since the server refused TYPE I", remoteFile);
+    return true;
+  }
   // Also when the file could not be fetched: an older copy then bears the listed time.
   SetFileModifiedTime(localFile, remoteDate, true);
   return fetched;

@@ -1,6 +1,8 @@
 #include "engine/TreeWalk.h"
 
-#include <set>
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "engine/FtpConnection.h"
@@ -13,6 +15,7 @@
 #include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
 #include "platform/ArchiveFiles.h"
+#include "platform/FtpWording.h"
 #include "platform/LocalFiles.h"
 #include "platform/LocalPath.h"
 #include "platform/ReservedNames.h"
@@ -30,6 +33,12 @@ bool holdsFiles(const std::string& localDir) {
                [&](const std::string& name, FileKind) { any = any || !IsReservedLocalName(name); });
   });
   return any;
+}
+
+std::string lowerAscii(std::string name) {
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return name;
 }
 
 bool isType(const RemoteEntry& entry, char lower) {
@@ -69,7 +78,7 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   if (!prepareLocalFolder(localDir, folderDate)) return;
 
   RemoteListing listing = ParseListing(std::move(folder.listing.text), services_.now(), services_.pump);
-  if (listing.format == ListingFormat::neither) {
+  if (listing.format == ListingFormat::neither && !saysNoFiles(listing.text)) {
     // Nothing is logged here, on purpose; the end of the run reports it.
     state_.countFailure(folder.currentDir, "its listing is in no known form");
     return;
@@ -78,7 +87,7 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   std::string().swap(listing.text);  // the levels below have theirs
   std::string remoteItem;
   std::string localFile;
-  std::set<std::string> taken;
+  std::map<std::string, std::string> taken;  // by what a case-blind disk takes names for
   std::size_t items = 0;
   for (const RemoteEntry& entry : listing.entries) {
     if (state_.StopRequested) return;
@@ -89,7 +98,7 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
       // Asked and not used, on purpose: a link is neither followed nor fetched, whatever it points to and
       // whatever it is called.
       IsRemoteFolderLink(remoteItem);
-    } else if (!acceptName(entry.name) || !isFree(entry, taken)) {
+    } else if (!acceptName(entry.name) || !isFree(entry, localDir, taken)) {
       // Told and counted.
     } else if (isType(entry, 'd')) {
       log_.AppendLog("Directory: " + PrintableName(remoteItem) + "\r\n", log_colour::kDirectory, true);
@@ -112,8 +121,13 @@ void TreeWalk::tellWhatIsNotListed(const Folder& folder, const RemoteListing& li
     logError("The server has not listed all of the folder (" + folder.listing.cut + ")", folder.currentDir);
   if (folder.listing.hiddenFilesMissing)
     logError("The server has not listed hidden files this time", folder.currentDir);
-  const std::string what = "Unable to read a line of the listing of " + PrintableName(folder.currentDir);
-  for (const std::string& line : listing.unread) logError(what, FirstCharacters(ShownText(line), kShown));
+  for (const std::string& line : listing.unread) {
+    const std::string shown = FirstCharacters(ShownText(line), kShown);
+    state_.countFailure(folder.currentDir, "a line of its listing cannot be read: " + shown);
+    log_.AppendLog("Error: Unable to read a line of the listing of " + PrintableName(folder.currentDir) +
+                       ": " + shown + "\r\n",
+                   log_colour::kError, true);
+  }
   const std::size_t others = listing.unreadCount - listing.unread.size();
   if (others != 0)
     logError("Unable to read " + std::to_string(others) + " more lines of the listing of", folder.currentDir);
@@ -224,10 +238,19 @@ bool TreeWalk::acceptName(const std::string& name) {
   return false;
 }
 
-/// Where a disk does not regard case, a second name would write over the file of the first.
-bool TreeWalk::isFree(const RemoteEntry& entry, std::set<std::string>& taken) {
-  if (kLocalNameRules != LocalNameRules::windows) return true;
-  if (taken.insert(LocalNameKey(entry.name)).second) return true;
+/// Where a disk does not regard case, a second name would write over the file of the first. Windows disks as
+/// a rule do not; elsewhere only the disk itself tells.
+bool TreeWalk::isFree(const RemoteEntry& entry, const std::string& localDir,
+                      std::map<std::string, std::string>& taken) {
+  const bool windows = kLocalNameRules == LocalNameRules::windows;
+  const auto [first, isNew] =
+      taken.emplace(windows ? LocalNameKey(entry.name) : lowerAscii(entry.name), entry.name);
+  if (isNew) return true;
+  std::error_code failed;
+  if (!windows &&
+      (first->second == entry.name || !std::filesystem::equivalent(LocalPath(localDir + first->second),
+                                                                   LocalPath(localDir + entry.name), failed)))
+    return true;
   logError("Refused name (another one differs from it in nothing but case)", entry.name);
   return false;
 }

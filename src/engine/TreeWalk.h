@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <set>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,7 +56,8 @@ class TreeWalk {
   void tellEmptyFolder(const std::string& currentDir, const std::string& localDir);
   bool mayGoOn(const std::string& remoteItem);
   bool acceptName(const std::string& name);
-  bool isFree(const RemoteEntry& entry, std::set<std::string>& taken);
+  bool isFree(const RemoteEntry& entry, const std::string& localDir,
+              std::map<std::string, std::string>& taken);
   void walkFile(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry);
   bool IsRemoteFolderLink(const std::string& path);
 

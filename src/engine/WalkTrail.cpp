@@ -11,13 +11,15 @@ bool WalkTrail::holds(std::string_view path) const {
 }
 
 WalkTrail::Level::Level(WalkTrail& trail, std::string path, std::string_view listing) : trail_(trail) {
-  Folder folder{std::move(path), listing.size(), std::hash<std::string_view>{}(listing), 0};
+  Folder folder{std::move(path), listing.size(), std::hash<std::string_view>{}(listing)};
   // Empty folders list the same anywhere.
-  const bool repeats =
-      !listing.empty() && std::any_of(trail_.levels_.begin(), trail_.levels_.end(), [&](const Folder& above) {
-        return above.listingSize == folder.listingSize && above.listingHash == folder.listingHash;
-      });
-  if (repeats) folder.repeats = trail_.levels_.back().repeats + 1;
+  if (!listing.empty()) {
+    folder.same = static_cast<std::size_t>(
+        std::count_if(trail_.levels_.begin(), trail_.levels_.end(), [&](const Folder& above) {
+          return above.listingSize == folder.listingSize && above.listingHash == folder.listingHash;
+        }));
+  }
+  if (folder.same != 0) folder.repeats = trail_.levels_.back().repeats + 1;
   trail_.levels_.push_back(std::move(folder));
 }
 

@@ -10,8 +10,9 @@ namespace quillmoor {
 
 class WalkTrail {
  public:
-  /// So many levels in a row that list just what a folder above them lists are a loop: a link to a folder
-  /// above, shown as a folder, gives each level a path of its own.
+  /// A link to a folder above, shown as a folder, gives each level a path of its own. So many levels in a row
+  /// that list just what a folder above them lists are a loop, and so is a listing that stands above so
+  /// often, with others in between.
   static constexpr std::size_t kLoopLevels = 3;
 
   std::size_t depth() const { return levels_.size(); }
@@ -26,7 +27,10 @@ class WalkTrail {
     Level& operator=(const Level&) = delete;
 
     /// The folder ends a loop and must not be walked.
-    bool loops() const { return trail_.levels_.back().repeats >= kLoopLevels; }
+    bool loops() const {
+      const Folder& last = trail_.levels_.back();
+      return last.repeats >= kLoopLevels || last.same >= kLoopLevels;
+    }
 
    private:
     WalkTrail& trail_;
@@ -37,6 +41,7 @@ class WalkTrail {
     std::string path;
     std::size_t listingSize = 0;
     std::size_t listingHash = 0;
+    std::size_t same = 0;     // levels above that list the same
     std::size_t repeats = 0;  // levels in a row, this one the last, that list what one above them lists
   };
   std::vector<Folder> levels_;

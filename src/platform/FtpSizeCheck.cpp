@@ -28,18 +28,20 @@ void RequireWholeFile(FtpControl& control, const FtpReceivedFile& file, millisec
   const bool text = control.asciiType();
   const bool notAsListed = file.listed && (text ? file.count < *file.listed : file.count != *file.listed);
   const bool notAsAnnounced = !text && file.announced && file.count < *file.announced;
-  if (!notAsListed && !notAsAnnounced) return;
+  const bool unknown = !file.listed && (text || !file.announced);
+  if (!notAsListed && !notAsAnnounced && !unknown) return;
 
   // None to ask: the connection went down behind the last byte.
   const auto size = control.isOpen() ? askSize(control, file.remotePath, timeout) : std::nullopt;
+  if (unknown && !size && !notAsAnnounced) return;  // nothing speaks against the server's word
   if (size && (text ? file.count >= *size : file.count == *size)) return;
-  const auto expected = notAsListed ? *file.listed : *file.announced;
-  throw FtpError(
-      FtpErrorNumber::incomplete,
-      std::to_string(file.count) + " bytes have come, but the server " +
-          (notAsListed ? "lists " : "announces ") + std::to_string(expected) +
-          (size ? " and says now that there are " + std::to_string(*size) : " and does not tell the size") +
-          ".");
+  std::string claim;
+  if (notAsListed) claim = "lists " + std::to_string(*file.listed) + " and ";
+  if (!notAsListed && notAsAnnounced) claim = "announces " + std::to_string(*file.announced) + " and ";
+  throw FtpError(FtpErrorNumber::incomplete,
+                 std::to_string(file.count) + " bytes have come, but the server " + claim +
+                     (size ? "says now that there are " + std::to_string(*size) : "does not tell the size") +
+                     ".");
 }
 
 }  // namespace quillmoor

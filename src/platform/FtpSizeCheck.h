@@ -21,7 +21,8 @@ struct FtpReceivedFile {
 /// Raises FtpError `incomplete` for a file that may miss something. Sends nothing where the sizes raise no
 /// doubt: in binary transfers a listed size that is not the count or an announced one above it, in text
 /// transfers, which line ends make longer, a listed size above it. In doubt the server's answer to SIZE
-/// decides, and without one the file counts as incomplete. The type is the same afterwards, or the control
+/// decides, and without one the file counts as incomplete. Where no size is known SIZE is asked as well, but
+/// a server that does not answer it is believed. The type is the same afterwards, or the control
 /// connection is closed; so it is where it fails or is aborted.
 void RequireWholeFile(FtpControl& control, const FtpReceivedFile& file, std::chrono::milliseconds timeout);
 

@@ -17,13 +17,14 @@ bool isNumber(std::string_view word) {
 
 /// The lines of a reply without their codes.
 std::vector<std::string_view> linesOf(std::string_view text) {
-  const std::string_view code = text.substr(0, 3);
+  std::string_view code = text.substr(0, 3);
+  if (!isNumber(code)) code = {};  // of a text that is no reply
   std::vector<std::string_view> lines;
   while (!text.empty()) {
     const auto end = std::min(text.find("\r\n"), text.size());
     std::string_view line = text.substr(0, end);
     text.remove_prefix(std::min(end + 2, text.size()));
-    if (line.starts_with(code)) line.remove_prefix(std::min<std::size_t>(4, line.size()));
+    if (!code.empty() && line.starts_with(code)) line.remove_prefix(std::min<std::size_t>(4, line.size()));
     lines.push_back(line);
   }
   return lines;
@@ -81,15 +82,16 @@ bool anyBefore(const Words& words, std::size_t at, Test test) {
   return std::any_of(here - static_cast<std::ptrdiff_t>(std::min<std::size_t>(at, 3)), here, test);
 }
 
+bool isDenial(std::string_view word) {
+  return isOneOf(word, {"not", "no", "never", "none", "without", "0", "isn't", "wasn't"});
+}
+
 /// "truncated", and the same in French, Italian, Spanish and Portuguese; not where that is denied.
 bool saysTruncated(const Words& words, std::size_t at) {
   const std::string_view word = words[at];
   const bool stem = word.starts_with("truncat") || word.starts_with("tronqu") ||
                     word.starts_with("troncat") || word.starts_with("truncad");
-  return stem && !isAt(words, at + 1, {"no", "0", "none", "false"}) &&
-         !anyBefore(words, at, [](const auto& before) {
-           return isOneOf(before, {"not", "no", "never", "none", "without", "0", "isn't", "wasn't"});
-         });
+  return stem && !isAt(words, at + 1, {"no", "0", "none", "false"}) && !anyBefore(words, at, isDenial);
 }
 
 /// "limited to 100 matches", "listing limited to 100"; but rates and quotas are limited as well.
@@ -112,10 +114,13 @@ bool saysNotAll(const Words& words, std::size_t at) {
   }
   if (isAt(words, at, {"too"}) && isAt(words, at + 1, {"many"}))
     return at + 2 < words.size() && isListed(words[at + 2]);
-  return isAt(words, at, {"limit", "maximum"}) &&
-         std::any_of(words.begin(), words.end(), [](const auto& word) {
-           return isOneOf(word, {"reached", "exceeded"});
-         });
+  if (!isAt(words, at, {"limit", "maximum"}) || anyBefore(words, at, isDenial)) return false;
+  if (std::any_of(words.begin(), words.end(), [](const auto& word) { return isOneOf(word, {"quota"}); }))
+    return false;  // of what may be stored, or fetched
+  for (std::size_t i = at; i < words.size(); ++i) {
+    if (isAt(words, i, {"reached", "exceeded"})) return !anyBefore(words, i, isDenial);
+  }
+  return false;
 }
 
 bool saysCut(const Words& words) {
@@ -136,9 +141,14 @@ std::string listingCut(std::string_view replyText) {
 }
 
 bool saysFolderIsEmpty(const FtpReply& reply) {
-  if (reply.code != 450 && reply.code != 550) return false;
+  return (reply.code == 450 || reply.code == 550) && saysNoFiles(reply.text);
+}
+
+bool saysNoFiles(std::string_view text) {
+  constexpr std::size_t kLongest = 1000;  // bytes; a listing may come here
+  if (text.size() > kLongest) return false;
   std::vector<std::string> words;
-  for (std::string_view line : linesOf(reply.text)) {
+  for (std::string_view line : linesOf(text)) {
     // "/my docs: No files found": a name that may hold blanks.
     const auto colon = line.find(": ");
     if (colon != std::string_view::npos && colon > 0 && isName(line.substr(0, 1))) line.remove_prefix(colon);

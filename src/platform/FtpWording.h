@@ -17,4 +17,7 @@ std::string listingCut(std::string_view replyText);
 /// be named.
 bool saysFolderIsEmpty(const FtpReply& reply);
 
+/// The same of a text alone, such as a listing that says it in place of listing nothing.
+bool saysNoFiles(std::string_view text);
+
 }  // namespace quillmoor

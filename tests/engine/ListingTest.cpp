@@ -182,6 +182,7 @@ TEST(ListingParser, PassesOverNoiseAndSaysWhenItUnderstoodNothing) {
       {"headings between lines",
        "-rw-r--r-- 1 a b 1 Jan 15 12:34 a\nfolder:\n-rw-r--r-- 1 a b 1 Jan 15 12:34 b\n", 2,
        ListingFormat::unixStyle},
+      {"names and sizes alone", "README 1024\r\nLICENSE 10\r\n", 0, ListingFormat::neither},
       {"neither", "0 07/11/09 A.TXT\r\nVolume full\r\n", 0, ListingFormat::neither},
       {"no date at all", "-rw-r--r-- 1 a b 1 Jan 99 12:34 a\r\n", 0, ListingFormat::neither},
       {"binary", "\x01\x02\x03\xFF\r\n", 0, ListingFormat::neither},
@@ -260,6 +261,10 @@ TEST(ListingParser, KeepsTheLinesBesideEntriesThatItCannotRead) {
       {"subfolder of dir", a + d + "\r\n Directory of C:\\sub\r\n" + a, 2, {}},
       {"some other folder", a + "\r\n./lost:\r\n" + d, 1, {d.substr(0, d.size() - 2)}},
       {"some other folder by its total", a + "\r\nlost:\r\ntotal 1\r\n" + d, 1, {d.substr(0, d.size() - 2)}},
+      {"names and sizes alone beside an entry",
+       a + "README 1024\r\nnotes:\r\n",
+       1,
+       {"README 1024", "notes:"}},
       {"nothing readable", "Welcome\r\n1 File(s)  1 bytes\r\n", 0, {}},
   };
   for (const auto& c : cases) {

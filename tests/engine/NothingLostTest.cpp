@@ -66,6 +66,8 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
        "/: "},
       {"the first folder", [&] { server.on("CWD", replies("550 Forbidden.")); }, 2, "Ftp Error: ", "/: "},
       {"a listing", [&] { server.on("LIST", replies("550 Forbidden.")); }, 1, "Ftp Error: ", "/: "},
+      {"a listing that says in words that there is nothing",
+       [&] { server.setListing("/sub", "No files found.\r\n"); }, 0, "", ""},
       {"a listing in no known form", [&] { server.setListing("/sub", "Volume in drive C has no label\r\n"); },
        1, "", "/sub: its listing"},
       {"the archive", [&] { stages.fail = true; }, 1, "", "archive: archive site"},
@@ -82,7 +84,7 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
       {"a line that nobody can read",
        [&] { server.setListing("/sub", kB + "-rw-r--r-- 1 o g what is this\r\n"); }, 1,
        "Error: Unable to read a line of the listing of /sub: -rw-r--r-- 1 o g what is this",
-       "-rw-r--r-- 1 o g what is this: Unable"},
+       "/sub: a line of its listing cannot be read: -rw-r--r-- 1 o g what is this"},
       {"a file shorter than listed",
        [&] { server.on("RETR /sub/b.bin", transfers("150 Here.", "", "226 Done.")); }, 1,
        "Ftp Error: ", "/sub/b.bin: "},
@@ -163,6 +165,38 @@ TEST_F(NothingLostTest, ALoopOfFoldersIsNotWalkedDeeperThanThreeRepetitions) {
   EXPECT_THAT(treeOf(target()), ElementsAre("a", "again/", "again/a", "again/again/", "again/again/a"));
 }
 
+TEST_F(NothingLostTest, FoldersThatLeadBackInManyWaysAreWalkedSoOftenAndNoMore) {
+  // Each of four folders has a link to the first one, which the server lists as a folder.
+  const auto line = [](const char* name) {
+    return std::string("drwxr-xr-x 1 o g 1 Jan  1  2020 ") + name + "\r\n";
+  };
+  server.on("PWD", [&](Session& s) { s.reply("257 \"" + folderOf(server.commands()) + "\""); });
+  server.on("CWD", replies("250 Here."));
+  server.on("LIST", [&](Session& s) {
+    const std::string here = folderOf(server.commands());
+    const bool root = here == "/" || here.ends_with("/up");
+    const std::string own = here.substr(here.rfind('/') + 1) + ".txt";
+    transfers("150 Here.",
+              root ? line("a") + line("b") + line("c") + line("d")
+                   : line("up") + "-rw-r--r-- 1 o g 1 Jan  1  2020 " + own + "\r\n",
+              "226 Done.")(s);
+  });
+  server.on("RETR", transfers("150 Here.", "x", "226 Done."));
+  EXPECT_GT(run().at(0).failures.count(), 0U);
+  EXPECT_LT(server.count("LIST"), 200U);
+}
+
+TEST_F(NothingLostTest, AFileInTheWrongTypeIsFetchedAgainByTheNextRun) {
+  settings.BackupMode = 2;
+  server.addFile("/a.bin", "a");
+  server.on("TYPE I", replies("504 Text only."));
+  EXPECT_EQ(run().at(0).failures.count(), 1U);
+  EXPECT_EQ(run().at(0).failures.count(), 1U);
+  server.forgetRules();
+  EXPECT_EQ(run().at(0).failures.count(), 0U);
+  EXPECT_EQ(server.count("RETR"), 3U);
+}
+
 TEST_F(NothingLostTest, ALinkIsPassedOverWhateverItIsCalled) {
   server.addFile("/a.bin", "a");
   for (const char* name : {"../up", "CON", "esc\x1b[31m", ".."})
@@ -216,18 +250,34 @@ TEST_F(NothingLostTest, ANetworkPathIsRefusedWhereItWouldBeCut) {
 }
 
 TEST_F(NothingLostTest, TwoProfilesOfOneFolderAreNotBothRun) {
+  const struct {
+    const char* name;
+    const char* first;
+    const char* second;
+    std::string secondSaveTo;
+  } rows[] = {{"brackets that are cut", "Site [a]", "Site [b]", profile.SaveTo},
+              {"another path to it", "Site [a]", "Site [b]", profile.SaveTo + kLocalSeparator + "."},
+              {"a folder inside", "a", "b", (folder / "a").string()}};
   server.addFile("/a.bin", "a");
-  profile.name = "Site [a]";
-  SiteProfile other = profile;
-  other.name = "Site [b]";
-  save(other);
-  const auto results = run();
-  ASSERT_EQ(results.size(), 2U);
-  EXPECT_TRUE(results[0].completed);
-  EXPECT_FALSE(results[1].completed);
-  EXPECT_THAT(results[1].problem, HasSubstr("written into the same folder: "));
-  EXPECT_EQ(display.item(1, ReportColumn::status), "Failed");
-  EXPECT_EQ(server.count("USER"), 1U);
+  const SiteProfile good = profile;
+  for (const auto& row : rows) {
+    fs::remove(profilesFile());
+    display = {};
+    const std::size_t logins = server.count("USER");
+    profile = good;
+    profile.name = row.first;
+    SiteProfile other = profile;
+    other.name = row.second;
+    other.SaveTo = row.secondSaveTo;
+    save(other);
+    const auto results = run();
+    ASSERT_EQ(results.size(), 2U) << row.name;
+    EXPECT_TRUE(results[0].completed) << row.name;
+    EXPECT_FALSE(results[1].completed) << row.name;
+    EXPECT_THAT(results[1].problem, HasSubstr("written into the same folder: ")) << row.name;
+    EXPECT_EQ(display.item(1, ReportColumn::status), "Failed") << row.name;
+    EXPECT_EQ(server.count("USER"), logins + 1) << row.name;
+  }
 }
 
 TEST_F(NothingLostTest, ALoginHasAsManyAttemptsAsTheSettingAllows) {

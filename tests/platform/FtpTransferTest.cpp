@@ -182,7 +182,7 @@ TEST_F(FtpTransferTest, UsesTheRangeOfDataPorts) {
   login();
   server.addFile("/f", "x");
   client.dataPortRange = "49200:49299";
-  client.getFile("/f", (folder / "f").string());
+  client.getFile("/f", (folder / "f").string(), 1);
   const std::string port = server.commands()[server.commands().size() - 2];
   unsigned high = 0, low = 0;
   ASSERT_EQ(std::sscanf(port.c_str(), "PORT 127,0,0,1,%u,%u", &high, &low), 2) << port;
@@ -374,7 +374,16 @@ TEST_F(FtpTransferTest, AsksAboutAFileThatIsNotAsLongAsListed) {
     const char* words;  // of the error, if any
   } cases[] = {
       {"as listed", "TYPE I", 5, "150 Here.", "", "", "", ""},
-      {"not known", "TYPE I", {}, "150 Here.", "", "", "", ""},
+      {"not known, nor told", "TYPE I", {}, "150 Here.", "", "500 What?", kSize, ""},
+      {"not known, cut off",
+       "TYPE I",
+       {},
+       "150 Here.",
+       "",
+       "213 9",
+       kSize,
+       "the server says now that there are 9."},
+      {"not known, but announced", "TYPE I", {}, "150 Here (5 bytes).", "", "", "", ""},
       {"cut off", "TYPE I", 9, "150 Here.", "", "213 9", kSize,
        "5 bytes have come, but the server lists 9 and says now that there are 9."},
       {"has shrunk since", "TYPE I", 9, "150 Here.", "", "213 5", kSize, ""},

@@ -35,6 +35,7 @@ TEST(FtpWording, FindsWhereAServerSaysThatItHasCutAListing) {
                                "226 Transfer complete (rate limited to 100 KB/s)",
                                "226-Your quota is limited to 100 MB\r\n226 Listed 12 files.",
                                "226 Transfer complete; daily limit not reached",
+                               "226 Transfer complete. Quota limit 100 files not reached",
                                "226 There are 5 of 50 users; only 1 of 2 logins is yours",
                                "226",
                                ""};

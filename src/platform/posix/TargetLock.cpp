@@ -31,8 +31,10 @@ class FolderTime {
     known_ = ::stat(folder.c_str(), &before_) == 0;
   }
   ~FolderTime() {
+    const int error = errno;  // the caller's
     const timespec times[2] = {{0, UTIME_OMIT}, before_.st_mtim};
     if (known_) ::utimensat(AT_FDCWD, folder_.c_str(), times, 0);
+    errno = error;
   }
   FolderTime(const FolderTime&) = delete;
   FolderTime& operator=(const FolderTime&) = delete;
