@@ -1,5 +1,4 @@
-// SOCKS: the messages byte by byte, and sessions of the FTP client through a proxy that does what a test
-// tells it to.
+// SOCKS: sessions of the FTP client through a proxy that does what a test tells it to.
 #include "platform/SocksProxy.h"
 
 #include "platform/FtpClientFixture.h"
@@ -32,35 +31,6 @@ int errorNumber(Make make) {
   return 0;
 }
 
-// --- bytes
-
-TEST(SocksMessages, AreTheBytesOfTheProtocols) {
-  const SocksLogin four{SocksVersion::v4, "joe", ""}, nobody4{SocksVersion::v4, "", ""};
-  const SocksLogin five{SocksVersion::v5, "joe", "pw"}, nobody5{SocksVersion::v5, "", ""};
-  const auto connect = SocksCommand::connect;
-  const struct {
-    const char* name;
-    std::string made, expected;
-  } cases[] = {
-      {"4", socksRequest(connect, four, {"192.0.2.1", 21}),
-       bytes({4, 1, 0, 21, 192, 0, 2, 1, 'j', 'o', 'e', 0})},
-      {"4a", socksRequest(connect, nobody4, {"ab.c", 0x1234}),
-       bytes({4, 1, 0x12, 0x34, 0, 0, 0, 1, 0, 'a', 'b', '.', 'c', 0})},
-      {"4, bind", socksRequest(SocksCommand::bind, nobody4, {"192.0.2.1", 21}),
-       bytes({4, 2, 0, 21, 192, 0, 2, 1, 0})},
-      {"5, greeting", socksGreeting(nobody5), bytes({5, 1, 0})},
-      {"5, greeting with a login", socksGreeting(five), bytes({5, 2, 0, 2})},
-      {"5, login", socksPassword(five), bytes({1, 3, 'j', 'o', 'e', 2, 'p', 'w'})},
-      {"5, IPv4", socksRequest(connect, five, {"192.0.2.1", 0xFFFF}),
-       bytes({5, 1, 0, 1, 192, 0, 2, 1, 255, 255})},
-      {"5, name", socksRequest(connect, five, {"ab.c", 21}),
-       bytes({5, 1, 0, 3, 4, 'a', 'b', '.', 'c', 0, 21})},
-      {"5, IPv6", socksRequest(SocksCommand::bind, five, {"2001:db8::1", 21}),
-       bytes({5, 2, 0, 4, 0x20, 1, 0xD, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 21})},
-  };
-  for (const auto& c : cases) EXPECT_EQ(c.made, c.expected) << c.name;
-}
-
 TEST(SocksMessages, AreRefusedWhereTheyCannotBeMade) {
   const std::string longest(255, 'x'), tooLong(256, 'x');
   const auto connect = SocksCommand::connect;
@@ -76,47 +46,6 @@ TEST(SocksMessages, AreRefusedWhereTheyCannotBeMade) {
   EXPECT_EQ(errorNumber([&] { socksPassword({SocksVersion::v5, "joe", tooLong}); }), bad);
 }
 
-TEST(SocksMessages, AreReadToTheByte) {
-  const struct {
-    const char* name;
-    SocksVersion version;
-    std::string reply;
-    const char* host;
-    std::uint16_t port;
-  } cases[] = {
-      {"4", SocksVersion::v4, bytes({0, 0x5A, 0x12, 0x34, 192, 0, 2, 1}), "192.0.2.1", 0x1234},
-      {"4, repeating the version", SocksVersion::v4, bytes({4, 0x5A, 0, 21, 0, 0, 0, 0}), "0.0.0.0", 21},
-      {"5, IPv4", SocksVersion::v5, bytes({5, 0, 0, 1, 192, 0, 2, 1, 0xFF, 0xFE}), "192.0.2.1", 0xFFFE},
-      {"5, name", SocksVersion::v5, bytes({5, 0, 0, 3, 2, 'a', 'b', 0, 21}), "ab", 21},
-      {"5, empty name", SocksVersion::v5, bytes({5, 0, 0, 3, 0, 0, 21}), "", 21},
-      {"5, IPv6", SocksVersion::v5,
-       bytes({5, 0, 0, 4, 0x20, 1, 0xD, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 21}), "2001:db8::1", 21},
-  };
-  for (const auto& c : cases) {
-    // From every beginning of it the length is a bound that no later byte takes back.
-    std::size_t bound = 0;
-    for (std::size_t have = 0; have <= c.reply.size(); ++have) {
-      const std::size_t length = socksReplyLength(c.version, c.reply.substr(0, have));
-      EXPECT_GE(length, bound) << c.name;
-      EXPECT_LE(length, c.reply.size()) << c.name;
-      EXPECT_EQ(length == have, have == c.reply.size()) << c.name << " at " << have;
-      bound = length;
-    }
-    const SocksAddress address = socksReplyAddress(c.version, c.reply);
-    EXPECT_EQ(address.host, c.host) << c.name;
-    EXPECT_EQ(address.port, c.port) << c.name;
-  }
-  for (const std::string& foreign :
-       {bytes({'2'}), bytes({4}), bytes({0}), bytes({5, 0, 0, 2, 0}), bytes({5, 0, 0, 0, 0})}) {
-    EXPECT_EQ(errorNumber([&] { socksReplyLength(SocksVersion::v5, foreign); }),
-              number(FtpErrorNumber::badReply));
-  }
-  EXPECT_EQ(errorNumber([&] { socksReplyLength(SocksVersion::v4, "220 Ready."); }),
-            number(FtpErrorNumber::badReply));
-}
-
-// --- sessions
-
 class SocksSessionTest : public FtpClientTest {
  protected:
   SocksSessionTest() {
@@ -124,9 +53,10 @@ class SocksSessionTest : public FtpClientTest {
     client.proxyPort = proxy.port();
     server.addFile("/f", "hello");
   }
-  void loginBy(FtpProxyType type) {
+  static constexpr const char* kHost = "ftp.example.org";
+  void loginBy(FtpProxyType type, const std::string& host = kHost) {
     client.proxyType = static_cast<std::int32_t>(type);
-    client.login("ftp.example.org", "joe", "hunter22", "", server.port());
+    client.login(host, "joe", "hunter22", "", server.port());
   }
 
   ScriptedSocksServer proxy;
@@ -140,9 +70,13 @@ TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
     const char* userName;
     int dataCommand;
     const char* asked;
+    const char* host = kHost;  // a name: the proxy looks it up
   } cases[] = {
-      {FtpProxyType::socks4, 4, true, "joe", 1, "EPSV"},  {FtpProxyType::socks4, 4, false, "", 2, "PORT"},
-      {FtpProxyType::socks5, 5, true, "", 1, "EPSV"},     {FtpProxyType::socks5, 5, true, "joe", 1, "EPSV"},
+      {FtpProxyType::socks4, 4, true, "joe", 1, "EPSV"},
+      {FtpProxyType::socks4, 4, false, "", 2, "PORT"},
+      {FtpProxyType::socks4, 4, true, "joe", 1, "EPSV", "127.0.0.1"},
+      {FtpProxyType::socks5, 5, true, "", 1, "EPSV"},
+      {FtpProxyType::socks5, 5, true, "joe", 1, "EPSV"},
       {FtpProxyType::socks5, 5, false, "joe", 2, "PORT"},
   };
   for (const auto& c : cases) {
@@ -151,7 +85,7 @@ TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
     client.setPassive(c.passive);
     client.proxyUserName = c.userName;
     client.proxyPassword = "a=b/";
-    loginBy(c.type);
+    loginBy(c.type, c.host);
     client.sendAhead({"TYPE I"}, true);
     client.command("TYPE I");
     client.getFile("/f", (folder / "f").string());
@@ -163,7 +97,7 @@ TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
     ASSERT_EQ(requests.size(), before + 3);
     for (std::size_t i = before; i < requests.size(); ++i) {
       EXPECT_EQ(requests[i].version, c.version);
-      EXPECT_EQ(requests[i].host, "ftp.example.org") << "the proxy looks the name up";
+      EXPECT_EQ(requests[i].host, c.host);
       EXPECT_EQ(requests[i].userName, c.userName);
       EXPECT_EQ(requests[i].password, c.version == 5 && *c.userName ? "a=b/" : "");
       EXPECT_EQ(requests[i].command, i == before ? 1 : c.dataCommand);
@@ -251,46 +185,62 @@ TEST_F(SocksSessionTest, TellsWhatTheProxyRefusesInPlainWords) {
   EXPECT_THAT(server.commands(), ElementsAre());
 }
 
-TEST_F(SocksSessionTest, SurvivesAProxyThatAnswersByteByByte) {
-  proxy.set({.pause = std::chrono::milliseconds(3)});
+TEST_F(SocksSessionTest, TakesEveryFormOfAGrantByteByByte) {
+  constexpr std::chrono::milliseconds kPause(3);
+  const std::pair<FtpProxyType, Script> cases[] = {
+      // Repeats the version of the request.
+      {FtpProxyType::socks4,
+       {.reply = bytes({4, 0x5A, 0, 21, 0, 0, 0, 0}), .then = Then::goOn, .pause = kPause}},
+      {FtpProxyType::socks5,
+       {.reply = bytes({5, 0, 0, 3, 2, 'a', 'b', 0, 21}), .then = Then::goOn, .pause = kPause}},
+      {FtpProxyType::socks5, {.reply = bytes({5, 0, 0, 3, 0, 0, 21}), .then = Then::goOn, .pause = kPause}},
+      {FtpProxyType::socks5, {.pause = kPause}},
+  };
   client.setPassive(false);
   client.proxyUserName = "u";
   int pumped = 0;
   client.pump = [&] { ++pumped; };
+  for (const auto& [type, script] : cases) {
+    proxy.set(script);
+    pumped = 0;
+    loginBy(type);
+    EXPECT_GE(pumped, 2) << "7 bytes at least and 3 ms each";
+    client.logout();
+  }
   loginBy(FtpProxyType::socks5);
-  EXPECT_GE(pumped, 2) << "14 bytes and 3 ms each";
   client.getFile("/f", (folder / "f").string());
   EXPECT_EQ(contentsOf(folder / "f"), "hello");
 }
 
 TEST_F(SocksSessionTest, CanBeAbortedAnywhere) {
-  const Script silences[] = {{.greeting = "", .then = Then::staySilent},
-                             {.login = "", .then = Then::staySilent},
-                             {.reply = bytes({5, 0}), .then = Then::staySilent}};
+  const struct {
+    Script script;
+    int spare;  // 1: in a data connection
+    bool passive = true;
+  } cases[] = {{{.greeting = "", .then = Then::staySilent}, 0},
+               {{.login = "", .then = Then::staySilent}, 0},
+               {{.reply = bytes({5, 0}), .then = Then::staySilent}, 0},
+               {{.reply = "", .then = Then::staySilent}, 1},
+               {{.reply = "", .then = Then::staySilent}, 1, false}};
   client.proxyUserName = "u";
-  for (const Script& script : silences) {
-    proxy.set(script);
+  for (const auto& c : cases) {
+    client.pump = nullptr;
+    client.setPassive(c.passive);
+    proxy.set(c.script, c.spare);
+    if (c.spare != 0) loginBy(FtpProxyType::socks5);
+    const std::size_t before = proxy.requests().size();
     int pumped = 0;
     client.pump = [&] {
-      if (++pumped == 5) client.abort();
+      if (++pumped >= 5 && (c.spare == 0 || proxy.requests().size() > before)) client.abort();
     };
     const auto start = Clock::now();
-    EXPECT_EQ(errorOf([&] { loginBy(FtpProxyType::socks5); }).number(), number(FtpErrorNumber::aborted));
+    const FtpError error = errorOf([&] {
+      if (c.spare == 0) loginBy(FtpProxyType::socks5);
+      client.list();
+    });
+    EXPECT_EQ(error.number(), number(FtpErrorNumber::aborted));
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
     EXPECT_EQ(client.state(), FtpState::closed);
-  }
-  for (const bool passive : {true, false}) {
-    client.pump = nullptr;
-    proxy.set({.reply = "", .then = Then::staySilent}, 1);
-    client.setPassive(passive);
-    loginBy(FtpProxyType::socks5);
-    const std::size_t before = proxy.requests().size();
-    client.pump = [&] {
-      if (proxy.requests().size() > before) client.abort();
-    };
-    const auto start = Clock::now();
-    EXPECT_EQ(errorOf([&] { client.list(); }).number(), number(FtpErrorNumber::aborted));
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
   }
 }
 

@@ -12,24 +12,35 @@ using asio::ip::tcp;
 
 namespace {
 
-std::string addressBytes(const tcp::endpoint& endpoint) {
-  std::string bytes;
-  if (endpoint.address().is_v4()) {
-    for (const auto b : endpoint.address().to_v4().to_bytes()) bytes += static_cast<char>(b);
-  } else {
-    for (const auto b : endpoint.address().to_v6().to_bytes()) bytes += static_cast<char>(b);
+std::string bytesOf(const auto& raw) {
+  return {raw.begin(), raw.end()};
+}
+
+/// An address of 4 or 16 bytes.
+std::string hostOf(const std::string& bytes) {
+  if (bytes.size() == 4) {
+    asio::ip::address_v4::bytes_type raw;
+    std::copy(bytes.begin(), bytes.end(), raw.begin());
+    return asio::ip::address_v4(raw).to_string();
   }
-  return bytes;
+  asio::ip::address_v6::bytes_type raw;
+  std::copy(bytes.begin(), bytes.end(), raw.begin());
+  return asio::ip::address_v6(raw).to_string();
+}
+
+std::uint16_t portOf(const std::string& bytes) {
+  return static_cast<std::uint16_t>(static_cast<unsigned char>(bytes[0]) << 8 |
+                                    static_cast<unsigned char>(bytes[1]));
 }
 
 std::string reply(int version, int code, const tcp::endpoint& endpoint) {
   const std::string port = {static_cast<char>(endpoint.port() >> 8),
                             static_cast<char>(endpoint.port() & 0xFF)};
-  if (version == 4) {
-    return std::string{'\0', static_cast<char>(code == 0 ? 0x5A : 0x5B)} + port + addressBytes(endpoint);
-  }
-  return std::string{'\x05', static_cast<char>(code), '\0', endpoint.address().is_v4() ? '\x01' : '\x04'} +
-         addressBytes(endpoint) + port;
+  const asio::ip::address address = endpoint.address();
+  const std::string host =
+      address.is_v4() ? bytesOf(address.to_v4().to_bytes()) : bytesOf(address.to_v6().to_bytes());
+  if (version == 4) return std::string{'\0', code == 0 ? '\x5A' : '\x5B'} + port + host;
+  return std::string{'\x05', static_cast<char>(code), '\0', address.is_v4() ? '\x01' : '\x04'} + host + port;
 }
 
 std::string pair(int first, int second) {
@@ -99,36 +110,19 @@ class ScriptedSocksServer::Impl {
     co_return bytes;
   }
 
-  awaitable<std::uint8_t> readByte(tcp::socket& client) {
-    const std::string byte = co_await read(client, 1);
-    co_return static_cast<std::uint8_t>(byte[0]);
-  }
-
   awaitable<std::string> readToZero(tcp::socket& client) {
     std::string text;
     for (;;) {
-      const std::uint8_t byte = co_await readByte(client);
-      if (byte == 0) co_return text;
-      text += static_cast<char>(byte);
+      const std::string byte = co_await read(client, 1);
+      if (byte[0] == '\0') co_return text;
+      text += byte;
     }
   }
 
   awaitable<std::string> readCounted(tcp::socket& client) {
-    const std::uint8_t size = co_await readByte(client);
-    const std::string text = co_await read(client, size);
+    const std::string size = co_await read(client, 1);
+    const std::string text = co_await read(client, static_cast<unsigned char>(size[0]));
     co_return text;
-  }
-
-  awaitable<std::uint16_t> readPort(tcp::socket& client) {
-    const std::uint8_t high = co_await readByte(client);
-    const std::uint8_t low = co_await readByte(client);
-    co_return static_cast<std::uint16_t>(high << 8 | low);
-  }
-
-  awaitable<std::string> readAddress4(tcp::socket& client) {
-    asio::ip::address_v4::bytes_type raw;
-    for (auto& byte : raw) byte = co_await readByte(client);
-    co_return asio::ip::address_v4(raw).to_string();
   }
 
   awaitable<void> write(tcp::socket& client, const std::string& bytes, const Script& script) {
@@ -154,40 +148,46 @@ class ScriptedSocksServer::Impl {
     for (;;) co_await client.async_read_some(asio::buffer(&byte, 1), use_awaitable);
   }
 
+  /// A request that breaks the protocol ends the connection.
+  static void require(bool holds) {
+    if (!holds) throw Over{};
+  }
+
   awaitable<Request> takeRequest(tcp::socket& client, const Script& script) {
     Request request;
-    request.version = co_await readByte(client);
+    const std::string head = co_await read(client, 2);
+    request.version = head[0];
     if (request.version == 4) {
-      request.command = co_await readByte(client);
-      request.port = co_await readPort(client);
-      request.host = co_await readAddress4(client);
+      request.command = head[1];
+      const std::string target = co_await read(client, 6);
+      request.port = portOf(target);
+      request.host = hostOf(target.substr(2));
       request.userName = co_await readToZero(client);
-      if (request.host.starts_with("0.0.0.")) request.host = co_await readToZero(client);
+      if (request.host == "0.0.0.1") request.host = co_await readToZero(client);
       co_return request;
     }
-    request.methods = co_await readCounted(client);
-    const bool login = request.methods.find('\x02') != std::string::npos;
+    const std::string methods = co_await read(client, static_cast<std::size_t>(head[1]));
+    const bool login = methods.ends_with('\x02');
+    require(request.version == 5 && methods[0] == '\0');
     co_await answer(client, pair(5, login ? 2 : 0), script.greeting, script);
     if (login) {
-      co_await readByte(client);
+      const std::string version = co_await read(client, 1);
+      require(version == "\x01");
       request.userName = co_await readCounted(client);
       request.password = co_await readCounted(client);
       co_await answer(client, pair(1, 0), script.login, script);
     }
-    co_await readByte(client);
-    request.command = co_await readByte(client);
-    co_await readByte(client);
-    const std::uint8_t type = co_await readByte(client);
-    if (type == 1) {
-      request.host = co_await readAddress4(client);
-    } else if (type == 3) {
+    const std::string order = co_await read(client, 4);
+    require(order[0] == 5 && order[2] == 0);
+    request.command = order[1];
+    if (order[3] == 3) {
       request.host = co_await readCounted(client);
     } else {
-      asio::ip::address_v6::bytes_type raw;
-      for (auto& byte : raw) byte = co_await readByte(client);
-      request.host = asio::ip::address_v6(raw).to_string();
+      const std::string address = co_await read(client, order[3] == 1 ? 4 : 16);
+      request.host = hostOf(address);
     }
-    request.port = co_await readPort(client);
+    const std::string port = co_await read(client, 2);
+    request.port = portOf(port);
     co_return request;
   }
 

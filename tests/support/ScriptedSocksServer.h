@@ -20,7 +20,6 @@ class ScriptedSocksServer {
     std::string host;  // as asked for; a name or an address
     std::uint16_t port = 0;
     std::string userName, password;
-    std::string methods;  // offered in version 5
   };
 
   /// What one connection gets in place of the right answers: bytes as they stand.
