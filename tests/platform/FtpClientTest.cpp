@@ -220,7 +220,15 @@ TEST_F(FtpClientTest, EndsASessionWhoseAnswersCannotBeTrusted) {
       {"dropped", drops(), number(FtpErrorNumber::connectionLost)},
       {"421", replies("421 Idle for too long."), 421},
       {"garbage", [](Session& s) { s.sendControl("\x01\x02 what\r\n"); }, number(FtpErrorNumber::badReply)},
+      {"an empty line", replies(""), number(FtpErrorNumber::badReply)},
+      {"a code that is none", replies("999 What?"), number(FtpErrorNumber::badReply)},
       {"line of 1 MiB", [](Session& s) { s.sendControl("200 " + std::string(1 << 20, 'x')); },
+       number(FtpErrorNumber::tooLong)},
+      {"lines without end",
+       [](Session& s) {
+         s.reply("200-Start");
+         while (s.isOpen()) s.reply("200-" + std::string(1000, 'x'));
+       },
        number(FtpErrorNumber::tooLong)},
       {"silence", staysSilent(), number(FtpErrorNumber::timedOut)},
       {"a reply in drips",
@@ -319,28 +327,19 @@ TEST_F(FtpClientTest, FallsBackWhenAServerLosesWhatIsSentAhead) {
   server.addFile("/www/a.txt", "hello");
   server.discardInputBehindCommands();
   client.timeoutMs = kEnoughMs;
-  login();
-  client.sendAhead({"TYPE A", "CWD /www", "PWD"}, true);
-  client.command("TYPE A");
-  client.setCurrentRemoteDirectory("/www");
-  EXPECT_EQ(client.currentRemoteDirectory(), "/www");
-  EXPECT_THAT(client.list().text, HasSubstr("a.txt"));
-  const auto sent = server.commandsSentAhead();
-  client.sendAhead({"TYPE I"}, true);
-  client.command("TYPE I");
-  EXPECT_EQ(server.commandsSentAhead(), sent) << "once bitten, nothing is sent ahead any more";
-  EXPECT_EQ(client.state(), FtpState::connected);
-}
-
-TEST_F(FtpClientTest, FallsBackWhereTheServerDoesNotKnowTheMarkerToo) {
-  server.discardInputBehindCommands();
-  client.timeoutMs = kEnoughMs;
-  for (const char* const reply : {"500 What?", "502 Not here."}) {
-    server.on("SYST", replies(reply));
+  for (const char* const marker : {"215 UNIX", "500 What?", "502 Not here."}) {
+    server.on("SYST", replies(marker));
     login();
-    client.sendAhead({"TYPE A", "PWD"}, false);
+    client.sendAhead({"TYPE A", "CWD /www", "PWD"}, true);
     client.command("TYPE A");
-    EXPECT_EQ(client.currentRemoteDirectory(), "/") << reply;
+    client.setCurrentRemoteDirectory("/www");
+    EXPECT_EQ(client.currentRemoteDirectory(), "/www");
+    EXPECT_THAT(client.list().text, HasSubstr("a.txt"));
+    const auto sent = server.commandsSentAhead();
+    client.sendAhead({"TYPE I"}, true);
+    client.command("TYPE I");
+    EXPECT_EQ(server.commandsSentAhead(), sent) << "once bitten, nothing is sent ahead any more";
+    EXPECT_EQ(client.state(), FtpState::connected) << marker;
   }
 }
 

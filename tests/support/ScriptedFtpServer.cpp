@@ -1,8 +1,8 @@
 #include "support/ScriptedFtpServer.h"
 
 #include <algorithm>
-#include <array>
 #include <asio.hpp>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -165,11 +165,7 @@ void ScriptedFtpServer::perform(Session& session) {
       break;
     }
   }
-  if (action) {
-    action(session);
-  } else {
-    session.usual();
-  }
+  action ? action(session) : session.answerAsUsual();
 }
 
 std::string ScriptedFtpServer::listingOf(const std::string& folder) const {
@@ -237,8 +233,7 @@ void ScriptedFtpServer::Session::waitForClient() {
 bool ScriptedFtpServer::Session::openData() {
   closeData();
   if (activePort_ != 0) {
-    const tcp::endpoint client(asio::ip::make_address(activeHost_),
-                               std::exchange(activePort_, std::uint16_t{0}));
+    const tcp::endpoint client(sockets_.here, std::exchange(activePort_, std::uint16_t{0}));
     if (sockets_.wait([&](auto then) { sockets_.data.async_connect(client, then); })) return true;
     closeData();
     return false;
@@ -272,10 +267,6 @@ bool ScriptedFtpServer::Session::nextLine() {
 }
 
 void ScriptedFtpServer::Session::answerAsUsual() {
-  usual();
-}
-
-void ScriptedFtpServer::Session::usual() {
   const std::string verb = line.substr(0, line.find(' '));
   if (line.empty()) return reply("220 Ready.");
   if (verb == "USER") return reply("331 Password, please.");
@@ -316,34 +307,22 @@ void ScriptedFtpServer::Session::usual() {
 void ScriptedFtpServer::Session::listenForData(bool extended) {
   const std::uint16_t port = sockets_.listenOn(sockets_.dataPort);
   if (extended) return reply("229 Come in (|||" + std::to_string(port) + "|)");
-  reply("227 Come in (127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256) + ")");
+  reply("227 Come in (192,0,2,1," + std::to_string(port / 256) + "," + std::to_string(port % 256) + ")");
 }
 
+/// Of "127,0,0,1,19,136" or "|2|::1|5000|" the port; the client is on this machine.
 void ScriptedFtpServer::Session::adoptPort(const std::string& text) {
-  if (text.starts_with('|')) {  // |2|::1|5000|
-    const auto second = text.find('|', 1);
-    const auto third = text.find('|', second + 1);
-    activeHost_ = text.substr(second + 1, third - second - 1);
-    activePort_ = static_cast<std::uint16_t>(std::stoi(text.substr(third + 1)));
-  } else {
-    std::array<unsigned, 6> n{};
-    std::sscanf(text.c_str(), "%u,%u,%u,%u,%u,%u", &n[0], &n[1], &n[2], &n[3], &n[4], &n[5]);
-    activeHost_ = std::to_string(n[0]) + "." + std::to_string(n[1]) + "." + std::to_string(n[2]) + "." +
-                  std::to_string(n[3]);
-    activePort_ = static_cast<std::uint16_t>(n[4] * 256 + n[5]);
-  }
+  unsigned high = 0, low = 0;
+  if (std::sscanf(text.c_str(), "|%*d|%*[^|]|%u", &low) != 1)
+    std::sscanf(text.c_str(), "127,0,0,1,%u,%u", &high, &low);
+  activePort_ = static_cast<std::uint16_t>(high * 256 + low);
   reply("200 Port taken.");
 }
 
 void ScriptedFtpServer::Session::listFolder() {
-  std::string text = server_.listingOf(folder_);
-  if (argument == "-a") {
-    if (server_.hiddenSwitch == HiddenSwitch::refused) return reply("550 -a: No such file or directory.");
-    if (server_.hiddenSwitch == HiddenSwitch::listsNothing) text.clear();
-  }
   if (!openData()) return reply("425 Cannot open the data connection.");
   reply("150 Here it comes.");
-  sendData(text);
+  sendData(server_.listingOf(folder_));
   closeData();
   reply("226 Listed.");
 }
@@ -396,17 +375,9 @@ ScriptedFtpServer::Action transfers(const std::string& preliminary, const std::s
     s.openData();
     if (!preliminary.empty()) s.reply(preliminary);
     s.sendData(bytes);
+    if (final.empty()) return s.drop();
     s.closeData();
-    if (!final.empty()) s.reply(final);
-  };
-}
-
-ScriptedFtpServer::Action dropsInTransfer(const std::string& preliminary, const std::string& bytes) {
-  return [=](ScriptedFtpServer::Session& s) {
-    s.openData();
-    s.reply(preliminary);
-    s.sendData(bytes);
-    s.drop();
+    s.reply(final);
   };
 }
 

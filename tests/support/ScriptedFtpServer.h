@@ -7,7 +7,7 @@
 //
 // It runs on a thread of its own and serves one connection after the other. What a rule does not take over is
 // answered as a server in good order would. It takes the bytes 255 of a name as they come, as most servers
-// do.
+// do, and names another machine in its answer to PASV, which a client must not heed.
 #pragma once
 
 #include <condition_variable>
@@ -56,9 +56,6 @@ class ScriptedFtpServer {
 
   /// Throws away what arrives behind a command in the same packet, as some embedded servers do.
   void discardInputBehindCommands() { discards_ = true; }
-  /// Does not know LIST -a: "refuses" it with 550, or lists "nothing".
-  enum class HiddenSwitch { understood, refused, listsNothing };
-  HiddenSwitch hiddenSwitch = HiddenSwitch::understood;
   std::string features = "211-Features:\r\n UTF8\r\n EPSV\r\n211 End";
 
   /// Every command line received, in order; passwords too.
@@ -78,6 +75,8 @@ class ScriptedFtpServer {
     void answerAsUsual();
     /// Closes the control connection (and the data connection) at once.
     void drop();
+    /// Whether all that was sent has gone out.
+    bool isOpen() const { return open_; }
 
     /// Opens the data connection that the client has asked for; false when it cannot be.
     bool openData();
@@ -99,7 +98,6 @@ class ScriptedFtpServer {
     explicit Session(ScriptedFtpServer& server);
 
     bool nextLine();
-    void usual();
     void listFolder();
     std::optional<std::string> bytesOfFile();
     void tellSize();
@@ -110,7 +108,6 @@ class ScriptedFtpServer {
     ScriptedFtpServer& server_;
     Sockets& sockets_;
     std::uint16_t activePort_ = 0;
-    std::string activeHost_;
     std::string input_, folder_ = "/";
     bool ascii_ = true, open_ = true;
   };
@@ -149,12 +146,10 @@ class ScriptedFtpServer {
 ScriptedFtpServer::Action replies(const std::string& text);
 /// A refusal of a transfer: the data port that was asked for is closed.
 ScriptedFtpServer::Action refusesData(const std::string& text);
-/// A transfer: the preliminary reply, bytes, the end of the data, the final reply; an empty reply is left
-/// out.
+/// A transfer: the preliminary reply (an empty one is left out), bytes, the end of the data, the final reply.
+/// Without a final reply the control connection is dropped where the data should end.
 ScriptedFtpServer::Action transfers(const std::string& preliminary, const std::string& bytes,
                                     const std::string& final);
-/// The same, but the control connection is dropped where the data should end.
-ScriptedFtpServer::Action dropsInTransfer(const std::string& preliminary, const std::string& bytes);
 ScriptedFtpServer::Action drops();
 /// No answer until the client does something.
 ScriptedFtpServer::Action staysSilent();
