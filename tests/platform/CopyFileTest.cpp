@@ -102,22 +102,6 @@ TEST_F(CopyFileTest, CopiesASetWholeOrNotAtAll) {
   EXPECT_EQ(filesIn("to"), 3U);
 }
 
-TEST_F(CopyFileTest, LeavesASetWholeWhenAFileOfItCannotGo) {
-  std::vector<FileCopy> set;
-  for (const char* name : {"a.z01", "a.zip"}) {
-    writeFile(folder_ / "from" / name, "new");
-    set.push_back({(folder_ / "from" / name).string(), (folder_ / "to" / name).string()});
-  }
-  for (const auto& [stuck, free] : {std::pair("a.z01", "a.zip"), std::pair("a.zip", "a.z01")}) {
-    fs::remove_all(folder_ / "to");
-    fs::create_directories(folder_ / "to" / stuck / "occupied");
-    writeFile(folder_ / "to" / free, "old");
-    EXPECT_THROW(CopyWholeFiles(set, {}), std::system_error);
-    EXPECT_EQ(contentsOf(folder_ / "to" / free), "old");
-    EXPECT_EQ(filesIn("to"), 2U);
-  }
-}
-
 TEST_F(CopyFileTest, EndsWhenToldAndLeavesNothing) {
   writeFile(from_, "");
   fs::resize_file(from_, testing::kLongToCopy);

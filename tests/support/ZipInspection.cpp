@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <stdexcept>
+#include <tuple>
 
 #include "platform/ZipCrypto.h"
 #include "support/TemporaryFolder.h"
@@ -16,6 +17,14 @@ void require(bool holds, const std::string& what) {
   if (!holds) throw std::runtime_error(what);
 }
 
+/// A number, lowest byte first.
+std::uint32_t numberOf(const std::string& bytes) {
+  std::uint32_t value = 0;
+  for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte)
+    value = value << 8 | static_cast<unsigned char>(*byte);
+  return value;
+}
+
 /// A run of bytes that are in one segment, read front to back.
 class Record {
  public:
@@ -25,15 +34,8 @@ class Record {
     require(offset <= segments[disk].size(),
             "offset " + std::to_string(offset) + " is outside of its segment");
   }
-  std::uint64_t number(int bytes) {
-    const std::string text = take(static_cast<std::size_t>(bytes));
-    std::uint64_t value = 0;
-    for (int i = bytes; i-- > 0;)
-      value = value << 8 | static_cast<unsigned char>(text[static_cast<std::size_t>(i)]);
-    return value;
-  }
-  std::uint32_t u16() { return static_cast<std::uint32_t>(number(2)); }
-  std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
+  std::uint32_t u16() { return numberOf(take(2)); }
+  std::uint32_t u32() { return numberOf(take(4)); }
   std::string take(std::size_t count) {
     require(at_ + count <= segments_[disk_].size(), "a record crosses the end of its segment");
     at_ += count;
@@ -59,17 +61,6 @@ class Record {
   const std::vector<std::string>& segments_;
   std::uint64_t disk_, at_;
 };
-
-std::map<unsigned, std::string> fieldsOf(const std::string& extra) {
-  std::map<unsigned, std::string> fields;
-  const std::vector<std::string> one{extra};
-  for (Record record(one, 0, 0); record.offset() < extra.size();) {
-    const unsigned id = record.u16();
-    const std::size_t size = record.u16();
-    require(fields.emplace(id, record.take(size)).second, "an extra field comes twice");
-  }
-  return fields;
-}
 
 std::string inflated(const std::string& data, std::uint64_t size) {
   std::string out(static_cast<std::size_t>(size) + 1, '\0');
@@ -107,42 +98,45 @@ std::string decrypted(std::string data, const std::string& password) {
 
 struct Header {
   InspectedEntry entry;
-  std::uint32_t crc = 0, rawMethod = 0;
-  std::map<unsigned, std::string> extra;
+  std::uint32_t versionNeeded = 0, crc = 0, rawMethod = 0;
 };
 
-/// From the version needed to the length of the extra field; both headers have these.
+/// From the version needed to the size; both headers have these.
 void readCommon(Record& record, Header& header) {
   InspectedEntry& entry = header.entry;
-  entry.versionNeeded = record.u16();
+  header.versionNeeded = record.u16();
   entry.flags = record.u16();
   header.rawMethod = record.u16();
   entry.dosTime = record.u32();
   header.crc = record.u32();
   entry.packedSize = record.u32();
   entry.size = record.u32();
+  require(entry.packedSize != 0xFFFFFFFF && entry.size != 0xFFFFFFFF, "wide sizes where none are needed");
 }
 
 void readFields(Header& header, const std::string& extra) {
   InspectedEntry& entry = header.entry;
-  header.extra = fieldsOf(extra);
   entry.encrypted = (entry.flags & 1) != 0;
   entry.method = header.rawMethod;
-  if (const auto stamp = header.extra.find(0x5455); stamp != header.extra.end()) {
-    const std::vector<std::string> one{stamp->second};
-    Record record(one, 0, 0);
-    require(record.number(1) == 1 && stamp->second.size() == 5, "the timestamp field is not as it should be");
-    entry.modified = static_cast<std::int32_t>(record.u32());
+  const std::vector<std::string> one{extra};
+  std::map<unsigned, std::string> fields;
+  for (Record record(one, 0, 0); record.offset() < extra.size();) {
+    const unsigned id = record.u16();
+    const std::size_t size = record.u16();
+    require(fields.emplace(id, record.take(size)).second, "an extra field comes twice");
   }
-  require(entry.encrypted == (header.extra.count(0x9901) == 1), "flag and field of the encryption differ");
-  if (entry.encrypted) {
-    const std::vector<std::string> one{header.extra[0x9901]};
-    Record record(one, 0, 0);
-    require(header.rawMethod == 99 && record.u16() == 2 && record.take(2) == "AE" && record.number(1) == 3,
-            "the AES field is not as it should be");
-    entry.method = record.u16();
-    require(header.crc == 0, "an AE-2 entry tells its CRC");
+  for (const auto& [id, bytes] : fields) {
+    if (id == 0x5455) {
+      require(bytes.size() == 5 && bytes[0] == 1, "the timestamp field is not as it should be");
+      entry.modified = static_cast<std::int32_t>(numberOf(bytes.substr(1)));
+    } else {
+      require(id == 0x9901 && header.rawMethod == 99 && bytes.starts_with(std::string("\2\0AE\3", 5)),
+              "an extra field that should not be there, or is not as it should be");
+      entry.method = numberOf(bytes.substr(5));
+      require(header.crc == 0, "an AE-2 entry tells its CRC");
+    }
   }
+  require(entry.encrypted == fields.contains(0x9901), "flag and field of the encryption differ");
 }
 
 Header readCentral(Record& record) {
@@ -151,23 +145,14 @@ Header readCentral(Record& record) {
   require(record.u32() == 0x02014b50, "no central header where one should be");
   record.u16();
   readCommon(record, header);
-  const std::size_t nameSize = record.u16(), extraSize = record.u16(), commentSize = record.u16();
+  const std::size_t nameSize = record.u16(), extraSize = record.u16();
+  require(record.u16() == 0, "a comment");
   entry.disk = record.u16();
   record.u16();
   entry.attributes = record.u32();
   entry.offset = record.u32();
   entry.name = record.take(nameSize);
   readFields(header, record.take(extraSize));
-  record.take(commentSize);
-  const auto field = header.extra.find(1);
-  entry.zip64Central = field != header.extra.end();
-  const std::vector<std::string> one{entry.zip64Central ? field->second : ""};
-  Record wide(one, 0, 0);
-  if (entry.size == 0xFFFFFFFF) entry.size = wide.number(8);
-  if (entry.packedSize == 0xFFFFFFFF) entry.packedSize = wide.number(8);
-  if (entry.offset == 0xFFFFFFFF) entry.offset = wide.number(8);
-  if (entry.disk == 0xFFFF) entry.disk = wide.u32();
-  require(wide.offset() == one[0].size(), "the zip64 field has more than is needed");
   return header;
 }
 
@@ -179,38 +164,21 @@ void checkLocal(Record& record, Header& central, const std::string& password) {
   const std::size_t nameSize = record.u16(), extraSize = record.u16();
   local.entry.name = record.take(nameSize);
   readFields(local, record.take(extraSize));
-  if (const auto field = local.extra.find(1); field != local.extra.end()) {
-    entry.zip64Local = true;
-    const std::vector<std::string> one{field->second};
-    Record wide(one, 0, 0);
-    require(local.entry.size == 0xFFFFFFFF && local.entry.packedSize == 0xFFFFFFFF,
-            "a local zip64 field without the marks");
-    local.entry.size = wide.number(8);
-    local.entry.packedSize = wide.number(8);
-  }
-  const auto same = [&](auto a, auto b, const char* what) {
-    require(a == b, std::string("the headers differ in ") + what);
+  const auto common = [](const Header& header) {
+    const InspectedEntry& e = header.entry;
+    return std::tuple(e.name, header.versionNeeded, e.flags, header.rawMethod, e.method, e.dosTime,
+                      e.modified, header.crc, e.size, e.packedSize);
   };
-  same(local.entry.name, entry.name, "name");
-  same(local.entry.flags, entry.flags, "flags");
-  same(local.rawMethod, central.rawMethod, "method");
-  same(local.entry.method, entry.method, "method behind the encryption");
-  same(local.entry.dosTime, entry.dosTime, "DOS time");
-  same(local.entry.modified, entry.modified, "time");
-  same(local.crc, central.crc, "CRC");
-  same(local.entry.size, entry.size, "size");
-  same(local.entry.packedSize, entry.packedSize, "packed size");
+  require(common(local) == common(central), "the headers of " + entry.name + " differ");
   require((entry.flags & 8) == 0, "a data descriptor is announced");
 
   std::string data = record.takeAcross(entry.packedSize);
   if (entry.encrypted) data = decrypted(std::move(data), password);
   entry.contents = entry.method == 8 ? inflated(data, entry.size) : data;
   require(entry.contents.size() == entry.size, "the size differs");
-  if (!entry.encrypted) {
-    require(crc32_z(0, reinterpret_cast<const Bytef*>(entry.contents.data()), entry.contents.size()) ==
-                central.crc,
-            "the CRC differs");
-  }
+  require(entry.encrypted || crc32_z(0, reinterpret_cast<const Bytef*>(entry.contents.data()),
+                                     entry.contents.size()) == central.crc,
+          "the CRC differs");
 }
 
 }  // namespace
@@ -238,31 +206,10 @@ InspectedArchive inspectArchive(const std::vector<std::string>& paths, const std
   const std::uint64_t endOffset = segments[last].size() - 22;
   Record end(segments, last, endOffset);
   require(end.u32() == 0x06054b50, "no end record at the end");
-  std::uint64_t disk = end.u16(), directoryDisk = end.u16(), onDisk = end.u16(), entries = end.u16(),
-                directorySize = end.u32(), directoryOffset = end.u32();
+  const std::uint32_t disk = end.u16(), directoryDisk = end.u16(), onDisk = end.u16(), entries = end.u16(),
+                      directorySize = end.u32(), directoryOffset = end.u32();
   require(end.u16() == 0, "a comment");
-  std::uint64_t directoryEnd = endOffset;
-  if (disk == 0xFFFF || directoryDisk == 0xFFFF || onDisk == 0xFFFF || entries == 0xFFFF ||
-      directorySize == 0xFFFFFFFF || directoryOffset == 0xFFFFFFFF) {
-    archive.zip64End = true;
-    Record locator(segments, last, endOffset - 20);
-    require(locator.u32() == 0x07064b50, "no zip64 locator");
-    const std::uint32_t zip64Disk = locator.u32();
-    directoryEnd = locator.number(8);
-    require(locator.u32() == segments.size(), "the zip64 locator's number of segments is wrong");
-    Record wide(segments, zip64Disk, directoryEnd);
-    require(wide.u32() == 0x06064b50 && wide.number(8) == 44, "no zip64 end record");
-    wide.u32();
-    disk = wide.u32();
-    directoryDisk = wide.u32();
-    onDisk = wide.number(8);
-    entries = wide.number(8);
-    directorySize = wide.number(8);
-    directoryOffset = wide.number(8);
-    require(wide.offset() == endOffset - 20, "the end records do not follow each other");
-  }
   require(disk == last, "the end record does not know its segment");
-  archive.directoryDisk = static_cast<std::uint32_t>(directoryDisk);
 
   // The signature in front, and then one thing behind the other, with gaps only where a header begins a
   // segment.
@@ -304,7 +251,7 @@ InspectedArchive inspectArchive(const std::vector<std::string>& paths, const std
   follows(directoryDisk, directoryOffset);
   nextDisk = centralDisk;
   nextOffset = centralOffset;
-  follows(last, directoryEnd);
+  follows(last, endOffset);
   return archive;
 }
 
