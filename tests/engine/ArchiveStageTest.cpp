@@ -61,6 +61,13 @@ class ArchiveStageTest : public ::testing::Test {
 
   void create() { stage.CreateArchive("site", run, log, display); }
 
+  using Lines = std::vector<std::pair<std::string, Colour>>;
+  Lines logged() const {
+    Lines lines;
+    for (const auto& line : display.lines) lines.emplace_back(line.text, line.colour);
+    return lines;
+  }
+
   std::string folderOf(const std::string& name) {
     fs::create_directory(folder / name);
     return (folder / name).string();
@@ -104,11 +111,8 @@ TEST_F(ArchiveStageTest, OrdersWhatTheSettingsSay) {
     display = {};
     create();
     const std::string path = saveTo + "site" + c.ending;
-    const std::vector<std::pair<std::string, Colour>> expected = {
-        {c.begins, {255, 0, 255}}, {path + "\r\n", {0, 0, 255}}, {c.ends, {51, 102, 102}}};
-    std::vector<std::pair<std::string, Colour>> logged;
-    for (const auto& line : display.lines) logged.emplace_back(line.text, line.colour);
-    EXPECT_EQ(logged, expected);
+    EXPECT_EQ(logged(),
+              (Lines{{c.begins, {255, 0, 255}}, {path + "\r\n", {0, 0, 255}}, {c.ends, {51, 102, 102}}}));
     EXPECT_EQ(std::count(display.colours.begin(), display.colours.end(), kButtonFace), 2) << "not the path";
 
     ASSERT_THAT(packer.orders, SizeIs(1));
@@ -157,18 +161,15 @@ TEST_F(ArchiveStageTest, CopiesInTheOrderOfTheNamesAndGoesOnPastAFailure) {
   writeFile(fs::path(a) / "site.zip", "an older and longer one");
   create();
   const std::string name = std::string(1, kLocalSeparator) + "site.zip\r\n";
-  const std::vector<std::pair<std::string, Colour>> expected = {
-      {"Copy Zip file to: " + a + name, {0, 0, 255}},
-      {"Copy files success.\r\n", {0, 0, 255}},
-      {"Copy Zip file to: " + missing + "site.zip\r\n", {0, 0, 255}},
-      {"Copy files failed.\r\n", {255, 0, 0}},
-      {"Copy Zip file to: " + b + name, {0, 0, 255}},
-      {"Copy files success.\r\n", {0, 0, 255}}};
-  std::vector<std::pair<std::string, Colour>> logged;
-  for (std::size_t i = 3; i < display.lines.size(); ++i) {
-    logged.emplace_back(display.lines[i].text, display.lines[i].colour);
-  }
-  EXPECT_EQ(logged, expected);
+  Lines lines = logged();
+  lines.erase(lines.begin(), lines.begin() + 3);  // of the packing
+  const Lines expected = {{"Copy Zip file to: " + a + name, {0, 0, 255}},
+                          {"Copy files success.\r\n", {0, 0, 255}},
+                          {"Copy Zip file to: " + missing + "site.zip\r\n", {0, 0, 255}},
+                          {"Copy files failed.\r\n", {255, 0, 0}},
+                          {"Copy Zip file to: " + b + name, {0, 0, 255}},
+                          {"Copy files success.\r\n", {0, 0, 255}}};
+  EXPECT_EQ(lines, expected);
   EXPECT_EQ(std::count(display.colours.begin(), display.colours.end(), kButtonFace), 2 + 6);
   for (const std::string& copy : {a, b}) EXPECT_EQ(contentsOf(fs::path(copy) / "site.zip"), "archive");
   EXPECT_FALSE(fs::exists(missing)) << "a disk that is not there is not made a folder";

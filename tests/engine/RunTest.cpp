@@ -159,21 +159,16 @@ TEST_F(RunTest, FetchesWhatTheRuleForDatesSaysAndNothingElse) {
   }
 }
 
-TEST_F(RunTest, AFullRunAsksNoDates) {
-  server.addFile("/a.bin", "x");
-  run();
-  run();
-  EXPECT_EQ(server.count("RETR"), 2U);
-  EXPECT_FALSE(display.logged(" : "));
-}
-
-TEST_F(RunTest, ASecondIncrementalRunFetchesNothing) {
-  settings.BackupMode = 2;
+TEST_F(RunTest, ASecondRunFetchesAllButAnIncrementalOneNothing) {
   server.addFile("/a.bin", "x");
   server.addFile("/b/c.txt", "y\n", "Jun 15 12:34");
   run();
   run();
-  EXPECT_EQ(server.count("RETR"), 2U);
+  EXPECT_EQ(server.count("RETR"), 4U);
+  EXPECT_FALSE(display.logged(" : ")) << "a full run asks no dates";
+  settings.BackupMode = 2;
+  run();
+  EXPECT_EQ(server.count("RETR"), 4U);
   EXPECT_EQ(display.count("Skipped: File upto date\r\n"), 2);
 }
 
