@@ -64,58 +64,33 @@ TEST_F(ProxyLoginTest, SendsWhatTheStyleAsksFor) {
   EXPECT_THAT(shownTexts(), Not(HasSubstr("opensesame")));
 }
 
-TEST_F(ProxyLoginTest, TakesTheAnswersThatProxiesGive) {
+TEST_F(ProxyLoginTest, TakesTheAnswersThatProxiesGiveAndTellsWhoRefused) {
   const struct {
     const char* name;
     FtpProxyType type;
     const char* command;  // whose answer is replaced
-    const char* answer;
-    const char* account;
-    const char* next;  // what is sent after all
-  } cases[] = {
-      {"no password at the proxy", FtpProxyType::siteHostname, "USER gate", "230 In.", "", "PASS hunter22"},
-      {"account at the proxy", FtpProxyType::userLogon, "PASS opensesame", "332 Account?", "acc",
-       "PASS hunter22"},
-      {"account at the server", FtpProxyType::userLogon, "PASS hunter22", "332 Account?", "acc", "ACCT acc"},
-      {"the server's greeting is the answer", FtpProxyType::siteHostname, "SITE", "220 Server ready.", "",
-       "PASS hunter22"},
-      {"the server's greeting comes behind", FtpProxyType::open, "OPEN",
-       "200 Connecting.\r\n220-Server\r\n220 ready.", "", "PASS hunter22"},
-      {"a delayed greeting", FtpProxyType::open, "OPEN", "150 Wait.\r\n120 In a minute.\r\n220 Ready.", "",
-       "PASS hunter22"},
-      {"the greeting comes as the user name goes", FtpProxyType::siteHostname, "USER joe",
-       "220 Ready.\r\n331 Password?", "", "PASS hunter22"},
-      {"a banner inside the answer", FtpProxyType::userNoLogon, "USER joe@",
-       "331-(connected)\r\n331-(220 Ready.)\r\n331 Password?", "", "PASS hunter22"},
-      {"no password at the server", FtpProxyType::userNoLogon, "USER joe@", "230 In.", "", "FEAT"},
-  };
-  client.proxyUserName = "gate";
-  client.proxyPassword = "opensesame";
-  for (const auto& c : cases) {
-    ScriptedFtpServer proxy;
-    proxy.on("SITE", replies("200 Connected."));
-    proxy.on("OPEN", replies("200 Connected."));
-    proxy.on("ACCT", replies("230 In."));
-    proxy.once(c.command, replies(c.answer));
-    client.proxyPort = proxy.port();
-    const FtpError error = errorOf([&] { loginBy(c.type, 21, "ftp.example.org", c.account); });
-    EXPECT_EQ(client.state(), FtpState::connected) << c.name << ": " << error.what();
-    EXPECT_EQ(proxy.count(c.next), 1U) << c.name;
-    EXPECT_EQ(errorOf([&] { EXPECT_EQ(client.currentRemoteDirectory(), "/") << c.name; }).number(), 0)
-        << c.name;
-    client.abort();
-  }
-}
-
-TEST_F(ProxyLoginTest, TellsWhoRefused) {
-  const struct {
-    const char* name;
-    FtpProxyType type;
-    const char* command;
     std::function<void(Session&)> action;
-    int error;
-    const char* words;
+    int error;          // 0: the login succeeds
+    const char* words;  // of the error; what is sent after all where there is none
+    const char* account = "";
   } cases[] = {
+      {"no password at the proxy", FtpProxyType::siteHostname, "USER gate", replies("230 In."), 0,
+       "PASS hunter22"},
+      {"account at the proxy", FtpProxyType::userLogon, "PASS opensesame", replies("332 Account?"), 0,
+       "PASS hunter22", "acc"},
+      {"account at the server", FtpProxyType::userLogon, "PASS hunter22", replies("332 Account?"), 0,
+       "ACCT acc", "acc"},
+      {"the server's greeting is the answer", FtpProxyType::siteHostname, "SITE",
+       replies("220 Server ready."), 0, "PASS hunter22"},
+      {"the server's greeting comes behind", FtpProxyType::open, "OPEN",
+       replies("200 Connecting.\r\n220-Server\r\n220 ready."), 0, "PASS hunter22"},
+      {"a delayed greeting", FtpProxyType::open, "OPEN",
+       replies("150 Wait.\r\n120 In a minute.\r\n220 Ready."), 0, "PASS hunter22"},
+      {"the greeting comes as the user name goes", FtpProxyType::siteHostname, "USER joe",
+       replies("220 Ready.\r\n331 Password?"), 0, "PASS hunter22"},
+      {"a banner inside the answer", FtpProxyType::userNoLogon, "USER joe@",
+       replies("331-(connected)\r\n331-(220 Ready.)\r\n331 Password?"), 0, "PASS hunter22"},
+      {"no password at the server", FtpProxyType::userNoLogon, "USER joe@", replies("230 In."), 0, "FEAT"},
       {"greeting", FtpProxyType::siteHostname, "", replies("421 Too many."), 421,
        "the proxy says 421 Too many."},
       {"password", FtpProxyType::open, "PASS opensesame", replies("530 Not opensesame."), 530,
@@ -158,37 +133,38 @@ TEST_F(ProxyLoginTest, TellsWhoRefused) {
     ScriptedFtpServer proxy;
     proxy.on("SITE", replies("200 Connected."));
     proxy.on("OPEN", replies("200 Connected."));
-    proxy.on(c.command, c.action);
+    proxy.on("ACCT", replies("230 In."));
+    proxy.once(c.command, c.action);
     client.proxyPort = proxy.port();
     client.timeoutMs = c.error == number(FtpErrorNumber::timedOut) ? kShortMs : 10'000;
-    const FtpError error = errorOf([&] { loginBy(c.type); });
+    const FtpError error = errorOf([&] { loginBy(c.type, 21, "ftp.example.org", c.account); });
     EXPECT_EQ(error.number(), c.error) << c.name << ": " << error.what();
-    EXPECT_EQ(client.state(), FtpState::closed) << c.name;
-    EXPECT_THAT(error.what(), HasSubstr(c.words)) << c.name;
+    EXPECT_EQ(client.state(), c.error == 0 ? FtpState::connected : FtpState::closed) << c.name;
     EXPECT_THAT(shownTexts(), Not(HasSubstr("opensesame"))) << c.name;
+    if (c.error != 0) {
+      EXPECT_THAT(error.what(), HasSubstr(c.words)) << c.name;
+      continue;
+    }
+    EXPECT_EQ(proxy.count(c.words), 1U) << c.name;
+    EXPECT_EQ(client.currentRemoteDirectory(), "/") << c.name;
+    client.abort();
   }
 }
 
 TEST_F(ProxyLoginTest, NamesBothWhereEitherMayHaveRefused) {
-  const struct {
-    FtpProxyType type;
-    const char* words;
-  } cases[] = {{FtpProxyType::siteHostname, "The server, or the proxy before it, refused "},
-               {FtpProxyType::userLogon, "The server, or the proxy before it, refused "},
-               {FtpProxyType::userNoLogon, "The server, or the proxy before it, refused "},
-               {FtpProxyType::open, "The server, or the proxy before it, refused "},
-               {FtpProxyType::pipe, "The server refused "}};
-  for (const auto& c : cases) {
+  for (const auto type : {FtpProxyType::siteHostname, FtpProxyType::userLogon, FtpProxyType::userNoLogon,
+                          FtpProxyType::open, FtpProxyType::pipe}) {
     ScriptedFtpServer proxy;
     proxy.on("SITE", replies("200 Connected."));
     proxy.on("OPEN", replies("200 Connected."));
     proxy.on("PORT", replies("500 Not from here."));
     client.proxyPort = proxy.port();
     client.setPassive(false);
-    loginBy(c.type);
+    loginBy(type);
+    const std::string who = type == FtpProxyType::pipe ? "The server" : "The server, or the proxy before it,";
     EXPECT_EQ(errorOf([&] { client.setCurrentRemoteDirectory("/gone"); }).what(),
-              std::string(c.words) + "CWD: 550 There is no such folder.");
-    EXPECT_EQ(errorOf([&] { client.list(); }).what(), std::string(c.words) + "PORT: 500 Not from here.");
+              who + " refused CWD: 550 There is no such folder.");
+    EXPECT_EQ(errorOf([&] { client.list(); }).what(), who + " refused PORT: 500 Not from here.");
     client.logout();
   }
 }
