@@ -73,23 +73,19 @@ TEST(ZipFormat, TakesTheWideFieldJustForWhatDoesNotFit) {
 }
 
 TEST(ZipFormat, TakesTheWideEndJustWhenAValueAsksForIt) {
-  const auto sizeWith = [](auto change) {
-    End end;
-    change(end);
-    return endRecords(end).size();
+  End fits;
+  fits.disk = fits.directoryDisk = 0xFFFE;
+  fits.entries = fits.entriesOnDisk = 0xFFFE;
+  fits.directorySize = fits.directoryOffset = 0xFFFFFFFE;
+  EXPECT_EQ(endRecords(fits).size(), kEndRecordSize);
+  const auto expectWide = [&](auto field) {
+    End wide = fits;
+    ++(wide.*field);
+    EXPECT_EQ(endRecords(wide).size(), kLongestEnd);
   };
-  constexpr std::size_t kWide = kLongestEnd;
-  EXPECT_EQ(sizeWith([](End& e) {
-              e.disk = e.directoryDisk = 0xFFFE;
-              e.entries = e.entriesOnDisk = 0xFFFE;
-              e.directorySize = e.directoryOffset = 0xFFFFFFFE;
-            }),
-            kEndRecordSize);
-  EXPECT_EQ(sizeWith([](End& e) { e.disk = 0xFFFF; }), kWide);
-  EXPECT_EQ(sizeWith([](End& e) { e.directoryDisk = 0xFFFF; }), kWide);
-  EXPECT_EQ(sizeWith([](End& e) { e.entries = 0xFFFF; }), kWide);
-  EXPECT_EQ(sizeWith([](End& e) { e.directorySize = 0xFFFFFFFF; }), kWide);
-  EXPECT_EQ(sizeWith([](End& e) { e.directoryOffset = 0xFFFFFFFF; }), kWide);
+  for (const auto field : {&End::disk, &End::directoryDisk}) expectWide(field);
+  for (const auto field : {&End::entriesOnDisk, &End::entries, &End::directorySize, &End::directoryOffset})
+    expectWide(field);
 
   End end;
   end.disk = 70'000;
