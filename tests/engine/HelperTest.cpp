@@ -240,18 +240,17 @@ TEST(FileDates, KeepLocalTimes) {
   const testing::TemporaryFolder folder;
   const std::string file = (folder / "f").string();
   testing::writeFile(file, "");
-  for (const LocalDateTimeParts& parts :
-       {LocalDateTimeParts{2026, 1, 15, 12, 34, 0, 0}, {2026, 7, 1, 0, 0, 0, 0}}) {
-    const LocalDateTime time = *MakeLocalDateTime(parts);
-    EXPECT_FALSE(SetFileModifiedTime(file, time, true));
+  for (const int month : {1, 7}) {
+    const LocalDateTime time = *MakeLocalDateTime({2026, month, 15, 12, 34, 0, 0});
     FileDates dates{};
+    EXPECT_FALSE(SetFileModifiedTime(file, time, true));
     EXPECT_FALSE(GetFileDates(file, dates, true));
     EXPECT_EQ(dates.modified, time);
     EXPECT_FALSE(GetFileDates(file, dates, false));
     EXPECT_EQ(dates.modified.time_since_epoch(), LocalToUtc(time).time_since_epoch());
   }
-  EXPECT_TRUE(SetFileModifiedTime(folder.path().string(), LocalNow(), true)) << "true is failure: a folder";
   FileDates dates{};
+  EXPECT_TRUE(SetFileModifiedTime(folder.path().string(), LocalNow(), true)) << "true is failure: a folder";
   EXPECT_TRUE(GetFileDates((folder / "none").string(), dates, true));
 }
 

@@ -8,8 +8,8 @@
 
 #include "engine/BackupRunning.h"
 #include "engine/RunWorld.h"
+#include "platform/NvtText.h"
 #include "profiles/mIni.h"
-#include "support/LocalLines.h"
 #include "support/ScriptedSocksServer.h"
 
 namespace quillmoor {
@@ -40,7 +40,8 @@ TEST_F(RunTest, MirrorsAFolderAndAllBelowIt) {
   EXPECT_TRUE(results[0].completed);
   EXPECT_THAT(treeOf(target()),
               ElementsAre("index.html", "www/", "www/a b.bin", "www/deep/", "www/deep/x.txt", "www/empty/"));
-  EXPECT_EQ(contentsOf(target() / "index.html"), localLines("one\ntwo\n"));
+  EXPECT_EQ(contentsOf(target() / "index.html"),
+            platformLineEnd() == LineEnd::lf ? "one\ntwo\n" : "one\r\ntwo\r\n");
   EXPECT_EQ(contentsOf(target() / "www/a b.bin"), std::string("\r\n\0\n", 4));
   EXPECT_EQ(display.item(0, ReportColumn::status), "Completed");
   EXPECT_EQ(display.item(0, ReportColumn::files), "3");
