@@ -13,6 +13,7 @@ namespace quillmoor {
 namespace {
 
 using testing::contentsOf;
+using testing::filesIn;
 using testing::writeFile;
 namespace fs = std::filesystem;
 
@@ -33,10 +34,6 @@ class CopyFileTest : public ::testing::Test {
                   ::testing::AnyOf(::testing::HasSubstr("a.zip"), ::testing::HasSubstr("quillmoor")));
       return error.code().value();
     }
-  }
-  std::size_t filesIn(const char* name) {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(folder_ / name), fs::directory_iterator()));
   }
 
   testing::TemporaryFolder folder_;
@@ -61,7 +58,7 @@ TEST_F(CopyFileTest, KeepsContentTimeAndPermissionsAndReplacesWhatWasThere) {
     EXPECT_TRUE(contentsOf(to_) == bytes) << size;
     EXPECT_EQ(fs::last_write_time(to_), fs::last_write_time(from_));
     EXPECT_EQ(fs::status(to_).permissions(), fs::status(from_).permissions());
-    EXPECT_EQ(filesIn("to"), 1U);
+    EXPECT_EQ(filesIn(folder_ / "to"), 1U);
   }
 }
 
@@ -78,7 +75,7 @@ TEST_F(CopyFileTest, LeavesWhatWasThereWhenItFails) {
   EXPECT_NE(copy(from_, (folder_ / "to").string() + "/"), 0) << "no name for the copy";
   fs::create_directory(folder_ / "to" / "b.zip");
   EXPECT_NE(copy(from_, folder_ / "to" / "b.zip"), 0) << "a folder in its place";
-  EXPECT_EQ(filesIn("to"), 2U) << "a temporary file was left";
+  EXPECT_EQ(filesIn(folder_ / "to"), 2U) << "a temporary file was left";
 }
 
 TEST_F(CopyFileTest, CopiesASetWholeOrNotAtAll) {
@@ -93,20 +90,20 @@ TEST_F(CopyFileTest, CopiesASetWholeOrNotAtAll) {
   fs::rename(folder_ / "from" / "a.z02", folder_ / "from" / "away");
   EXPECT_THROW(CopyWholeFiles(set, {}), std::system_error);
   for (const char* name : {"a.z01", "a.z02", "a.zip"}) EXPECT_EQ(contentsOf(folder_ / "to" / name), "old");
-  EXPECT_EQ(filesIn("to"), 3U);
+  EXPECT_EQ(filesIn(folder_ / "to"), 3U);
 
   fs::rename(folder_ / "from" / "away", folder_ / "from" / "a.z02");
   CopyWholeFiles(set, {});
   for (const std::string name : {"a.z01", "a.z02", "a.zip"})
     EXPECT_EQ(contentsOf(folder_ / "to" / name), "new " + name);
-  EXPECT_EQ(filesIn("to"), 3U);
+  EXPECT_EQ(filesIn(folder_ / "to"), 3U);
 }
 
 TEST_F(CopyFileTest, EndsWhenToldAndLeavesNothing) {
   writeFile(from_, "");
   fs::resize_file(from_, testing::kLongToCopy);
   EXPECT_EQ(copy(from_, to_, [] { return false; }), static_cast<int>(std::errc::operation_canceled));
-  EXPECT_EQ(filesIn("to"), 0U);
+  EXPECT_EQ(filesIn(folder_ / "to"), 0U);
 }
 
 }  // namespace

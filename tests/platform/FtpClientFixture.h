@@ -61,11 +61,6 @@ class FtpClientTest : public ::testing::Test {
     return all;
   }
 
-  std::size_t filesIn(const std::filesystem::path& path) const {
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator()));
-  }
-
   testing::ScriptedFtpServer server;
   FtpClient client;
   testing::TemporaryFolder folder;

@@ -20,32 +20,6 @@ std::string bytes(std::initializer_list<int> values) {
   return text;
 }
 
-/// What a message of the given maker costs in errors; 0 for none.
-template <class Make>
-int errorNumber(Make make) {
-  try {
-    make();
-  } catch (const FtpError& error) {
-    return error.number();
-  }
-  return 0;
-}
-
-TEST(SocksMessages, AreRefusedWhereTheyCannotBeMade) {
-  const std::string longest(255, 'x'), tooLong(256, 'x');
-  const auto connect = SocksCommand::connect;
-  const auto four = [](const std::string& user) { return SocksLogin{SocksVersion::v4, user, ""}; };
-  EXPECT_EQ(socksRequest(connect, {}, {longest, 21}).size(), 4U + 1 + 255 + 2);
-  const int bad = number(FtpErrorNumber::badArgument);
-  EXPECT_EQ(errorNumber([&] { socksRequest(connect, {}, {tooLong, 21}); }), bad);
-  EXPECT_EQ(errorNumber([&] { socksRequest(connect, four(""), {tooLong, 21}); }), bad);
-  EXPECT_EQ(errorNumber([&] { socksRequest(connect, four(tooLong), {"a", 21}); }), bad);
-  EXPECT_EQ(errorNumber([&] { socksRequest(connect, four(std::string("a\0b", 3)), {"a", 21}); }), bad);
-  EXPECT_EQ(errorNumber([&] { socksRequest(connect, four(""), {"2001:db8::1", 21}); }), bad);
-  EXPECT_EQ(errorNumber([&] { socksPassword({SocksVersion::v5, tooLong, ""}); }), bad);
-  EXPECT_EQ(errorNumber([&] { socksPassword({SocksVersion::v5, "joe", tooLong}); }), bad);
-}
-
 class SocksSessionTest : public FtpClientTest {
  protected:
   SocksSessionTest() {
@@ -61,6 +35,23 @@ class SocksSessionTest : public FtpClientTest {
 
   ScriptedSocksServer proxy;
 };
+
+TEST_F(SocksSessionTest, HasNoMessagesThatCannotBeMade) {
+  const std::string longest(255, 'x'), tooLong(256, 'x');
+  const auto connect = SocksCommand::connect;
+  const auto four = [](const std::string& user) { return SocksLogin{SocksVersion::v4, user, ""}; };
+  EXPECT_EQ(socksRequest(connect, {}, {longest, 21}).size(), 4U + 1 + 255 + 2);
+  const auto expectBad = [this](const std::function<void()>& make) {
+    EXPECT_EQ(errorOf(make).number(), number(FtpErrorNumber::badArgument));
+  };
+  expectBad([&] { socksRequest(connect, {}, {tooLong, 21}); });
+  expectBad([&] { socksRequest(connect, four(""), {tooLong, 21}); });
+  expectBad([&] { socksRequest(connect, four(tooLong), {"a", 21}); });
+  expectBad([&] { socksRequest(connect, four(std::string("a\0b", 3)), {"a", 21}); });
+  expectBad([&] { socksRequest(connect, four(""), {"2001:db8::1", 21}); });
+  expectBad([&] { socksPassword({SocksVersion::v5, tooLong, ""}); });
+  expectBad([&] { socksPassword({SocksVersion::v5, "joe", tooLong}); });
+}
 
 TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
   const struct {

@@ -17,13 +17,9 @@ namespace quillmoor {
 namespace {
 
 using testing::contentsOf;
+using testing::filesIn;
 using testing::TemporaryFolder;
 using testing::writeFile;
-
-std::size_t filesIn(const std::filesystem::path& folder) {
-  return static_cast<std::size_t>(
-      std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
-}
 
 TEST(WholeFile, ReplacesTheTargetOnlyAtCommit) {
   const TemporaryFolder folder;

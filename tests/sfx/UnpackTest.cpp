@@ -72,6 +72,16 @@ class UnpackTest : public quillmoor::testing::ZipArchiveTest {
   std::vector<std::string> refused;
 };
 
+ArchiveError errorOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const ArchiveError& error) {
+    return error;
+  }
+  ADD_FAILURE() << "not raised";
+  return {ArchiveFault{}, ""};
+}
+
 TEST_F(UnpackTest, BringsBackWhatWasPackedWhateverTheKindOfArchive) {
   put("text", text(700'000));
   put("noise", noise(300'000));
@@ -143,13 +153,7 @@ TEST_F(UnpackTest, TellsAWrongPasswordBeforeItWritesAnything) {
   const std::string program = made("right");
   // The verifier has 16 bits, so that a wrong password could pass it; these do not.
   for (const char* const wrong : {"", "wrong", "Right", "right "}) {
-    ArchiveFault fault{};
-    try {
-      unpacked(program, wrong);
-      FAIL() << "not raised";
-    } catch (const ArchiveError& error) {
-      fault = error.fault();
-    }
+    const ArchiveFault fault = errorOf([&] { unpacked(program, wrong); }).fault();
     EXPECT_TRUE(fault == ArchiveFault::wrongPassword || fault == ArchiveFault::damaged);
     EXPECT_TRUE(std::filesystem::is_empty(folder_ / "target"));
   }
@@ -162,13 +166,9 @@ TEST_F(UnpackTest, SaysWhichPartOfASetIsMissing) {
   ASSERT_THAT(filesOut(), ElementsAre("a.exe", "a.z02", "a.z03", "a.zip"));
   for (const char* const name : {"a.z02", "a.z03", "a.zip"}) {
     std::filesystem::rename(LocalPath(out(name)), folder_ / "aside");
-    try {
-      unpacked(program);
-      ADD_FAILURE() << "not raised";
-    } catch (const ArchiveError& error) {
-      EXPECT_EQ(error.fault(), ArchiveFault::incomplete);
-      EXPECT_THAT(error.what(), HasSubstr(name));
-    }
+    const ArchiveError error = errorOf([&] { unpacked(program); });
+    EXPECT_EQ(error.fault(), ArchiveFault::incomplete);
+    EXPECT_THAT(error.what(), HasSubstr(name));
     std::filesystem::rename(folder_ / "aside", LocalPath(out(name)));
   }
   EXPECT_EQ(unpacked(program).files, 1U);

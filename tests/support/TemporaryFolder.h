@@ -46,4 +46,9 @@ inline void writeFile(const std::filesystem::path& file, std::string_view conten
   EXPECT_TRUE(stream.flush()) << "cannot write " << file;
 }
 
+inline std::size_t filesIn(const std::filesystem::path& folder) {
+  return static_cast<std::size_t>(
+      std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+}
+
 }  // namespace quillmoor::testing

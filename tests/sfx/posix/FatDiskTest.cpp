@@ -51,19 +51,17 @@ TEST_F(FatDiskTest, KeepsAFileWhoseTimeOrPermissionsTheDiskDoesNotTake) {
   writeFile(folder_ / "stub", "a stub");
   add();
   archive.writeSelfExtracting(out("a.exe"), LocalPathText(folder_ / "stub"));
-  struct Case {
-    bool modes, times;
-  };
-  for (const Case& c : {Case{true, true}, Case{false, true}, Case{true, false}, Case{false, false}}) {
-    SCOPED_TRACE(std::to_string(c.modes) + std::to_string(c.times));
+  for (const int refusals : {0, 1, 2, 3}) {
+    const bool modes = (refusals & 1) == 0, times = (refusals & 2) == 0;
+    SCOPED_TRACE(refusals);
     std::vector<std::string> refused, notes;
     UnpackEvents events;
     events.refused = [&](const std::string& line) { refused.push_back(line); };
     events.note = [&](const std::string& line) { notes.push_back(line); };
     const std::filesystem::path target = folder_ / "target";
     std::filesystem::remove_all(target);
-    takesModes = c.modes;
-    takesTimes = c.times;
+    takesModes = modes;
+    takesTimes = times;
     ZipReader reader(out("a.exe"));
     const UnpackResult got = unpack(reader, LocalPathText(target), "", events);
     takesModes = takesTimes = true;
@@ -71,9 +69,9 @@ TEST_F(FatDiskTest, KeepsAFileWhoseTimeOrPermissionsTheDiskDoesNotTake) {
     EXPECT_EQ(got.refused, 0U);
     EXPECT_THAT(refused, IsEmpty());
     EXPECT_EQ(contentsOf(target / "sub/a"), "whole");
-    EXPECT_THAT(notes, SizeIs(c.modes && c.times ? 0 : 2)) << "of the file and of its folder";
+    EXPECT_THAT(notes, SizeIs(modes && times ? 0 : 2)) << "of the file and of its folder";
     EXPECT_THAT(notes, Each(HasSubstr("sub")));
-    EXPECT_EQ(ReadFileTimes(LocalPathText(target / "sub/a"))->modified == time, c.times);
+    EXPECT_EQ(ReadFileTimes(LocalPathText(target / "sub/a"))->modified == time, times);
   }
 }
 
