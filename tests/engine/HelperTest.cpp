@@ -14,7 +14,6 @@
 #include "engine/SafeName.h"
 #include "engine/ShownText.h"
 #include "engine/mCreatePath.h"
-#include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
 #include "platform/FtpReply.h"
 #include "platform/Utf8.h"
@@ -234,24 +233,6 @@ TEST(RunLog, DropsItsStartWhenItHasGrownTooLong) {
   EXPECT_EQ(log.lineCount(), 2);
   log.zeroLineCount();
   EXPECT_EQ(log.lineCount(), 0);
-}
-
-TEST(FileDates, KeepLocalTimes) {
-  const testing::TemporaryFolder folder;
-  const std::string file = (folder / "f").string();
-  testing::writeFile(file, "");
-  for (const int month : {1, 7}) {
-    const LocalDateTime time = *MakeLocalDateTime({2026, month, 15, 12, 34, 0, 0});
-    FileDates dates{};
-    EXPECT_FALSE(SetFileModifiedTime(file, time, true));
-    EXPECT_FALSE(GetFileDates(file, dates, true));
-    EXPECT_EQ(dates.modified, time);
-    EXPECT_FALSE(GetFileDates(file, dates, false));
-    EXPECT_EQ(dates.modified.time_since_epoch(), LocalToUtc(time).time_since_epoch());
-  }
-  FileDates dates{};
-  EXPECT_TRUE(SetFileModifiedTime(folder.path().string(), LocalNow(), true)) << "true is failure: a folder";
-  EXPECT_TRUE(GetFileDates((folder / "none").string(), dates, true));
 }
 
 TEST(LocalDates, AreDatesOfTheCalendar) {
