@@ -18,7 +18,10 @@ using ::testing::Not;
 TEST_F(FtpClientTest, LogsInAndOut) {
   login();
   EXPECT_EQ(client.state(), FtpState::connected);
+  EXPECT_THROW(client.setPassive(false), FtpError) << "not within a session";
   client.logout();
+  client.setPassive(false);
+  EXPECT_FALSE(client.passive());
   EXPECT_THAT(states, ElementsAre(1, 2, 3, 0));
   EXPECT_THAT(server.commands(), ElementsAre("USER joe", "PASS hunter22", "FEAT", "OPTS UTF8 ON", "QUIT"));
   for (const auto& event : events) {
@@ -132,13 +135,6 @@ TEST_F(FtpClientTest, TakesAReplyThatCameWhileItsPumpOutlastedTheTimeout) {
   EXPECT_TRUE(asked);
 }
 
-TEST_F(FtpClientTest, ALoginCanBeAborted) {
-  server.on("", staysSilent());
-  client.pump = [&] { client.abort(); };
-  EXPECT_EQ(errorOf([&] { login(); }).number(), number(FtpErrorNumber::aborted));
-  EXPECT_EQ(client.state(), FtpState::closed);
-}
-
 TEST_F(FtpClientTest, RefusesAProxyThatCannotBeBeforeAnythingIsSent) {
   const struct {
     std::int32_t type;
@@ -158,14 +154,6 @@ TEST_F(FtpClientTest, RefusesAProxyThatCannotBeBeforeAnythingIsSent) {
   }
   EXPECT_THAT(states, ElementsAre());
   EXPECT_THAT(server.commands(), ElementsAre());
-}
-
-TEST_F(FtpClientTest, KeepsThePassiveModeOfASession) {
-  login();
-  EXPECT_THROW(client.setPassive(false), FtpError);
-  client.logout();
-  client.setPassive(false);
-  EXPECT_FALSE(client.passive());
 }
 
 TEST_F(FtpClientTest, TakesOneOperationAtATime) {
@@ -279,13 +267,6 @@ TEST_F(FtpClientTest, KnowsTheTypeInForce) {
   EXPECT_TRUE(client.asciiType());
 }
 
-TEST_F(FtpClientTest, TakesNoOtherReplyForTheFolder) {
-  login();
-  server.once("PWD", replies("250 Directory changed."));
-  EXPECT_EQ(errorOf([&] { client.currentRemoteDirectory(); }).number(), number(FtpErrorNumber::badReply));
-  EXPECT_EQ(client.state(), FtpState::closed);
-}
-
 TEST_F(FtpClientTest, PassesOverRepliesThatAnswerNothing) {
   login();
   server.once("NOOP", [](Session& s) { s.sendControl("200 Fine.\r\n226 A late one.\r\n"); });
@@ -297,6 +278,11 @@ TEST_F(FtpClientTest, PassesOverRepliesThatAnswerNothing) {
   client.command("NOOP");
   EXPECT_EQ(errorOf([&] { client.command("NOOP"); }).number(), 421);
   EXPECT_EQ(client.state(), FtpState::closed);
+
+  login();
+  server.once("PWD", replies("250 Directory changed."));
+  EXPECT_EQ(errorOf([&] { client.currentRemoteDirectory(); }).number(), number(FtpErrorNumber::badReply));
+  EXPECT_EQ(client.state(), FtpState::closed) << "no reply but 257 names the folder";
 }
 
 // --- commands sent ahead
@@ -357,12 +343,17 @@ TEST_F(FtpClientTest, TakesNoLateReplyForTheMarkers) {
   EXPECT_EQ(client.state(), FtpState::closed) << "its next reply would be taken for another command's";
 }
 
-TEST_F(FtpClientTest, AnAbortBetweenOperationsClosesTheSession) {
+TEST_F(FtpClientTest, AnAbortEndsALoginAndBetweenOperationsTheSession) {
   login();
   client.abort();
   EXPECT_EQ(client.state(), FtpState::closed);
   EXPECT_THAT(states, ElementsAre(1, 2, 3, 0));
   EXPECT_EQ(errorOf([&] { client.command("NOOP"); }).number(), number(FtpErrorNumber::notConnected));
+
+  server.on("", staysSilent());
+  client.pump = [&] { client.abort(); };
+  EXPECT_EQ(errorOf([&] { login(); }).number(), number(FtpErrorNumber::aborted));
+  EXPECT_EQ(client.state(), FtpState::closed);
 }
 
 }  // namespace
