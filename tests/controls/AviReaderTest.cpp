@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 
-#include "controls/AviFile.h"
 #include "controls/ColourMath.h"
 #include "controls/Rle8.h"
 #include "platform/LocalPath.h"
@@ -16,17 +14,45 @@ namespace quillmoor {
 namespace {
 
 using std::chrono::microseconds;
-using testing::AviFile;
-using testing::chunk;
 using ::testing::HasSubstr;
-using testing::le;
-using testing::list;
 
-std::string letters(const std::vector<std::uint8_t>& rgb) {
-  std::string text;
-  for (std::size_t i = 0; i < rgb.size(); i += 3)
-    text += rgb[i] == 255 ? 'r' : rgb[i + 1] == 255 ? 'g' : rgb[i + 2] == 255 ? 'b' : '.';
-  return text;
+// Where the fields stand in the small files that the fuzzers start from.
+enum Place : std::size_t {
+  kFileSize = 4,
+  kFirstChunkSize = 16,
+  kHeaderList = 20,
+  kMicroseconds = 32,
+  kStreamType = 108,
+  kScale = 128,
+  kRate = 132,
+  kWidth = 176,
+  kHeight = 180,
+  kPlanesAndBits = 184,
+  kCompression = 188,
+  kUsedColours = 204,
+  kMovieSize = 228,
+  kMovieList = 232,
+  kFirstFrame = 236,
+};
+using Changes = std::vector<std::pair<Place, std::uint32_t>>;
+
+std::string small(const std::string& name, const Changes& changes = {}) {
+  std::string file = testing::contentsOf(LocalPath(QUILLMOOR_SEEDS "/avi/" + name));
+  for (const auto& [place, value] : changes) {
+    for (std::size_t i = 0; i < 4; ++i) file.at(place + i) = static_cast<char>(value >> (8 * i));
+  }
+  return file;
+}
+
+/// The pixels of every frame, red, green and blue ones as letters.
+std::vector<std::string> letters(const AviAnimation& read) {
+  std::vector<std::string> all;
+  for (const auto& rgb : read.frames) {
+    std::string& text = all.emplace_back();
+    for (std::size_t i = 0; i < rgb.size(); i += 3)
+      text += rgb[i] == 255 ? 'r' : rgb[i + 1] == 255 ? 'g' : rgb[i + 2] == 255 ? 'b' : '.';
+  }
+  return all;
 }
 
 /// What reading raises; "" when it raises nothing.
@@ -40,118 +66,78 @@ std::string messageOf(Read read) {
   return "";
 }
 
-TEST(AviReader, ReadsRowsFromTheBottomWithTheirPadding) {
-  AviFile file;
-  file.frames = {{"db", std::string("\0\1\2\7\2\2\1\7", 8)}};
-  const AviAnimation read = ReadAvi(file.bytes());
-  EXPECT_EQ(read.width, 3);
-  EXPECT_EQ(read.height, 2);
-  EXPECT_EQ(read.perFrame, microseconds(50'000));
-  ASSERT_EQ(read.frames.size(), 1U);
-  EXPECT_EQ(letters(read.frames[0]), "bbgrgb");
-}
-
-TEST(AviReader, ReadsTrueColour) {
-  AviFile file;
-  file.bits = 24;
-  file.width = 1;
-  file.palette.clear();
-  file.usedColours = 0;
-  file.frames = {{"db", std::string("\0\0\xFF\0\xFF\0\0\0", 8)}};  // red below blue
-  EXPECT_EQ(letters(ReadAvi(file.bytes()).frames.at(0)), "br");
-}
-
-TEST(AviReader, BuildsRunLengthFramesOnTheOneBefore) {
-  AviFile file;
-  file.compression = 1;
-  file.frames = {{"dc", std::string("\3\1\0\0\3\2\0\1", 8)},        // green row, blue row above it
-                 {"dc", std::string("\0\2\1\1\1\0\0\1", 8)},        // a move, then one red pixel
-                 {"dc", ""},                                        // as before
-                 {"dc", std::string("\0\3\0\1\2\0\0\0\0\1", 10)}};  // the lower row as it is
-  const AviAnimation read = ReadAvi(file.bytes());
-  ASSERT_EQ(read.frames.size(), 4U);
-  EXPECT_EQ(letters(read.frames[0]), "bbbggg");
-  EXPECT_EQ(letters(read.frames[1]), "brbggg");
-  EXPECT_EQ(letters(read.frames[2]), "brbggg");
-  EXPECT_EQ(letters(read.frames[3]), "brbrgb");
+TEST(AviReader, ReadsEveryKindOfFrame) {
+  constexpr std::uint32_t kOfNoVideo = 0x62773030, kOfAnotherStream = 0x62643130;  // "00wb", "01db"
+  const struct {
+    const char* file;
+    Changes changes;
+    std::vector<std::string> frames;
+  } cases[] = {
+      {"indexed.avi", {}, {"bbgrgb", "bbgrgb"}},  // the second is empty: as the one before
+      {"rle8.avi", {}, {"bbbggg", "brbggg", "brbrgb"}},
+      {"rle8.avi", {{kFirstFrame, kOfNoVideo}}, {"rrrrrr", "rrrrgb"}},
+      {"rle8.avi", {{kFirstFrame, kOfAnotherStream}}, {"rrrrrr", "rrrrgb"}},
+      {"true-colour.avi", {}, {"br"}},
+  };
+  for (const auto& c : cases) {
+    const AviAnimation read = ReadAvi(small(c.file, c.changes));
+    EXPECT_EQ(letters(read), c.frames) << c.file;
+    EXPECT_EQ(read.width * read.height * 3, static_cast<int>(read.frames[0].size())) << c.file;
+  }
 }
 
 TEST(AviReader, TakesTheRateOfTheStreamBeforeThatOfTheFile) {
-  struct Case {
+  const struct {
     std::uint32_t header, scale, rate;
     int expected;
-  };
-  for (const Case& c : {Case{50'000, 1, 10, 100'000}, Case{50'000, 0, 10, 50'000}, Case{0, 0, 0, 100'000},
-                        Case{1, 0, 0, 10'000}, Case{4'000'000'000, 0, 0, 10'000'000},
-                        Case{0, 4'000'000'000, 1, 10'000'000}, Case{0, 1, 4'000'000'000, 10'000}}) {
-    AviFile file;
-    file.microseconds = c.header;
-    file.scale = c.scale;
-    file.rate = c.rate;
-    file.frames = {{"db", std::string(8, '\0')}};
-    EXPECT_EQ(ReadAvi(file.bytes()).perFrame, microseconds(c.expected))
+  } cases[] = {{50'000, 1, 10, 100'000},
+               {50'000, 0, 10, 50'000},
+               {0, 0, 0, 100'000},
+               {4'000'000'000, 0, 0, 10'000'000},
+               {0, 1, 4'000'000'000, 10'000}};
+  for (const auto& c : cases) {
+    const auto file = small("indexed.avi", {{kMicroseconds, c.header}, {kScale, c.scale}, {kRate, c.rate}});
+    EXPECT_EQ(ReadAvi(file).perFrame, microseconds(c.expected))
         << c.header << " " << c.scale << "/" << c.rate;
   }
 }
 
-TEST(AviReader, FindsTheVideoBesideOtherStreamsAndInGroups) {
-  AviFile file;
-  file.streamsBefore = list("strl", chunk("strh", "auds" + std::string(52, '\0')) + chunk("strf", "sound"));
-  file.videoNumber = "01";
-  const std::string red(8, '\0');
-  const std::string blue(8, '\2');
-  const std::string movie = chunk("00wb", "noise") + list("rec ", chunk("01db", red) + chunk("00db", blue)) +
-                            chunk("01db", blue) + chunk("JUNK", "x");
-  const std::string bytes =
-      chunk("RIFF", "AVI " + file.headers() + list("movi", movie) + chunk("idx1", "")) + "tail";
-  const AviAnimation read = ReadAvi(bytes);
-  ASSERT_EQ(read.frames.size(), 2U);
-  EXPECT_EQ(letters(read.frames[0]), "rrrrrr");
-  EXPECT_EQ(letters(read.frames[1]), "bbbbbb");
-}
-
 TEST(AviReader, SaysWhatIsWrongAndWhere) {
-  struct Case {
+  const std::string sides = "byte 176: a picture whose sides";
+  const struct {
     const char* name;
-    std::function<void(AviFile&)> spoil;
-    const char* message;
+    const char* file;
+    Changes changes;
+    std::string message;
+  } cases[] = {
+      {"no frame", "indexed.avi", {{kMovieList, 0}}, "no frame"},
+      {"no headers", "indexed.avi", {{kHeaderList, 0}}, "frames without the header"},
+      {"no video", "indexed.avi", {{kStreamType, 0}}, "frames without the header"},
+      {"no width", "indexed.avi", {{kWidth, 0}}, sides},
+      {"rows from the top", "indexed.avi", {{kHeight, 0xFFFFFFFE}}, sides},
+      {"too wide", "indexed.avi", {{kWidth, kMaxAviSide + 1}}, sides},
+      {"16 bits", "indexed.avi", {{kPlanesAndBits, 0x100001}}, "16 bits a pixel in compression 0"},
+      {"24 bits in runs", "true-colour.avi", {{kCompression, 1}}, "24 bits a pixel in compression 1"},
+      {"another codec", "indexed.avi", {{kCompression, 0x44495658}}, "in compression 1145656920"},
+      {"palette too long", "indexed.avi", {{kUsedColours, 257}}, "a palette of 257 colours"},
+      {"palette cut", "indexed.avi", {{kUsedColours, 4}}, "the file ends before the end of the palette"},
+      {"frame cut", "indexed.avi", {{kWidth, 5}}, "a frame of 8 bytes instead of 16"},
+      {"palette change", "indexed.avi", {{kFirstFrame, 0x63703030}}, "a change of the palette"},
+      {"chunk too long", "indexed.avi", {{kFirstChunkSize, 1000}}, "byte 12: a chunk of 1000 bytes where"},
+      {"file cut", "indexed.avi", {{kFileSize, 261}}, "byte 4: the file says 261 bytes and has 260"},
+      {"pixels", "rle8.avi", {{kWidth, kMaxAviSide}, {kHeight, kMaxAviSide}}, "more frames than"},
   };
-  const Case cases[] = {
-      {"no frame", [](AviFile& f) { f.frames.clear(); }, "no frame"},
-      {"no width", [](AviFile& f) { f.width = 0; }, "byte 176: a picture whose sides"},
-      {"rows from the top", [](AviFile& f) { f.height = 0xFFFFFFFE; }, "a picture whose sides"},
-      {"too wide", [](AviFile& f) { f.width = kMaxAviSide + 1; }, "a picture whose sides"},
-      {"16 bits", [](AviFile& f) { f.bits = 16; }, "pictures of 16 bits a pixel in compression 0"},
-      {"run-length at 24 bits", [](AviFile& f) { f.bits = 24, f.compression = 1; },
-       "24 bits a pixel in compression 1"},
-      {"another codec", [](AviFile& f) { f.compression = 0x44495658; }, "in compression 1145656920"},
-      {"palette too long", [](AviFile& f) { f.usedColours = 257; }, "a palette of 257 colours"},
-      {"palette cut", [](AviFile& f) { f.usedColours = 4; }, "the file ends before the end of the palette"},
-      {"frame cut", [](AviFile& f) { f.frames[0].second = "abc"; }, "a frame of 3 bytes instead of 8"},
-      {"palette change", [](AviFile& f) { f.frames[0].first = "pc"; }, "a change of the palette"},
-      {"too many frames", [](AviFile& f) { f.frames.resize(kMaxAviFrames + 1); }, "more frames than"},
-      {"too many pixels",
-       [](AviFile& f) { f.width = f.height = kMaxAviSide, f.compression = 1, f.frames.resize(3); },
-       "more frames than"},
-  };
-  for (const Case& c : cases) {
-    AviFile file;
-    file.frames = {{"db", std::string(8, '\0')}};
-    c.spoil(file);
-    EXPECT_THAT(messageOf([&] { ReadAvi(file.bytes()); }), HasSubstr(c.message)) << c.name;
-  }
-  AviFile file;
-  file.frames = {{"db", std::string(8, '\0')}};
-  const std::string good = file.bytes();
-  const std::string noHeaders = chunk("RIFF", "AVI " + list("movi", file.movie()));
-  for (const auto& [bytes, message] : std::initializer_list<std::pair<std::string, const char*>>{
-           {"", "byte 0: no AVI file"},
-           {"RIFF....WAVE", "byte 0: no AVI file"},
-           {good.substr(0, good.size() - 1), "byte 4: the file says"},
-           {chunk("RIFF", "AVI "), "no video stream"},
-           {noHeaders, "frames without the header"},
-           {chunk("RIFF", "AVI JUNK" + le(100)), "byte 12: a chunk of 100 bytes where 0 are left"}})
-    EXPECT_THAT(messageOf([&] { ReadAvi(bytes); }), HasSubstr(message));
+  for (const auto& c : cases)
+    EXPECT_THAT(messageOf([&] { ReadAvi(small(c.file, c.changes)); }), HasSubstr(c.message)) << c.name;
+
+  EXPECT_THAT(messageOf([] { ReadAvi("RIFF....WAVE"); }), HasSubstr("byte 0: no AVI file"));
+  EXPECT_THAT(messageOf([] { ReadAvi(std::string("RIFF\4\0\0\0AVI ", 12)); }), HasSubstr("no video stream"));
+  constexpr std::uint32_t kFrameBytes = (kMaxAviFrames + 1) * 8;
+  std::string long_ =
+      small("indexed.avi", {{kFileSize, kFirstFrame - 8 + kFrameBytes}, {kMovieSize, 4 + kFrameBytes}})
+          .substr(0, kFirstFrame);
+  for (std::size_t i = 0; i <= kMaxAviFrames; ++i) long_ += std::string("00dc\0\0\0\0", 8);
+  EXPECT_THAT(messageOf([&] { ReadAvi(long_); }), HasSubstr("more frames than"));
 }
 
 TEST(Rle8, StopsAtTheCodeThatIsWrong) {

@@ -61,8 +61,7 @@ TEST(RtfReader, ReadsText) {
   };
   for (const Case& c : {
            Case{"paragraphs", R"({\rtf1 one\par two\par})", "one|two|"},
-           Case{"a last paragraph without its end", R"({\rtf1 one\par two})", "one|two|"},
-           Case{"empty paragraphs", R"({\rtf1\par\par x\par})", "||x|"},
+           Case{"empty paragraphs, and a last one without its end", R"({\rtf1\par\par x})", "||x|"},
            Case{"line ends of the file", "{\\rtf1 on\r\ne\ntwo\\par}", "onetwo|"},
            Case{"a backslash before the line's end", "{\\rtf1 one\\\ntwo\\par}", "one|two|"},
            Case{"one blank ends a word", R"({\rtf1 a\b0  b\b0c\par})", "a bc|"},
@@ -70,10 +69,8 @@ TEST(RtfReader, ReadsText) {
            Case{"named characters", R"({\rtf1\bullet\tab a\line b\emdash\lquote c\rquote\par})",
                 "•\ta\nb—‘c’|"},
            Case{"code page 1252", R"({\rtf1\ansi\ansicpg1252 M\'fcller \'80\'93x\'94\par})", "Müller €“x”|"},
-           Case{"bytes as they are", "{\\rtf1 M\xFCller\\par}", "Müller|"},
            Case{"another code page", R"({\rtf1\ansicpg1251 \'ff A\par})", "\uFFFD A|"},
            Case{"unicode with its fallback", R"({\rtf1 \u8364?5 \u8364\'805\par})", "€5 €5|"},
-           Case{"no fallback", R"({\rtf1\uc0 \u8364 5\par})", "€5|"},
            Case{"two fallbacks", R"({\rtf1\uc2 \u8364 EUR {\uc0\u8364 x}\u8364 ??y\par})", "€R €x€y|"},
            Case{"a fallback ends with its group", R"({\rtf1\uc3 {\u8364 a}bcd\par})", "€bcd|"},
            Case{"a word is one fallback", R"({\rtf1\u8364\bullet x\par})", "€x|"},
@@ -88,8 +85,6 @@ TEST(RtfReader, ReadsText) {
            Case{"destinations",
                 R"({\rtf1{\info{\title x}}{\*\generator y;}{\stylesheet{z;}}{\pict 89}{\header h}a\par})",
                 "a|"},
-           Case{"unknown words", R"({\rtf1\whatever7\unheardof a{\nested b}\par})", "ab|"},
-           Case{"a link", R"({\rtf1{\field{\*\fldinst HYPERLINK "http://x/"}{\fldrslt here}}\par})", "here|"},
            Case{"hidden text", R"({\rtf1 a{\v b}\v c\v0 d\plain e\par})", "ade|"},
            Case{"binary data", "{\\rtf1 a\\bin5 {{{{{b\\par}", "ab|"},
            Case{"a table", R"({\rtf1\trowd a\cell b\cell\row c\par})", "a\tb\t|c|"},
@@ -143,13 +138,10 @@ TEST(RtfReader, SaysWhatIsWrongAndWhere) {
   for (std::size_t i = 0; i <= kMaxRtfRuns; ++i) long_ += "\\par\n";
   for (const auto& [rtf, message] : std::initializer_list<std::pair<std::string, const char*>>{
            {"", "byte 0: no rich text"},
-           {"plain text", "byte 0: no rich text"},
            {"{plain}", "byte 1: no rich text"},
            {"{\\pard x}", "byte 1: no rich text"},
-           {"{\\rtf1 abc", "byte 10: the text ends inside a group"},
            {"{\\rtf1 {a}", "byte 10: the text ends inside a group"},
            {"{\\rtf1 \\'4", "byte 7: \\' without two"},
-           {"{\\rtf1 \\'4x}", "byte 7: \\' without two"},
            {"{\\rtf1 \\'-1}", "byte 7: \\' without two"},
            {"{\\rtf1 \\", "byte 7: a backslash with nothing behind it"},
            {"{\\rtf1\\bin10 {}", "byte 6: \\bin of 10 bytes"},
