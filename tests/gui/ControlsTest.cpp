@@ -74,19 +74,19 @@ TEST_F(LogViewTest, CopiesWhatIsSelectedWholeLinesAndParts) {
 TEST_F(LogViewTest, IsMarkedByTheMouseAndFollowsTheLogAgain) {
   append("first line\r\nsecond line\r\n");
   view->showNewest();
-  wxUIActionSimulator hand;
+  wxUIActionSimulator mouse;  // serves events when it is made
   int unit = 0;
   view->GetScrollPixelsPerUnit(nullptr, &unit);
   const wxPoint corner = view->ClientToScreen(wxPoint(0, 0));
-  hand.MouseMove(corner + wxPoint(1, unit / 2));
-  hand.MouseDown();
-  hand.MouseMove(corner + wxPoint(view->GetClientSize().x - 40, unit / 2));
+  mouse.MouseMove(corner + wxPoint(1, unit / 2));
+  mouse.MouseDown();
+  mouse.MouseMove(corner + wxPoint(view->GetClientSize().x - 40, unit / 2));
   ASSERT_TRUE(waitUntil([&] { return view->selectedText() == "first line"; })) << view->selectedText();
   for (int i = 0; i < 100; ++i) append("more\r\n");
   EXPECT_FALSE(
       waitUntil([&] { return newestIsInView(); }, std::chrono::milliseconds(3 * LogView::kShowEvery)))
       << "the log runs away under the pointer";
-  hand.MouseUp();
+  mouse.MouseUp();
   append("last\r\n");
   EXPECT_TRUE(waitUntil([&] { return newestIsInView(); }));
   EXPECT_EQ(view->selectedText(), "first line");

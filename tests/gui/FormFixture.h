@@ -45,18 +45,9 @@ class FormTest : public FrameTest {
     ASSERT_TRUE(waitUntil([&] { return form->GetSize() == size; })) << form->GetSize().x;
   }
 
-  static void command(wxWindow* control, const wxEventTypeTag<wxCommandEvent>& type) {
-    wxCommandEvent event(type, control->GetId());
-    event.SetEventObject(control);
-    control->ProcessWindowEvent(event);
-  }
   static void press(wxButton* button) {
     EXPECT_TRUE(button->IsEnabled()) << button->GetName();
-    command(button, wxEVT_BUTTON);
-  }
-  static void tick(wxCheckBox* box, bool on) {
-    box->SetValue(on);
-    command(box, wxEVT_CHECKBOX);
+    clickEvent(button);
   }
   /// A control that is used, and what is stored then. What the program goes by is the editors' own tests'.
   struct ControlRow {
@@ -88,11 +79,10 @@ class FormTest : public FrameTest {
     for (const wxWindow* input : inputs()) names.insert(input->GetName().utf8_string());
     return names;
   }
-  static bool hasFocus(const wxWindow* control) {
-    for (const wxWindow* window = wxWindow::FindFocus(); window; window = window->GetParent()) {
-      if (window == control) return true;
-    }
-    return false;
+  void focus(wxWindow* control) {
+    frame->Raise();
+    control->SetFocus();
+    EXPECT_TRUE(waitUntil([&] { return hasFocus(control); })) << control->GetName();
   }
   wxWindow* focused() const {
     for (wxWindow* input : inputs()) {
@@ -104,10 +94,7 @@ class FormTest : public FrameTest {
 
   /// The names that the Tab key leads through, once around from the first on.
   std::vector<std::string> tabOrder(wxWindow* first) {
-    wxUIActionSimulator hand;
-    frame->Raise();
-    first->SetFocus();
-    EXPECT_TRUE(waitUntil([&] { return hasFocus(first); }));
+    focus(first);
     std::vector<std::string> names;
     wxWindow* at = first;
     do {

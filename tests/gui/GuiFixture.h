@@ -2,6 +2,8 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <wx/button.h>
+#include <wx/checkbox.h>
 #include <wx/evtloop.h>
 #include <wx/frame.h>
 #include <wx/testing.h>
@@ -39,6 +41,27 @@ inline bool waitUntil(const std::function<bool()>& condition,
   return true;
 }
 
+/// What the toolkit sends when a control is used.
+inline void command(wxWindow* control, const wxEventTypeTag<wxCommandEvent>& type) {
+  wxCommandEvent event(type, control->GetId());
+  event.SetEventObject(control);
+  control->ProcessWindowEvent(event);
+}
+inline void clickEvent(wxButton* button) {
+  command(button, wxEVT_BUTTON);
+}
+inline void tick(wxCheckBox* box, bool on) {
+  box->SetValue(on);
+  command(box, wxEVT_CHECKBOX);
+}
+/// Of a composite control a part may have it.
+inline bool hasFocus(const wxWindow* control) {
+  for (const wxWindow* window = wxWindow::FindFocus(); window; window = window->GetParent()) {
+    if (window == control) return true;
+  }
+  return false;
+}
+
 /// A frame of its own for what a test shows, gone when the test is.
 class FrameTest : public ::testing::Test {
  protected:
@@ -55,6 +78,7 @@ class FrameTest : public ::testing::Test {
   }
 
   wxFrame* frame;
+  wxUIActionSimulator hand;
 };
 
 /// What the user does while a run blocks the program and only its pump serves events: steps, each taken once
@@ -144,14 +168,14 @@ class GuiTest : public ::testing::Test {
   }
   ~GuiTest() override {
     if (!main) return;
-    main->ExitRoutine();
-    EXPECT_TRUE(waitUntil([&] { return !main; }));
+    endProgram();
     BackupRunning = false;
   }
 
   std::string profilesFile() const { return (folder / "Profiles.ini").string(); }
   std::filesystem::path target() const { return folder / "site"; }
 
+  /// Its window stays until the test hides it.
   void start() {
     main = new frmMain;
     main->profilesFile = profilesFile();
@@ -170,24 +194,27 @@ class GuiTest : public ::testing::Test {
     main->restore();
     const auto settled = [&] { return main->IsActive() && main->GetPosition() == main->placement(); };
     ASSERT_TRUE(waitUntil(settled)) << main->GetPosition().x << "," << main->GetPosition().y;
-    main->tmrHide.Start(frmMain::kTmrHide);
   }
-  void stayOpen() { main->tmrHide.Stop(); }
+  /// Starts the program, with the pane of the backup in front.
+  void startAtTheBackup() {
+    start();
+    main->panes->activate(kBackupPane);
+    process = main->process;
+    ASSERT_TRUE(waitUntil([&] { return process->cmdStart->IsShownOnScreen(); }));
+  }
+  void endProgram() {
+    main->ExitRoutine();
+    ASSERT_TRUE(waitUntil([&] { return !main; }));
+  }
 
   /// A real click into the middle of a control.
   void click(wxWindow* control) {
     EXPECT_TRUE(waitUntil([&] { return !main->tmrPlace.IsRunning(); })) << "the window may still move";
-    wxUIActionSimulator hand;
+    wxUIActionSimulator mouse;  // serves events when it is made: the control is where it will be
     const wxRect place = control->GetScreenRect();
-    hand.MouseMove(place.x + place.width / 2, place.y + place.height / 2);
-    hand.MouseClick();
+    mouse.MouseMove(place.x + place.width / 2, place.y + place.height / 2);
+    mouse.MouseClick();
   }
-  void clickEvent(wxButton* button) {
-    wxCommandEvent event(wxEVT_BUTTON, button->GetId());
-    event.SetEventObject(button);
-    button->ProcessWindowEvent(event);
-  }
-
   std::string logged() const {
     std::string all;
     const LogText& log = main->process->logText();
@@ -205,6 +232,8 @@ class GuiTest : public ::testing::Test {
   SiteProfile profile;
   std::function<LocalDateTime()> now;
   frmMain* main = nullptr;
+  frmProcess* process = nullptr;
+  wxUIActionSimulator hand;
   Steps steps{[this] { main->ExitRoutine(); }};
 };
 

@@ -18,9 +18,6 @@ namespace fs = std::filesystem;
 using testing::contentsOf;
 using Session = testing::ScriptedFtpServer::Session;
 
-constexpr long kStopBox = wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_ERROR;
-const char* const kStopText = "Are you sure you want to stop the current backup process";
-
 /// A file whose transfer does not end by itself.
 void sendsSomeAndWaits(Session& s) {
   s.openData();
@@ -37,12 +34,16 @@ class MainWindowTest : public GuiTest {
     server.addFile("/a.bin", "x");
     server.addFile("/b.bin", std::string(1 << 20, 'x'));
     server.on("RETR /b.bin", sendsSomeAndWaits);
-    start();
-    stayOpen();
-    main->panes->activate(kBackupPane);
-    clickEvent(main->process->cmdStart);
+    startAtTheBackup();
+    clickEvent(process->cmdStart);
     steps.when([&] { return server.count("RETR /b.bin") == 1; });
   }
+  static ExpectBox stopBox(int answer) {
+    return {"Warrning", "Are you sure you want to stop the current backup process",
+            wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_ERROR, answer};
+  }
+  bool seen() const { return main->IsShown() && !main->IsIconized(); }
+  bool idle() const { return !process->active(); }
   /// Opens the program two seconds before a scheduled run.
   void startBeforeTheMinute() {
     server.addFile("/a.bin", "bytes");
@@ -61,7 +62,6 @@ TEST_F(MainWindowTest, StandsWhereItIsStoredAndHidesByItself) {
   WriteSetting("MainWidth", "9000");
   WriteSetting("MainHeight", "7500");
   start();
-  stayOpen();
   const double scale = main->FromDIP(9600) / 9600.0;
   const auto at = [&](int dip) { return static_cast<int>(std::lround(dip * scale)); };
   EXPECT_TRUE(waitUntil([&] { return main->GetPosition() == wxPoint(at(100), at(150)); }))
@@ -71,11 +71,11 @@ TEST_F(MainWindowTest, StandsWhereItIsStoredAndHidesByItself) {
   EXPECT_EQ(main->GetTitle(), "Quillmoor");
   EXPECT_EQ(main->panes->activePane(), kProfilesPane);
   main->tmrHide.Start(frmMain::kTmrHide);
-  EXPECT_TRUE(waitUntil([&] { return !main->IsShown() || main->IsIconized(); }));
+  EXPECT_TRUE(waitUntil([&] { return !seen(); }));
   EXPECT_FALSE(main->tmrHide.IsRunning());
 
   main->restore();
-  EXPECT_TRUE(waitUntil([&] { return main->IsShownOnScreen() && !main->IsIconized(); }));
+  EXPECT_TRUE(waitUntil([&] { return seen(); }));
   if (CTray::isAvailable()) {
     EXPECT_TRUE(waitUntil([&] { return main->GetPosition() == wxPoint(at(100), at(150)); }))
         << "moved by hiding";
@@ -90,44 +90,27 @@ TEST_F(MainWindowTest, TakesItsPriorityAndItsPlaceInTheAutostartAsItStarts) {
   for (const char* autostart : {"1", "0"}) {
     WriteSetting("AutoStartUp", autostart);
     start();
-    stayOpen();
     const auto entry = RegistryApi::queryValue(
         HKEY_LOCAL_MACHINE_VALUE, "Software\\Microsoft\\Windows\\CurrentVersion\\Run", ProgramName());
     EXPECT_EQ(entry.has_value(), *autostart == '1');
-    main->ExitRoutine();
-    ASSERT_TRUE(waitUntil([&] { return !main; }));
+    endProgram();
   }
   const std::int32_t inForce = SetPriority(0, 0, kNoClass);
   EXPECT_TRUE(inForce == 16384 || inForce == 64) << inForce << ": idle when the test was started so";
   SetPriority(0, 0, before);  // back, where that is allowed
 }
 
-TEST_F(MainWindowTest, IsHiddenByItsCloseBoxAndEndedByNothingButTheExitRoutine) {
-  start();
-  stayOpen();
-  main->Close();
-  EXPECT_TRUE(waitUntil([&] { return !main->IsShown() || main->IsIconized(); }));
-  main->hide();
-  main->restore();
-  EXPECT_TRUE(waitUntil([&] { return main->IsShownOnScreen() && !main->IsIconized(); }));
-  main->ExitRoutine();
-  EXPECT_TRUE(waitUntil([&] { return !main; }));
-}
-
 TEST_F(MainWindowTest, KeepsItsPlacementButNotOfAMinimisedWindow) {
   WriteSetting("MainLeft", "1500");
   WriteSetting("MainWidth", "9000");
   start();
-  stayOpen();
   main->Iconize();
   ASSERT_TRUE(waitUntil([&] { return main->IsIconized(); }));
-  main->ExitRoutine();
-  ASSERT_TRUE(waitUntil([&] { return !main; }));
+  endProgram();
   EXPECT_EQ(ReadSetting("MainLeft", ""), "1500");
   EXPECT_EQ(ReadSetting("MainWidth", ""), "9000");
 
   start();
-  stayOpen();
   const double perInch = main->FromDIP(9600) / 100.0;
   const wxPoint wanted = main->GetPosition() + wxPoint(30, 45);
   ASSERT_TRUE(waitUntil([&] { return !main->tmrPlace.IsRunning(); }));
@@ -139,8 +122,7 @@ TEST_F(MainWindowTest, KeepsItsPlacementButNotOfAMinimisedWindow) {
   main->Move(wanted);
   ASSERT_TRUE(waitUntil([&] { return told; }));
   ASSERT_EQ(main->GetPosition(), wanted) << "the user's own move was undone";
-  main->ExitRoutine();
-  ASSERT_TRUE(waitUntil([&] { return !main; }));
+  endProgram();
   EXPECT_EQ(ReadSetting("MainLeft", ""), std::to_string(std::lround(wanted.x * kTwipsPerInch / perInch)));
 }
 
@@ -152,13 +134,9 @@ TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
     looked.wait_for(kPatience);
     s.answerAsUsual();
   });
-  start();
-  stayOpen();
-  main->panes->activate(kBackupPane);
-  frmProcess& form = *main->process;
-  EXPECT_TRUE(form.cmdStart->IsEnabled());
+  startAtTheBackup();
+  frmProcess& form = *process;
   EXPECT_FALSE(form.cmdStop->IsEnabled());
-  ASSERT_TRUE(waitUntil([&] { return form.cmdStart->IsShownOnScreen(); }));
   steps.when([&] { return true; }, [&] { click(form.cmdStart); })
       .when([&] { return form.active(); },
             [&] {
@@ -166,7 +144,7 @@ TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
               EXPECT_TRUE(form.Animation1->IsPlaying() || !form.Animation1->error().empty());
               seen.set_value();
             })
-      .when([&] { return !form.active(); })
+      .when([&] { return idle(); })
       .take();
   EXPECT_EQ(status(), "Completed");
   EXPECT_EQ(form.wndReportControl->item(0, static_cast<std::size_t>(ReportColumn::files)), "2");
@@ -182,29 +160,22 @@ TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
 TEST_F(MainWindowTest, LeadsTheKeyboardFromStartToStopAndBack) {
   server.addFile("/b.bin", std::string(1 << 20, 'x'));
   server.on("RETR /b.bin", sendsSomeAndWaits);
-  start();
-  stayOpen();
-  main->panes->activate(kBackupPane);
-  frmProcess& form = *main->process;
-  const auto hasFocus = [](wxWindow* button) { return [=] { return wxWindow::FindFocus() == button; }; };
-  form.cmdStart->SetFocus();
-  ASSERT_TRUE(waitUntil(hasFocus(form.cmdStart)));
-  wxUIActionSimulator hand;
+  startAtTheBackup();
+  process->cmdStart->SetFocus();
+  ASSERT_TRUE(waitUntil([&] { return hasFocus(process->cmdStart); }));
   hand.Char(WXK_SPACE);
-  const ExpectBox box("Warrning", kStopText, kStopBox, wxID_YES);
   steps.when([&] { return server.count("RETR /b.bin") == 1; })
-      .when(hasFocus(form.cmdStop), [&] { wxTEST_DIALOG(clickEvent(form.cmdStop), box); })
-      .when([&] { return !form.active(); })
+      .when([&] { return hasFocus(process->cmdStop); },
+            [&] { wxTEST_DIALOG(clickEvent(process->cmdStop), stopBox(wxID_YES)); })
+      .when([&] { return idle(); })
       .take();
-  EXPECT_TRUE(waitUntil(hasFocus(form.cmdStart)));
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(process->cmdStart); }));
 }
 
 TEST_F(MainWindowTest, AsksBeforeItStopsInTheMiddleOfAFile) {
   goIntoTheMiddleOfAFile();
   frmProcess& form = *main->process;
-  const auto answer = [&](int button) {
-    wxTEST_DIALOG(clickEvent(form.cmdStop), ExpectBox("Warrning", kStopText, kStopBox, button));
-  };
+  const auto answer = [&](int button) { wxTEST_DIALOG(clickEvent(form.cmdStop), stopBox(button)); };
   steps
       .when([&] { return form.picFtpConnected->IsShown() && !form.picFtpDisonnected->IsShown(); },
             [&] {
@@ -233,26 +204,13 @@ TEST_F(MainWindowTest, StartsAgainOnceAStoppedRunHasUnwound) {
       .when([] { return true; },
             [&] {
               server.on("RETR /b.bin", [](Session& s) { s.answerAsUsual(); });
-              wxTEST_DIALOG(clickEvent(form.cmdStop), ExpectBox("Warrning", kStopText, kStopBox, wxID_YES));
+              wxTEST_DIALOG(clickEvent(form.cmdStop), stopBox(wxID_YES));
               EXPECT_TRUE(form.active()) << "the stopped run is still below us";
               clickEvent(form.cmdStart);
             })
       .when([&] { return status(1) == "Completed" && !form.active(); })
       .take();
   EXPECT_EQ(status(0), "Stoped");
-}
-
-TEST_F(MainWindowTest, EndsWhileARunWaitsForItsServer) {
-  server.on("PASS", [](Session& s) { s.reply("530 Never."); });
-  WriteSetting("ConnectionDelay", "3600");
-  start();
-  stayOpen();
-  clickEvent(main->process->cmdStart);
-  steps
-      .when([&] { return logged().find("Waiting 3600 Seconds") != std::string::npos; },
-            [&] { main->ExitRoutine(); })
-      .when([&] { return !main; })
-      .take();
 }
 
 TEST_F(MainWindowTest, EndsInTheMiddleOfARunAndLeavesNoHalfFile) {
@@ -274,7 +232,6 @@ TEST_F(MainWindowTest, EndsInTheMiddleOfARunAndLeavesNoHalfFile) {
 
 TEST_F(MainWindowTest, ExitsFromTheProfilesPaneOnlyWhenThatIsConfirmed) {
   start();
-  stayOpen();
   constexpr long style = wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING;
   const char* const text = "Are you sure you want to exit the application?.";
   wxTEST_DIALOG(clickEvent(main->site->wndTaskPanel->command(kExitItem)),
@@ -288,7 +245,7 @@ TEST_F(MainWindowTest, ExitsFromTheProfilesPaneOnlyWhenThatIsConfirmed) {
 TEST_F(MainWindowTest, BacksUpAtTheScheduledMinuteWhileItIsHidden) {
   startBeforeTheMinute();
   main->hide();
-  ASSERT_TRUE(waitUntil([&] { return !main->TimerMain.IsRunning() || !main->tmrHide.IsRunning(); }));
+  ASSERT_TRUE(main->TimerMain.IsRunning());
   EXPECT_FALSE(BackupRunning);
   EXPECT_EQ(status(), "");
   clock += std::chrono::seconds(2);
@@ -303,25 +260,25 @@ TEST_F(MainWindowTest, StartsAScheduledRunOnceTheOpenBoxIsAnswered) {
     if (box.IsModal()) box.EndModal(wxID_OK);
   };
   int starts = 0, hides = 0;
-  const auto counted = [](int& ticks) {
-    return [&ticks](wxTimerEvent& event) {
+  const auto count = [](wxTimer& timer, int& ticks) {
+    timer.Bind(wxEVT_TIMER, [&ticks](wxTimerEvent& event) {
       ++ticks;
       event.Skip();
-    };
+    });
   };
-  main->process->TimerStartBackup.Bind(wxEVT_TIMER, counted(starts));
+  count(main->process->TimerStartBackup, starts);
+  count(main->tmrHide, hides);
   main->tmrHide.Start(50);
-  main->tmrHide.Bind(wxEVT_TIMER, counted(hides));
   main->CallAfter([&] { box.ShowModal(); });
   Steps hands(answer);
   hands.when([&] { return box.IsModal(); }, [&] { clock += std::chrono::seconds(2); })
       .when([&] { return starts >= 3 && hides >= 3; },
             [&] {
               EXPECT_FALSE(main->process->active()) << "the box is dead until the run ends";
-              EXPECT_TRUE(main->IsShown() && !main->IsIconized()) << "the box lost its window";
+              EXPECT_TRUE(seen()) << "the box lost its window";
               main->hide();
               main->tray().mouseMessage(515);
-              EXPECT_TRUE(main->IsShown() && !main->IsIconized()) << "the tray does not lead to the box";
+              EXPECT_TRUE(seen()) << "the tray does not lead to the box";
               answer();
             })
       .take();
@@ -331,8 +288,6 @@ TEST_F(MainWindowTest, StartsAScheduledRunOnceTheOpenBoxIsAnswered) {
 TEST_F(MainWindowTest, StartsNoRunInsideAnOpenMenu) {
   server.addFile("/a.bin", "bytes");
   start();
-  stayOpen();
-  wxUIActionSimulator hand;  // serves events when it is made, so before the menu is due
   int told = 0;
   main->process->onWaiting = [&] { ++told; };
   wxMenu menu;
@@ -362,7 +317,6 @@ TEST_F(MainWindowTest, StartsNoRunInsideAnOpenMenu) {
 
 TEST_F(MainWindowTest, LetsTheSessionEndAndKeepsItsPlacement) {
   start();
-  stayOpen();
   wxCloseEvent query(wxEVT_QUERY_END_SESSION);
   query.SetCanVeto(true);
   EXPECT_TRUE(wxTheApp->ProcessEvent(query)) << "left to the toolkit, which closes the window";
@@ -377,7 +331,6 @@ TEST_F(MainWindowTest, LetsTheSessionEndAndKeepsItsPlacement) {
 
 TEST_F(MainWindowTest, IsRefusedASecondTimeAndLeftAlone) {
   start();
-  stayOpen();
   ASSERT_TRUE(main->Initialise());
   {
     frmMain second;
@@ -390,27 +343,20 @@ TEST_F(MainWindowTest, IsRefusedASecondTimeAndLeftAlone) {
 }
 
 TEST_F(MainWindowTest, ShowsThreeProfilesOfARunAndTheLogAboveThem) {
-  start();
-  stayOpen();
-  main->panes->activate(kBackupPane);
-  const frmProcess& form = *main->process;
-  ASSERT_TRUE(waitUntil([&] { return form.rtfLog->IsShownOnScreen(); }));
+  startAtTheBackup();
   const auto shared = [&] {
-    const int report = form.wndReportControl->GetSize().y;
-    return report > 5 * form.GetCharHeight() && form.rtfLog->GetSize().y > report;
+    const int report = process->wndReportControl->GetSize().y;
+    return report > 5 * process->GetCharHeight() && process->rtfLog->GetSize().y > report;
   };
-  EXPECT_TRUE(waitUntil(shared)) << form.wndReportControl->GetSize().y;
+  EXPECT_TRUE(waitUntil(shared)) << process->wndReportControl->GetSize().y;
 }
 
 TEST_F(MainWindowTest, ShowsEveryPartOfARunInTheSmallestWindow) {
   WriteSetting("MainWidth", "100");
   WriteSetting("MainHeight", "100");
-  start();
-  stayOpen();
+  startAtTheBackup();
   main->SetSize(main->GetMinSize());
-  main->panes->activate(kBackupPane);
-  const frmProcess& form = *main->process;
-  ASSERT_TRUE(waitUntil([&] { return form.cmdStart->IsShownOnScreen(); }));
+  const frmProcess& form = *process;
   const auto isWhole = [&](const wxWindow* part) {
     return part->GetClientSize().y > 20 && form.GetScreenRect().Contains(part->GetScreenRect());
   };
@@ -420,9 +366,10 @@ TEST_F(MainWindowTest, ShowsEveryPartOfARunInTheSmallestWindow) {
     EXPECT_TRUE(waitUntil([&] { return isWhole(part); })) << part->GetName();
 }
 
-TEST_F(MainWindowTest, HasItsMenuInTheTray) {
+TEST_F(MainWindowTest, IsHiddenByItsCloseBoxAndHasItsMenuInTheTray) {
   start();
-  stayOpen();
+  main->Close();
+  EXPECT_TRUE(waitUntil([&] { return !seen(); }));
   const std::unique_ptr<wxMenu> menu = main->mnuTrayPopup();
   std::vector<std::string> items;
   for (const wxMenuItem* item : menu->GetMenuItems())
@@ -432,18 +379,16 @@ TEST_F(MainWindowTest, HasItsMenuInTheTray) {
     wxCommandEvent event(wxEVT_MENU, menu->FindItemByPosition(place)->GetId());
     menu->ProcessEvent(event);
   };
-  const auto seen = [&] { return main->IsShown() && !main->IsIconized(); };
+  choose(0);
+  EXPECT_TRUE(waitUntil([&] { return seen(); }));
   choose(2);
   EXPECT_TRUE(waitUntil([&] { return !seen(); }));
-  choose(0);
-  EXPECT_TRUE(waitUntil(seen));
   choose(4);
   EXPECT_TRUE(waitUntil([&] { return !main; }));
 }
 
 TEST_F(MainWindowTest, ShowsTheProfilesThatTheFileHoldsNow) {
   start();
-  stayOpen();
   ReportControl& list = main->site->wndTaskPanel->list();
   ASSERT_EQ(list.rowCount(), 1u);
   EXPECT_EQ(list.item(0, 0), "site");
@@ -457,7 +402,6 @@ TEST_F(MainWindowTest, ShowsTheProfilesThatTheFileHoldsNow) {
 TEST_F(MainWindowTest, ShowsNetworkAndClockWhileTheSettingsAreSeen) {
   now = [] { return *MakeLocalDateTime({2026, 11, 24, 15, 5, 9, 0}); };
   start();
-  stayOpen();
   main->panes->activate(kSettingsPane);
   frmSettings& form = *main->settingsForm;
   EXPECT_TRUE(waitUntil([&] { return form.lblTimeNow->GetLabelText() == "03:05:09 PM"; }));

@@ -9,42 +9,26 @@ namespace {
 
 class PanesTest : public GuiTest {
  protected:
-  void startAgain() {
-    main->ExitRoutine();
-    ASSERT_TRUE(waitUntil([&] { return !main; }));
-    start();
-    stayOpen();
-  }
   wxWindow* form(std::size_t pane) { return main->panes->GetPage(pane); }
 };
 
-std::vector<PaneGroup> groupsOf(const PaneLayout& layout) {
-  return layout.groups;
-}
-
 TEST_F(PanesTest, ComeBackAsTheyWereArranged) {
   start();
-  stayOpen();
   EXPECT_EQ(main->panes->layout(), DefaultLayout());
   main->panes->Split(1, wxBOTTOM);
   main->panes->Split(4, wxRIGHT);
-  const std::vector<PaneGroup> arranged = groupsOf(main->panes->layout());
+  const std::vector<PaneGroup> arranged = main->panes->layout().groups;
   ASSERT_EQ(arranged.size(), 3u);
+  endProgram();
+  start();
+  EXPECT_EQ(main->panes->layout().groups, arranged);
   ASSERT_TRUE(waitUntil([&] { return form(1)->IsShownOnScreen() && form(0)->IsShownOnScreen(); }));
-  const bool backupBelow = form(1)->GetScreenPosition().y > form(0)->GetScreenPosition().y;
-  const bool helpBeside = form(4)->GetScreenPosition().x > form(0)->GetScreenPosition().x;
-  startAgain();
-  EXPECT_EQ(groupsOf(main->panes->layout()), arranged);
-  ASSERT_TRUE(waitUntil([&] { return form(1)->IsShownOnScreen() && form(0)->IsShownOnScreen(); }));
-  EXPECT_EQ(form(1)->GetScreenPosition().y > form(0)->GetScreenPosition().y, backupBelow);
-  EXPECT_EQ(form(4)->GetScreenPosition().x > form(0)->GetScreenPosition().x, helpBeside);
-  EXPECT_TRUE(backupBelow);
-  EXPECT_TRUE(helpBeside);
+  EXPECT_GT(form(1)->GetScreenPosition().y, form(0)->GetScreenPosition().y);
+  EXPECT_GT(form(4)->GetScreenPosition().x, form(0)->GetScreenPosition().x);
 }
 
 TEST_F(PanesTest, GoBackBehindOneRowOfTabs) {
   start();
-  stayOpen();
   main->panes->Split(1, wxBOTTOM);
   main->panes->Split(2, wxRIGHT);
   clickEvent(main->settingsForm->cmdResetLayout);
@@ -63,7 +47,6 @@ TEST_F(PanesTest, BeginAnewWhenTheirLayoutCannotBeRead) {
        {"rubbish", "2*,3,4,5 ", "2*,3;4*,5,8 layout2|name=nobody;dir=9|", "2*,3;4*,5,8 "}) {
     WriteSetting("PaneLayout", stored);
     start();
-    stayOpen();
     std::size_t held = 0;
     for (const PaneGroup& group : main->panes->layout().groups) held += group.panes.size();
     EXPECT_EQ(held, kPanes.size()) << stored;
@@ -72,45 +55,32 @@ TEST_F(PanesTest, BeginAnewWhenTheirLayoutCannotBeRead) {
       EXPECT_TRUE(waitUntil([&] { return form(i)->IsShownOnScreen() && form(i)->GetSize().y > 50; }))
           << stored << ": " << kPanes[i].title;
     }
-    main->ExitRoutine();
-    ASSERT_TRUE(waitUntil([&] { return !main; }));
+    endProgram();
   }
 }
 
 TEST_F(PanesTest, LetTheTabKeyReachEveryControlInReadingOrder) {
-  start();
-  stayOpen();
-  main->panes->activate(kBackupPane);
-  frmProcess& form = *main->process;
-  ASSERT_TRUE(waitUntil([&] { return form.cmdStart->IsShownOnScreen(); }));
+  startAtTheBackup();
   main->Raise();
-  form.cmdStart->SetFocus();
-  ASSERT_TRUE(waitUntil([&] { return wxWindow::FindFocus() == form.cmdStart; }));
-  wxUIActionSimulator hand;
-  hand.Char(WXK_TAB);
-  EXPECT_TRUE(waitUntil([&] { return wxWindow::FindFocus() == form.rtfLog; }))
-      << "from the button to the log";
-  hand.Char(WXK_TAB);
-  EXPECT_TRUE(waitUntil([&] {
-    const wxWindow* focus = wxWindow::FindFocus();
-    return focus && (focus == form.wndReportControl || focus->GetParent() == form.wndReportControl);
-  })) << "from the log to the report";
+  process->cmdStart->SetFocus();
+  ASSERT_TRUE(waitUntil([&] { return hasFocus(process->cmdStart); }));
+  for (const wxWindow* const next :
+       std::initializer_list<const wxWindow*>{process->rtfLog, process->wndReportControl}) {
+    hand.Char(WXK_TAB);
+    EXPECT_TRUE(waitUntil([&] { return hasFocus(next); })) << next->GetName();
+  }
 }
 
 TEST_F(PanesTest, AreGoneThroughByTheKeyboard) {
   start();
-  stayOpen();
   main->Raise();
   form(0)->SetFocus();
   ASSERT_TRUE(waitUntil([&] { return wxWindow::FindFocus() != nullptr; }));
-  wxUIActionSimulator hand;
   const auto goesTo = [&](int modifiers, const Pane& pane) {
     hand.Char(WXK_TAB, modifiers);
     EXPECT_TRUE(waitUntil([&] {
-      wxWindow* focus = wxWindow::FindFocus();
-      while (focus && focus->GetParent() != main->panes) focus = focus->GetParent();
       return main->panes->activePane() == pane.id &&
-             focus == main->panes->GetPage(main->panes->GetSelection());
+             hasFocus(main->panes->GetPage(main->panes->GetSelection()));
     })) << pane.title;
   };
   for (std::size_t i = 1; i <= kPanes.size(); ++i) goesTo(wxMOD_CONTROL, kPanes[i % kPanes.size()]);
@@ -119,7 +89,6 @@ TEST_F(PanesTest, AreGoneThroughByTheKeyboard) {
 
 TEST_F(PanesTest, HaveNoMnemonicTwice) {
   start();
-  stayOpen();
   for (std::size_t i = 0; i < kPanes.size(); ++i) {
     std::multiset<wxUniChar> seen;
     std::vector<wxWindow*> windows{form(i)};

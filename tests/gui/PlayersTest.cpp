@@ -120,16 +120,6 @@ TEST_F(PlayersTest, DrawsProgressInItsColour) {
   bar->SetValue(1000);
   EXPECT_EQ(std::to_string(bar->GetValue()) + " " + bar->GetText(), "200 100%");
   EXPECT_TRUE(waitUntil([&] { return isFilled(190, 10); }));
-  bar->SetOrientation(BarOrientation::vertical);
-  bar->SetValue(100);
-  EXPECT_TRUE(waitUntil([&] { return isFilled(100, 14) && !isFilled(100, 6); }));
-  bar->SetOrientation(BarOrientation::horizontal);
-  bar->SetScrolling(BarScrolling::standard);
-  EXPECT_TRUE(waitUntil([&] {
-    int edges = 0;
-    for (int x = 1; x < 100; ++x) edges += isFilled(x, 10) != isFilled(x - 1, 10) ? 1 : 0;
-    return edges > 8;
-  })) << "blocks";
 }
 
 TEST_F(PlayersTest, ShowsTheGuideWhenItsTabIsOpened) {

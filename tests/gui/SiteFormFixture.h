@@ -16,21 +16,20 @@ class SiteFormTest : public GuiTest {
  protected:
   void open() {
     start();
-    stayOpen();
     form = main->site;
     fields = form->fields;
     ASSERT_TRUE(waitUntil([&] { return fields->box("name")->IsShownOnScreen(); }));
   }
-  void command(int id) { clickEvent(form->wndTaskPanel->command(id)); }
+  /// The same with the profile "site" in it.
+  void openSite() {
+    open();
+    clickProfile("site");
+    ASSERT_TRUE(isOpen("site"));
+  }
+  void choose(int id) { clickEvent(form->wndTaskPanel->command(id)); }
   void chooseProxy(int type) {
     fields->cboProxyType->SetSelection(type);
-    wxCommandEvent chosen(wxEVT_CHOICE, fields->cboProxyType->GetId());
-    fields->cboProxyType->ProcessWindowEvent(chosen);
-  }
-  void tick(wxCheckBox* check, bool ticked) {
-    check->SetValue(ticked);
-    wxCommandEvent event(wxEVT_CHECKBOX, check->GetId());
-    check->ProcessWindowEvent(event);
+    command(fields->cboProxyType, wxEVT_CHOICE);
   }
   void focus(wxWindow* control) {
     auto* const top = static_cast<wxTopLevelWindow*>(wxGetTopLevelParent(control));
@@ -39,11 +38,9 @@ class SiteFormTest : public GuiTest {
     control->SetFocus();
     EXPECT_TRUE(waitUntil([&] { return hasFocus(control); })) << described(control);
   }
-  /// Of a composite control a child may have it, or a part that the toolkit does not tell of.
+  /// Of a part that is the toolkit's own there is no window.
   bool hasFocus(const wxWindow* control) const {
-    const wxWindow* const window = wxWindow::FindFocus();
-    if (!window) return control == fields->cboProxyType;
-    return window == control || window->GetParent() == control;
+    return quillmoor::hasFocus(control) || (!wxWindow::FindFocus() && control == fields->cboProxyType);
   }
   /// Real keys into a text box, whose whole text they replace.
   void type(wxTextCtrl* box, const char* text) {
@@ -97,7 +94,6 @@ class SiteFormTest : public GuiTest {
 
   frmSite* form = nullptr;
   SiteFields* fields = nullptr;
-  wxUIActionSimulator hand;
 };
 
 }  // namespace quillmoor
