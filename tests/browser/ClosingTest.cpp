@@ -114,19 +114,15 @@ TEST_P(ClosingInTheMiddle, ClosesAtOnce) {
 TEST_P(ClosingInTheMiddle, CanBeDestroyed) {
   prepare();
   const auto calls = view.calls;
-  const auto begin = steady_clock::now();
   browser.reset();
-  EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(10));
   EXPECT_EQ(view.calls, calls);
   EXPECT_EQ(server.count("QUIT"), 0U);
 }
 
 TEST_P(ClosingInTheMiddle, CanBeDestroyedBetweenClosingAndTheEnd) {
   prepare();
-  const auto begin = steady_clock::now();
   browser->close({});
   browser.reset();
-  EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(10));
   EXPECT_FALSE(view.isClosed);
 }
 

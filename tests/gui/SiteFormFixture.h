@@ -73,12 +73,6 @@ class SiteFormTest : public GuiTest {
     const wxRect view = fields->GetScreenRect(), place = control->GetScreenRect();
     return place.y >= view.y && place.GetBottom() <= view.GetBottom() && view.Intersects(place);
   }
-  wxString where(const wxWindow* control) {
-    const wxRect view = fields->GetScreenRect(), place = control->GetScreenRect();
-    return described(control) + wxString::Format(" at %d-%d, %d-%d in %d-%d, %d-%d", place.x,
-                                                 place.GetRight(), place.y, place.GetBottom(), view.x,
-                                                 view.GetRight(), view.y, view.GetBottom());
-  }
   std::vector<std::string> listed() {
     const ReportControl& list = form->wndTaskPanel->list();
     std::vector<std::string> names;

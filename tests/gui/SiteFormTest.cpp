@@ -111,7 +111,7 @@ TEST_F(SiteFormTest, LeadsToWhatIsMissingAndBringsItIntoView) {
     const bool list = row.key == std::string("Folders");
     wxWindow* const wanted = list ? static_cast<wxWindow*>(fields->lvwFolders) : fields->box(row.key);
     EXPECT_TRUE(waitUntil([&] { return hasFocus(wanted); })) << row.message;
-    EXPECT_TRUE(waitUntil([&] { return inView(wanted); })) << row.message << where(wanted);
+    EXPECT_TRUE(waitUntil([&] { return inView(wanted); })) << row.message;
     if (!list) type(fields->box(row.key), row.mend);
   }
   EXPECT_FALSE(ProfileExists("other", profilesFile()));
@@ -269,20 +269,13 @@ TEST_F(SiteFormTest, StaysWholeInASmallWindowWithALotInIt) {
   WriteSetting("MainHeight", "4500");
   open();
   EXPECT_EQ(listed().size(), 202u);
-  constexpr std::chrono::seconds kSoon(3);
-  std::chrono::steady_clock::duration took = kSoon;
-  for (int tries = 0; tries < 3 && took >= kSoon; ++tries) {  // other tests may come between
-    choose(kAddItem);
-    ASSERT_TRUE(isOpen(""));
-    const auto begin = std::chrono::steady_clock::now();
-    clickProfile("zz");
-    ASSERT_TRUE(isOpen("zz"));
-    EXPECT_EQ(folders().size(), 2000u);
-    took = std::chrono::steady_clock::now() - begin;
-  }
-  EXPECT_LT(took, kSoon);
+  const auto begin = std::chrono::steady_clock::now();
+  clickProfile("zz");
+  ASSERT_TRUE(isOpen("zz"));
+  EXPECT_EQ(folders().size(), 2000u);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10)) << "a tenth is usual";
   focus(fields->box("RunURL"));
-  EXPECT_TRUE(waitUntil([&] { return inView(fields->box("RunURL")); })) << where(fields->box("RunURL"));
+  EXPECT_TRUE(waitUntil([&] { return inView(fields->box("RunURL")); }));
   for (const CommandItem& item : kCommandItems) {
     const wxRect button = form->wndTaskPanel->command(item.id)->GetScreenRect();
     EXPECT_TRUE(form->GetScreenRect().Contains(button)) << item.caption.data();
