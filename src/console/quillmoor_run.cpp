@@ -33,7 +33,8 @@ constexpr const char* kHelp =
     "  --help            show this and end\n"
     "  --version         show the version and end\n"
     "\n"
-    "Ctrl-C stops the run in good order, a second Ctrl-C ends the program at once. While the run waits for a\n"
+    "Ctrl-C stops the run in good order, a second Ctrl-C ends the program at once. While the run waits for "
+    "a\n"
     "network, with AutoDial 0, only the second one ends it.\n"
     "Exit status: 0 when every enabled profile was completed and nothing of it failed, 1 when one was not or "
     "a folder, a file, an archive or a copy of one failed, 2 when the run could not start.\n";

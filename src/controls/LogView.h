@@ -25,8 +25,8 @@ class LogView : public wxScrolled<wxWindow> {
   void logChanged();
   /// The same, at once.
   void showNewest();
-  /// Scrolls to a line and selects it. Lines are counted from the first ever appended (LogText::firstLine); of
-  /// those dropped since then the oldest one left is shown.
+  /// Scrolls to a line and selects it. Lines are counted from the first ever appended (LogText::firstLine);
+  /// of those dropped since then the oldest one left is shown.
   void showLine(std::size_t number);
 
   bool hasSelection() const { return anchor_ != caret_; }
