@@ -40,7 +40,7 @@ class MainWindowTest : public GuiTest {
   }
   static ExpectBox stopBox(int answer) {
     return {"Warrning", "Are you sure you want to stop the current backup process",
-            wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_ERROR, answer};
+            static_cast<long>(wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | wxICON_ERROR), answer};
   }
   bool seen() const { return main->IsShown() && !main->IsIconized(); }
   bool idle() const { return !process->active(); }
