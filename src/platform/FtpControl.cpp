@@ -96,6 +96,7 @@ void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, 
                    "Cannot connect to " + host + ": " + ErrorText(error) + ".");
   }
   asio::error_code ignored;
+  remote_ = channel_.socket.remote_endpoint(ignored);
   channel_.socket.set_option(asio::ip::tcp::no_delay(true), ignored);
   // Firewalls forget a silent connection during a long transfer.
   KeepConnectionAlive(static_cast<std::uintptr_t>(channel_.socket.native_handle()), kKeepAlive);
@@ -103,6 +104,7 @@ void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, 
 
 void FtpControl::close() {
   channel_.close();
+  remote_ = {};
   reader_.clear();
   ahead_.clear();
   takesAhead_ = true;
@@ -115,11 +117,6 @@ void FtpControl::close() {
 asio::ip::address FtpControl::localAddress() const {
   asio::error_code ignored;
   return channel_.socket.local_endpoint(ignored).address();
-}
-
-asio::ip::tcp::endpoint FtpControl::remoteEndpoint() const {
-  asio::error_code ignored;
-  return channel_.socket.remote_endpoint(ignored);
 }
 
 void FtpControl::write(const std::string& bytes, milliseconds timeout) {

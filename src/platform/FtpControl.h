@@ -35,7 +35,8 @@ class FtpControl {
   bool isOpen() const { return channel_.socket.is_open(); }
 
   asio::ip::address localAddress() const;
-  asio::ip::tcp::endpoint remoteEndpoint() const;
+  /// The peer the connection was made to; unspecified while there is none.
+  const asio::ip::tcp::endpoint& remoteEndpoint() const { return remote_; }
   TcpChannel& channel() { return channel_; }
 
   /// Sends a command line and returns its final reply, passing over preliminary ones. Takes the reply of the
@@ -97,6 +98,7 @@ class FtpControl {
 
   PumpedIo& io_;
   TcpChannel channel_;
+  asio::ip::tcp::endpoint remote_;
   FtpReplyReader reader_;
   std::deque<std::string> ahead_;
   bool takesAhead_ = true;

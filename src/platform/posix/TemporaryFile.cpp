@@ -2,8 +2,10 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -33,6 +35,16 @@ int lockWithoutWaiting(int file) {
   while ((result = ::flock(file, LOCK_EX | LOCK_NB)) != 0 && errno == EINTR) {
   }
   return result;
+}
+
+/// Whether a write that was accepted cannot fail when the file is closed, as it can on a share.
+/// Only the usual file systems of disks are known to be so.
+bool closeCannotFail(int file) {
+  constexpr decltype(statfs::f_type) kXfs = 0x58465342;
+  struct statfs status {};
+  if (::fstatfs(file, &status) != 0) return false;
+  return status.f_type == EXT4_SUPER_MAGIC || status.f_type == kXfs || status.f_type == TMPFS_MAGIC ||
+         status.f_type == BTRFS_SUPER_MAGIC;
 }
 
 /// Locks a file just created. False when a sweep got hold of it before, which then removes it.
@@ -82,6 +94,7 @@ void TemporaryFile::flushToDisk() {
 /// The system reports at every close of the file what it could not write; the lock stays with the last.
 void TemporaryFile::finishWriting() {
   if (!std::exchange(writing_, false)) return;
+  if (closeCannotFail(static_cast<int>(handle_))) return;
   const int other = ::fcntl(static_cast<int>(handle_), F_DUPFD_CLOEXEC, 0);
   if (other < 0 || ::close(other) != 0) fail("cannot write", path_);
 }
