@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/LocalPath.h"
-#include "platform/ProgramArguments.h"
-#include "platform/ZipArchive.h"
+#include "platform/files/LocalPath.h"
+#include "platform/system/ProgramArguments.h"
+#include "platform/zip/ZipArchive.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <exception>
 #include <string>
 
-#include "engine/ErrorGuard.h"
-#include "profiles/LenientNumber.h"
+#include "base/ErrorGuard.h"
+#include "base/LenientNumber.h"
 #include "profiles/SettingsStore.h"
 
 namespace quillmoor {

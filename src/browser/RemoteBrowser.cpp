@@ -3,9 +3,9 @@
 #include <iterator>
 #include <utility>
 
+#include "base/BusyFlag.h"
 #include "browser/SessionThread.h"
 #include "browser/UnparsedListing.h"
-#include "engine/BusyFlag.h"
 #include "engine/RunLog.h"
 #include "engine/ShownText.h"
 #include "profiles/ProfileText.h"

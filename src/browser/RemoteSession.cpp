@@ -7,14 +7,14 @@
 #include <utility>
 #include <vector>
 
-#include "engine/BusyFlag.h"
-#include "engine/ErrorGuard.h"
+#include "base/BusyFlag.h"
+#include "base/ErrorGuard.h"
+#include "base/LenientNumber.h"
+#include "base/Utf8.h"
 #include "engine/FtpAdvice.h"
 #include "engine/FtpConnection.h"
 #include "engine/ListingParser.h"
 #include "engine/ShownText.h"
-#include "platform/Utf8.h"
-#include "profiles/LenientNumber.h"
 
 namespace quillmoor {
 namespace {

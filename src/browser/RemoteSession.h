@@ -14,7 +14,7 @@
 #include "browser/BrowserEvents.h"
 #include "engine/RunProfileFields.h"
 #include "engine/mCreatePath.h"
-#include "platform/FtpClient.h"
+#include "platform/ftp/FtpClient.h"
 #include "profiles/SiteProfileEditor.h"
 
 namespace quillmoor {

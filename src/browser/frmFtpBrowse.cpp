@@ -6,10 +6,10 @@
 
 #include <utility>
 
+#include "base/BusyFlag.h"
 #include "browser/BrowserPlacement.h"
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
-#include "engine/BusyFlag.h"
 
 namespace quillmoor {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Pump.h"
-#include "platform/RemoteAccess.h"
+#include "base/Pump.h"
+#include "platform/network/RemoteAccess.h"
 
 namespace quillmoor {
 

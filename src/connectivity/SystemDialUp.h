@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "connectivity/DialUp.h"
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 

@@ -11,7 +11,8 @@ inline constexpr std::uint32_t kNetworkLan = 1;
 inline constexpr std::uint32_t kNetworkWan = 2;
 inline constexpr std::uint32_t kNetworkOnlineService = 4;
 
-/// Tells whether some network is up and of which kinds; platform/NetworkAlive.h has the machine's own.
+/// Tells whether some network is up and of which kinds; platform/network/NetworkAlive.h has the machine's
+/// own.
 using NetworkSource = std::function<bool(std::uint32_t& kinds)>;
 
 /// Some network is up, of whatever kind.

@@ -1,7 +1,7 @@
 // Dial-up connections of the whole system, whoever made them.
 #pragma once
 
-#include "platform/RemoteAccess.h"
+#include "platform/network/RemoteAccess.h"
 
 namespace quillmoor::mRasAPI {
 

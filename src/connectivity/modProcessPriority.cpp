@@ -1,6 +1,6 @@
 #include "connectivity/modProcessPriority.h"
 
-#include "platform/ProcessPriority.h"
+#include "platform/system/ProcessPriority.h"
 
 namespace quillmoor::modProcessPriority {
 

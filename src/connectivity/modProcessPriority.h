@@ -35,7 +35,7 @@ std::string ClassName(std::int32_t priorityClass);
 
 /// Puts a process into the class and returns the class that is then in force, 0 when the process cannot even
 /// be asked. Process 0 is the owner of the window or, without a window, this process. A refusal is no error:
-/// what is returned tells. platform/ProcessPriority.h says what the classes are on each system.
+/// what is returned tells. platform/system/ProcessPriority.h says what the classes are on each system.
 std::int32_t SetPriority(std::uint32_t processId, std::uintptr_t window, std::int32_t priorityClass);
 
 }  // namespace quillmoor::modProcessPriority

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/PrintableText.h"
+#include "platform/system/PrintableText.h"
 
 namespace quillmoor {
 namespace {

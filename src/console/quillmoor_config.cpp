@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "connectivity/DialUp.h"
-#include "platform/CodePage.h"
-#include "platform/LocalPath.h"
-#include "platform/ProgramArguments.h"
-#include "platform/Terminal.h"
+#include "platform/files/LocalPath.h"
+#include "platform/system/CodePage.h"
+#include "platform/system/ProgramArguments.h"
+#include "platform/system/Terminal.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/ProfileHints.h"
 #include "profiles/ProfileText.h"

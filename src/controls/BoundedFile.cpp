@@ -4,7 +4,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 
 namespace quillmoor {
 

@@ -14,7 +14,7 @@
 #include "controls/AccessibleName.h"
 #include "controls/TextMargin.h"
 #include "controls/WxColours.h"
-#include "platform/LocalFiles.h"
+#include "platform/files/LocalFiles.h"
 
 namespace quillmoor {
 namespace {

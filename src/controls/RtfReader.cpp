@@ -5,9 +5,9 @@
 #include <map>
 #include <utility>
 
+#include "base/Utf8.h"
+#include "base/Windows1252.h"
 #include "controls/BoundedFile.h"
-#include "platform/Utf8.h"
-#include "platform/Windows1252.h"
 
 namespace quillmoor {
 namespace {

@@ -9,8 +9,8 @@
 #include <functional>
 #include <utility>
 
+#include "base/ErrorGuard.h"
 #include "controls/EventPump.h"
-#include "engine/ErrorGuard.h"
 
 namespace quillmoor {
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/ZipArchive.h"
+#include "platform/zip/ZipArchive.h"
 
 namespace quillmoor {
 

@@ -5,14 +5,14 @@
 #include <stdexcept>
 #include <utility>
 
-#include "engine/ErrorGuard.h"
+#include "base/ErrorGuard.h"
+#include "base/LenientNumber.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
 #include "engine/mGeneral.h"
-#include "platform/CopyFile.h"
-#include "platform/LocalPath.h"
-#include "platform/ZipOutput.h"
-#include "profiles/LenientNumber.h"
+#include "platform/files/CopyFile.h"
+#include "platform/files/LocalPath.h"
+#include "platform/zip/ZipOutput.h"
 #include "profiles/NameOrder.h"
 #include "profiles/mBase64.h"
 #include "profiles/mRC4.h"

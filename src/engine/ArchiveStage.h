@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "base/Pump.h"
 #include "engine/ArchivePacker.h"
 #include "engine/RunDisplay.h"
 #include "engine/RunLog.h"
 #include "engine/RunState.h"
-#include "platform/Pump.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {

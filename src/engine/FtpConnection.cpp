@@ -1,6 +1,6 @@
 #include "engine/FtpConnection.h"
 
-#include "profiles/LenientNumber.h"
+#include "base/LenientNumber.h"
 
 namespace quillmoor {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "engine/ErrorGuard.h"
+#include "base/ErrorGuard.h"
 #include "engine/RunProfileFields.h"
-#include "platform/FtpClient.h"
+#include "platform/ftp/FtpClient.h"
 
 namespace quillmoor {
 

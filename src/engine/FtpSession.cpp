@@ -4,14 +4,14 @@
 #include <cmath>
 #include <utility>
 
-#include "engine/BusyFlag.h"
-#include "engine/ErrorGuard.h"
+#include "base/BusyFlag.h"
+#include "base/ErrorGuard.h"
+#include "base/LenientNumber.h"
 #include "engine/FtpAdvice.h"
 #include "engine/FtpConnection.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
 #include "engine/mGeneral.h"
-#include "profiles/LenientNumber.h"
 
 namespace quillmoor {
 

@@ -11,7 +11,7 @@
 #include "engine/RunLog.h"
 #include "engine/RunServices.h"
 #include "engine/RunState.h"
-#include "platform/FtpClient.h"
+#include "platform/ftp/FtpClient.h"
 
 namespace quillmoor {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 

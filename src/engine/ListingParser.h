@@ -4,9 +4,9 @@
 
 #include <string>
 
+#include "base/Pump.h"
 #include "engine/RemoteListing.h"
-#include "platform/LocalTime.h"
-#include "platform/Pump.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 

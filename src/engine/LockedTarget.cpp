@@ -4,8 +4,8 @@
 #include <system_error>
 
 #include "engine/mCreatePath.h"
-#include "platform/LocalFiles.h"
-#include "platform/LocalPath.h"
+#include "platform/files/LocalFiles.h"
+#include "platform/files/LocalPath.h"
 
 namespace quillmoor {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/TargetLock.h"
+#include "platform/files/TargetLock.h"
 
 namespace quillmoor {
 

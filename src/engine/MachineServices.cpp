@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "engine/TransferType.h"
-#include "platform/NetworkAlive.h"
-#include "platform/ProgramFolder.h"
-#include "platform/SingleInstance.h"
+#include "platform/files/SingleInstance.h"
+#include "platform/network/NetworkAlive.h"
+#include "platform/system/ProgramFolder.h"
 
 namespace quillmoor {
 namespace {

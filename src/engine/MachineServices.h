@@ -5,15 +5,15 @@
 #include <memory>
 #include <string>
 
+#include "base/Pump.h"
 #include "connectivity/DialUp.h"
 #include "connectivity/mNetworkConnection.h"
 #include "engine/ArchivePacker.h"
 #include "engine/ArchiveStage.h"
 #include "engine/RunActions.h"
 #include "engine/RunServices.h"
-#include "platform/LocalTime.h"
-#include "platform/Pump.h"
-#include "platform/WebRequest.h"
+#include "platform/net/WebRequest.h"
+#include "platform/system/LocalTime.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <string>
 
-#include "engine/BusyFlag.h"
-#include "engine/ErrorGuard.h"
+#include "base/BusyFlag.h"
+#include "base/ErrorGuard.h"
+#include "base/LenientNumber.h"
 #include "engine/LogColours.h"
-#include "profiles/LenientNumber.h"
 
 namespace quillmoor {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "engine/RunLog.h"
 #include "engine/RunProfileFields.h"
-#include "platform/ShellOpen.h"
-#include "platform/WebRequest.h"
+#include "platform/net/WebRequest.h"
+#include "platform/system/ShellOpen.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {

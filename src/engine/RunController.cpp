@@ -3,15 +3,15 @@
 #include <set>
 #include <utility>
 
+#include "base/BusyFlag.h"
+#include "base/ErrorGuard.h"
 #include "engine/BackupRunning.h"
-#include "engine/BusyFlag.h"
-#include "engine/ErrorGuard.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
 #include "engine/mCreatePath.h"
 #include "engine/mGeneral.h"
-#include "platform/FileSet.h"
-#include "platform/LocalPath.h"
+#include "platform/files/FileSet.h"
+#include "platform/files/LocalPath.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mIni.h"
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "profiles/LenientNumber.h"
+#include "base/LenientNumber.h"
 #include "profiles/SiteProfile.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mBase64.h"

@@ -9,13 +9,13 @@
 #include <thread>
 #include <vector>
 
+#include "base/Pump.h"
 #include "connectivity/DialUp.h"
 #include "connectivity/mNetworkConnection.h"
 #include "engine/ArchiveStage.h"
 #include "engine/RunActions.h"
 #include "engine/RunDisplay.h"
-#include "platform/LocalTime.h"
-#include "platform/Pump.h"
+#include "platform/system/LocalTime.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {

@@ -9,7 +9,7 @@
 #include "engine/RunFailures.h"
 #include "engine/RunProfileFields.h"
 #include "engine/mCreatePath.h"
-#include "platform/FtpClient.h"
+#include "platform/ftp/FtpClient.h"
 
 namespace quillmoor {
 

@@ -4,8 +4,8 @@
 #include <array>
 
 #include "engine/mCreatePath.h"
-#include "platform/PrintableText.h"
-#include "platform/ReservedNames.h"
+#include "platform/files/ReservedNames.h"
+#include "platform/system/PrintableText.h"
 
 namespace quillmoor {
 namespace {

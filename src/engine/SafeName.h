@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "engine/mCreatePath.h"
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 
 namespace quillmoor {
 

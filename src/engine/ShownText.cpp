@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "platform/CodePage.h"
-#include "platform/PrintableText.h"
-#include "platform/Utf8.h"
+#include "base/Utf8.h"
+#include "platform/system/CodePage.h"
+#include "platform/system/PrintableText.h"
 
 namespace quillmoor {
 namespace {

@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "engine/FtpConnection.h"
 #include "engine/ListingDate.h"
 #include "engine/ListingParser.h"
@@ -14,13 +15,12 @@
 #include "engine/mCreatePath.h"
 #include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
-#include "platform/ArchiveFiles.h"
-#include "platform/FtpWording.h"
-#include "platform/LocalFiles.h"
-#include "platform/LocalPath.h"
-#include "platform/ReservedNames.h"
-#include "platform/Utf8.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/ArchiveFiles.h"
+#include "platform/files/LocalFiles.h"
+#include "platform/files/LocalPath.h"
+#include "platform/files/ReservedNames.h"
+#include "platform/files/WorkFolder.h"
+#include "platform/ftp/FtpWording.h"
 
 namespace quillmoor {
 namespace {

@@ -9,14 +9,14 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/ErrorGuard.h"
+#include "base/ErrorGuard.h"
 #include "engine/FtpSession.h"
 #include "engine/RemoteListing.h"
 #include "engine/RunLog.h"
 #include "engine/RunServices.h"
 #include "engine/RunState.h"
 #include "engine/WalkTrail.h"
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 

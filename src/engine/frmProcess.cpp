@@ -17,7 +17,7 @@
 #include "controls/WxColours.h"
 #include "engine/LogColours.h"
 #include "engine/ShownText.h"
-#include "platform/ProgramFolder.h"
+#include "platform/system/ProgramFolder.h"
 
 namespace quillmoor {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/LocalFiles.h"
+#include "platform/files/LocalFiles.h"
 
 namespace quillmoor {
 namespace {

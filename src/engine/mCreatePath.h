@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 
 namespace quillmoor {
 

@@ -1,6 +1,6 @@
 #include "engine/mFileLib.h"
 
-#include "platform/FileTimes.h"
+#include "platform/files/FileTimes.h"
 
 namespace quillmoor {
 

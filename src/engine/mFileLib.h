@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 

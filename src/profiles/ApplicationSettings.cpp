@@ -1,6 +1,6 @@
 #include "profiles/ApplicationSettings.h"
 
-#include "profiles/LenientNumber.h"
+#include "base/LenientNumber.h"
 #include "profiles/NameOrder.h"
 #include "profiles/SettingsStore.h"
 

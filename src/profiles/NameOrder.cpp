@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/CodePage.h"
+#include "platform/system/CodePage.h"
 
 // Names are ANSI text in their file, so the letters of the code page are the letters there are.
 

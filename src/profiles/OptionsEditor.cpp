@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/CodePage.h"
+#include "base/LenientNumber.h"
+#include "platform/system/CodePage.h"
 #include "profiles/JoinedList.h"
-#include "profiles/LenientNumber.h"
 #include "profiles/NameOrder.h"
 #include "profiles/ProfileHints.h"
 #include "profiles/mBase64.h"

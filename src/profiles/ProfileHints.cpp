@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/LocalPath.h"
-#include "profiles/LenientNumber.h"
+#include "base/LenientNumber.h"
+#include "platform/files/LocalPath.h"
 #include "profiles/ProfileText.h"
 #include "profiles/SiteProfileStore.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 #include "profiles/SiteProfile.h"
 
 namespace quillmoor {

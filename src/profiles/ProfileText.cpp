@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/CodePage.h"
-#include "platform/PrivateProfile.h"
+#include "platform/ini/PrivateProfile.h"
+#include "platform/system/CodePage.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mRC4.h"
 

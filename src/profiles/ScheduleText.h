@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/RegistryApi.h"
+#include "platform/registry/RegistryApi.h"
 #include "profiles/RegistryError.h"
 #include "profiles/SettingsStore.h"
 

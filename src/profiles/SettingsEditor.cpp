@@ -4,10 +4,10 @@
 #include <exception>
 #include <limits>
 
-#include "connectivity/PrioritySlider.h"
+#include "base/LenientNumber.h"
 #include "connectivity/modProcessPriority.h"
 #include "profiles/JoinedList.h"
-#include "profiles/LenientNumber.h"
+#include "profiles/PrioritySlider.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mAutoRun.h"
 

@@ -1,5 +1,5 @@
 // What the settings form shows and does, without the form: all of it but the dial-up part's own buttons and
-// labels (connectivity/DialUpPanel.h) and the clock (profiles/ScheduleText.h).
+// labels (profiles/DialUpPanel.h) and the clock (profiles/ScheduleText.h).
 #pragma once
 
 #include <array>
@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "connectivity/DialUpPanel.h"
 #include "profiles/ApplicationSettings.h"
+#include "profiles/DialUpPanel.h"
 #include "profiles/SettingWriter.h"
 #include "profiles/UserPrompts.h"
 

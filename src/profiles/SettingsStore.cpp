@@ -2,11 +2,11 @@
 
 #include <stdexcept>
 
-#include "platform/CodePage.h"
-#include "platform/PrintableText.h"
-#include "platform/RegistryApi.h"
+#include "base/LenientNumber.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/system/CodePage.h"
+#include "platform/system/PrintableText.h"
 #include "profiles/ApplicationSettings.h"
-#include "profiles/LenientNumber.h"
 #include "profiles/cRegistry.h"
 
 namespace quillmoor {

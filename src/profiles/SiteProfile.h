@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/ProgramFolder.h"
+#include "platform/system/ProgramFolder.h"
 
 namespace quillmoor {
 

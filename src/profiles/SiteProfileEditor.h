@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 #include "profiles/SiteProfile.h"
 #include "profiles/UserPrompts.h"
 

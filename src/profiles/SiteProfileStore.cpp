@@ -5,7 +5,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "profiles/LenientNumber.h"
+#include "base/LenientNumber.h"
 #include "profiles/NameOrder.h"
 #include "profiles/mBase64.h"
 #include "profiles/mIni.h"

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "platform/ProgramFolder.h"
-#include "platform/RegistryApi.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/system/ProgramFolder.h"
 
 namespace quillmoor {
 namespace {

@@ -6,11 +6,11 @@
 #include <initializer_list>
 #include <utility>
 
+#include "base/ErrorGuard.h"
 #include "connectivity/modProcessPriority.h"
 #include "controls/AccessibleName.h"
 #include "controls/TimePicker.h"
 #include "controls/WindowPrompts.h"
-#include "engine/ErrorGuard.h"
 #include "profiles/ScheduleText.h"
 
 namespace quillmoor {

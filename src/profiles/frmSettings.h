@@ -13,11 +13,11 @@
 #include <string>
 
 #include "connectivity/DialUp.h"
-#include "connectivity/DialUpPanel.h"
 #include "connectivity/mNetworkConnection.h"
 #include "controls/ScrolledForm.h"
 #include "controls/SeenTimer.h"
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
+#include "profiles/DialUpPanel.h"
 #include "profiles/SettingsEditor.h"
 #include "profiles/UserPrompts.h"
 

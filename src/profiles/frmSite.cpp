@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "base/ErrorGuard.h"
 #include "controls/BoundedFile.h"
 #include "controls/Mnemonics.h"
 #include "controls/TextWidth.h"
-#include "engine/ErrorGuard.h"
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 
 namespace quillmoor {
 namespace {

@@ -1,7 +1,7 @@
 #include "profiles/mAutoRun.h"
 
-#include "platform/ProgramFolder.h"
-#include "platform/RegistryApi.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/system/ProgramFolder.h"
 #include "profiles/cRegistry.h"
 
 namespace quillmoor::mAutoRun {

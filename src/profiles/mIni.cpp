@@ -1,7 +1,7 @@
 #include "profiles/mIni.h"
 
-#include "platform/CodePage.h"
-#include "platform/PrivateProfile.h"
+#include "platform/ini/PrivateProfile.h"
+#include "platform/system/CodePage.h"
 
 namespace quillmoor::mIni {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/CodePage.h"
+#include "platform/system/CodePage.h"
 #include "profiles/mBase64.h"
 
 namespace quillmoor::mRC4 {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 
 namespace quillmoor::sfx {
 

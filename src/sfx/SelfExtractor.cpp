@@ -14,10 +14,10 @@
 #include <vector>
 
 #include "engine/SafeName.h"
-#include "platform/LocalTime.h"
-#include "platform/ProgramArguments.h"
-#include "platform/ProgramFolder.h"
-#include "platform/Terminal.h"
+#include "platform/system/LocalTime.h"
+#include "platform/system/ProgramArguments.h"
+#include "platform/system/ProgramFolder.h"
+#include "platform/system/Terminal.h"
 #include "sfx/Unpack.h"
 
 namespace quillmoor::sfx {

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "engine/SafeName.h"
-#include "platform/ArchiveFiles.h"
-#include "platform/LocalFiles.h"
-#include "platform/TemporaryFile.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/ArchiveFiles.h"
+#include "platform/files/LocalFiles.h"
+#include "platform/files/TemporaryFile.h"
+#include "platform/files/WorkFolder.h"
 #include "sfx/EntryName.h"
 
 namespace quillmoor::sfx {

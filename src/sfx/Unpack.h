@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "sfx/ZipReader.h"
+#include "platform/zip/ZipReader.h"
 
 namespace quillmoor::sfx {
 

@@ -2,8 +2,8 @@
 
 #include <wx/taskbar.h>
 
-#include "engine/BusyFlag.h"
-#include "platform/Utf8.h"
+#include "base/BusyFlag.h"
+#include "base/Utf8.h"
 #include "shell/NotificationIcon.h"
 
 namespace quillmoor {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "platform/Utf8.h"
+#include "base/Utf8.h"
 #include "shell/TrayTip.h"
 
 namespace quillmoor {

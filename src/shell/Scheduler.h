@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 #include "profiles/ApplicationSettings.h"
 
 namespace quillmoor {

@@ -2,7 +2,7 @@
 
 #include <wx/sizer.h>
 
-#include "platform/ProgramFolder.h"
+#include "platform/system/ProgramFolder.h"
 
 namespace quillmoor {
 

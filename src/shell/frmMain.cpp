@@ -10,14 +10,14 @@
 #include <string>
 #include <vector>
 
+#include "base/ErrorGuard.h"
 #include "connectivity/modProcessPriority.h"
 #include "controls/Pictures.h"
 #include "controls/UserHoldsEventLoop.h"
 #include "engine/BackupRunning.h"
-#include "engine/ErrorGuard.h"
 #include "engine/mGeneral.h"
-#include "platform/NetworkAlive.h"
-#include "platform/Notices.h"
+#include "platform/network/NetworkAlive.h"
+#include "platform/system/Notices.h"
 #include "profiles/SettingWriter.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/SiteProfileStore.h"

@@ -16,8 +16,8 @@
 #include "controls/EventPump.h"
 #include "engine/MachineServices.h"
 #include "engine/frmProcess.h"
-#include "platform/LocalTime.h"
-#include "platform/SingleInstance.h"
+#include "platform/files/SingleInstance.h"
+#include "platform/system/LocalTime.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/frmOptions.h"
 #include "profiles/frmSettings.h"
@@ -30,7 +30,7 @@ namespace quillmoor {
 
 class frmMain : public wxFrame {
  public:
-  /// Makes the object, to which the program's notices (platform/Notices.h) go from now on.
+  /// Makes the object, to which the program's notices (platform/system/Notices.h) go from now on.
   frmMain();
   ~frmMain() override;
 

@@ -6,8 +6,8 @@
 
 #include <exception>
 
+#include "base/BusyFlag.h"
 #include "controls/EventPump.h"
-#include "engine/BusyFlag.h"
 #include "shell/frmMain.h"
 
 namespace quillmoor {

@@ -1,4 +1,4 @@
-#include "connectivity/DialUpPanel.h"
+#include "profiles/DialUpPanel.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "TestPlatform.h"
-#include "connectivity/PrioritySlider.h"
 #include "connectivity/modProcessPriority.h"
-#include "platform/ProcessPriority.h"
+#include "platform/system/ProcessPriority.h"
+#include "profiles/PrioritySlider.h"
 #include "profiles/SettingsStore.h"
 
 namespace quillmoor::modProcessPriority {

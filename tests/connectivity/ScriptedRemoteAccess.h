@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/RemoteAccess.h"
+#include "platform/network/RemoteAccess.h"
 
 namespace quillmoor {
 

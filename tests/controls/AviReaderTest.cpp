@@ -7,7 +7,7 @@
 
 #include "controls/ColourMath.h"
 #include "controls/Rle8.h"
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

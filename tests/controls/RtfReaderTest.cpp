@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

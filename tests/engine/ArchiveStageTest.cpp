@@ -11,7 +11,7 @@
 #include "TestPlatform.h"
 #include "engine/LogColours.h"
 #include "engine/RecordingDisplay.h"
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 #include "profiles/mRC4.h"
 #include "support/TemporaryFolder.h"
 

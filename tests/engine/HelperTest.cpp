@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Utf8.h"
 #include "console/ConsoleDisplay.h"
 #include "engine/RecordingDisplay.h"
 #include "engine/RunLog.h"
@@ -15,8 +16,7 @@
 #include "engine/ShownText.h"
 #include "engine/mCreatePath.h"
 #include "engine/mGeneral.h"
-#include "platform/FtpReply.h"
-#include "platform/Utf8.h"
+#include "platform/ftp/FtpReply.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

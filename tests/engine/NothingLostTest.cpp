@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "engine/RunWorld.h"
-#include "platform/TargetLock.h"
+#include "platform/files/TargetLock.h"
 
 namespace quillmoor {
 namespace {

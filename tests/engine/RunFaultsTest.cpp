@@ -7,7 +7,7 @@
 #include <string>
 
 #include "engine/RunWorld.h"
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 #include "profiles/mIni.h"
 
 namespace quillmoor {

@@ -8,7 +8,7 @@
 
 #include "engine/BackupRunning.h"
 #include "engine/RunWorld.h"
-#include "platform/NvtText.h"
+#include "platform/ftp/NvtText.h"
 #include "profiles/mIni.h"
 #include "support/ScriptedSocksServer.h"
 

@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/CodePage.h"
-#include "platform/PrivateProfile.h"
+#include "platform/ini/PrivateProfile.h"
+#include "platform/system/CodePage.h"
 
 namespace quillmoor {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/RegistryFile.h"
+#include "platform/registry/RegistryFile.h"
 
 namespace quillmoor {
 namespace {

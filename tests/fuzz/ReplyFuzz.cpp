@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/FtpReply.h"
-#include "platform/FtpWording.h"
+#include "platform/ftp/FtpReply.h"
+#include "platform/ftp/FtpWording.h"
 
 namespace {
 

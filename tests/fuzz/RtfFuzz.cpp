@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "base/Utf8.h"
 #include "controls/RtfReader.h"
-#include "platform/Utf8.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {

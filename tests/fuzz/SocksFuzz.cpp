@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/FtpClient.h"
-#include "platform/SocksProxy.h"
+#include "platform/ftp/FtpClient.h"
+#include "platform/net/SocksProxy.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quillmoor;

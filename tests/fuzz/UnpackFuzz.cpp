@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/ArchiveFiles.h"
+#include "platform/files/ArchiveFiles.h"
+#include "platform/zip/ZipReader.h"
 #include "sfx/EntryName.h"
-#include "sfx/ZipReader.h"
 
 namespace {
 

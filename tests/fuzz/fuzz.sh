@@ -31,17 +31,17 @@ one() {
     -artifact_prefix=build/fuzz/ "build/fuzz/$name-corpus" "tests/fuzz/seeds/$name"
 }
 
-common=(src/controls/BoundedFile.cpp src/platform/Utf8.cpp src/platform/posix/LocalPath.cpp)
+common=(src/controls/BoundedFile.cpp src/base/Utf8.cpp src/platform/files/posix/LocalPath.cpp)
 fuzz avi tests/fuzz/AviFuzz.cpp src/controls/{AviReader,Rle8}.cpp "${common[@]}"
 fuzz rtf tests/fuzz/RtfFuzz.cpp src/controls/{RtfReader,RtfTokenizer}.cpp "${common[@]}"
-fuzz socks tests/fuzz/SocksFuzz.cpp src/platform/{SocksProxy,PumpedIo}.cpp src/platform/posix/ErrorText.cpp
-fuzz reply tests/fuzz/ReplyFuzz.cpp src/platform/{FtpReply,FtpWording,PrintableText,Utf8}.cpp src/platform/posix/CodePage.cpp
-fuzz listing tests/fuzz/ListingFuzz.cpp src/engine/Listing*.cpp src/platform/LocalDateTime.cpp src/platform/posix/LocalTime.cpp
-fuzz unpack tests/fuzz/UnpackFuzz.cpp src/sfx/{EntryName,Segments,ZipReader}.cpp src/engine/{SafeName,mCreatePath}.cpp \
-  src/platform/{LocalDateTime,PrintableText,ReservedNames,Utf8,WorkFolder,ZipCrypto}.cpp \
-  src/platform/posix/{ArchiveFiles,CodePage,ErrorText,LocalFiles,LocalPath,LocalTime,TargetLock,TemporaryFile}.cpp -lz -lnettle
-fuzz registry tests/fuzz/RegistryFuzz.cpp src/platform/{RegistryFile,Utf8}.cpp src/platform/posix/CodePage.cpp
-fuzz ini tests/fuzz/IniFuzz.cpp src/platform/{FileSet,Notices,PrivateProfileEdit,ReservedNames,Utf8,WholeFile,WorkFolder}.cpp \
-  src/platform/posix/{ArchiveFiles,CodePage,ErrorText,FolderLock,LocalFiles,LocalPath,PrivateFile,PrivateProfile,ProgramFolder,TargetLock,TemporaryFile}.cpp
+fuzz socks tests/fuzz/SocksFuzz.cpp src/platform/net/{SocksProxy,PumpedIo}.cpp src/platform/system/posix/ErrorText.cpp
+fuzz reply tests/fuzz/ReplyFuzz.cpp src/platform/ftp/{FtpReply,FtpWording}.cpp src/platform/system/PrintableText.cpp src/base/Utf8.cpp src/platform/system/posix/CodePage.cpp
+fuzz listing tests/fuzz/ListingFuzz.cpp src/engine/Listing*.cpp src/platform/system/LocalDateTime.cpp src/platform/system/posix/LocalTime.cpp
+fuzz unpack tests/fuzz/UnpackFuzz.cpp src/sfx/EntryName.cpp src/platform/zip/{Segments,ZipReader}.cpp src/engine/{SafeName,mCreatePath}.cpp \
+  src/platform/system/{LocalDateTime,PrintableText}.cpp src/platform/files/{ReservedNames,WorkFolder}.cpp src/base/Utf8.cpp src/platform/zip/ZipCrypto.cpp \
+  src/platform/files/posix/{ArchiveFiles,LocalFiles,LocalPath,TargetLock,TemporaryFile}.cpp src/platform/system/posix/{CodePage,ErrorText,LocalTime}.cpp -lz -lnettle
+fuzz registry tests/fuzz/RegistryFuzz.cpp src/platform/registry/RegistryFile.cpp src/base/Utf8.cpp src/platform/system/posix/CodePage.cpp
+fuzz ini tests/fuzz/IniFuzz.cpp src/platform/files/{FileSet,ReservedNames,WholeFile,WorkFolder}.cpp src/platform/system/Notices.cpp src/platform/ini/PrivateProfileEdit.cpp src/base/Utf8.cpp \
+  src/platform/files/posix/{ArchiveFiles,FolderLock,LocalFiles,LocalPath,PrivateFile,TargetLock,TemporaryFile}.cpp src/platform/system/posix/{CodePage,ErrorText,ProgramFolder}.cpp src/platform/ini/posix/PrivateProfile.cpp
 wait
 [ ! -e "$failed" ]

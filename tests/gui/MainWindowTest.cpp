@@ -7,8 +7,8 @@
 #include "GuiFixture.h"
 #include "connectivity/modProcessPriority.h"
 #include "controls/UserHoldsEventLoop.h"
-#include "platform/ProgramFolder.h"
-#include "platform/RegistryApi.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/system/ProgramFolder.h"
 #include "shell/WindowPlacement.h"
 
 namespace quillmoor {

@@ -1,6 +1,6 @@
 // What the backup pane says under its report.
 #include "GuiFixture.h"
-#include "platform/Notices.h"
+#include "platform/system/Notices.h"
 
 namespace quillmoor {
 namespace {

@@ -14,7 +14,7 @@
 #include "controls/RichTextView.h"
 #include "controls/WxColours.h"
 #include "controls/xpProgressBar.h"
-#include "platform/LocalPath.h"
+#include "platform/files/LocalPath.h"
 
 namespace quillmoor {
 namespace {

@@ -1,5 +1,5 @@
 // Copying a file: what the copy keeps, and that nothing half done ever stands in its place.
-#include "platform/CopyFile.h"
+#include "platform/files/CopyFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

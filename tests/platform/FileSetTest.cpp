@@ -1,5 +1,5 @@
 // The exchange of a set of files: at every moment one of the two sets is whole, and found again.
-#include "platform/FileSet.h"
+#include "platform/files/FileSet.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <map>
 #include <system_error>
 
-#include "platform/LocalPath.h"
-#include "platform/TargetLock.h"
+#include "platform/files/LocalPath.h"
+#include "platform/files/TargetLock.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

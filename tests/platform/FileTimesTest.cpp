@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string>
 
-#include "platform/FileTimes.h"
+#include "platform/files/FileTimes.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/FtpClient.h"
+#include "platform/ftp/FtpClient.h"
 #include "support/ScriptedFtpServer.h"
 #include "support/TemporaryFolder.h"
 

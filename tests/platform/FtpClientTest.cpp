@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "platform/FtpClientFixture.h"
-#include "platform/FtpControl.h"
+#include "platform/ftp/FtpControl.h"
 
 namespace quillmoor {
 namespace {

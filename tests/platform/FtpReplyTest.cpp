@@ -1,4 +1,4 @@
-#include "platform/FtpReply.h"
+#include "platform/ftp/FtpReply.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/FtpClientFixture.h"
-#include "platform/NvtText.h"
-#include "platform/PumpedIo.h"
+#include "platform/ftp/NvtText.h"
+#include "platform/net/PumpedIo.h"
 
 namespace quillmoor {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/FtpWording.h"
+#include "platform/ftp/FtpWording.h"
 
 #include <gtest/gtest.h>
 

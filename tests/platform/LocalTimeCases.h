@@ -6,7 +6,7 @@
 #include <chrono>
 #include <string>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor::testing {
 

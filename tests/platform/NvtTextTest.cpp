@@ -1,4 +1,4 @@
-#include "platform/NvtText.h"
+#include "platform/ftp/NvtText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The records of active connections, from systems of every age.
-#include "platform/RasConnections.h"
+#include "platform/network/RasConnections.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SOCKS: sessions of the FTP client through a proxy that does what a test tells it to.
-#include "platform/SocksProxy.h"
+#include "platform/net/SocksProxy.h"
 
 #include "platform/FtpClientFixture.h"
 #include "support/ScriptedSocksServer.h"

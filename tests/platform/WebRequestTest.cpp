@@ -1,5 +1,5 @@
 // The web request against a scripted server: which answers count, how long it waits, how it is ended.
-#include "platform/WebRequest.h"
+#include "platform/net/WebRequest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

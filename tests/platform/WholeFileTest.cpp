@@ -1,5 +1,5 @@
 // Files and sets that are being written: they appear whole, and only what nobody writes any more is removed.
-#include "platform/WholeFile.h"
+#include "platform/files/WholeFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,10 +7,10 @@
 #include <memory>
 #include <system_error>
 
-#include "platform/ArchiveFiles.h"
-#include "platform/LocalPath.h"
-#include "platform/ReservedNames.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/ArchiveFiles.h"
+#include "platform/files/LocalPath.h"
+#include "platform/files/ReservedNames.h"
+#include "platform/files/WorkFolder.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/LocalPath.h"
-#include "platform/ZipArchive.h"
+#include "platform/files/LocalPath.h"
+#include "platform/zip/ZipArchive.h"
 #include "support/TemporaryFolder.h"
 #include "support/ZipInspection.h"
 

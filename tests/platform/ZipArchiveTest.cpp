@@ -1,15 +1,15 @@
-#include "platform/ZipArchive.h"
+#include "platform/zip/ZipArchive.h"
 
 #include <algorithm>
 #include <chrono>
 #include <map>
 
 #include "ZipArchiveFixture.h"
-#include "platform/FileTimes.h"
-#include "platform/LocalTime.h"
-#include "platform/ZipCrypto.h"
-#include "platform/ZipDeflate.h"
-#include "platform/ZipFormat.h"
+#include "platform/files/FileTimes.h"
+#include "platform/system/LocalTime.h"
+#include "platform/zip/ZipCrypto.h"
+#include "platform/zip/ZipDeflate.h"
+#include "platform/zip/ZipFormat.h"
 
 namespace quillmoor {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/ZipCrypto.h"
+#include "platform/zip/ZipCrypto.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/ZipFormat.h"
+#include "platform/zip/ZipFormat.h"
 
 #include <gmock/gmock.h>
 
@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/ZipDirectory.h"
-#include "platform/ZipWalk.h"
+#include "platform/zip/ZipDirectory.h"
+#include "platform/zip/ZipWalk.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor::zip {

@@ -5,10 +5,10 @@
 #include <string>
 #include <thread>
 
-#include "platform/CodePage.h"
-#include "platform/PrivateProfile.h"
+#include "base/LenientNumber.h"
+#include "platform/ini/PrivateProfile.h"
+#include "platform/system/CodePage.h"
 #include "profiles/IniCases.h"
-#include "profiles/LenientNumber.h"
 #include "profiles/NameOrder.h"
 #include "profiles/SiteProfileStore.h"
 #include "profiles/mIni.h"

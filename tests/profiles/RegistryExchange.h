@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/RegistryFile.h"
+#include "platform/registry/RegistryFile.h"
 
 namespace quillmoor::testing {
 

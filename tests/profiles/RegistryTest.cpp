@@ -6,8 +6,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/ProgramFolder.h"
-#include "platform/RegistryApi.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/system/ProgramFolder.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/RegistryFixture.h"
 #include "profiles/SettingsStore.h"

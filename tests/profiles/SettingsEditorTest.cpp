@@ -6,8 +6,8 @@
 
 #include "TestPlatform.h"
 #include "connectivity/ScriptedDialUp.h"
-#include "platform/ProgramFolder.h"
-#include "platform/RegistryApi.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/system/ProgramFolder.h"
 #include "profiles/RegistryError.h"
 #include "profiles/ScriptedPrompts.h"
 #include "profiles/SettingsStore.h"

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/ProgramFolder.h"
+#include "platform/system/ProgramFolder.h"
 #include "profiles/ProfileText.h"
 #include "profiles/ScriptedPrompts.h"
 #include "profiles/SiteProfileStore.h"

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "../platform/ZipArchiveFixture.h"
-#include "platform/FileTimes.h"
-#include "platform/ZipFormat.h"
+#include "platform/files/FileTimes.h"
+#include "platform/zip/ZipFormat.h"
 #include "sfx/EntryName.h"
 
 namespace quillmoor::sfx {

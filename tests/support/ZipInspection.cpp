@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "platform/ZipCrypto.h"
+#include "platform/zip/ZipCrypto.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor::testing {

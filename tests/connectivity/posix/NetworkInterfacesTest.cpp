@@ -1,4 +1,4 @@
-#include "platform/posix/NetworkInterfaces.h"
+#include "platform/network/posix/NetworkInterfaces.h"
 
 #include <gtest/gtest.h>
 #include <net/if.h>

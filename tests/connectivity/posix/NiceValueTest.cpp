@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "connectivity/modProcessPriority.h"
-#include "platform/ProcessPriority.h"
+#include "platform/system/ProcessPriority.h"
 
 namespace quillmoor::modProcessPriority {
 namespace {

@@ -2,7 +2,7 @@
 #include <cstdio>
 
 #include "connectivity/mNetworkConnection.h"
-#include "platform/NetworkAlive.h"
+#include "platform/network/NetworkAlive.h"
 
 int main() {
   const quillmoor::NetworkSource machine = quillmoor::IsNetworkAlive;

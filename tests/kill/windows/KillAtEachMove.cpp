@@ -12,13 +12,13 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/CopyFile.h"
-#include "platform/FileSet.h"
-#include "platform/ReservedNames.h"
-#include "platform/TargetLock.h"
-#include "platform/WholeFile.h"
-#include "platform/WorkFolder.h"
-#include "platform/ZipArchive.h"
+#include "platform/files/CopyFile.h"
+#include "platform/files/FileSet.h"
+#include "platform/files/ReservedNames.h"
+#include "platform/files/TargetLock.h"
+#include "platform/files/WholeFile.h"
+#include "platform/files/WorkFolder.h"
+#include "platform/zip/ZipArchive.h"
 
 // The places of the import table through which all of the program calls these.
 extern "C" {

@@ -1,11 +1,11 @@
 // Programs that run beside this one, where their ends are not heeded as usual.
-#include "platform/posix/ChildProcess.h"
+#include "platform/system/posix/ChildProcess.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 
 namespace quillmoor {
 namespace {

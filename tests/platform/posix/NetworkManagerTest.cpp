@@ -1,5 +1,5 @@
 // Dial-up through an nmcli of the test's own, first on the PATH.
-#include "platform/posix/NetworkManager.h"
+#include "platform/network/posix/NetworkManager.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@
 #include <thread>
 
 #include "TestPlatform.h"
-#include "platform/LocalTime.h"
+#include "platform/system/LocalTime.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

@@ -11,10 +11,10 @@
 #include <utility>
 
 #include "TestPlatform.h"
-#include "platform/CopyFile.h"
-#include "platform/FileTimes.h"
-#include "platform/ReservedNames.h"
-#include "platform/TargetLock.h"
+#include "platform/files/CopyFile.h"
+#include "platform/files/FileTimes.h"
+#include "platform/files/ReservedNames.h"
+#include "platform/files/TargetLock.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

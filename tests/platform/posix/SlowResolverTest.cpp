@@ -7,7 +7,7 @@
 #include <atomic>
 #include <string_view>
 
-#include "platform/WebRequest.h"
+#include "platform/net/WebRequest.h"
 
 namespace {
 

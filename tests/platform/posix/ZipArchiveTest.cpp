@@ -1,5 +1,5 @@
 // What only this system's files can be: links, pipes, names in no encoding, modes; and a disk that is full.
-#include "platform/ZipArchive.h"
+#include "platform/zip/ZipArchive.h"
 
 #include <sys/resource.h>
 #include <sys/stat.h>

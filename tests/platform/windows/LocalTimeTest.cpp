@@ -1,5 +1,5 @@
 // Local times by the rules of a zone that is handed in: the machine's own zone is not a test's to choose.
-#include "platform/windows/SystemTime.h"
+#include "platform/system/windows/SystemTime.h"
 
 #include "../LocalTimeCases.h"
 

@@ -1,5 +1,5 @@
 // What this system says of its network.
-#include "platform/NetworkAlive.h"
+#include "platform/network/NetworkAlive.h"
 
 #include <gtest/gtest.h>
 

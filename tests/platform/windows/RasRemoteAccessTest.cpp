@@ -1,5 +1,5 @@
 // Dial-up over functions of the test's own in place of the system's, and over the system's.
-#include "platform/windows/RasRemoteAccess.h"
+#include "platform/network/windows/RasRemoteAccess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,12 +1,12 @@
 // Text on its way to the system and back, and files that the plain form of a path cannot reach.
-#include "platform/windows/WideText.h"
+#include "platform/system/windows/WideText.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/FileTimes.h"
-#include "platform/LocalFiles.h"
-#include "platform/LocalPath.h"
-#include "platform/WholeFile.h"
+#include "platform/files/FileTimes.h"
+#include "platform/files/LocalFiles.h"
+#include "platform/files/LocalPath.h"
+#include "platform/files/WholeFile.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {

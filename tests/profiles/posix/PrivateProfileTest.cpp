@@ -1,6 +1,6 @@
 // What this platform's own reading and writing of the file adds to the rules: it changes no other line, byte
 // by byte.
-#include "platform/PrivateProfile.h"
+#include "platform/ini/PrivateProfile.h"
 
 #include <gtest/gtest.h>
 

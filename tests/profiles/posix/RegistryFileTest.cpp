@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "platform/Notices.h"
-#include "platform/PrivateProfile.h"
-#include "platform/ProgramFolder.h"
-#include "platform/RegistryApi.h"
-#include "platform/RegistryFile.h"
+#include "platform/ini/PrivateProfile.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/registry/RegistryFile.h"
+#include "platform/system/Notices.h"
+#include "platform/system/ProgramFolder.h"
 #include "profiles/ApplicationSettings.h"
 #include "profiles/RegistryExchange.h"
 #include "profiles/RegistryFixture.h"

@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/LocalPath.h"
-#include "platform/RegistryApi.h"
-#include "platform/windows/WideText.h"
+#include "platform/files/LocalPath.h"
+#include "platform/registry/RegistryApi.h"
+#include "platform/system/windows/WideText.h"
 #include "profiles/RegistryExchange.h"
 #include "support/TemporaryFolder.h"
 

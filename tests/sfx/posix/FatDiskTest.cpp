@@ -9,7 +9,7 @@
 #include <cerrno>
 
 #include "../../platform/ZipArchiveFixture.h"
-#include "platform/FileTimes.h"
+#include "platform/files/FileTimes.h"
 #include "sfx/Unpack.h"
 
 namespace {

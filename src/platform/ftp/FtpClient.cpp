@@ -1,0 +1,414 @@
+#include "platform/ftp/FtpClient.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "platform/files/LocalPath.h"
+#include "platform/files/WholeFile.h"
+#include "platform/ftp/FtpControl.h"
+#include "platform/ftp/FtpSizeCheck.h"
+#include "platform/ftp/FtpTransfer.h"
+#include "platform/ftp/FtpWording.h"
+#include "platform/ftp/NvtText.h"
+#include "platform/ftp/ProxyLogin.h"
+
+namespace quillmoor {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// After these the server's answers can no longer be told apart, or there is no server any more.
+bool endsSession(int number) {
+  switch (static_cast<FtpErrorNumber>(number)) {
+    case FtpErrorNumber::connectionLost:
+    case FtpErrorNumber::timedOut:
+    case FtpErrorNumber::aborted:
+    case FtpErrorNumber::badReply:
+    case FtpErrorNumber::tooLong:
+      return true;
+    default:
+      return number == 421;
+  }
+}
+
+std::string oneLine(std::string text) {
+  for (auto at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n", at))
+    text.replace(at, 2, 1, ' ');
+  constexpr std::size_t kLongest = 500;
+  if (text.size() > kLongest) {
+    text.resize(kLongest);
+    text += "...";
+  }
+  return text;
+}
+
+/// RFC 2389 §3.2: a feature stands on a line of its own behind one blank.
+bool announcesUtf8(const FtpReply& features) {
+  std::string text = features.text;
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return text.find("\n UTF8") != std::string::npos;
+}
+
+}  // namespace
+
+class FtpClient::Impl {
+ public:
+  explicit Impl(FtpClient& client)
+      : client_(client), io_(client.pump), control_(io_), transfer_(io_, control_) {
+    control_.onStray = [this](const FtpReply& reply) { progress(FtpStatus::inProgress, reply.text); };
+  }
+
+  bool passive = true;
+  FtpState state = FtpState::closed;
+  bool busy = false;
+
+  /// The frame of every operation: one at a time, failures told by events before they are raised, and the
+  /// session closed when it is of no more use.
+  template <class Body>
+  auto perform(FtpMethod method, bool needsSession, Body body) {
+    if (busy) raiseOutside(FtpErrorNumber::busy, "Another operation of this FTP client is in progress.");
+    if (needsSession && state != FtpState::connected) {
+      raiseOutside(FtpErrorNumber::notConnected, "Not connected to an FTP server.");
+    }
+    struct Busy {
+      Impl& impl;
+      explicit Busy(Impl& i) : impl(i) { impl.busy = true; }
+      ~Busy() { impl.busy = false; }
+    } const flag{*this};
+    io_.clearAbort();
+    method_ = method;
+    try {
+      return body();
+    } catch (const Aborted&) {
+      closeUnlessTransfer(method);
+      fail(FtpError(FtpErrorNumber::aborted, "The operation was stopped."), "");
+    } catch (const FtpRefusal& error) {
+      if (endsSession(error.number())) control_.close();
+      fail(error, error.reply().text);
+    } catch (const FtpError& error) {
+      // A transfer has seen to its connection itself: it may have ended in order after all.
+      if (endsSession(error.number())) closeUnlessTransfer(method);
+      fail(error, "");
+    } catch (const std::system_error& error) {
+      fail(FtpError(FtpErrorNumber::localFile, printableReply(error.what(), "") + "."), "");
+    }
+  }
+
+  void login(const std::string& host, const std::string& user, const std::string& password,
+             const std::string& account, std::int32_t port);
+  void logout();
+  FtpReply command(const std::string& line);
+  std::string currentDirectory();
+  void simple(const std::string& line);
+  FtpListing list();
+  void getFile(const std::string& remotePath, const std::string& localPath,
+               std::optional<std::int64_t> listedSize);
+  bool asciiType() const { return control_.asciiType(); }
+  void abort();
+  bool sendAhead(std::vector<std::string> lines, bool dataConnection);
+
+ private:
+  milliseconds timeout() const {
+    return milliseconds(client_.timeoutMs > 0 ? client_.timeoutMs : kDefaultTimeoutMs);
+  }
+  void setState(FtpState next);
+  void closeNow();
+  void closeUnlessTransfer(FtpMethod method) {
+    if (method != FtpMethod::list && method != FtpMethod::getFile) control_.close();
+  }
+  void progress(FtpStatus status, const std::string& replyText, std::int64_t count = 0,
+                std::int64_t size = 0);
+  FtpReply require(const std::string& line);
+  std::string shown(const std::string& replyText) const {
+    return printableReply(printableReply(replyText, secret_), proxySecret_);
+  }
+  void negotiateNames();
+  FtpTransfer::Outcome runList(const std::string& command, std::string& text);
+  [[noreturn]] void fail(const FtpError& error, const std::string& replyText);
+  [[noreturn]] void raiseOutside(FtpErrorNumber number, const char* description);
+
+  FtpClient& client_;
+  PumpedIo io_;
+  FtpControl control_;
+  FtpTransfer transfer_;
+  FtpMethod method_ = FtpMethod::command;
+  std::string secret_, proxySecret_;
+  enum class HiddenFiles { unknown, listed, refused } hiddenFiles_ = HiddenFiles::unknown;
+};
+
+void FtpClient::Impl::setState(FtpState next) {
+  if (state == next) return;
+  state = next;
+  if (client_.onState) client_.onState(next);
+}
+
+/// Closes both connections without a word to the server.
+void FtpClient::Impl::closeNow() {
+  transfer_.reset(passive);
+  control_.close();
+  if (state == FtpState::connected) setState(FtpState::closing);
+  setState(FtpState::closed);
+}
+
+void FtpClient::Impl::progress(FtpStatus status, const std::string& replyText, std::int64_t count,
+                               std::int64_t size) {
+  if (!client_.onProgress) return;
+  std::string text = replyText.empty() ? std::string() : shown(replyText) + "\r\n";
+  client_.onProgress({method_, status, std::move(text), count, size});
+}
+
+void FtpClient::Impl::fail(const FtpError& error, const std::string& replyText) {
+  if (state != FtpState::closed && !control_.isOpen()) closeNow();
+  const FtpError told(error.number(), oneLine(shown(error.what())));
+  if (client_.onError) client_.onError(told.number(), told.what());
+  progress(FtpStatus::failed, replyText.empty() ? told.what() : replyText);
+  throw told;
+}
+
+/// For an operation that never began: it must not touch what is in progress.
+void FtpClient::Impl::raiseOutside(FtpErrorNumber number, const char* description) {
+  if (client_.onError) client_.onError(static_cast<int>(number), description);
+  throw FtpError(number, description);
+}
+
+FtpReply FtpClient::Impl::require(const std::string& line) {
+  FtpReply reply = control_.exchange(line, timeout());
+  if (reply.refusal()) control_.raiseRefused(line, reply);
+  return reply;
+}
+
+void FtpClient::Impl::login(const std::string& host, const std::string& user, const std::string& password,
+                            const std::string& account, std::int32_t port) {
+  perform(FtpMethod::login, false, [&] {
+    if (state != FtpState::closed) closeNow();
+    secret_ = password;
+    proxySecret_ = client_.proxyPassword;
+    const FtpProxy proxy = checkedProxy(client_.proxyType, client_.proxyHost, client_.proxyPort,
+                                        client_.proxyUserName, client_.proxyPassword);
+    if (port < 1 || port > 65535) {
+      throw FtpError(FtpErrorNumber::badArgument, std::to_string(port) + " is no port number.");
+    }
+    setState(FtpState::connecting);
+    try {
+      const FtpLogin login{{host, static_cast<std::uint16_t>(port)}, user, password, account, proxy};
+      transfer_.reset(passive, connectControl(io_, control_, login.server, proxy, timeout()));
+      hiddenFiles_ = HiddenFiles::unknown;
+      const FtpReply reply = logInAtServer(control_, login, timeout(), [this](const FtpReply& before) {
+        progress(FtpStatus::inProgress, before.text);
+      });
+      negotiateNames();
+      setState(FtpState::connected);
+      progress(FtpStatus::done, reply.text);
+    } catch (...) {
+      control_.close();
+      throw;
+    }
+  });
+}
+
+/// RFC 2640, RFC 2389: some servers send UTF-8 names only when they have been asked to. Whatever they answer,
+/// the session goes on.
+void FtpClient::Impl::negotiateNames() {
+  if (announcesUtf8(control_.exchange("FEAT", timeout()))) control_.exchange("OPTS UTF8 ON", timeout());
+}
+
+void FtpClient::Impl::logout() {
+  perform(FtpMethod::logout, true, [&] {
+    setState(FtpState::closing);
+    struct Close {
+      Impl& impl;
+      ~Close() { impl.closeNow(); }
+    } const close{*this};
+    const FtpReply reply = require("QUIT");
+    progress(FtpStatus::done, reply.text);
+  });
+}
+
+FtpReply FtpClient::Impl::command(const std::string& line) {
+  return perform(FtpMethod::command, true, [&] {
+    FtpReply reply = require(line);
+    progress(FtpStatus::done, reply.text);
+    return reply;
+  });
+}
+
+std::string FtpClient::Impl::currentDirectory() {
+  return perform(FtpMethod::currentDirectory, true, [&] {
+    const FtpReply reply = require("PWD");
+    // Anything but 257 is the answer to something else: this session has lost its step.
+    auto path = reply.code == 257 ? pwdPath(reply.text) : std::nullopt;
+    if (!path) throw FtpError(FtpErrorNumber::badReply, "The server's answer names no folder: " + reply.text);
+    progress(FtpStatus::done, reply.text);
+    return *std::move(path);
+  });
+}
+
+void FtpClient::Impl::simple(const std::string& line) {
+  const FtpReply reply = require(line);
+  progress(FtpStatus::done, reply.text);
+}
+
+FtpTransfer::Outcome FtpClient::Impl::runList(const std::string& command, std::string& text) {
+  text.clear();
+  FtpTransfer::Order order;
+  order.command = command;
+  order.timeout = timeout();
+  order.dataPortRange = client_.dataPortRange;
+  order.sink = [&](char* data, std::size_t size) {
+    if (text.size() + size > client_.maxListingBytes) {
+      throw FtpError(FtpErrorNumber::tooLong,
+                     "The listing is longer than " + std::to_string(client_.maxListingBytes) + " bytes.");
+    }
+    text.append(data, size);
+  };
+  return transfer_.run(order);
+}
+
+FtpListing FtpClient::Impl::list() {
+  return perform(FtpMethod::list, true, [&] {
+    FtpListing listing;
+    std::string& text = listing.text;
+    FtpTransfer::Outcome outcome;
+    bool plain = hiddenFiles_ == HiddenFiles::refused, takenForName = plain;
+    if (!plain) {
+      outcome = runList("LIST -a", text);
+      // A server that takes the switch for a name refuses it or lists nothing; so does an empty folder,
+      // unless the switch has been seen to work.
+      if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::listed;
+      plain = hiddenFiles_ == HiddenFiles::unknown;
+      // Other failures pass (a data connection that was cut, a busy server) and say nothing of the switch.
+      takenForName =
+          outcome.reply.completion() || outcome.reply.code / 100 == 5 || saysFolderIsEmpty(outcome.reply);
+    }
+    if (plain) {
+      listing.hiddenFilesMissing = !takenForName;
+      outcome = runList("LIST", text);
+      if (takenForName && outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::refused;
+    }
+    if (outcome.reply.refusal()) {
+      if (!saysFolderIsEmpty(outcome.reply)) control_.raiseRefused("LIST", outcome.reply);
+      text.clear();
+    } else {
+      listing.cut = oneLine(shown(listingCut(outcome.reply.text)));
+    }
+    progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
+    if (!control_.isOpen()) closeNow();
+    return listing;
+  });
+}
+
+void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& localPath,
+                              std::optional<std::int64_t> listedSize) {
+  perform(FtpMethod::getFile, true, [&] {
+    WholeFile file{LocalPath(localPath)};
+    NvtText text(platformLineEnd());
+    FtpTransfer::Order order;
+    order.command = "RETR " + remotePath;
+    order.timeout = timeout();
+    order.dataPortRange = client_.dataPortRange;
+    order.exactSize = !asciiType();
+    order.listedSize = listedSize;
+    if (asciiType()) {
+      order.sink = [&](char* data, std::size_t size) {
+        const auto converted = text.convert(data, size);
+        file.write(std::string_view(converted.data, converted.size));
+      };
+    } else {
+      order.sink = [&](char* data, std::size_t size) { file.write(std::string_view(data, size)); };
+    }
+    order.progress = [&](std::int64_t count, std::int64_t size) {
+      progress(FtpStatus::inProgress, "", count, listedSize.value_or(0) > 0 ? *listedSize : size);
+    };
+    FtpTransfer::Outcome outcome;
+    control_.withEitherForm(order.command, [&] {
+      if (outcome.count == 0) outcome = transfer_.run(order);
+      return outcome.reply;
+    });
+    if (outcome.reply.refusal()) control_.raiseRefused("RETR", outcome.reply);
+    RequireWholeFile(control_, {remotePath, outcome.count, listedSize, outcome.announced}, timeout());
+    if (text.heldCarriageReturn()) file.write("\r");
+    file.commit();
+    progress(FtpStatus::done, outcome.reply.text, outcome.count, outcome.count);
+    if (!control_.isOpen()) closeNow();
+  });
+}
+
+void FtpClient::Impl::abort() {
+  if (busy) {
+    io_.requestAbort();
+  } else if (state != FtpState::closed) {
+    closeNow();
+  }
+}
+
+bool FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnection) {
+  if (busy || state != FtpState::connected || !control_.takesCommandsAhead()) return false;
+  io_.clearAbort();
+  try {
+    if (dataConnection) {
+      if (auto request = transfer_.requestAhead(client_.dataPortRange)) lines.push_back(*std::move(request));
+    }
+    return control_.sendAhead(lines);
+  } catch (const FtpError&) {
+    return false;  // the operation itself will meet it and tell
+  }
+}
+
+FtpClient::FtpClient() : impl_(std::make_unique<Impl>(*this)) {}
+FtpClient::~FtpClient() = default;
+
+bool FtpClient::passive() const {
+  return impl_->passive;
+}
+void FtpClient::setPassive(bool passive) {
+  if (impl_->state != FtpState::closed) {
+    throw FtpError(FtpErrorNumber::badArgument, "The passive mode cannot be changed during a session.");
+  }
+  impl_->passive = passive;
+}
+FtpState FtpClient::state() const {
+  return impl_->state;
+}
+bool FtpClient::busy() const {
+  return impl_->busy;
+}
+
+void FtpClient::login(const std::string& host, const std::string& user, const std::string& password,
+                      const std::string& account, std::int32_t port) {
+  impl_->login(host, user, password, account, port);
+}
+void FtpClient::logout() {
+  impl_->logout();
+}
+FtpReply FtpClient::command(const std::string& line) {
+  return impl_->command(line);
+}
+std::string FtpClient::currentRemoteDirectory() {
+  return impl_->currentDirectory();
+}
+void FtpClient::setCurrentRemoteDirectory(const std::string& path) {
+  impl_->perform(FtpMethod::currentDirectory, true, [&] { impl_->simple("CWD " + path); });
+}
+void FtpClient::changeToParent() {
+  impl_->perform(FtpMethod::changeToParent, true, [&] { impl_->simple("CDUP"); });
+}
+FtpListing FtpClient::list() {
+  return impl_->list();
+}
+void FtpClient::getFile(const std::string& remotePath, const std::string& localPath,
+                        std::optional<std::int64_t> listedSize) {
+  impl_->getFile(remotePath, localPath, listedSize);
+}
+bool FtpClient::asciiType() const {
+  return impl_->asciiType();
+}
+void FtpClient::abort() {
+  impl_->abort();
+}
+bool FtpClient::sendAhead(const std::vector<std::string>& commandLines, bool dataConnection) {
+  return impl_->sendAhead(commandLines, dataConnection);
+}
+
+}  // namespace quillmoor

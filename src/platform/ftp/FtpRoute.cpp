@@ -1,0 +1,67 @@
+#include "platform/ftp/FtpRoute.h"
+
+#include <system_error>
+#include <vector>
+
+#include "platform/system/ErrorText.h"
+
+namespace quillmoor {
+namespace {
+
+using std::chrono::milliseconds;
+
+void connectDirectly(PumpedIo& io, FtpControl& control, const SocksAddress& machine, bool isProxy,
+                     milliseconds timeout) {
+  std::vector<asio::ip::tcp::endpoint> endpoints;
+  try {
+    endpoints = resolveHost(io, machine.host, machine.port, std::chrono::steady_clock::now() + timeout);
+  } catch (const std::system_error& error) {
+    throw FtpError(FtpErrorNumber::hostNotFound, std::string("Cannot find the ") +
+                                                     (isProxy ? "proxy " : "host ") + machine.host + ": " +
+                                                     ErrorText(error.code()) + ".");
+  }
+  control.connect(endpoints, (isProxy ? "the proxy " : "") + machine.host, timeout);
+}
+
+}  // namespace
+
+FtpProxy checkedProxy(std::int32_t type, const std::string& host, std::int32_t port,
+                      const std::string& userName, const std::string& password) {
+  if (type == static_cast<std::int32_t>(FtpProxyType::none)) return {};
+  const auto refuse = [](const std::string& what) { throw FtpError(FtpErrorNumber::badArgument, what); };
+  if (type < 0 || type > static_cast<std::int32_t>(FtpProxyType::pipe)) {
+    refuse("There is no proxy type " + std::to_string(type) + ".");
+  }
+  if (host.empty()) refuse("The connection is to go through a proxy, but the proxy's host is missing.");
+  if (port < 1 || port > 65535) {
+    refuse(std::to_string(port) + " is no port number for the proxy " + host + ".");
+  }
+  return {static_cast<FtpProxyType>(type), host, static_cast<std::uint16_t>(port), userName, password};
+}
+
+std::optional<SocksRoute> connectControl(PumpedIo& io, FtpControl& control, const SocksAddress& server,
+                                         const FtpProxy& proxy, milliseconds timeout) {
+  if (proxy.type == FtpProxyType::none) {
+    connectDirectly(io, control, server, false, timeout);
+    return std::nullopt;
+  }
+  connectDirectly(io, control, {proxy.host, proxy.port}, true, timeout);
+  if (proxy.type != FtpProxyType::socks4 && proxy.type != FtpProxyType::socks5) {
+    // Such a proxy answers some commands itself, PORT for one, and so before the server has answered those
+    // that were sent earlier.
+    control.sendNothingAhead();
+    return std::nullopt;
+  }
+
+  const auto version = proxy.type == FtpProxyType::socks4 ? SocksVersion::v4 : SocksVersion::v5;
+  const SocksRoute route{{version, proxy.userName, proxy.password}, server};
+  try {
+    socksConnect(io, control.channel(), route.login, server, std::chrono::steady_clock::now() + timeout);
+  } catch (const FtpError& error) {
+    throw FtpError(error.number(), "Cannot connect to " + server.host + " through the proxy " + proxy.host +
+                                       ": " + error.what() + ".");
+  }
+  return route;
+}
+
+}  // namespace quillmoor

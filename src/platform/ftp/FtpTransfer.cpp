@@ -1,0 +1,228 @@
+#include "platform/ftp/FtpTransfer.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+namespace quillmoor {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// How long the farewell to a transfer that was broken off may take before the connection is given up.
+constexpr milliseconds kFarewell{2000};
+constexpr milliseconds kProgressInterval{100};
+
+/// Carries what the sink raised past the handling of what the connections raise.
+struct SinkFailure {
+  std::exception_ptr cause;
+};
+
+}  // namespace
+
+/// What is known of a transfer under way.
+struct FtpTransfer::Reception {
+  std::optional<FtpReply> finalReply;
+  std::optional<std::int64_t> announced;
+  bool controlLost = false;
+  bool dataEnded = false;
+  bool dataBroken = false;
+  std::int64_t count = 0;
+  std::size_t preliminaries = 0;
+  steady_clock::time_point lastEvent = steady_clock::now();
+  steady_clock::time_point lastProgress = lastEvent;
+  steady_clock::time_point windowStart =
+      lastEvent;  // of the time in which at least a byte a second must come
+  std::int64_t windowCount = 0;
+
+  bool over() const {
+    return (finalReply && finalReply->refusal()) || (dataEnded && (finalReply || controlLost));
+  }
+};
+
+FtpTransfer::Outcome FtpTransfer::run(const Order& order) {
+  struct CloseData {
+    FtpDataConnection& data;
+    ~CloseData() { data.close(); }
+  } const closing{data_};
+
+  bool sent = false;
+  try {
+    FtpControl::checkLine(order.command);
+    data_.open(order.dataPortRange, order.timeout);
+    control_.send(order.command, order.timeout);
+    sent = true;
+    return receive(order);
+  } catch (const FtpError& error) {
+    switch (static_cast<FtpErrorNumber>(error.number())) {
+      case FtpErrorNumber::dataConnectionFailed:
+        if (sent) endInOrder(order.timeout);
+        break;
+      case FtpErrorNumber::badArgument:
+      case FtpErrorNumber::incomplete:
+        break;
+      case FtpErrorNumber::timedOut:
+      case FtpErrorNumber::aborted:
+        sent ? endInOrder(order.timeout) : control_.close();
+        break;
+      default:
+        if (error.number() == 421 || error.number() >= static_cast<int>(FtpErrorNumber::notConnected)) {
+          control_.close();
+        }
+    }
+    throw;
+  } catch (const Aborted&) {
+    sent ? endInOrder(order.timeout) : control_.close();
+    throw;
+  } catch (const SinkFailure& failure) {
+    // Nothing is wrong with the session, but the server is still sending.
+    endInOrder(order.timeout);
+    std::rethrow_exception(failure.cause);
+  }
+}
+
+FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
+  Reception state;
+  if (!buffer_) buffer_ = std::make_unique<char[]>(kBufferSize + 1);
+  wait(order, state);
+  while (!state.over()) {
+    bool moved = takeReplies(state);
+    data_.takeIncoming();
+    if (data_.isOpen() && !state.dataEnded && !state.over()) moved |= readData(order, state);
+    if (!moved && !state.over()) wait(order, state);
+  }
+
+  const bool allThere = order.exactSize && !state.dataBroken && state.announced == state.count &&
+                        order.listedSize.value_or(state.count) == state.count;
+  if (!state.finalReply) {
+    // A long transfer may outlive the control connection; the size says whether the file does not miss a
+    // byte.
+    control_.close();
+    if (!allThere) {
+      throw FtpError(FtpErrorNumber::connectionLost,
+                     "The connection was lost before the server had confirmed the transfer.");
+    }
+    return {{226, "226 Connection lost after the last byte."}, state.count, state.announced};
+  }
+  if (state.finalReply->code == 421) {
+    throw FtpError(421, "The " + control_.speaker() +
+                            " closed the session: " + printableReply(state.finalReply->text, ""));
+  }
+  if (state.finalReply->completion() && state.dataBroken) {
+    throw FtpError(FtpErrorNumber::incomplete, "The data connection broke before the end.");
+  }
+  if (order.progress && state.finalReply->completion())
+    order.progress(state.count, state.announced.value_or(0));
+  return {*std::move(state.finalReply), state.count, state.announced};
+}
+
+/// Takes what the server says meanwhile. False when nothing has come.
+bool FtpTransfer::takeReplies(Reception& state) {
+  bool any = false;
+  try {
+    while (!state.finalReply && !state.controlLost) {
+      auto reply = control_.pollReply();
+      if (!reply) break;
+      any = true;
+      if (!reply->preliminary()) {
+        state.lastEvent = steady_clock::now();
+        state.finalReply = std::move(reply);
+        break;
+      }
+      // Only the first one buys time.
+      if (state.preliminaries++ == 0) state.lastEvent = steady_clock::now();
+      if (state.preliminaries == FtpControl::kMostReplies) {
+        throw FtpError(FtpErrorNumber::badReply,
+                       "The server sends replies that answer nothing, without end.");
+      }
+      if (const auto size = announcedSize(reply->text)) state.announced = size;
+    }
+  } catch (const FtpError& error) {
+    const bool dataCame = state.dataEnded || data_.isOpen();
+    if (error.number() != static_cast<int>(FtpErrorNumber::connectionLost) || !dataCame) throw;
+    state.controlLost = any = true;
+  }
+  return any;
+}
+
+/// Reads until nothing more has come or the server has ended. False when nothing has come.
+bool FtpTransfer::readData(const Order& order, Reception& state) {
+  data_.channel().consumeReadiness();
+  bool any = false;
+  for (;;) {
+    asio::error_code error;
+    const std::size_t size =
+        data_.channel().socket.read_some(asio::buffer(buffer_.get() + 1, kBufferSize), error);
+    if (error == asio::error::would_block || error == asio::error::interrupted) return any;
+    const auto now = steady_clock::now();
+    state.lastEvent = now;
+    any = true;
+    if (error) {
+      // Only an end in order is the end of a file (RFC 959 §3.4.1); a reset is not, whatever the reply says.
+      state.dataBroken = error != asio::error::eof;
+      data_.channel().close();
+      state.dataEnded = true;
+      return true;
+    }
+    if (state.count == 0) state.windowStart = now;  // a late beginning is not a slow one
+    state.count += static_cast<std::int64_t>(size);
+    state.windowCount += static_cast<std::int64_t>(size);
+    try {
+      order.sink(buffer_.get() + 1, size);
+    } catch (...) {
+      throw SinkFailure{std::current_exception()};
+    }
+    if (order.progress && now - state.lastProgress >= kProgressInterval) {
+      state.lastProgress = now;
+      order.progress(state.count, state.announced.value_or(0));
+    }
+    io_.pumpIfDue(now);
+  }
+}
+
+void FtpTransfer::wait(const Order& order, Reception& state) {
+  const auto now = steady_clock::now();
+  if (data_.isOpen() && now - state.windowStart > order.timeout) {
+    if (state.windowCount < std::chrono::duration_cast<std::chrono::seconds>(order.timeout).count()) {
+      throw FtpError(FtpErrorNumber::timedOut, "The server sends less than a byte a second.");
+    }
+    state.windowStart = now;
+    state.windowCount = 0;
+  }
+  const bool forReply = !state.finalReply && !state.controlLost;
+  if (forReply) control_.channel().arm();
+  data_.arm();
+  const auto arrived = [&] { return data_.ready() || (forReply && control_.channel().ready()); };
+  if (io_.runUntil(arrived, state.lastEvent + order.timeout)) return;
+  if (state.dataEnded) {
+    // The data are here; what misses is the server's word that they are all.
+    state.controlLost = true;
+    return;
+  }
+  if (data_.isOpen())
+    throw FtpError(FtpErrorNumber::timedOut, "Nothing came over the data connection in time.");
+  const std::string stranger =
+      data_.stranger().empty() ? "" : " Another machine, " + data_.stranger() + ", came and was turned away.";
+  throw FtpError(FtpErrorNumber::timedOut, "The server did not open the data connection in time." + stranger);
+}
+
+/// Ends a transfer whose reply is outstanding (RFC 959 §4.1.3, ABOR). Servers answer it with 426 and 226,
+/// with 226 or 225 alone, or not at all, and the transfer's own reply may be on its way too: the answer to
+/// SYST, which has a code of its own, tells when all of them are in. Without it the connection is closed.
+void FtpTransfer::endInOrder(milliseconds timeout) {
+  const PumpedIo::Shield shield(io_);
+  try {
+    control_.sendAbort();
+    data_.close();  // a server that is stuck in sending wakes up by this
+    const auto deadline = steady_clock::now() + std::min(timeout, kFarewell);
+    for (int code = 0; code != 215;) {
+      code = control_.readReply(deadline).code;
+      if (code == 421) return control_.close();
+    }
+  } catch (...) {
+    control_.close();
+  }
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,9 @@
+#include "platform/ftp/NvtText.h"
+
+namespace quillmoor {
+
+LineEnd platformLineEnd() {
+  return LineEnd::lf;
+}
+
+}  // namespace quillmoor

@@ -1,0 +1,69 @@
+// Several changes to the profile file in one step: they are made to a copy, which then takes its place.
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+#include "platform/files/FolderLock.h"
+#include "platform/files/LocalFiles.h"
+#include "platform/files/LocalPath.h"
+#include "platform/files/PrivateFile.h"
+#include "platform/files/WorkFolder.h"
+#include "platform/ini/PrivateProfile.h"
+#include "platform/ini/PrivateProfileFile.h"
+
+namespace quillmoor {
+namespace {
+
+// No profile file comes near this; something else that bears its name is not read into memory.
+constexpr std::uintmax_t kLargestFile = std::uintmax_t{64} << 20;
+
+}  // namespace
+
+std::optional<std::string> ReadProfileFile(const std::string& file) {
+  const std::filesystem::path path = LocalPath(file);
+  std::error_code error;
+  const auto size = std::filesystem::file_size(path, error);
+  if (error)
+    return error == std::errc::no_such_file_or_directory ? std::optional<std::string>("") : std::nullopt;
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream || size > kLargestFile) return std::nullopt;
+  return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+bool WriteProfileFile(const std::string& file, std::string_view before, std::string_view after,
+                      WholeFile::Survives survives) {
+  if (before == after) return LocalFileIsWritable(file) || after.empty();
+  try {
+    // A file that the user may not write stays, although its folder would let it be replaced.
+    if (LocalPathExists(file) && !LocalFileIsWritable(file)) return false;
+    RemoveStaleTemporaries(LocalPathText(LocalPath(file).parent_path()));
+    WritePrivateFile(LocalPath(file), after, survives);
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+bool EditPrivateProfile(const std::string& file, const std::function<bool(const std::string& copy)>& edit) {
+  std::optional<FolderLock> lock;  // another program's edit would end with its own idea of the other profiles
+  try {
+    lock.emplace(LocalPath(file).parent_path());
+  } catch (const std::system_error&) {
+    return false;
+  }
+  const auto before = ReadProfileFile(file);
+  if (!before) return false;
+  struct Copy {
+    std::string path;
+    ~Copy() { RemoveLocalFile(path); }
+  } const copy{file + ".edit"};
+  RemoveLocalFile(copy.path);  // of a program that was killed
+  if (!before->empty() && !WriteProfileFile(copy.path, "", *before)) return false;
+  if (!edit(copy.path)) return false;
+  const auto after = ReadProfileFile(copy.path);
+  return after && WriteProfileFile(file, *before, *after, WholeFile::Survives::power);
+}
+
+}  // namespace quillmoor

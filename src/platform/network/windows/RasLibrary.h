@@ -1,0 +1,27 @@
+// The remote-access functions of Windows, found when the program runs.
+#pragma once
+
+#include "platform/system/windows/WindowsApi.h"
+// Needs the one above.
+#include <ras.h>
+
+namespace quillmoor {
+
+struct RasLibrary {
+  decltype(&::RasEnumEntriesW) enumEntries = nullptr;
+  decltype(&::RasGetEntryDialParamsW) getEntryDialParams = nullptr;
+  decltype(&::RasDialW) dial = nullptr;
+  decltype(&::RasEnumConnectionsA) enumConnections = nullptr;
+  decltype(&::RasGetConnectStatusA) getConnectStatus = nullptr;
+  decltype(&::RasHangUpA) hangUp = nullptr;
+
+  /// A library with a function missing is as good as none.
+  bool complete() const {
+    return enumEntries && getEntryDialParams && dial && enumConnections && getConnectStatus && hangUp;
+  }
+};
+
+/// From rasapi32.dll, which stays loaded. Incomplete on a machine without it.
+const RasLibrary& SystemRasLibrary();
+
+}  // namespace quillmoor

@@ -1,9 +1,0 @@
-#include "platform/ErrorText.h"
-
-namespace quillmoor {
-
-std::string ErrorText(const std::error_code& error) {
-  return error.message();
-}
-
-}  // namespace quillmoor

@@ -1,0 +1,63 @@
+// The files of an archive as one: read from any place, on into the next segment where one ends.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/files/ArchiveFiles.h"
+
+namespace quillmoor::sfx {
+
+struct Place {
+  std::uint32_t disk = 0;
+  std::int64_t offset = 0;
+};
+
+class Segments {
+ public:
+  /// The files need not be there yet: each is opened when it is read, and std::system_error raised when it
+  /// cannot be.
+  explicit Segments(std::vector<std::string> paths) : paths_(std::move(paths)) {}
+
+  std::uint32_t count() const { return static_cast<std::uint32_t>(paths_.size()); }
+  const std::string& path(std::uint32_t disk) const { return paths_[disk]; }
+  std::int64_t size(std::uint32_t disk);
+
+  /// Up to as many bytes as `bytes` holds, 0 only at the end of the last segment or beyond it. Moves the
+  /// place on.
+  std::size_t read(Place& place, std::span<std::uint8_t> bytes);
+
+ private:
+  InputFile& open(std::uint32_t disk);
+
+  std::vector<std::string> paths_;
+  std::optional<InputFile> file_;  ///< the segment read last
+  std::uint32_t disk_ = 0;
+  std::int64_t size_ = 0;
+};
+
+/// Reads small things one after the other without a system call for each.
+class Cursor {
+ public:
+  Cursor(Segments& segments, Place place) : segments_(segments), next_(place) {}
+
+  /// False when the end comes first.
+  bool take(std::span<std::uint8_t> bytes);
+  /// As many as are at hand, at most `most` and at least one; empty at the end.
+  std::span<std::uint8_t> some(std::size_t most);
+  bool skip(std::size_t count);
+
+ private:
+  bool fill();
+
+  Segments& segments_;
+  Place next_;
+  std::vector<std::uint8_t> buffer_;
+  std::size_t at_ = 0;
+};
+
+}  // namespace quillmoor::sfx
