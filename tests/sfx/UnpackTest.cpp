@@ -8,8 +8,8 @@
 #include <system_error>
 #include <vector>
 
-#include "../platform/ZipArchiveFixture.h"
 #include "platform/files/FileTimes.h"
+#include "platform/zip/ZipArchiveFixture.h"
 #include "platform/zip/ZipFormat.h"
 #include "sfx/EntryName.h"
 

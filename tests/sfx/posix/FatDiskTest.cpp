@@ -8,8 +8,8 @@
 
 #include <cerrno>
 
-#include "../../platform/ZipArchiveFixture.h"
 #include "platform/files/FileTimes.h"
+#include "platform/zip/ZipArchiveFixture.h"
 #include "sfx/Unpack.h"
 
 namespace {

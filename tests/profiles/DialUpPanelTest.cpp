@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "ScriptedDialUp.h"
 #include "TestPlatform.h"
+#include "connectivity/ScriptedDialUp.h"
 #include "profiles/SettingsStore.h"
 
 namespace quillmoor {

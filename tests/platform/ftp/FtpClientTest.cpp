@@ -2,7 +2,7 @@
 #include <future>
 #include <thread>
 
-#include "platform/FtpClientFixture.h"
+#include "platform/ftp/FtpClientFixture.h"
 #include "platform/ftp/FtpControl.h"
 
 namespace quillmoor {

@@ -1,7 +1,7 @@
 // SOCKS: sessions of the FTP client through a proxy that does what a test tells it to.
 #include "platform/net/SocksProxy.h"
 
-#include "platform/FtpClientFixture.h"
+#include "platform/ftp/FtpClientFixture.h"
 #include "support/ScriptedSocksServer.h"
 
 namespace quillmoor {

@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/FtpClientFixture.h"
+#include "platform/ftp/FtpClientFixture.h"
 #include "platform/ftp/NvtText.h"
 #include "platform/net/PumpedIo.h"
 

@@ -1,5 +1,5 @@
 // Logins through proxies that speak FTP: a server takes the proxy's part, as a test tells it to.
-#include "platform/FtpClientFixture.h"
+#include "platform/ftp/FtpClientFixture.h"
 
 namespace quillmoor {
 namespace {
