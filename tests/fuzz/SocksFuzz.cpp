@@ -1,4 +1,4 @@
-// What a SOCKS proxy answers, any bytes at all, is a reply of the length announced or an FtpError, never
+// What a SOCKS proxy answers, any bytes at all, is a reply of the length announced or a NetError, never
 // anything else.
 #include <algorithm>
 #include <cstddef>
@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/ftp/FtpClient.h"
 #include "platform/net/SocksProxy.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -23,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       }
       const SocksAddress address = socksReplyAddress(version, bytes.substr(0, have));
       if (address.host.size() > 255) std::abort();
-    } catch (const FtpError& error) {
+    } catch (const NetError& error) {
       if (error.what()[0] == '\0') std::abort();
     }
   }

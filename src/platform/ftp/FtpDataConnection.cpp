@@ -90,7 +90,7 @@ std::string FtpDataConnection::listenForServer(const std::string& dataPortRange)
 void FtpDataConnection::connectToProxy(TcpChannel& channel, Deadline deadline) {
   const auto error = connectTo(io_, channel, control_.remoteEndpoint(), deadline);
   if (error) {
-    throw FtpError(FtpErrorNumber::connectFailed, "cannot connect to the proxy: " + ErrorText(error));
+    throw NetError(NetFailure::connectFailed, "cannot connect to the proxy: " + ErrorText(error));
   }
 }
 
@@ -101,8 +101,8 @@ std::string FtpDataConnection::listenAtProxy(milliseconds timeout) {
     connectToProxy(bound_, deadline);
     const SocksAddress at = socksBind(io_, bound_, socks_->login, socks_->server, deadline);
     return portCommand(plainAddress(asio::ip::make_address(at.host)), at.port);
-  } catch (const FtpError& error) {
-    const bool refused = error.number() == static_cast<int>(FtpErrorNumber::proxyRefused);
+  } catch (const NetError& error) {
+    const bool refused = error.failure() == NetFailure::refused;
     throw FtpError(
         FtpErrorNumber::dataConnectionFailed,
         std::string(refused ? "The proxy lets no data connection come in (passive mode needs none): "
@@ -123,7 +123,7 @@ void FtpDataConnection::connectToServer(std::uint16_t port, milliseconds timeout
     try {
       connectToProxy(data_, deadline);
       return socksConnect(io_, data_, socks_->login, {socks_->server.host, port}, deadline);
-    } catch (const FtpError& error) {
+    } catch (const NetError& error) {
       data_.close();
       why = error.what();
     }
@@ -227,7 +227,7 @@ void FtpDataConnection::acceptAtProxy() {
       return;
     }
     why = "the proxy let in another machine than the server";
-  } catch (const FtpError& error) {
+  } catch (const NetError& error) {
     why = error.what();
   }
   bound_.close();

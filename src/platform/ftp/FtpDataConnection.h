@@ -45,6 +45,7 @@ class FtpDataConnection {
  private:
   bool openPassive(bool extended, std::chrono::milliseconds timeout);
   void connectToServer(std::uint16_t port, std::chrono::milliseconds timeout);
+  /// Raises NetError.
   void connectToProxy(TcpChannel& channel, Deadline deadline);
   bool overIPv6() const;
   std::string listenForServer(const std::string& dataPortRange);

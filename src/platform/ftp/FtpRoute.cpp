@@ -23,6 +23,24 @@ void connectDirectly(PumpedIo& io, FtpControl& control, const SocksAddress& mach
   control.connect(endpoints, (isProxy ? "the proxy " : "") + machine.host, timeout);
 }
 
+FtpErrorNumber numberOf(NetFailure failure) {
+  switch (failure) {
+    case NetFailure::badArgument:
+      return FtpErrorNumber::badArgument;
+    case NetFailure::badReply:
+      return FtpErrorNumber::badReply;
+    case NetFailure::connectFailed:
+      return FtpErrorNumber::connectFailed;
+    case NetFailure::refused:
+      return FtpErrorNumber::proxyRefused;
+    case NetFailure::timedOut:
+      return FtpErrorNumber::timedOut;
+    case NetFailure::connectionLost:
+      break;
+  }
+  return FtpErrorNumber::connectionLost;
+}
+
 }  // namespace
 
 FtpProxy checkedProxy(std::int32_t type, const std::string& host, std::int32_t port,
@@ -57,9 +75,9 @@ std::optional<SocksRoute> connectControl(PumpedIo& io, FtpControl& control, cons
   const SocksRoute route{{version, proxy.userName, proxy.password}, server};
   try {
     socksConnect(io, control.channel(), route.login, server, std::chrono::steady_clock::now() + timeout);
-  } catch (const FtpError& error) {
-    throw FtpError(error.number(), "Cannot connect to " + server.host + " through the proxy " + proxy.host +
-                                       ": " + error.what() + ".");
+  } catch (const NetError& error) {
+    throw FtpError(numberOf(error.failure()), "Cannot connect to " + server.host + " through the proxy " +
+                                                  proxy.host + ": " + error.what() + ".");
   }
   return route;
 }

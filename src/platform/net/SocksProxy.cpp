@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/ftp/FtpClient.h"
 #include "platform/system/ErrorText.h"
 
 namespace quillmoor {
@@ -38,8 +37,8 @@ template <std::size_t N>
 [[noreturn]] void raiseRefusal(const std::array<Meaning, N>& table, std::uint8_t code) {
   const auto at =
       std::find_if(table.begin(), table.end(), [=](const Meaning& entry) { return entry.code == code; });
-  throw FtpError(
-      FtpErrorNumber::proxyRefused,
+  throw NetError(
+      NetFailure::refused,
       "the proxy says that " +
           (at != table.end() ? std::string(at->words) : "it refuses (code " + std::to_string(code) + ")"));
 }
@@ -71,8 +70,7 @@ std::string addressAt(std::string_view bytes, std::size_t at) {
 
 const std::string& checked(const std::string& text, const char* what) {
   if (text.size() > kLongestText) {
-    throw FtpError(FtpErrorNumber::badArgument,
-                   std::string("the ") + what + " is too long for a SOCKS proxy");
+    throw NetError(NetFailure::badArgument, std::string("the ") + what + " is too long for a SOCKS proxy");
   }
   return text;
 }
@@ -84,7 +82,7 @@ void appendCounted(std::string& message, const std::string& text, const char* wh
 
 void appendTerminated(std::string& message, const std::string& text, const char* what) {
   if (text.find('\0') != std::string::npos) {
-    throw FtpError(FtpErrorNumber::badArgument, std::string("the ") + what + " holds a zero byte");
+    throw NetError(NetFailure::badArgument, std::string("the ") + what + " holds a zero byte");
   }
   message += checked(text, what);
   message += '\0';
@@ -97,7 +95,7 @@ std::string request4(SocksCommand command, const SocksLogin& login, const SocksA
   asio::error_code isName;
   const auto address = asio::ip::make_address(target.host, isName);
   if (!isName && address.is_v6()) {
-    throw FtpError(FtpErrorNumber::badArgument, "a SOCKS 4 proxy knows no IPv6 addresses");
+    throw NetError(NetFailure::badArgument, "a SOCKS 4 proxy knows no IPv6 addresses");
   }
   appendBytes(message, isName ? asio::ip::address_v4::bytes_type{{0, 0, 0, 1}} : address.to_v4().to_bytes());
   appendTerminated(message, login.userName, "proxy's user name");
@@ -125,7 +123,7 @@ std::string request5(SocksCommand command, const SocksAddress& target) {
 }
 
 [[noreturn]] void raiseNoProxy(SocksVersion version) {
-  throw FtpError(FtpErrorNumber::badReply,
+  throw NetError(NetFailure::badReply,
                  "what answers is no SOCKS " + std::to_string(static_cast<int>(version)) + " proxy");
 }
 
@@ -233,9 +231,9 @@ class Conversation {
   static void check(const asio::error_code& error) {
     if (!error) return;
     if (error == asio::error::timed_out) {
-      throw FtpError(FtpErrorNumber::timedOut, "the proxy did not answer in time");
+      throw NetError(NetFailure::timedOut, "the proxy did not answer in time");
     }
-    throw FtpError(FtpErrorNumber::connectionLost,
+    throw NetError(NetFailure::connectionLost,
                    error == asio::error::eof ? "the proxy closed the connection"
                                              : "the connection to the proxy is lost: " + ErrorText(error));
   }
@@ -252,14 +250,14 @@ void logInAtProxy(Conversation& proxy, const SocksLogin& login) {
   const char method = proxy.shortAnswer('\x05');
   if (method == kNoLogin) return;
   if (method != kUserAndPassword || login.userName.empty()) {
-    throw FtpError(FtpErrorNumber::proxyRefused,
+    throw NetError(NetFailure::refused,
                    login.userName.empty()
                        ? "the proxy says that it wants a login, and the profile has no user name for it"
                        : "the proxy says that it takes neither a user name and password nor no login");
   }
   proxy.say(socksPassword(login));
   if (proxy.shortAnswer('\x01') != 0) {
-    throw FtpError(FtpErrorNumber::proxyRefused, "the proxy says that its user name or password is wrong");
+    throw NetError(NetFailure::refused, "the proxy says that its user name or password is wrong");
   }
 }
 
@@ -284,7 +282,7 @@ SocksAddress socksBind(PumpedIo& io, TcpChannel& channel, const SocksLogin& logi
   asio::error_code isName;
   const auto address = asio::ip::make_address(waiting.host, isName);
   if (isName || waiting.port == 0) {
-    throw FtpError(FtpErrorNumber::badReply, "the proxy does not tell where it waits for the server");
+    throw NetError(NetFailure::badReply, "the proxy does not tell where it waits for the server");
   }
   if (address.is_unspecified()) {
     asio::error_code ignored;
@@ -302,7 +300,7 @@ std::optional<SocksAddress> pollSocksPeer(TcpChannel& channel, SocksVersion vers
     const std::size_t size =
         channel.socket.read_some(asio::buffer(bytes.data(), whole - begun.size()), error);
     if (error == asio::error::would_block || error == asio::error::interrupted) return std::nullopt;
-    if (error) throw FtpError(FtpErrorNumber::connectionLost, "the proxy closed the connection");
+    if (error) throw NetError(NetFailure::connectionLost, "the proxy closed the connection");
     begun.append(bytes.data(), size);
   }
   return socksReplyAddress(version, begun);

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/net/NetError.h"
 #include "platform/net/PumpedIo.h"
 
 namespace quillmoor {
@@ -29,7 +30,7 @@ struct SocksAddress {
   std::uint16_t port = 0;
 };
 
-// --- messages. What cannot be put into one raises FtpError badArgument: a user name, password or host of
+// --- messages. What cannot be put into one raises NetError badArgument: a user name, password or host of
 // more than 255 bytes, a NUL in a text of version 4, an IPv6 address in version 4.
 
 /// Version 5: the ways to log in that are offered. No login, and a user name and password where there is one.
@@ -42,13 +43,12 @@ std::string socksRequest(SocksCommand command, const SocksLogin& login, const So
 /// and reading that many never reads what is behind it. Raises badReply when no reply of the version begins
 /// so.
 std::size_t socksReplyLength(SocksVersion version, std::string_view begun);
-/// The address in a whole reply. Raises proxyRefused, with the reply code in plain words, when it is a
+/// The address in a whole reply. Raises `refused`, with the reply code in plain words, when it is a
 /// refusal.
 SocksAddress socksReplyAddress(SocksVersion version, std::string_view reply);
 
-// --- conversation. The channel is connected to the proxy. Each raises FtpError with a text that ends a
-// sentence ("the proxy says that ..."): proxyRefused, badReply, timedOut, connectionLost, badArgument. Raises
-// Aborted.
+// --- conversation. The channel is connected to the proxy. Each raises NetError (refused, badReply,
+// timedOut, connectionLost, badArgument) and Aborted.
 
 /// Afterwards the channel leads to the target.
 void socksConnect(PumpedIo& io, TcpChannel& channel, const SocksLogin& login, const SocksAddress& target,

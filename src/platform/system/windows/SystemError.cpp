@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include "platform/files/LocalPath.h"
 #include "platform/system/windows/WideText.h"
 
 namespace quillmoor {
@@ -38,7 +37,7 @@ std::string SystemErrorText(unsigned long number) {
 void RaiseLastError(const char* what, const std::filesystem::path& path) {
   const DWORD number = ::GetLastError();
   throw std::system_error(std::error_code(static_cast<int>(number), SystemErrors()),
-                          std::string(what) + " " + LocalPathText(path));
+                          std::string(what) + " " + Narrow(path.native()));
 }
 
 }  // namespace quillmoor

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "base/Utf8.h"
-#include "platform/files/LocalPath.h"
 
 namespace quillmoor {
 namespace {
@@ -107,7 +106,7 @@ std::wstring WidePath(const std::filesystem::path& path) {
 }
 
 std::wstring WidePath(const std::string& text) {
-  return WidePath(LocalPath(text));
+  return WidePath(std::filesystem::path(Widen(text)));
 }
 
 }  // namespace quillmoor
