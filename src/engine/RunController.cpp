@@ -70,6 +70,10 @@ std::vector<ProfileResult> RunController::RunBackup() {
   state_.networkWaitBusy = false;
   state_.connectBusy = false;
   services_.display.showRunning(true);
+  const InternalErrorHandler internalErrors([&](const std::string& text) {
+    logError(PrintableName(text) + "\r\n");
+    internalErrors_.add(text, "");
+  });
   Guarded([&] { RunAllProfiles(); });
   services_.display.showRunning(false);
   BackupRunning = false;
@@ -108,6 +112,7 @@ void RunController::RunAllProfiles() {
     Guarded([&] { services_.actions.RunAfterActions(log_); });
   }
   Guarded([&] { network_.HangUpDialUp(); });
+  reportInternalErrors();
   logFailures();
   log_.AppendLog("Finished all at: " + FinishedText(services_.now()) + "\r\n", log_colour::kEndOfRun, true);
   log_.AppendLog("Good Bye.\r\n", log_colour::kEndOfRun, true);
@@ -176,6 +181,15 @@ void RunController::endKilledRuns(const std::vector<std::string>& profileIds) {
     logError("Error: What a killed run has left cannot be put right: " + PrintableName(reason) + "\r\n");
     resultOf("").failures.add(folder, reason);
   }
+}
+
+/// They are failures of the run, whichever profile they came with.
+void RunController::reportInternalErrors() {
+  const RunFailures errors = std::exchange(internalErrors_, {});
+  if (errors.empty()) return;
+  if (results_.empty() || !results_.front().profileId.empty())
+    results_.insert(results_.begin(), {"", false, "", {}});
+  results_.front().failures.add(errors);
 }
 
 void RunController::logFailures() {

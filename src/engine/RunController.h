@@ -53,6 +53,7 @@ class RunController {
   void endKilledRuns(const std::vector<std::string>& profileIds);
   bool runSession();
   void archiveProfile(const std::string& profileId);
+  void reportInternalErrors();
   void logFailures();
   ProfileResult& resultOf(const std::string& profileId);
   void finishReportRow(const char* status, Colour colour);
@@ -66,6 +67,7 @@ class RunController {
   TreeWalk walk_;
   std::vector<ProfileResult> results_;
   std::vector<LockedTarget> targets_;  // of the profiles that this run has come to, held until its end
+  RunFailures internalErrors_;
   bool active_ = false;
   bool refused_ = false;
 };

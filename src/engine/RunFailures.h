@@ -22,6 +22,10 @@ class RunFailures {
   void add(std::string_view name, std::string_view reason) {
     if (++count_ <= kMostNamed) named_.push_back({std::string(name), std::string(reason)});
   }
+  void add(const RunFailures& others) {
+    for (const RunFailure& failure : others.named_) add(failure.name, failure.reason);
+    count_ += others.count_ - others.named_.size();
+  }
   std::size_t count() const { return count_; }
   bool empty() const { return count_ == 0; }
   /// The first kMostNamed, in the order in which they happened.

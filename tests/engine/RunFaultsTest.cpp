@@ -1,5 +1,6 @@
 // Backup runs whose server, or what it lists, is not as it should be.
 #include <gmock/gmock.h>
+#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -217,6 +218,21 @@ TEST_F(RunFaultsTest, RemovesWhatAKilledRunLeftUnfinished) {
   writeFile(target() / "www" / ".quillmoor-unfinished.tmp", "half a file");
   run();
   EXPECT_THAT(treeOf(target()), ElementsAre("www/", "www/a.bin"));
+}
+
+TEST_F(RunFaultsTest, AProgrammingErrorIsAFailureOfTheRunWhichGoesOn) {
+  server.addFile("/a.bin", "x");
+  bool thrown = false;
+  pump = [&] {
+    if (!std::exchange(thrown, true)) throw std::logic_error("no such step");
+  };
+  std::vector<ProfileResult> results;
+  EXPECT_NONFATAL_FAILURE(results = run(), "Internal error in FtpSession::TryLogin: no such step");
+  ASSERT_EQ(results.size(), 2U);
+  EXPECT_EQ(FailureSummary(results[0]), "1 failure: Internal error in FtpSession::TryLogin: no such step");
+  EXPECT_TRUE(results[1].completed);
+  EXPECT_EQ(display.count("Internal error in FtpSession::TryLogin: no such step\r\n"), 2)
+      << "then, and at the end";
 }
 
 }  // namespace
