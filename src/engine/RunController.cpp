@@ -3,9 +3,7 @@
 #include <set>
 #include <utility>
 
-#include "base/BusyFlag.h"
 #include "base/ErrorGuard.h"
-#include "engine/BackupRunning.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
 #include "engine/mCreatePath.h"
@@ -32,6 +30,15 @@ class BusyCursor {
   RunDisplay& display_;
 };
 
+/// A run, for as long as this lives: it may also be unwound by the end of the program.
+class RunFrame {
+ public:
+  RunFrame() { backupRun.begin(); }
+  ~RunFrame() { backupRun.end(); }
+  RunFrame(const RunFrame&) = delete;
+  RunFrame& operator=(const RunFrame&) = delete;
+};
+
 /// Whichever way a profile is left, the next one must not find its session open.
 class SessionFrame {
  public:
@@ -54,18 +61,17 @@ RunController::RunController(RunServices services)
       walk_(services_, state_, log_, session_) {}
 
 std::vector<ProfileResult> RunController::RunBackup() {
-  const BusyFlag running(active_);
-  if (!running.taken()) return {};
+  if (active()) return {};
   const std::shared_ptr<void> lock = services_.acquireRunLock ? services_.acquireRunLock() : nullptr;
   refused_ = services_.acquireRunLock && !lock;
   if (refused_) {
-    BackupRunning = false;  // the scheduler has set it
+    backupRun.refuse();
     services_.display.showRunning(false);
     logError("Error: Another backup run is going on. This one is not started.\r\n");
     return {};
   }
   state_.StopRequested = false;
-  BackupRunning = true;
+  const RunFrame frame;
   state_.names = services_.settings.NamesAsListed == 1 ? FolderNames::asListed : FolderNames::cut;
   state_.networkWaitBusy = false;
   state_.connectBusy = false;
@@ -76,7 +82,6 @@ std::vector<ProfileResult> RunController::RunBackup() {
   });
   Guarded([&] { RunAllProfiles(); });
   services_.display.showRunning(false);
-  BackupRunning = false;
   targets_.clear();
   return std::exchange(results_, {});
 }
@@ -86,7 +91,7 @@ void RunController::Stop() {
   state_.LoggedIn = false;
   session_.abort();
   services_.display.showRunning(false);
-  BackupRunning = false;
+  backupRun.stop();
 }
 
 void RunController::RunAllProfiles() {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/BackupRunning.h"
 #include "engine/FtpSession.h"
 #include "engine/LockedTarget.h"
 #include "engine/NetworkWait.h"
@@ -33,7 +34,7 @@ class RunController {
   bool refused() const { return refused_; }
 
   /// A run is on the stack, whatever BackupRunning says.
-  bool active() const { return active_; }
+  bool active() const { return backupRun.onStack(); }
 
   /// A confirmed Stop, called from inside the pump: ends the transfer in progress and lets the run unwind.
   /// The archive stage and the actions after the run still follow.
@@ -68,7 +69,6 @@ class RunController {
   std::vector<ProfileResult> results_;
   std::vector<LockedTarget> targets_;  // of the profiles that this run has come to, held until its end
   RunFailures internalErrors_;
-  bool active_ = false;
   bool refused_ = false;
 };
 

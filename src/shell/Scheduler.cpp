@@ -14,7 +14,7 @@ Scheduler::Scheduler(const ApplicationSettings& settings, std::function<LocalDat
       ScheduleDays_(settings.ScheduleDays) {}
 
 void Scheduler::tick() {
-  if (BackupRunning) return;
+  if (BackupRunning()) return;
   const LocalDateTimeParts time = SplitLocalDateTime(now_());
   // The whole guard, and deliberately no more than a weekday: a date would widen it.
   if (time.weekday == LastScheduledWeekday_) return;
@@ -28,7 +28,7 @@ void Scheduler::tick() {
     return;
   }
   missReported_ = false;
-  BackupRunning = true;
+  backupRun.request();
   LastScheduledWeekday_ = time.weekday;
   startBackup_();
 }

@@ -27,7 +27,7 @@ class Scheduler {
   /// Called once for each scheduled minute in which that keeps a run from starting. May be empty.
   std::function<void()> onMissed;
 
-  /// Tick of `TimerMain`, once a second. Does nothing while BackupRunning; sets it when it fires.
+  /// Tick of `TimerMain`, once a second. Does nothing while BackupRunning; requests a run when it fires.
   void tick();
 
   /// The flags in force, 1 = Sunday .. 7 = Saturday; a day is selected when its flag is exactly 1.

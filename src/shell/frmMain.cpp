@@ -169,7 +169,7 @@ void frmMain::createPanes() {
   Guarded([&] {
     if (const auto stored = ReadLayout(ReadSetting(kLayoutKey, ""))) panes->setLayout(*stored);
   });
-  panes->activate(BackupRunning ? kBackupPane : kProfilesPane);
+  panes->activate(BackupRunning() ? kBackupPane : kProfilesPane);
 
   site->onExit = [this] { tmrEndProgram.Start(kTmrEndProgram); };
   settingsForm->onResetLayout = [this] { panes->resetLayout(); };

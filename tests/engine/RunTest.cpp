@@ -52,7 +52,7 @@ TEST_F(RunTest, MirrorsAFolderAndAllBelowIt) {
   EXPECT_THAT(stages.calls, ElementsAre("before", "profile ", "archive site", "after"));
   EXPECT_THAT(display.hourglass, ElementsAre(true, false, true, false));
   EXPECT_THAT(display.running, ElementsAre(true, false));
-  EXPECT_FALSE(BackupRunning);
+  EXPECT_FALSE(BackupRunning());
 }
 
 TEST_F(RunTest, FramesAProfileInTheLog) {
@@ -272,10 +272,10 @@ TEST_F(RunTest, LeavesTheFieldToAnotherProgramsRun) {
   RunServices refused = services();
   refused.acquireRunLock = [] { return nullptr; };
   RunController second(refused);
-  BackupRunning = true;  // by the scheduler
+  backupRun.request();  // by the scheduler
   EXPECT_TRUE(second.RunBackup().empty());
   EXPECT_TRUE(second.refused());
-  EXPECT_FALSE(BackupRunning) << "the scheduler would never start a run again";
+  EXPECT_FALSE(BackupRunning()) << "the scheduler would never start a run again";
   EXPECT_TRUE(display.logged("Another backup run is going on"));
   EXPECT_EQ(server.count("USER"), 0U);
 }

@@ -153,7 +153,7 @@ class ExpectBox : public wxExpectModalBase<wxMessageDialog> {
 class GuiTest : public ::testing::Test {
  protected:
   GuiTest() {
-    BackupRunning = false;
+    backupRun = {};
     for (const char* key : {"AutoDial", "AutoHangUp", "CreateZip", "AutoStartUp", "ConnectionDelay"})
       WriteSetting(key, "0");
     WriteSetting("PaneLayout", "");
@@ -169,7 +169,7 @@ class GuiTest : public ::testing::Test {
   ~GuiTest() override {
     if (!main) return;
     endProgram();
-    BackupRunning = false;
+    backupRun = {};
   }
 
   std::string profilesFile() const { return (folder / "Profiles.ini").string(); }

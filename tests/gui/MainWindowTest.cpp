@@ -153,7 +153,7 @@ TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
   EXPECT_TRUE(form.cmdStart->IsEnabled());
   EXPECT_FALSE(form.cmdStop->IsEnabled());
   EXPECT_FALSE(form.Animation1->IsPlaying());
-  EXPECT_FALSE(BackupRunning);
+  EXPECT_FALSE(BackupRunning());
   EXPECT_EQ(main->tray().Tip(), "Quillmoor");
 }
 
@@ -182,11 +182,11 @@ TEST_F(MainWindowTest, AsksBeforeItStopsInTheMiddleOfAFile) {
               EXPECT_EQ(status(), "Running");
               for (const int no : {wxID_NO, wxID_CANCEL}) {
                 answer(no);
-                EXPECT_TRUE(BackupRunning);
+                EXPECT_TRUE(BackupRunning());
                 EXPECT_TRUE(form.active());
               }
               answer(wxID_YES);
-              EXPECT_FALSE(BackupRunning);
+              EXPECT_FALSE(BackupRunning());
               EXPECT_TRUE(form.cmdStart->IsEnabled());
             })
       .when([&] { return !form.active(); })
@@ -246,7 +246,7 @@ TEST_F(MainWindowTest, BacksUpAtTheScheduledMinuteWhileItIsHidden) {
   startBeforeTheMinute();
   main->hide();
   ASSERT_TRUE(main->TimerMain.IsRunning());
-  EXPECT_FALSE(BackupRunning);
+  EXPECT_FALSE(BackupRunning());
   EXPECT_EQ(status(), "");
   clock += std::chrono::seconds(2);
   ASSERT_TRUE(waitUntil([&] { return status() == "Completed" && !main->process->active(); })) << status();

@@ -29,8 +29,8 @@ LocalDateTime on(int day, int hour, int minute, int second = 0) {
 
 class SchedulerTest : public ::testing::Test {
  protected:
-  SchedulerTest() { BackupRunning = false; }
-  ~SchedulerTest() override { BackupRunning = false; }
+  SchedulerTest() { backupRun = {}; }
+  ~SchedulerTest() override { backupRun = {}; }
 
   /// Opens the program at `now`.
   void open(LocalDateTime now) {
@@ -38,14 +38,14 @@ class SchedulerTest : public ::testing::Test {
     scheduler = std::make_unique<Scheduler>(
         settings, [this] { return clock; },
         [this] {
-          EXPECT_TRUE(BackupRunning) << "a second tick could start the run again";
+          EXPECT_TRUE(BackupRunning()) << "a second tick could start the run again";
           started.push_back(ReportTimeText(clock));
           runEnds = clock + length;
         });
   }
 
   void tick() {
-    if (BackupRunning && clock >= runEnds) BackupRunning = false;
+    if (BackupRunning() && clock >= runEnds) backupRun = {};
     scheduler->tick();
   }
 
@@ -121,7 +121,8 @@ TEST_F(SchedulerTest, StartsInTheMinuteAndServesADayOnceUntilAnotherIsServed) {
     if (c.otherDay != 0) settings.ScheduleDays[static_cast<std::size_t>(c.otherDay)] = 1;
     length = c.length;
     open(c.opened);
-    BackupRunning = c.handRunEnds != none;
+    backupRun = {};
+    if (c.handRunEnds != none) backupRun.begin();
     runEnds = c.handRunEnds;
     runUntil(on(kSunday + 14, 0, 0));
     EXPECT_EQ(started, c.starts) << c.name;
