@@ -1,4 +1,4 @@
-// The zip archive as the archive stage sees it: one order, one archive.
+// The zip component as the archive stage uses it: one order makes one archive.
 #pragma once
 
 #include <functional>
@@ -10,22 +10,22 @@
 namespace quillmoor {
 
 struct PackingOrder {
-  std::string pattern;  // as ZipArchive::addFiles takes it; sub-folders are packed too
+  std::string pattern;  // for ZipArchive::addFiles; sub-folders are included
   std::optional<std::string> password;
   std::string path;
-  std::string stubPath;  // of the self-extractor; empty: a plain archive
+  std::string stubPath;  // the self-extractor's file; empty: a plain archive
   std::optional<ZipSegmentOptions> segments;
 
   std::function<void(const ZipProgress&)> onProgress;
   std::function<void(const std::string& description)> onError;
 };
 
-/// A seam for tests, which let a disk fill up or a packing fail in its middle.
+/// Abstract so that tests can simulate a full disk or an error in the middle of packing.
 class ArchivePacker {
  public:
   virtual ~ArchivePacker() = default;
 
-  /// Blocking. Raises ZipError, after the order's error event.
+  /// Blocks until done. Raises ZipError after calling the order's onError.
   virtual ZipResult pack(const PackingOrder& order) = 0;
 };
 

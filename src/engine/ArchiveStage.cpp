@@ -27,7 +27,7 @@ void logZipError(RunLog& log, const std::string& description) {
   log.AppendLog("Zip Error: " + PrintableName(description) + "\r\n", log_colour::kError, true);
 }
 
-/// The bar, the size and the file shown while an archive is packed; all is taken back with this.
+/// Shows the progress, the size and the current file of a packing; clears all three when destroyed.
 class PackingDisplay {
  public:
   explicit PackingDisplay(RunDisplay& display) : display_(display) {}
@@ -45,7 +45,7 @@ class PackingDisplay {
       display_.showCurrentFile(item_);
     }
     if (progress.size < 1) return;
-    // A file that grows is more than packed.
+    // A file that grows while it is packed exceeds 100 %.
     const double percent = static_cast<double>(progress.count) / static_cast<double>(progress.size) * 100;
     display_.showProgress(static_cast<int>(std::lrint(std::min(percent, 100.0))));
     display_.showFileSize(FormatSize(static_cast<double>(progress.size)));
@@ -60,7 +60,7 @@ std::string fileNameOf(const std::string& path) {
   return path.substr(path.rfind(kLocalSeparator) + 1);
 }
 
-/// Unlike the paths of a walk these are taken as they are, brackets and blanks included.
+/// Unlike the paths of a walk, these keep brackets and blanks.
 std::string withSeparator(std::string folder) {
   if (!folder.ends_with(kLocalSeparator)) folder += kLocalSeparator;
   return folder;
@@ -72,7 +72,7 @@ std::vector<std::string> CopyDestinations(const std::string& ZipCopies) {
   std::vector<std::string> destinations;
   for (std::size_t at = 0; at <= ZipCopies.size();) {
     const std::size_t end = std::min(ZipCopies.find('|', at), ZipCopies.size());
-    // An empty part names no folder; with a separator it would be the root of them all.
+    // With a separator appended, an empty part would name the root folder.
     if (end > at) destinations.push_back(ZipCopies.substr(at, end - at));
     at = end + 1;
   }
@@ -85,12 +85,13 @@ ZipArchiveStage::ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& p
     : settings_(settings), packer_(packer), stubPath_(std::move(stubPath)), pump_(std::move(pump)) {}
 
 void ZipArchiveStage::CreateArchive(const std::string&, RunState& run, RunLog& log, RunDisplay& display) {
-  // Both whatever the other settings say: the correction stays for the rest of the program's life, and a size
-  // beyond 32 bits ends the stage.
+  // Both happen whatever the other settings are: the correction lasts until the program ends, and a size that
+  // exceeds 32 bits ends the stage.
   settings_.ZipSpanSize = std::max(settings_.ZipSpanSize, kSmallestSpanKB);
   const ZipSegmentOptions segments{MultiplyLong(settings_.ZipSpanSize, 1024)};
 
-  // Without an archive the copies are tried all the same: of the folder, which is no file, to no name.
+  // Deliberate: without an archive the copies are tried all the same and fail, since their source is the
+  // folder and their name is empty.
   Archive archive{run.LocalTargetFolder, "", {run.LocalTargetFolder}};
   if (settings_.CreateZip == 1) archive = pack(run, segments, log, display);
   for (const std::string& destination : CopyDestinations(settings_.ZipCopies))
@@ -111,7 +112,7 @@ ZipArchiveStage::Archive ZipArchiveStage::pack(RunState& run, const ZipSegmentOp
   const bool selfExtracting = settings_.ZipSelfExtract != 0;
   const char* const ending = selfExtracting ? kSelfExtracting : ".zip";
   order.path = run.LocalTargetFolder + ending;
-  // The doubled separator does no harm and is kept.
+  // Deliberate: the doubled separator is harmless.
   order.pattern = run.localTargetPath + kLocalSeparator + "*";
   if (selfExtracting) order.stubPath = stubPath_;
   if (settings_.SplitZip != 0) order.segments = segments;
@@ -122,7 +123,7 @@ ZipArchiveStage::Archive ZipArchiveStage::pack(RunState& run, const ZipSegmentOp
     run.failures.add(order.path, description);
   };
 
-  // An archive of the same name goes when the new one is whole, and not before: the packer replaces it.
+  // The packer replaces an existing archive of the same name only when the new one is complete.
   log.AppendLog(selfExtracting ? "\r\nCreating Self-Extract Zip File: " : "\r\nCreating Zip File: ",
                 log_colour::kArchive, true);
   log.AppendLog(order.path + "\r\n", log_colour::kArchivePath, false);
@@ -132,8 +133,8 @@ ZipArchiveStage::Archive ZipArchiveStage::pack(RunState& run, const ZipSegmentOp
   return {order.path, run.localFolderName + ending, std::move(result.paths)};
 }
 
-/// The archive password in clear. Raises when it cannot be had: rather no archive than one without protection
-/// where protection was asked for.
+/// The archive password in clear text. Raises when it cannot be deciphered: no archive is better than an
+/// unprotected one.
 std::string ZipArchiveStage::password() const {
   std::string text;
   try {
@@ -152,8 +153,8 @@ void ZipArchiveStage::copyInto(const std::string& destination, const Archive& ar
     if (pump_) pump_();
     return true;
   };
-  // Of an archive in segments all are copied, since each alone is worth nothing. The one that the archive is
-  // called by appears last: where it stands, the copy is complete.
+  // All segments are copied, since none is usable alone. The one with the archive's name appears last: once
+  // it exists, the copy is complete.
   std::vector<FileCopy> files;
   for (const std::string& file : archive.files) {
     if (file != archive.path) files.push_back({file, folder + fileNameOf(file)});

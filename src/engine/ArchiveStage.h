@@ -1,5 +1,5 @@
-// The archive stage: what a profile has downloaded is packed into one archive beside it, and copies of that
-// go into further folders.
+// The archive stage: packs what a profile has downloaded into one archive beside it, and copies that archive
+// into further folders.
 #pragma once
 
 #include <string>
@@ -14,32 +14,32 @@
 
 namespace quillmoor {
 
-/// The folders that the setting `ZipCopies` names, in the order in which the copies are made.
+/// The folders named by the setting `ZipCopies`, in the order in which they are copied to.
 std::vector<std::string> CopyDestinations(const std::string& ZipCopies);
 
 class ArchiveStage {
  public:
   virtual ~ArchiveStage() = default;
 
-  /// Packs the local target folder that `run` names and copies the archive. Called once for each profile
-  /// that logged in, after its report row is finished; after a Stop too. What could not be packed or copied
-  /// is a failure of `run`, also after a Stop. What it raises ends the stage only.
+  /// Packs the local target folder that `run` names and copies the archive. Called once for each profile that
+  /// logged in, after its report row is finished, even after a Stop. Adds what could not be packed or copied
+  /// to the failures of `run`, even after a Stop. An exception ends this stage only.
   virtual void CreateArchive(const std::string& profileId, RunState& run, RunLog& log,
                              RunDisplay& display) = 0;
 };
 
-/// The real one, by the archive settings.
+/// Packs and copies as the archive settings say.
 class ZipArchiveStage final : public ArchiveStage {
  public:
-  /// The settings, which are read anew for every archive and where a segment size that is too small is
-  /// corrected, and the packer must outlive this. `stubPath` is the self-extractor's file; `pump` is called
-  /// while copies are made.
+  /// The settings and the packer must outlive this. The settings are read again for every archive; a segment
+  /// size that is too small is corrected in them. `stubPath` is the self-extractor's file; `pump` is called
+  /// during copying.
   ZipArchiveStage(ApplicationSettings& settings, ArchivePacker& packer, std::string stubPath, Pump pump);
 
   void CreateArchive(const std::string& profileId, RunState& run, RunLog& log, RunDisplay& display) override;
 
  private:
-  /// What the copies are made of: the files of the archive, `path` among them.
+  /// What is copied: all files of the archive, including `path`.
   struct Archive {
     std::string path;
     std::string fileName;

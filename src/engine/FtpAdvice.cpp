@@ -10,7 +10,7 @@ bool isOneOf(int number, std::initializer_list<int> numbers) {
   return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
 
-/// Letters in small, and one blank for whatever stands between words: " 530 max clients reached ".
+/// Lower case, with one blank around and between words: " 530 max clients reached ".
 std::string plainWords(std::string_view text) {
   std::string plain = " ";
   for (char c : text) {
@@ -22,7 +22,7 @@ std::string plainWords(std::string_view text) {
   return plain;
 }
 
-/// Whether one of these begins a word.
+/// Whether a word begins with one of these.
 bool hasAny(const std::string& plain, std::initializer_list<const char*> beginnings) {
   return std::any_of(beginnings.begin(), beginnings.end(), [&](const char* beginning) {
     return plain.find(std::string(" ") + beginning) != std::string::npos;
@@ -38,7 +38,7 @@ bool wantsEncryption(const std::string& plain) {
 }
 
 bool isCrowded(const std::string& plain) {
-  // Of too many wrong passwords, and of the time that a session may last.
+  // These are about too many wrong passwords, or about the session's time limit.
   if (hasAny(plain, {"fail", "attempt", "error", "incorrect", "invalid", "idle", "time limit", "timeout",
                      "time out", "timed out", "session time"}))
     return false;
@@ -52,11 +52,11 @@ bool isCrowded(const std::string& plain) {
 }  // namespace
 
 std::string LoginAdvice(int number, std::string_view description) {
-  // Before the reply stand words of this program's own.
+  // The server's reply follows a text of this program's own.
   const auto reply = description.find(std::to_string(number));
   if (reply == std::string_view::npos) return {};
   const std::string plain = plainWords(description.substr(reply));
-  // 421 and 550 are how some servers refuse USER without encryption; but 550 is of files as a rule.
+  // Some servers refuse an unencrypted USER with 421 or 550, but 550 is usually about a file.
   const bool ofLogin = description.substr(0, reply).find(" refused the ") != std::string_view::npos;
   if ((isOneOf(number, {421, 522, 530, 534}) || (number == 550 && ofLogin)) && wantsEncryption(plain)) {
     return "This server wants an encrypted connection (TLS), and this program logs in without encryption: "

@@ -1,4 +1,4 @@
-// What a user can do about a login that the server refuses.
+// Advice for the user about a login that the server has refused.
 #pragma once
 
 #include <string>
@@ -6,9 +6,9 @@
 
 namespace quillmoor {
 
-/// One sentence for the log, without a line break, where the failure says that the server has too many
-/// connections or wants them encrypted; "" of anything else, a wrong password for one. Takes the number and
-/// the description of an FtpError.
+/// One sentence for the log, without a line break, when the server has too many connections or requires
+/// encryption; "" for any other failure, such as a wrong password. Takes the number and the description of an
+/// FtpError.
 std::string LoginAdvice(int number, std::string_view description);
 
 }  // namespace quillmoor

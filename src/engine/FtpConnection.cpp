@@ -32,7 +32,7 @@ std::string ConnectionStateLine(FtpState state, const std::string& host) {
 bool TestRemoteFolderLinks(FtpClient& client, const std::string& here, const std::vector<std::string>& paths,
                            const std::function<bool(std::size_t, bool)>& answer) {
   constexpr std::size_t kMostAtOnce = 16;
-  constexpr std::size_t kMostBytes = 4096;  // a system takes so much at once, and a server's buffer as well
+  constexpr std::size_t kMostBytes = 4096;  // fits the system's send buffer and a server's input buffer
   const std::string back = "CWD " + here;
   bool goOn = true;
   bool elsewhere = false;
@@ -45,8 +45,8 @@ bool TestRemoteFolderLinks(FtpClient& client, const std::string& here, const std
       lines.push_back("CWD " + paths[end]);
       lines.push_back(back);
     }
-    // What was sent ahead the server performs in any case, and its replies must be in before other commands
-    // go, which may be the same.
+    // The server performs every command sent ahead. All their replies must be read before other commands are
+    // sent, which may be the same ones.
     const bool sent = client.sendAhead(lines, false);
     for (; done < end && (sent || (goOn && !elsewhere)); ++done) {
       const bool entered = Guarded([&] { client.setCurrentRemoteDirectory(paths[done]); });

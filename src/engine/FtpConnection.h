@@ -1,4 +1,4 @@
-// What the session of a run and that of the remote browser do alike with the FTP client.
+// What a run's session and the remote browser's session share in their use of the FTP client.
 #pragma once
 
 #include <cstddef>
@@ -12,14 +12,15 @@
 
 namespace quillmoor {
 
-/// Puts the profile's connection settings on the client. A session keeps the passive mode that it was opened
-/// with. Raises std::overflow_error, with nothing set, when the time-out is too large.
+/// Applies the profile's connection settings to the client. An open session keeps its passive mode. Raises
+/// std::overflow_error, with nothing set, when the time-out is too large.
 void SetFtpProperties(FtpClient& client, const RunProfileFields& profile);
 
-/// The line of the log, its line break included, for a new state of the connection to `host`.
+/// The log line, including its line break, for a new state of the connection to `host`.
 std::string ConnectionStateLine(FtpState state, const std::string& host);
 
-/// Can the current folder be changed to the path, and back? `Session` is an FtpClient or passes on to one.
+/// Whether the current folder can be changed to `path` and back. `Session` is an FtpClient or forwards to
+/// one.
 template <class Session>
 bool IsRemoteFolderLink(Session& session, const std::string& path) {
   return Guarded([&] {
@@ -30,10 +31,10 @@ bool IsRemoteFolderLink(Session& session, const std::string& path) {
   });
 }
 
-/// The same of many paths, which takes a round trip for a dozen of them where the server reads ahead. `here`
-/// is the current folder. Calls `answer` with the position and the answer of each, until that returns false;
-/// some more may be answered then, whose commands are on their way already. False, and no more is tested,
-/// when the way back has failed: the current folder is another one now.
+/// Tests many paths, up to 16 in one round trip when the server reads ahead. `here` is the current folder.
+/// Calls `answer` with the index and the result of each until `answer` returns false, and then for those
+/// whose commands are already sent. Returns false and tests no more when changing back has failed: the
+/// current folder is then another one.
 bool TestRemoteFolderLinks(FtpClient& client, const std::string& here, const std::vector<std::string>& paths,
                            const std::function<bool(std::size_t, bool)>& answer);
 

@@ -41,7 +41,7 @@ void FtpSession::ConnectAndLogin() {
 }
 
 void FtpSession::loginOverLan() {
-  IsNetworkAvailable(services_.network);  // asked once and not used: the system refreshes its answer
+  IsNetworkAvailable(services_.network);  // result ignored: the query makes the system refresh its state
   for (std::int32_t attempts = 1; !connected() && !state_.StopRequested; ++attempts) {
     log_.AppendLog("Trying to connect and login through LAN connection.\r\n", log_colour::kWaiting, false);
     TryLogin();
@@ -51,15 +51,15 @@ void FtpSession::loginOverLan() {
   }
 }
 
-/// Was that attempt, counted from 1, not the last one that the settings allow?
+/// Whether the settings allow another attempt after this many.
 bool FtpSession::mayTryAgain(std::int32_t attempts) {
   const std::int32_t most = services_.settings.LoginAttempts;
   state_.loginGivenUp = most > 0 && attempts >= most;
   return !state_.loginGivenUp;
 }
 
-/// How many times the delay between attempts is waited after that one. Without a limit it stays what it is;
-/// with one it doubles, to spare an address that a server bans after a number of refusals.
+/// By how much the delay after this attempt is multiplied. With a limit on attempts the delay doubles each
+/// time, so that the server does not ban this address for too many failed logins.
 std::int32_t FtpSession::pauseFactor(std::int32_t attempts) const {
   constexpr std::int32_t kLongest = 10;
   if (services_.settings.LoginAttempts <= 0) return 1;
@@ -74,15 +74,15 @@ void FtpSession::loginOverDialUp() {
       TryLogin();
       if (connected() || state_.StopRequested) return;
       if (services_.settings.LoginAttempts <= 0) {
-        network_.breathe();
+        network_.pumpAndRest();
         continue;
       }
       if (!mayTryAgain(++attempts)) return;
       network_.waitBeforeRetry(pauseFactor(attempts));
     }
-    // A connection that was not dialled here ends the dialling but is no reason to log in: wait for either
-    // to change without keeping the processor.
-    if (!connected()) network_.breathe();
+    // A connection dialled elsewhere ends the dialling but does not permit a login: wait, without using the
+    // processor, until either changes.
+    if (!connected()) network_.pumpAndRest();
   }
 }
 
@@ -92,7 +92,7 @@ void FtpSession::TryLogin() {
   errorNumber_ = 0;
   Guarded([&] {
     SetFtpProperties();
-    // The profile's own port range is not used, on purpose: a manual range is any port as well.
+    // Deliberate: the profile's own port range is not used; a manual range means any port, too.
     client_.dataPortRange = profile.ManualPort ? "0:0" : "0";
     expect(FtpMethod::login);
     client_.login(profile.Host, profile.UserID, profile.Password, profile.Account, ToLong(profile.Port));
@@ -103,14 +103,14 @@ void FtpSession::TryLogin() {
   if (!connected()) state_.LoggedIn = false;
 }
 
-/// A login that goes wrong for ever keeps the profiles after this one from their turn, which is the rule
-/// unless a setting says otherwise; the user is told of that once.
+/// A login that never succeeds blocks the profiles after this one, by default without a limit; the log says
+/// so once.
 void FtpSession::noteRefusedLogin() {
-  constexpr int kTellAfter = 5;
+  constexpr int kReportAfter = 5;
   const bool refused = errorNumber_ >= 400 && errorNumber_ < 600;
-  if (!refused || ++state_.loginRefusals != kTellAfter || services_.settings.LoginAttempts > 0) return;
-  log_.AppendLog("The server has refused this login " + std::to_string(kTellAfter) +
-                     " times. It is tried without limit; the setting LoginAttempts gives it one.\r\n",
+  if (!refused || ++state_.loginRefusals != kReportAfter || services_.settings.LoginAttempts > 0) return;
+  log_.AppendLog("The server has refused this login " + std::to_string(kReportAfter) +
+                     " times. Login attempts are not limited; the setting LoginAttempts sets a limit.\r\n",
                  log_colour::kWaiting, false);
 }
 
@@ -118,7 +118,7 @@ void FtpSession::enterDefaultDir() {
   const std::string& folder = state_.profile.DefaultDir;
   std::string reason;
   if (folder.empty() || Guarded([&] { client_.setCurrentRemoteDirectory(folder); }, reason)) return;
-  // A lost connection is made again, and the folder is entered then.
+  // After a lost connection the next login enters the folder.
   if (!connected() || std::exchange(state_.defaultDirFailed, true)) return;
   state_.countFailure(folder, reason);
   log_.AppendLog("Error: Unable to enter the first folder: " + PrintableName(folder) + "\r\n",
@@ -178,7 +178,7 @@ void FtpSession::sendAhead(const std::vector<std::string>& commandLines, bool da
 void FtpSession::showError(int number, const std::string& description) {
   errorNumber_ = number;
   state_.TransferOutcome = TransferOutcomes::failedOrStopped;
-  if (muted_) return;
+  if (logSuppressed_) return;
   log_.AppendLog("Ftp Error: " + description + "\r\n", log_colour::kError, true);
   const bool login = state_.ExpectedMethod == FtpMethod::login;
   const std::string advice = login ? LoginAdvice(number, description) : "";
@@ -194,7 +194,7 @@ void FtpSession::showProgress(const FtpProgress& progress) {
     state_.TransferOutcome = TransferOutcomes::failedOrStopped;
     return;
   }
-  if (muted_) return;
+  if (logSuppressed_) return;
   const bool awaited = progress.method == state_.ExpectedMethod;
   switch (progress.status) {
     case FtpStatus::done:

@@ -1,5 +1,5 @@
-// The FTP session of a run: the client with the profile's settings on it, its logins, and its events in the
-// log.
+// The FTP session of a run: applies the profile's settings to the client, logs in, and logs the client's
+// events.
 #pragma once
 
 #include <cstdint>
@@ -17,35 +17,34 @@ namespace quillmoor {
 
 class FtpSession {
  public:
-  /// All must outlive this.
+  /// All arguments must outlive this.
   FtpSession(const RunServices& services, RunState& state, RunLog& log, NetworkWait& network);
   FtpSession(const FtpSession&) = delete;
   FtpSession& operator=(const FtpSession&) = delete;
 
   FtpState state() const { return client_.state(); }
-  /// Every decision about the session is taken on this.
+  /// The one test for an open session.
   bool connected() const { return client_.state() == FtpState::connected; }
 
-  /// Puts the profile's connection settings on the client. A session keeps the passive mode that it was
-  /// opened with. Raises std::overflow_error, with nothing set, when the time-out is too large.
+  /// Applies the profile's connection settings to the client. An open session keeps its passive mode. Raises
+  /// std::overflow_error, with nothing set, when the time-out is too large.
   void SetFtpProperties();
 
-  /// Returns at once while connected. Else logs in, retrying until it has worked, a Stop, or as often as the
-  /// setting LoginAttempts allows (then RunState::loginGivenUp is set and no later call tries again); in
-  /// dial-up mode dials as well. Does nothing when entered again from inside itself. Judge the outcome by
-  /// `connected` and RunState::LoggedIn.
+  /// Returns at once when connected. Otherwise logs in, retrying until success, a Stop, or the limit set by
+  /// LoginAttempts (which sets RunState::loginGivenUp, and later calls do nothing); in dial-up mode it dials
+  /// first. Does nothing when re-entered. The outcome is `connected` and RunState::LoggedIn.
   void ConnectAndLogin();
 
-  /// Says goodbye; errors are swallowed.
+  /// Logs out (QUIT); errors are swallowed.
   void Logout();
 
-  /// A confirmed Stop: ends what is in progress, closes a session that is idle.
+  /// For a confirmed Stop: aborts the operation in progress, or closes an idle session.
   void abort() { client_.abort(); }
 
-  /// Closes the session without a farewell, if it is open. For a profile that is left.
+  /// Closes the session, if open, without QUIT. For the end of a profile.
   void close();
 
-  // The operations of the client, each raising FtpError. They note what they await in RunState.
+  // The client's operations; each raises FtpError. They set RunState::ExpectedMethod.
   void command(const std::string& line);
   std::string currentRemoteDirectory();
   void setCurrentRemoteDirectory(const std::string& path);
@@ -53,19 +52,22 @@ class FtpSession {
   void getFile(const std::string& remotePath, const std::string& localPath,
                std::optional<std::int64_t> listedSize);
   bool asciiType() const { return client_.asciiType(); }
-  /// A hint that saves round trips: the next operations will send just these.
+  /// Saves round trips; the next operations must send exactly these commands.
   void sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
 
-  /// While one exists, replies and errors are not written; what becomes of the connection is.
-  class Mute {
+  /// While one exists, replies and errors are not logged; changes of the connection's state are.
+  class LogSuppressor {
    public:
-    explicit Mute(FtpSession& session) : muted_(session.muted_), before_(session.muted_) { muted_ = true; }
-    ~Mute() { muted_ = before_; }
-    Mute(const Mute&) = delete;
-    Mute& operator=(const Mute&) = delete;
+    explicit LogSuppressor(FtpSession& session)
+        : logSuppressed_(session.logSuppressed_), before_(session.logSuppressed_) {
+      logSuppressed_ = true;
+    }
+    ~LogSuppressor() { logSuppressed_ = before_; }
+    LogSuppressor(const LogSuppressor&) = delete;
+    LogSuppressor& operator=(const LogSuppressor&) = delete;
 
    private:
-    bool& muted_;
+    bool& logSuppressed_;
     bool before_;
   };
 
@@ -89,8 +91,8 @@ class FtpSession {
   RunLog& log_;
   NetworkWait& network_;
   FtpClient client_;
-  bool muted_ = false;
-  int errorNumber_ = 0;  // of the last error event
+  bool logSuppressed_ = false;
+  int errorNumber_ = 0;  // of the client's last error event
 };
 
 }  // namespace quillmoor

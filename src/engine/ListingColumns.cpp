@@ -27,10 +27,10 @@ std::int64_t plainSize(std::string_view word) {
   return size >= 0 ? size : std::max<std::int64_t>(size + (std::int64_t{1} << 32), 0);
 }
 
-/// A number with the dots of thousands, or a rounded one with its unit.
+/// A number with thousands separators, or a rounded one with its unit.
 struct UnusualSize {
-  std::string digits;      // of the whole number
-  std::string tenths;      // the digits after the decimal sign
+  std::string digits;      // of the integer part
+  std::string tenths;      // digits after the decimal separator
   unsigned unitShift = 0;  // 10 for K, 20 for M and so on; 0: bytes
 };
 
@@ -46,7 +46,8 @@ std::optional<UnusualSize> readUnusualSize(std::string_view word) {
       return std::nullopt;
     size.unitShift = 10 * (static_cast<unsigned>(power) + 1);
   }
-  // A sign before each three digits parts thousands; a single one before fewer is that of the decimals.
+  // A sign before every three digits separates thousands; a single one before any other number of digits is
+  // the decimal separator.
   std::string_view number = word.substr(0, end);
   while (!number.empty()) {
     const std::size_t sign = std::min(number.find_first_of(".,"), number.size());

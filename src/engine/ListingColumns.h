@@ -21,7 +21,7 @@ inline bool isNumber(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), isDigit);
 }
 
-/// Of digits alone, as far as an int holds them.
+/// The value of a text of digits only; nothing when it does not fit an int.
 inline std::optional<int> smallNumber(std::string_view text) {
   int value = 0;
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -29,7 +29,7 @@ inline std::optional<int> smallNumber(std::string_view text) {
   return value;
 }
 
-/// The words at the beginning of a line. More than kMost do not matter: the date has come by then.
+/// The first kMost words of a line: enough to reach past the date.
 struct Words {
   static constexpr std::size_t kMost = 20;
 
@@ -44,9 +44,9 @@ struct Words {
       word[count++] = {start, static_cast<std::size_t>(at - start)};
     }
   }
-  /// Empty when there are not so many.
+  /// Empty when there are fewer words.
   std::string_view operator[](std::size_t i) const { return i < count ? word[i] : std::string_view(); }
-  /// The text from the beginning of one word to the end of another.
+  /// The text from the beginning of word `first` to the end of word `last`.
   std::string_view span(std::size_t first, std::size_t last) const {
     return {word[first].data(),
             static_cast<std::size_t>(word[last].data() + word[last].size() - word[first].data())};
@@ -56,20 +56,20 @@ struct Words {
   std::size_t count = 0;
 };
 
-/// Names begin after the one blank that follows the column before; further blanks are theirs.
+/// One blank separates a name from the column before it; further blanks belong to the name.
 inline std::string_view nameAfter(std::string_view line, std::string_view column) {
   const auto end = static_cast<std::size_t>(column.data() + column.size() - line.data());
   return line.substr(std::min(end + 1, line.size()));
 }
 
-/// Letters of whatever language; with a final dot where words are abbreviated so.
+/// Letters of any language, optionally followed by a dot.
 bool isAnyWord(std::string_view word);
 
 /// "1024", "1,234,567", "1.234.567", or the major and minor number of a device; rounded ones like "1.5K",
 /// "3,4M", "2GiB". Servers that count in 32 bits list sizes beyond 2 GB as negative.
 bool isSize(std::string_view word);
 
-/// Stores the size that a word says for which isSize holds. A rounded one, or one that 64 bits cannot hold,
+/// Stores the size that `word` states; isSize(word) must hold. A rounded size, or one that exceeds 64 bits,
 /// leaves the entry without an exact size.
 void setSize(RemoteEntry& entry, std::string_view word);
 

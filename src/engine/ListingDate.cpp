@@ -12,10 +12,10 @@ namespace {
 constexpr std::array<const char*, 12> kEnglish = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
-// What `ls` writes in place of the English names, without a final dot: German, French, Spanish, Italian,
+// Month names that `ls` writes in other languages, without a final dot: German, French, Spanish, Italian,
 // Dutch, Portuguese, Scandinavian, Finnish, Polish, Czech, Hungarian, Romanian, Turkish, Greek, Russian,
-// Ukrainian, and in Latin-1 where that differs. ASCII letters are small, others as they occur. A blank on
-// either side of each.
+// Ukrainian, and in Latin-1 where that differs. ASCII letters are in lower case, others as they occur. Each
+// name is between two blanks.
 constexpr std::array<std::string_view, 12> kOtherNames = {
     " janv ene gen tammi sty led ian oca Ιαν янв Янв січ Січ ",
     " févr fév fev helmi lut úno febr Şub Φεβ фев Фев лют Лют f\xE9vr ",
@@ -40,7 +40,7 @@ std::string lowered(std::string_view text) {
   return lower;
 }
 
-/// Three letters as one number, whatever their case.
+/// Three letters as one number, ignoring their case.
 constexpr std::uint32_t caselessKey(std::string_view letters) {
   std::uint32_t key = 0;
   for (const char c : letters) key = key << 8 | static_cast<unsigned char>(c | 0x20);
@@ -63,12 +63,12 @@ std::optional<int> number(std::string_view text) {
   return value;
 }
 
-/// Of one or two digits, as all parts of a date but the year.
+/// A number of at most two digits: every part of a date except the year.
 std::optional<int> shortNumber(std::string_view text) {
   return text.size() <= 2 ? number(text) : std::nullopt;
 }
 
-/// Puts "12:34" or "12:34:56" into the parts.
+/// Reads "12:34" or "12:34:56" into `parts`.
 bool readTimeOfDay(std::string_view text, LocalDateTimeParts& parts) {
   const std::size_t colon = text.find(':');
   const std::string_view behind = text.substr(colon + 1);
@@ -87,7 +87,7 @@ std::string withSingleBlanks(std::string_view text) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
     result += text[i];
-    // One pass over the pairs and no more, on purpose: three blanks become two.
+    // Deliberate: a single pass over pairs, so three blanks become two.
     if (text[i] == ' ' && i + 1 < text.size() && text[i + 1] == ' ') ++i;
   }
   return result;
@@ -143,7 +143,7 @@ LocalDateTime ParseListingDate(std::string_view text, LocalDateTime now) {
     if (!year || last.size() != 4) return now;
     parts.year = *year;
   } else {
-    // A date ahead of now stays ahead, on purpose.
+    // Deliberate: a date in the future stays in the future.
     parts.year = SplitLocalDateTime(now).year;
     if (!readTimeOfDay(last, parts)) return now;
   }

@@ -7,7 +7,7 @@
 namespace quillmoor::listing {
 namespace {
 
-/// Of files, that is: "1024" after an owner called "Jan 15" is a size.
+/// A year that a file can have: "1024" after an owner called "Jan 15" is a size.
 bool isYear(std::string_view word) {
   return word.size() == 4 && isNumber(word) && (word.starts_with("19") || word.starts_with("20"));
 }
@@ -35,8 +35,8 @@ void appendNumber(std::string& text, int value) {
   text.append(digits, result.ptr);
 }
 
-/// A date of which everything is known, in the form that ParseListingDate takes for the same day: a text with
-/// a time of day means the year that it is now.
+/// A complete date in the form that ParseListingDate reads as the same day: a text with a time of day means
+/// the current year.
 std::string composedDate(int year, int month, int day, const std::optional<TimeOfDay>& time, int yearNow) {
   std::string text(EnglishMonth(month), 3);
   text += ' ';
@@ -60,7 +60,7 @@ DateParts partsOf(DateForm form, int year, int month, int day, const std::option
           {}};
 }
 
-/// The English name of the month, or with `anyWord` what the server calls it.
+/// The English name of the month; with `anyWord` also an unknown name, as the server wrote it.
 std::string monthText(std::string_view word, bool anyWord, int& month) {
   if (const auto known = MonthOfName(word)) {
     month = *known;
@@ -69,8 +69,8 @@ std::string monthText(std::string_view word, bool anyWord, int& month) {
   return std::string(anyWord && isAnyWord(word) ? word : std::string_view());
 }
 
-/// "Jan 15 12:34", "Jan 15 2009", "15 Jan 12:34", "15 Jan 2009"; "1月 15日", "15. Jan"; with a time after the
-/// year.
+/// "Jan 15 12:34", "Jan 15 2009", "15 Jan 12:34", "15 Jan 2009"; "1月 15日", "15. Jan"; also with a time
+/// after the year.
 std::optional<ListedDate> readNamedDate(const Words& words, std::size_t at, bool anyMonth) {
   const std::string_view last = words[at + 2];
   const auto time = readTime(last, true);
@@ -104,9 +104,9 @@ std::optional<ListedDate> readNamedDate(const Words& words, std::size_t at, bool
   return date;
 }
 
-/// The time after a date that may also stand alone. "09.30" or "9h30" could as well be how a name begins: of
-/// a name something must follow, and where dates alone are customary, with two blanks, one blank must
-/// precede.
+/// The optional time after a date. "09.30" or "9h30" could also be the beginning of a name: it is a time only
+/// when a name follows, and, where dates without a time are customary and followed by two blanks, when only
+/// one blank precedes it.
 std::optional<TimeOfDay> readTimeAfter(const Words& words, std::size_t at, bool dateMayStandAlone) {
   const std::string_view word = words[at + 1];
   const auto time = readTime(word, true);
@@ -115,7 +115,8 @@ std::optional<TimeOfDay> readTimeAfter(const Words& words, std::size_t at, bool 
   return word[1] != '.' && (close || !dateMayStandAlone) && at + 2 < words.count ? time : std::nullopt;
 }
 
-/// "2009-01-15 12:34", with seconds and zone if listed; "01-15 12:34"; "2009-01-15", which is then padded.
+/// "2009-01-15 12:34", with seconds and zone if listed; "01-15 12:34"; "2009-01-15", which is followed by an
+/// extra blank.
 std::optional<ListedDate> readIsoDate(const Words& words, std::size_t at, int yearNow) {
   std::string_view word = words[at];
   std::optional<int> year;
@@ -140,7 +141,7 @@ std::optional<ListedDate> readIsoDate(const Words& words, std::size_t at, int ye
   return date;
 }
 
-/// "14.11.2026", "3/4/2026", "01-15-09", "2026/11/14": three numbers and a sign between them.
+/// "14.11.2026", "3/4/2026", "01-15-09", "2026/11/14": three numbers separated by one sign.
 struct NumericDay {
   int first = 0, second = 0, year = 0;
   char sign = '.';
@@ -178,7 +179,7 @@ std::optional<NumericDay> readNumericDay(std::string_view word) {
   return day;
 }
 
-/// `unsure` is the form of a date that could begin with the day as well as with the month.
+/// `unsure` is the form to use when either number may be the month.
 std::optional<ListedDate> datedAs(const NumericDay& numbers, const std::optional<TimeOfDay>& time,
                                   DateForm unsure, int yearNow) {
   const auto isMonth = [](int value) { return value >= 1 && value <= 12; };
@@ -187,7 +188,7 @@ std::optional<ListedDate> datedAs(const NumericDay& numbers, const std::optional
   const bool dayFirst = !numbers.yearFirst && isMonth(numbers.second) && isDayNumber(numbers.first);
   if (!monthFirst && !dayFirst) return std::nullopt;
   const bool same = numbers.yearFirst || numbers.first == numbers.second;
-  DateForm form = DateForm::settled;
+  DateForm form = DateForm::unambiguous;
   if (!same) form = monthFirst && dayFirst ? unsure : monthFirst ? DateForm::monthFirst : DateForm::dayFirst;
   ListedDate date;
   date.parts = partsOf(form, numbers.year, numbers.first, numbers.second, time);
@@ -207,7 +208,7 @@ std::optional<ListedDate> readNumericDate(const Words& words, std::size_t at, in
   if (!time && day->shortYear) return std::nullopt;
   std::optional<ListedDate> date;
   if (day->shortYear && day->sign != '.') {
-    date.emplace();  // nobody knows which of three numbers is the year
+    date.emplace();  // any of the three numbers could be the year
   } else {
     date = datedAs(*day, time, day->sign == '.' ? DateForm::dayMonth : DateForm::dayMonthEither, yearNow);
     if (!date) return std::nullopt;
@@ -270,7 +271,7 @@ std::optional<ListedDate> readDosDate(const Words& words, int yearNow) {
   return date;
 }
 
-std::optional<std::string> ListedDateForms::settledText(const DateParts& date, int yearNow) const {
+std::optional<std::string> ListedDateForms::resolvedText(const DateParts& date, int yearNow) const {
   std::optional<TimeOfDay> time;
   if (date.hour >= 0) time = TimeOfDay{date.hour, date.minute};
   if (date.form == DateForm::yearAndTime) {

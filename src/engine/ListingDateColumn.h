@@ -1,8 +1,8 @@
-// The date column of a listing line, in each of the forms that servers write.
+// The date column of a listing line, in every form that servers write.
 //
-// Two questions cannot be answered by one line: whether "03/04/2026" begins with the day or the month, and
-// whether the time in "Nov 14 2026 09:00 both" is part of the date or of the name. One server writes all
-// lines of a listing in one form, so the other lines answer them: see ListedDateForms.
+// One line alone cannot tell whether "03/04/2026" begins with the day or the month, nor whether the time in
+// "Nov 14 2026 09:00 both" is part of the date or of the name. A server writes all lines of a listing in one
+// form, so the other lines decide: see ListedDateForms.
 #pragma once
 
 #include <cstdint>
@@ -22,42 +22,41 @@ struct TimeOfDay {
 std::optional<TimeOfDay> readTime(std::string_view word, bool anySign);
 
 enum class DateForm : std::uint8_t {
-  settled,        // in no need of other lines, nor of help to them
+  unambiguous,    // needs no other lines and tells nothing about them
   yearOrTime,     // "Jan 15 12:34", "Jan 15 2009"
   yearAndTime,    // "Jan 15 2009 12:34": the time may belong to the name
   dayFirst,       // "14/11/2026"
   monthFirst,     // "11/14/2026"
-  dayMonth,       // "03.04.2026", day first unless other lines say otherwise
-  monthDay,       // "03-04-26" of an MS-DOS line, month first unless other lines say otherwise
-  dayMonthEither  // "03/04/2026", not known unless other lines say
+  dayMonth,       // "03.04.2026", day first unless other lines show the opposite
+  monthDay,       // "03-04-26" of an MS-DOS line, month first unless other lines show the opposite
+  dayMonthEither  // "03/04/2026", unknown unless other lines show which
 };
 
-/// What is kept of a date until the other lines have settled it.
+/// The parts of a date, kept until the other lines resolve its form.
 struct DateParts {
-  DateForm form = DateForm::settled;
-  std::int8_t month = 0, day = 0;     // of the last three forms the first number and the second
+  DateForm form = DateForm::unambiguous;
+  std::int8_t month = 0, day = 0;     // in the last three forms: first and second number
   std::int8_t hour = -1, minute = 0;  // -1: no time
   std::int16_t year = 0;
   std::string_view listed;
 };
 
 struct ListedDate {
-  /// What it means, for ParseListingDate, as far as the line alone tells.
+  /// The date as this line alone determines it, in the form that ParseListingDate reads.
   std::string text;
   std::size_t lastWord = 0;
-  bool padded = false;  // a blank more than usual stands before the name
+  bool padded = false;  // one extra blank precedes the name
   DateParts parts;
 };
 
-/// The date that begins with word `at`, of a UNIX line. With `anyMonth` a word that no language here knows
-/// counts as the name of a month: a file must not go missing for its month's sake, and a date that nobody
-/// can read is one that ParseListingDate knows how to take.
+/// The date of a UNIX line that begins with word `at`. With `anyMonth` an unknown word counts as the name of
+/// a month: a file must not be missed because of its month, and ParseListingDate accepts an unreadable date.
 std::optional<ListedDate> readUnixDate(const Words& words, std::size_t at, int yearNow, bool anyMonth);
 
-/// The date and time with which an MS-DOS line begins. Dashes without other signs mean month, day, year.
+/// The date and time at the beginning of an MS-DOS line. Numbers separated by dashes are month, day, year.
 std::optional<ListedDate> readDosDate(const Words& words, int yearNow);
 
-/// What all lines of a listing together say about their dates.
+/// What all lines of a listing together show about the form of their dates.
 class ListedDateForms {
  public:
   void add(DateForm form) {
@@ -68,12 +67,12 @@ class ListedDateForms {
   static bool needsOthers(DateForm form) {
     return form == DateForm::yearAndTime || form >= DateForm::dayMonth;
   }
-  /// Whether the time after a year is part of the date: unless some line has only one of them.
+  /// Whether a time after the year is part of the date: not when some line has only one of them.
   bool timeFollowsYear() const { return !yearOrTime_; }
-  /// After all lines were added: the text of a date of one of the forms that `needsOthers` if it is another
-  /// than the line alone has told. A date that the lines contradict is given as it is listed, which
-  /// ParseListingDate cannot read.
-  std::optional<std::string> settledText(const DateParts& date, int yearNow) const;
+  /// To be called after all lines were added, for a date whose form `needsOthers`: its text, or nothing when
+  /// the text read from its own line stays. When the lines contradict each other, returns the date as listed,
+  /// which ParseListingDate cannot read.
+  std::optional<std::string> resolvedText(const DateParts& date, int yearNow) const;
 
  private:
   bool yearOrTime_ = false, dayFirst_ = false, monthFirst_ = false;

@@ -5,8 +5,8 @@
 namespace quillmoor::listing {
 namespace {
 
-/// "d" for a folder, "l" for what leads elsewhere; 0 when the word is no such mark.
-char typeOfMark(std::string_view word) {
+/// "d" for a folder, "l" for a link or junction; 0 for any other word.
+char typeOfTag(std::string_view word) {
   std::string upper(word);
   for (char& c : upper) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
   if (upper == "<DIR>") return 'd';
@@ -30,11 +30,11 @@ std::optional<ListedLine> parseDosLine(std::string_view line, int yearNow) {
   RemoteEntry& entry = listed.entry;
   std::string_view name;
   if (words[kind].starts_with('<')) {
-    const char type = typeOfMark(words[kind]);
+    const char type = typeOfTag(words[kind]);
     if (type == 0) return std::nullopt;
     entry.type.assign(1, type);
     const auto end = static_cast<std::size_t>(words[kind].data() + words[kind].size() - line.data());
-    // The column is padded to a width of its own: that much is not the name's.
+    // The column is padded to a fixed width; the padding does not belong to the name.
     constexpr std::size_t kColumn = 15;
     const std::size_t padding = kColumn - std::min(words[kind].size(), kColumn - 1);
     const std::size_t blanks = std::min(line.find_first_not_of(' ', end), line.size()) - end;

@@ -16,7 +16,7 @@ bool isBlank(std::string_view line) {
   return line.find_first_not_of(" \t") == std::string_view::npos;
 }
 
-/// "total 12" in whatever language.
+/// "total 12" in any language.
 bool isTotal(std::string_view line) {
   const Words words(line);
   return words.count == 2 && isAnyWord(words[0]) && isSize(words[1]);
@@ -28,7 +28,7 @@ bool isHeading(std::string_view line) {
 
 constexpr std::string_view kDirectoryOf = "Directory of ";
 
-/// What the `dir` of MS-DOS writes around its lines.
+/// The lines that `dir` of MS-DOS writes around its entries.
 bool isDirFrame(std::string_view line) {
   for (const std::string_view start :
        {std::string_view("Volume in drive "), std::string_view("Volume Serial Number is "), kDirectoryOf}) {
@@ -39,7 +39,7 @@ bool isDirFrame(std::string_view line) {
          isSize(words[2]) && words[3] == "bytes";
 }
 
-/// The path of a heading "path:" or "Directory of path"; empty when the line is none.
+/// The path of a heading "path:" or "Directory of path"; empty for any other line.
 std::string_view headingPath(std::string_view line) {
   if (line.starts_with(kDirectoryOf)) return line.substr(kDirectoryOf.size());
   return isHeading(line) ? line.substr(0, line.size() - 1) : std::string_view();
@@ -50,7 +50,7 @@ class Reader {
  public:
   Reader(RemoteListing& listing, int yearNow) : listing_(listing), yearNow_(yearNow) {}
 
-  /// `following` is the text after the line. False when no line of the current folder comes any more.
+  /// `following` is the text after the line. Returns false when the current folder's lines have ended.
   bool take(std::string_view line, std::string_view following);
   void finish();
 
@@ -60,8 +60,8 @@ class Reader {
   void passOver(std::string_view line);
   bool isListedFolder(std::string_view path);
 
-  /// An entry whose date, or whose name after the date, other lines must settle.
-  struct Unsettled {
+  /// An entry whose date, or whose name after the date, depends on other lines.
+  struct Unresolved {
     std::size_t entry;
     std::size_t timeInName;
     DateParts date;
@@ -70,8 +70,8 @@ class Reader {
   RemoteListing& listing_;
   int yearNow_;
   ListedDateForms dateForms_;
-  std::vector<Unsettled> unsettled_;
-  std::unordered_set<std::string> folders_;  // of the entries, as far as `foldersOf_`
+  std::vector<Unresolved> unresolved_;
+  std::unordered_set<std::string> folders_;  // folders among the first `foldersOf_` entries
   std::size_t foldersOf_ = 0;
   bool first_ = true, afterBlank_ = false, elsewhere_ = false, unreadable_ = false, totalSeen_ = false,
        afterHeading_ = false;
@@ -81,12 +81,13 @@ void Reader::addEntry(ListedLine&& listed, ListingFormat format) {
   if (listing_.entries.empty()) listing_.format = format;
   dateForms_.add(listed.date.parts.form);
   if (ListedDateForms::needsOthers(listed.date.parts.form))
-    unsettled_.push_back({listing_.entries.size(), listed.timeInName, listed.date.parts});
+    unresolved_.push_back({listing_.entries.size(), listed.timeInName, listed.date.parts});
   listing_.entries.push_back(std::move(listed.entry));
 }
 
-/// What `ls` writes around its lines, where it writes it: headings before the entries or after a blank line,
-/// and one total before the entries or after a heading. A listing of nothing else is that of an empty folder.
+/// The lines that `ls` writes around its entries: blank lines, headings before the entries or after a blank
+/// line, and one total before the entries or after a heading. A listing with nothing else is an empty
+/// folder's.
 bool Reader::isCustomaryNoise(std::string_view line) {
   if (isBlank(line)) return true;
   const bool before = listing_.entries.empty();
@@ -97,7 +98,7 @@ bool Reader::isCustomaryNoise(std::string_view line) {
 void Reader::passOver(std::string_view line) {
   if (isCustomaryNoise(line)) return;
   unreadable_ = true;
-  // Before anything else a path names the folder that is listed.
+  // A path in the first line names the listed folder.
   if ((first_ && line.starts_with('/')) || isDirFrame(line)) return;
   if (++listing_.unreadCount <= RemoteListing::kMostUnread) listing_.unread.emplace_back(line);
 }
@@ -123,11 +124,11 @@ bool Reader::take(std::string_view line, std::string_view following) {
     addEntry(*std::move(asUnix), ListingFormat::unixStyle);
   } else {
     if (afterBlank_ && !listing_.entries.empty()) {
-      // A recursive listing goes on with another folder; a note that ends in a colon looks the same.
+      // A recursive listing continues with another folder; a remark that ends in a colon looks the same.
       if (const std::string_view path = headingPath(line); !path.empty()) {
         if (isListedFolder(path)) return false;
         const std::string_view next = following.substr(0, following.find_first_of("\r\n"));
-        // Nothing says which folder the lines to come belong to: better unread than fetched from a wrong one.
+        // The next lines belong to an unknown folder: leave them unread rather than fetch from the wrong one.
         elsewhere_ = path.starts_with('/') || path.starts_with("./") || isTotal(next);
       }
     }
@@ -140,13 +141,13 @@ bool Reader::take(std::string_view line, std::string_view following) {
 }
 
 void Reader::finish() {
-  for (const Unsettled& unsettled : unsettled_) {
-    RemoteEntry& entry = listing_.entries[unsettled.entry];
-    if (unsettled.date.form == DateForm::yearAndTime) {
-      if (!dateForms_.timeFollowsYear() || entry.name.size() <= unsettled.timeInName) continue;
-      entry.name.erase(0, unsettled.timeInName);
+  for (const Unresolved& unresolved : unresolved_) {
+    RemoteEntry& entry = listing_.entries[unresolved.entry];
+    if (unresolved.date.form == DateForm::yearAndTime) {
+      if (!dateForms_.timeFollowsYear() || entry.name.size() <= unresolved.timeInName) continue;
+      entry.name.erase(0, unresolved.timeInName);
     }
-    if (auto text = dateForms_.settledText(unsettled.date, yearNow_)) entry.dateText = *std::move(text);
+    if (auto text = dateForms_.resolvedText(unresolved.date, yearNow_)) entry.dateText = *std::move(text);
   }
   if (!listing_.entries.empty()) return;
   if (unreadable_) listing_.format = ListingFormat::neither;
@@ -162,7 +163,7 @@ RemoteListing ParseListing(std::string text, LocalDateTime now, const Pump& pump
   Reader reader(listing, SplitLocalDateTime(now).year);
   std::string_view rest = listing.text;
   for (std::size_t lines = 1; !rest.empty(); ++lines) {
-    constexpr std::size_t kLinesBetweenPumps = 4096;  // some two milliseconds
+    constexpr std::size_t kLinesBetweenPumps = 4096;  // about two milliseconds
     if (pump && lines % kLinesBetweenPumps == 0) pump();
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     const std::string_view line = rest.substr(0, end);

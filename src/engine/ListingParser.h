@@ -1,5 +1,5 @@
-// From the text of a LIST reply to entries. LIST has no standard (RFC 959 §4.1.3): these are the forms that
-// servers write, UNIX "ls -l" and its relatives and the MS-DOS style.
+// Parses the text of a LIST reply into entries. Its format has no standard (RFC 959 §4.1.3); servers write
+// UNIX "ls -l", variants of it, or the MS-DOS style.
 #pragma once
 
 #include <string>
@@ -10,20 +10,19 @@
 
 namespace quillmoor {
 
-/// Interprets every line that it can. Customary noise (blank lines, "total 12", headings, the frame that
-/// `dir` writes) is passed over; any other line is kept in `unread` when lines beside it were understood,
-/// else the format is `neither` and there are no entries. Of a recursive listing only the current folder's
-/// lines count.
+/// Reads every line that it can. The usual noise (blank lines, "total 12", headings, what `dir` writes around
+/// its lines) is skipped. Other unreadable lines are kept in `unread` when at least one entry was read;
+/// otherwise the format is `neither`. Of a recursive listing only the current folder's lines are read.
 ///
-/// `now` decides which dates are given with a time of day: those of its year. A date of numbers that could
-/// begin with the day as well as with the month is read as the other lines of the listing show; where they
-/// do not, its entry keeps the date as it is listed, which ParseListingDate cannot read. Dots mean day first
-/// and the dashes of MS-DOS lines month first unless other lines show the opposite.
+/// Only dates in the year of `now` keep their time of day. Whether a numeric date begins with the day or the
+/// month is decided by the other lines of the listing; when they do not show it, the entry keeps the date as
+/// listed, which ParseListingDate cannot read. Dots mean day first, and dashes in MS-DOS lines month first,
+/// unless other lines show the opposite.
 ///
-/// A last line without a line end is read like any other, for some servers write it so: FtpClient raises an
-/// error for a transfer that the server did not end in order, so no half line of one arrives here.
+/// A last line without a line end is read like any other, since some servers write it so. It is never a
+/// truncated one: FtpClient raises an error for an incomplete transfer.
 ///
-/// `pump` is called now and then while a long text is read.
+/// `pump` is called regularly while a long text is read.
 RemoteListing ParseListing(std::string text, LocalDateTime now, const Pump& pump = {});
 
 }  // namespace quillmoor

@@ -47,12 +47,12 @@ bool isBracketedMode(std::string_view word) {
          word.substr(1, word.size() - 2).find_first_not_of("SRWCEMFA-_") == std::string_view::npos;
 }
 
-/// "-rw-r--r--" with what is glued to it, or NetWare's "- [RWCEAFMS]". Returns the index of the word after
-/// it, 0 when that is no mode.
+/// "-rw-r--r--" with anything attached to it, or NetWare's "- [RWCEAFMS]". Returns the index of the word
+/// after the mode; 0 when there is no mode.
 std::size_t readMode(const Words& words, std::int32_t& permissions) {
   const std::string_view mode = words[0];
   if (mode.size() >= 10 && std::all_of(mode.begin() + 1, mode.begin() + 10, isModeLetter)) {
-    // A line of dashes is more often an ornament than the mode of a file that nobody may read.
+    // A line of dashes is more likely a separator than the mode of a file without permissions.
     if (mode.find_first_not_of('-') >= 10 && !isDigit(mode.back()) &&
         (words[1].empty() || !isDigit(words[1].front())))
       return 0;
@@ -74,8 +74,8 @@ std::string_view withoutFrontColumns(std::string_view line) {
   return rest;
 }
 
-/// Cuts "name -> target". Either may hold an arrow of its own; the size of a link is the length of its target
-/// and tells which arrow it is, where the server gives it.
+/// Splits "name -> target". Either may itself contain an arrow; a link's size, if listed, is the length of
+/// its target and shows which arrow separates them.
 void splitLink(RemoteEntry& entry, std::string_view text) {
   constexpr std::string_view kArrow = " -> ";
   std::size_t at = text.find(kArrow, 1);  // a name has at least one byte
@@ -92,8 +92,8 @@ void splitLink(RemoteEntry& entry, std::string_view text) {
   entry.linkTarget = text.substr(at + kArrow.size());
 }
 
-/// Owner columns: the words between the mode and the size. The first number is the count of links, which wide
-/// columns glue to the owner ("1000joe"); a group's name may hold blanks.
+/// Owner columns: the words between the mode and the size. The first number is the link count, which may run
+/// into the owner when columns are wide ("1000joe"); a group's name may contain blanks.
 void setOwners(RemoteEntry& entry, const Words& words, std::size_t first, std::size_t end, bool linksSeen) {
   if (first == end) return;
   entry.user = words[first];
@@ -116,7 +116,7 @@ struct SizeAndDate {
 
 constexpr std::size_t kOwnerColumns = 3;  // links, user, group
 
-/// The first thing that looks like a date after a number, if something follows it.
+/// The first text after a number that reads as a date.
 std::optional<SizeAndDate> findDate(const Words& words, std::size_t first, int yearNow, bool anyMonth) {
   std::optional<SizeAndDate> found;
   for (std::size_t size = first; size + 1 < words.count; ++size) {
@@ -125,13 +125,13 @@ std::optional<SizeAndDate> findDate(const Words& words, std::size_t first, int y
     auto date = readUnixDate(words, size + 1, yearNow, anyMonth);
     if (!date) continue;
     found = SizeAndDate{size, *std::move(date)};
-    // Before any owner it may be the owners' columns that look so ("1 jan 10 2048"): a second date tells.
+    // Owner columns may look like a date ("1 jan 10 2048"): a second date then is the real one.
     if (size > first) break;
   }
   return found;
 }
 
-/// The same where a long owner or group leaves no blank before the size: "averylonggroup1024".
+/// findDate for a line where a long owner or group leaves no blank before the size: "averylonggroup1024".
 std::optional<SizeAndDate> findDateAfterGluedSize(const Words& words, std::size_t first, int yearNow) {
   const std::size_t most = std::min(first + kOwnerColumns, words.count);
   for (std::size_t glued = first + 1; glued < most; ++glued) {
@@ -161,7 +161,7 @@ std::optional<ListedLine> parseFromMode(std::string_view line, int yearNow) {
     entry.sizeExact = false;
     if (ownersEnd > first && words[ownersEnd - 1].ends_with(',')) --ownersEnd;  // "1,   3"
   } else if (glued) {
-    // Which of the digits are the owner's nobody knows.
+    // Some of the digits may belong to the owner.
     setSize(entry, sizeWord.substr(sizeWord.find_last_not_of("0123456789") + 1));
     entry.sizeExact = false;
     ++ownersEnd;

@@ -45,7 +45,7 @@ bool LockedTarget::acquire(const std::string& folder) {
   }
 }
 
-bool LockedTarget::holds(const LockedTarget& other) const {
+bool LockedTarget::contains(const LockedTarget& other) const {
   return other.key_.starts_with(key_);
 }
 

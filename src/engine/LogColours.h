@@ -1,4 +1,4 @@
-// Colours of the log, and the rule that frames a profile in it.
+// Colours of the log, and the line of dashes around a profile's heading.
 #pragma once
 
 #include <string>

@@ -54,7 +54,7 @@ void LogText::trim(std::size_t characters) {
     while (bytes < line.text.size() && continues(line.text[bytes]));
   }
   line.text.erase(0, bytes);
-  // The run that the cut went through begins at the cut.
+  // The run that contains the cut now begins at it.
   const auto later =
       std::find_if(line.runs.begin(), line.runs.end(), [&](const LogRun& run) { return run.begin > bytes; });
   if (later != line.runs.begin()) line.runs.erase(line.runs.begin(), later - 1);

@@ -1,4 +1,4 @@
-// The text of the run log as the backup window holds it: coloured lines, cheap to append to and to trim.
+// The text of the run log in the backup window: coloured lines, cheap to append to and to trim.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace quillmoor {
 
-/// From `begin`, a byte of the line's text, on.
+/// A colour that applies from `begin`, a byte offset in the line's text.
 struct LogRun {
   std::size_t begin = 0;
   Colour colour;
@@ -20,28 +20,28 @@ struct LogRun {
 struct LogLine {
   std::string text;  // valid UTF-8 without control characters
   std::vector<LogRun> runs;
-  std::size_t characters = 0;  // as they were appended, the line break included
+  std::size_t characters = 0;  // as appended, including the line break
 };
 
-/// Lengths are counted in characters of what was appended; a line break (CR LF) has two.
+/// Lengths are in characters as appended; a line break (CR LF) counts as two.
 class LogText {
  public:
   std::size_t length() const { return length_; }
 
   void setColour(Colour colour) { colour_ = colour; }
 
-  /// A line break ends the line; other control characters become "?". Bytes that are no UTF-8, as in the
-  /// names of old servers, are read as ANSI.
+  /// A line break ends the line; other control characters become "?". Bytes that are not UTF-8, as some
+  /// servers send in names, are read as ANSI.
   void append(std::string_view text);
 
   /// Drops characters from the start.
   void trim(std::size_t characters);
 
-  /// The last line is the one that the next append goes on with; it may be empty.
+  /// The next append continues the last line, which may be empty.
   std::size_t lineCount() const { return lines_.size(); }
   const LogLine& line(std::size_t index) const { return lines_[index]; }
 
-  /// Lines that `trim` has dropped so far: number of the first line shown, counted from the first appended.
+  /// The number of lines that `trim` has dropped so far, which is the number of the first line still held.
   std::size_t firstLine() const { return dropped_; }
 
  private:

@@ -42,13 +42,14 @@ RunServices MachineServices::forRun(RunDisplay& display) {
 }
 
 bool MachineServices::reserveRun() {
-  // A run of this program that still unwinds after a Stop holds it; the next one waits for its end.
+  // A run of this program that is still unwinding after a Stop holds the lock; the next run waits for its
+  // end.
   if (!held_.expired()) return true;
   reserved_ = acquireRunLock();
   return reserved_ != nullptr;
 }
 
-/// Null when another program holds it.
+/// Null when another process holds it.
 std::shared_ptr<void> MachineServices::acquireRunLock() {
   if (reserved_) return std::exchange(reserved_, nullptr);
   const auto lock = std::make_shared<SingleInstance>(SingleInstance::Mark::run);

@@ -1,4 +1,4 @@
-// What a run is handed on this machine: the one place where it is chosen, for the console and the window.
+// The real services of a run, created in one place for both the console program and the window.
 #pragma once
 
 #include <functional>
@@ -20,7 +20,7 @@ namespace quillmoor {
 
 class MachineServices {
  public:
-  /// `settings` must outlive this. `pump` is called by whatever blocks.
+  /// `settings` must outlive this. `pump` is called by every blocking operation.
   MachineServices(ApplicationSettings& settings, std::string profilesFile, Pump pump);
   MachineServices(const MachineServices&) = delete;
   MachineServices& operator=(const MachineServices&) = delete;
@@ -28,8 +28,8 @@ class MachineServices {
   /// For one controller; `display` and this must outlive it.
   RunServices forRun(RunDisplay& display);
 
-  /// Acquires the run lock now for the next run of a controller, which takes it over. False when a run of
-  /// another program of this user holds it.
+  /// Acquires the run lock for the next run, which takes it over. False when a run of another process of this
+  /// user holds it.
   bool reserveRun();
 
   ApplicationSettings& settings;
@@ -39,16 +39,16 @@ class MachineServices {
   NetworkSource network;
   std::function<LocalDateTime()> now = LocalNow;
 
-  /// The component that the run dials with.
+  /// The component that dials for a run.
   DialUp& dialUp() { return *dialUp_; }
-  /// The one that the run calls addresses with; aborted by a window that goes away in the middle of a run.
+  /// The web request that a run calls addresses with; a window that closes during a run aborts it.
   WebRequest& webRequest() { return webRequest_; }
 
  private:
   std::shared_ptr<void> acquireRunLock();
 
-  std::shared_ptr<void> reserved_;  // the run lock, for a run that is about to start
-  std::weak_ptr<void> held_;        // the run lock while a run of this program has it
+  std::shared_ptr<void> reserved_;  // run lock of a run that is about to start
+  std::weak_ptr<void> held_;        // run lock held by a run of this program
   HttpRequest webRequest_;
   ZipPacker packer_;
   std::unique_ptr<DialUp> dialUp_;

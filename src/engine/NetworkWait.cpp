@@ -12,7 +12,7 @@
 namespace quillmoor {
 namespace {
 
-constexpr std::int64_t kSliceMs = 10;  // half of what the pump is promised
+constexpr std::int64_t kSliceMs = 10;  // half of the longest interval promised between calls of the pump
 
 std::string secondsBeforeRetrying(const char* what, std::int32_t seconds) {
   return what + std::to_string(seconds) + " Seconds Before Retrying...\r\n";
@@ -32,9 +32,9 @@ void NetworkWait::WaitForNetwork() {
   });
 }
 
-/// Tests no StopRequested: only a network ends this wait.
+/// Deliberate: does not test StopRequested; only a network ends this wait.
 void NetworkWait::waitForLan() {
-  IsNetworkAvailable(services_.network);  // the first answer may be stale: the system refreshes it when asked
+  IsNetworkAvailable(services_.network);  // refreshes a stale first answer
   while (!IsNetworkAvailable(services_.network)) {
     log_.AppendLog(secondsBeforeRetrying("No LAN Connection. Waiting ", services_.settings.ConnectionDelay),
                    log_colour::kWaiting, false);
@@ -52,7 +52,7 @@ bool NetworkWait::dialledConnectionIsUp() const {
 
 void NetworkWait::dialUntilConnected() {
   while (!anyConnectionIsUp() && !state_.StopRequested) {
-    // The pump lets the user choose another one meanwhile.
+    // Read again each time: during the pump the user may choose another entry.
     const std::string entry = services_.settings.AutoDialUpConnection;
     log_.AppendLog("Dialing the connection " + entry + "\r\n", log_colour::kDialling, false);
     if (!entry.empty()) {
@@ -60,10 +60,10 @@ void NetworkWait::dialUntilConnected() {
       Guarded([&] { services_.dialUp.Dial(entry); });
     }
     if (state_.StopRequested) break;
-    // Asks for both on purpose, where the loop is content with either.
+    // Deliberate: requires both, although the loop ends with either.
     if (!dialledConnectionIsUp()) waitBeforeRetry();
   }
-  // Nobody wants the connection any more that a dial in progress would make.
+  // After a Stop a dial still in progress is of no use.
   if (state_.StopRequested) abortDial();
 }
 
@@ -96,7 +96,7 @@ void NetworkWait::WaitSeconds(std::int32_t seconds) {
     if (services_.pump) services_.pump();
     const std::int64_t left = end - services_.tick();
     if (left < 0) {
-      // A delay below nothing must not make the loops that wait with it spin.
+      // With a negative delay, loops that wait here must not spin.
       if (seconds < 0) services_.sleep(std::chrono::milliseconds(kSliceMs));
       return;
     }
@@ -104,7 +104,7 @@ void NetworkWait::WaitSeconds(std::int32_t seconds) {
   }
 }
 
-void NetworkWait::breathe() {
+void NetworkWait::pumpAndRest() {
   if (services_.pump) services_.pump();
   services_.sleep(std::chrono::milliseconds(kSliceMs));
 }

@@ -1,4 +1,4 @@
-// Waiting for a network: until a LAN is there, or until a dial-up entry has connected.
+// Waits for a network: until a LAN is available, or until a dial-up entry has connected.
 #pragma once
 
 #include <cstdint>
@@ -11,32 +11,32 @@ namespace quillmoor {
 
 class NetworkWait {
  public:
-  /// All must outlive this.
+  /// All arguments must outlive this.
   NetworkWait(const RunServices& services, RunState& state, RunLog& log)
       : services_(services), state_(state), log_(log) {}
 
-  /// Returns when there is a network. Without one a run in LAN mode waits for ever, a Stop notwithstanding;
-  /// dialling ends at a Stop. Does nothing when entered again from inside itself.
+  /// Returns when a network is available. In LAN mode it waits without limit, even after a Stop; dialling
+  /// ends at a Stop. Does nothing when re-entered.
   void WaitForNetwork();
 
-  /// Dials `AutoDialUpConnection` until a dial-up connection, made here or elsewhere, is up or a Stop.
+  /// Dials `AutoDialUpConnection` until any dial-up connection is up, or until a Stop.
   void dialUntilConnected();
 
-  /// Both the component that dials and the system say that the connection is up.
+  /// Whether both the dialling component and the system report the connection as up.
   bool dialledConnectionIsUp() const;
 
-  /// At the end of a run, when the settings ask for it.
+  /// At the end of a run: hangs up if the setting AutoHangUp is on.
   void HangUpDialUp();
 
-  /// Pumps for that long; at least once. Raises std::overflow_error when the time in milliseconds does not
+  /// Pumps for this long, at least once. Raises std::overflow_error when the time in milliseconds does not
   /// fit 32 bits.
   void WaitSeconds(std::int32_t seconds);
 
-  /// Before every retry: says how long, then waits so many times `ConnectionDelay`.
+  /// Logs the delay before a retry, which is `ConnectionDelay` multiplied by `times`, then waits for it.
   void waitBeforeRetry(std::int32_t times = 1);
 
-  /// One turn of the pump and a rest of a few milliseconds: for loops that have nothing to wait on.
-  void breathe();
+  /// Pumps once and sleeps a few milliseconds: for loops that have nothing to wait on.
+  void pumpAndRest();
 
  private:
   bool anyConnectionIsUp() const;

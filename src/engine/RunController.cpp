@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* kNothingYet = " - ";
 
-/// The hourglass, for as long as this lives.
+/// Shows the hourglass cursor during its lifetime.
 class BusyCursor {
  public:
   explicit BusyCursor(RunDisplay& display) : display_(display) { display_.showBusyCursor(true); }
@@ -30,7 +30,7 @@ class BusyCursor {
   RunDisplay& display_;
 };
 
-/// A run, for as long as this lives: it may also be unwound by the end of the program.
+/// Ends the run however it is left, also by the end of the program.
 class RunFrame {
  public:
   RunFrame() { backupRun.begin(); }
@@ -39,7 +39,7 @@ class RunFrame {
   RunFrame& operator=(const RunFrame&) = delete;
 };
 
-/// Whichever way a profile is left, the next one must not find its session open.
+/// Closes the session however a profile ends: the next profile must not find it open.
 class SessionFrame {
  public:
   explicit SessionFrame(FtpSession& session) : session_(session) {}
@@ -67,7 +67,7 @@ std::vector<ProfileResult> RunController::RunBackup() {
   if (refused_) {
     backupRun.refuse();
     services_.display.showRunning(false);
-    logError("Error: Another backup run is going on. This one is not started.\r\n");
+    logError("Error: Another backup run is in progress. This one is not started.\r\n");
     return {};
   }
   state_.StopRequested = false;
@@ -141,7 +141,7 @@ void RunController::RunProfile(const std::string& profileId) {
   }
   const bool loggedIn = runSession();
   if (!state_.anyFolderWalked) targets_.back().releaseUnused();
-  if (!loggedIn) {  // its row keeps "Running", on purpose
+  if (!loggedIn) {  // deliberate: its row keeps "Running"
     if (!state_.StopRequested) resultOf(profileId).problem = "Unable to login";
     return;
   }
@@ -155,7 +155,7 @@ void RunController::RunProfile(const std::string& profileId) {
   resultOf(profileId).failures = state_.failures;
 }
 
-/// The profile's result, made where it has none yet.
+/// The profile's result; created if it has none yet.
 ProfileResult& RunController::resultOf(const std::string& profileId) {
   if (results_.empty() || results_.back().profileId != profileId)
     results_.push_back({profileId, false, "", {}});
@@ -167,11 +167,11 @@ void RunController::archiveProfile(const std::string& profileId) {
   std::string reason;
   const bool ended =
       Guarded([&] { services_.archive.CreateArchive(profileId, state_, log_, services_.display); }, reason);
-  // Most of what ends the stage has been counted where it was logged.
+  // Most errors that end the stage were counted where they were logged.
   if (!ended && state_.failures.count() == counted) state_.failures.add("archive", reason);
 }
 
-/// A killed run may have left an archive's former set in a hidden folder: it is put back before anything
+/// A killed run may have left an archive's previous files in a hidden folder: restores them before anything
 /// else.
 void RunController::endKilledRuns(const std::vector<std::string>& profileIds) {
   std::set<std::string> folders;
@@ -183,7 +183,7 @@ void RunController::endKilledRuns(const std::vector<std::string>& profileIds) {
   for (const std::string& folder : folders) {
     std::string reason;
     if (Guarded([&] { EndKilledExchanges(folder); }, reason)) continue;
-    logError("Error: What a killed run has left cannot be put right: " + PrintableName(reason) + "\r\n");
+    logError("Error: Unable to restore the files of an interrupted run: " + PrintableName(reason) + "\r\n");
     resultOf("").failures.add(folder, reason);
   }
 }
@@ -212,7 +212,7 @@ void RunController::addReportRow(const std::string& profileId) {
   display.setReportItem(row, ReportColumn::finished, kNothingYet);
   display.setReportItem(row, ReportColumn::status, "Running");
   display.setReportItem(row, ReportColumn::files, kNothingYet);
-  display.setReportItem(row, ReportColumn::errors, kNothingYet);  // and so it stays
+  display.setReportItem(row, ReportColumn::errors, kNothingYet);  // and never changes
   display.setReportItem(row, ReportColumn::size, kNothingYet);
   display.repopulateReport();
 }
@@ -225,15 +225,15 @@ void RunController::logFrameHeader(const std::string& profileId) {
   log_.zeroLineCount();
 }
 
-/// Works out where the profile's files go. Returns why it cannot be run, or "".
+/// Determines the profile's local folder. Returns why the profile cannot be run, or "".
 std::string RunController::prepareTarget(const std::string& profileId) {
   if (!state_.profile.unreadable.empty()) return state_.profile.unreadable;
   const FolderNames names = state_.names;
   if (names == FolderNames::cut && IsNetworkPath(state_.profile.SaveTo)) {
-    return "SaveTo is a network path, and of the two backslashes it begins with one would be cut: map " +
+    return "SaveTo is a network path, and one of its two leading backslashes would be cut off: map " +
            state_.profile.SaveTo + " to a drive letter, or set NamesAsListed to 1";
   }
-  // The name becomes a folder below SaveTo; such a one could lead out of it.
+  // The name becomes a folder below SaveTo, and must not lead out of it.
   if (ListedNameRefusal(profileId) || RemotePathRefusal("/" + profileId, kLocalNameRules, names))
     return "The profile's name cannot be the name of a folder: " + PrintableName(profileId);
   state_.profile.SaveTo = AddTrailingSeparator(state_.profile.SaveTo, false, kLocalSeparator, names);
@@ -244,17 +244,17 @@ std::string RunController::prepareTarget(const std::string& profileId) {
   return "";
 }
 
-/// Makes sure that nobody else writes into the profile's folder, neither an earlier profile of this run nor
-/// another run. Returns why the profile cannot be run, or "".
+/// Ensures that neither an earlier profile of this run nor another run writes into the profile's folder.
+/// Returns why the profile cannot be run, or "".
 std::string RunController::lockTarget() {
   const std::string folder = LocalFolderFor(state_.LocalTargetFolder, "/", kLocalSeparator, state_.names);
   std::string reason;
   bool locked = false;
   LockedTarget target;
   if (!Guarded([&] { locked = target.acquire(folder); }, reason)) return reason;
-  // Before the lock is looked at, which an earlier profile of this run may hold itself.
+  // Tested before `locked`, since an earlier profile of this run may itself hold the lock.
   for (const LockedTarget& earlier : targets_) {
-    if (earlier.holds(target))
+    if (earlier.contains(target))
       return "An earlier profile of this run has written into the same folder: " + PrintableName(folder);
   }
   if (!locked) return "Another backup run is writing into the same folder: " + PrintableName(folder);
@@ -262,7 +262,7 @@ std::string RunController::lockTarget() {
   return "";
 }
 
-/// From the profile's own actions to the logout. False when the login failed.
+/// Performs the profile from its own actions to the logout. False when the login failed.
 bool RunController::runSession() {
   Guarded([&] { services_.actions.RunProfileActions(state_.profile, log_); });
   const SessionFrame frame(session_);

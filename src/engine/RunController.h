@@ -1,4 +1,4 @@
-// The run controller: one backup run from its start to its end, profile by profile.
+// The run controller: performs one backup run, profile by profile.
 #pragma once
 
 #include <string>
@@ -16,32 +16,32 @@
 
 namespace quillmoor {
 
-/// Runs every enabled profile in turn, on the caller's thread, pumping. Whatever fails inside a run is told
-/// in the log and the run goes on.
+/// Runs every enabled profile in turn on the caller's thread, calling the pump. A failure inside a run is
+/// logged and the run continues.
 class RunController {
  public:
   explicit RunController(RunServices services);
   RunController(const RunController&) = delete;
   RunController& operator=(const RunController&) = delete;
 
-  /// The whole run; returns one result for each enabled profile that it came to, in order, and before them
-  /// one without a name where something failed that belongs to no profile. While an earlier
-  /// run is still unwinding after a Stop (`active`) it changes nothing and returns none: try again later.
+  /// Performs a run. Returns one result for each enabled profile that was begun, in order, preceded by one
+  /// without a name if something failed that belongs to no profile. Does nothing and returns none while an
+  /// earlier run is still unwinding after a Stop (`active`): try again later.
   std::vector<ProfileResult> RunBackup();
 
-  /// The last RunBackup returned at once, with a line in the log: another program's run was going on, and two
-  /// at once would write into the same folders.
+  /// Whether the last RunBackup logged an error and returned at once because another process was running a
+  /// backup: two at once would write into the same folders.
   bool refused() const { return refused_; }
 
-  /// A run is on the stack, whatever BackupRunning says.
+  /// Whether a run is on the stack, whatever BackupRunning says.
   bool active() const { return backupRun.onStack(); }
 
-  /// A confirmed Stop, called from inside the pump: ends the transfer in progress and lets the run unwind.
-  /// The archive stage and the actions after the run still follow.
+  /// Stops the run after the user has confirmed; called from inside the pump. Aborts the transfer in progress
+  /// and lets the run unwind. The archive stage and the actions after the run still follow.
   void Stop();
 
   const RunState& state() const { return state_; }
-  /// For the connection picture.
+  /// For the picture of the connection's state.
   FtpState ftpState() const { return session_.state(); }
 
  private:
@@ -67,7 +67,7 @@ class RunController {
   FtpSession session_;
   TreeWalk walk_;
   std::vector<ProfileResult> results_;
-  std::vector<LockedTarget> targets_;  // of the profiles that this run has come to, held until its end
+  std::vector<LockedTarget> targets_;  // of the profiles begun so far; held until the run's end
   RunFailures internalErrors_;
   bool refused_ = false;
 };

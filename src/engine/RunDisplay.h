@@ -1,4 +1,4 @@
-// What a backup run shows of itself, and all it knows of whoever shows it.
+// The interface through which a backup run shows its progress.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace quillmoor {
 
-/// A colour of the log. `kButtonFace` is the system's colour of that name, whatever its value.
+/// A colour of the log. `kButtonFace` is the system colour of that name, whatever its value.
 struct Colour {
   std::uint8_t red = 0;
   std::uint8_t green = 0;
@@ -24,14 +24,14 @@ inline constexpr std::size_t kReportColumns = 7;
 inline constexpr const char* kReportCaptions[kReportColumns] = {"Profile", "Started", "Finished", "Status",
                                                                 "Files",   "Errors",  "Size"};
 
-/// Implemented by the backup window, by the console program and by tests. Called on the run's thread, often
-/// in the middle of a transfer: an implementation returns soon and raises nothing. Texts are UTF-8 but for
-/// remote names, whose bytes are the server's own; they may hold control characters.
+/// Called on the run's thread, often during a transfer: an implementation must return quickly and raise
+/// nothing. Texts are UTF-8, except that remote names keep the server's bytes, which may include control
+/// characters.
 class RunDisplay {
  public:
   virtual ~RunDisplay() = default;
 
-  /// Length of the log now shown, in characters.
+  /// Length of the log as shown, in characters.
   virtual std::size_t logLength() const = 0;
   /// Drops that many characters from the start of the log.
   virtual void trimLog(std::size_t characters) = 0;
@@ -40,15 +40,14 @@ class RunDisplay {
   /// Appends at the end and scrolls there. Line breaks (CR LF) are part of the text.
   virtual void insertLogText(std::string_view text) = 0;
 
-  /// The remote file now being fetched, or the file now being packed; "" when it is done. A display without
-  /// room for it need not care.
+  /// The remote file being fetched or the file being packed; "" when it is done. Optional.
   virtual void showCurrentFile(const std::string& /*remoteFile*/) {}
   /// Progress of the current transfer or packing, 0 to 100.
   virtual void showProgress(int percent) = 0;
   virtual void showRate(const std::string& text) = 0;
   virtual void showFileSize(const std::string& text) = 0;
 
-  /// Adds a row and returns its index; its seven items follow by `setReportItem`.
+  /// Adds a row and returns its index; `setReportItem` then sets its seven items.
   virtual std::size_t addReportRow() = 0;
   virtual void setReportItem(std::size_t row, ReportColumn column, const std::string& text) = 0;
   virtual void setReportColour(std::size_t row, ReportColumn column, Colour colour) = 0;

@@ -1,4 +1,4 @@
-// What was to be backed up and is not: counted, and the first of it kept by name.
+// What could not be backed up: counts all failures and keeps the first ones by name.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 
 namespace quillmoor {
 
-/// A file, folder, archive or copy that failed, and why, as a sentence or the server's words. Remote names
-/// are the server's bytes.
+/// A file, folder, archive or copy that failed, and why: a sentence or the server's reply. Remote names are
+/// the server's bytes.
 struct RunFailure {
   std::string name;
   std::string reason;
@@ -28,7 +28,7 @@ class RunFailures {
   }
   std::size_t count() const { return count_; }
   bool empty() const { return count_ == 0; }
-  /// The first kMostNamed, in the order in which they happened.
+  /// The first kMostNamed, in the order in which they occurred.
   const std::vector<RunFailure>& named() const { return named_; }
 
  private:

@@ -1,4 +1,4 @@
-// The run log: the one way in which the engine says something.
+// The run log: the engine writes to it through AppendLog only.
 #pragma once
 
 #include <cstddef>
@@ -16,11 +16,11 @@ class RunLog {
   /// `display` must outlive this.
   explicit RunLog(RunDisplay& display) : display_(display) {}
 
-  /// Appends text, which holds its own line breaks (CR LF). `emphasis` sets the system's button face colour
-  /// first; the text's colour follows at once, so that emphasised lines look like others. It is kept so.
+  /// Appends text, which contains its own line breaks (CR LF). `emphasis` sets the button face colour first,
+  /// which `colour` replaces at once. Deliberate: emphasised lines look like any other.
   void AppendLog(std::string_view text, Colour colour, bool emphasis);
 
-  /// Appends since the counter was last zeroed.
+  /// Number of appends since `zeroLineCount`.
   double lineCount() const { return lineCount_; }
   void zeroLineCount() { lineCount_ = 0; }
 

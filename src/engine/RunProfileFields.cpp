@@ -12,20 +12,20 @@
 namespace quillmoor {
 namespace {
 
-// Seconds that make more milliseconds than the client takes: setting them would fail at every login, without
-// end.
+// In seconds; in milliseconds a longer one exceeds 32 bits, and every login would fail, without end.
 constexpr std::int32_t kLongestTimeout = 2'147'483;
 
-/// What would make every login fail before a byte is sent, and so be tried without end.
+/// Why every login would fail before a byte is sent, and so be retried without end; "" if it would not.
 std::string whyNoLogin(const RunProfileFields& fields) {
   if (fields.Host.empty()) return "The host is missing";
   const std::int32_t port = ToLong(fields.Port);
-  if (!IsPort(port)) return fields.Port + " is no port number";
+  if (!IsPort(port)) return fields.Port + " is not a valid port number";
   if (fields.ProxyType == 0) return "";
   if (fields.ProxyType < 0 || static_cast<std::size_t>(fields.ProxyType) >= kProxyTypes.size())
-    return "There is no proxy type " + std::to_string(fields.ProxyType);
+    return "Unknown proxy type " + std::to_string(fields.ProxyType);
   if (fields.ProxyHost.empty()) return "The proxy's host is missing";
-  if (!IsPort(fields.ProxyPort)) return std::to_string(fields.ProxyPort) + " is no port number of a proxy";
+  if (!IsPort(fields.ProxyPort))
+    return std::to_string(fields.ProxyPort) + " is not a valid port number for the proxy";
   return "";
 }
 
@@ -47,8 +47,8 @@ RunProfileFields LoadProfileForRun(const std::string& profileId, const std::stri
   try {
     fields.Password = mRC4::Decipher(text("Password"));
   } catch (const mBase64::DecodeError&) {
-    // Every login would be refused, without end.
-    fields.unreadable = "The stored password cannot be deciphered; enter it anew";
+    // The server would refuse every login, without end.
+    fields.unreadable = "The stored password cannot be deciphered; enter it again";
   }
   fields.Port = std::to_string(number("Port"));
   fields.Account = text("Account");
@@ -64,7 +64,7 @@ RunProfileFields LoadProfileForRun(const std::string& profileId, const std::stri
   const std::string runnable = fields.unreadable;
   fields.MinData = number("MinData");
   fields.MaxData = number("MaxData");
-  fields.unreadable = runnable;  // no run depends on these two
+  fields.unreadable = runnable;  // runs do not use these two
   fields.ProxyType = number("ProxyType");
   fields.ProxyHost = text("ProxyHost");
   fields.ProxyPort = number("ProxyPort");

@@ -1,4 +1,4 @@
-// What became of a run, for those who report it: the log's end, the terminal, the window, the notification.
+// The outcome of a run, for its reports: the end of the log, the terminal, the window, the notification.
 #pragma once
 
 #include <string>
@@ -8,28 +8,28 @@
 
 namespace quillmoor {
 
-/// What became of one enabled profile.
+/// The outcome of one enabled profile.
 struct ProfileResult {
-  std::string profileId;   // "" of what concerns no single profile
+  std::string profileId;   // "" for failures that belong to no profile
   bool completed = false;  // false: stopped, or `problem` says why
-  /// Why the profile was not backed up at all; "" when it was, or was stopped.
+  /// Why the profile was not backed up at all; "" when it was backed up or stopped.
   std::string problem;
-  RunFailures failures;  // what a Stop has left undone is not among them
+  RunFailures failures;  // without what a Stop left undone
 
   bool failed() const { return !problem.empty() || !failures.empty(); }
 };
 
-// All texts are fit to be shown and have no line break.
+// All texts are printable and have no line break.
 
-/// "3 failures, the first: /www/a.php: 550 Forbidden.", or the profile's problem; "" when nothing failed.
+/// "3 failures, the first: /www/a.php: 550 Forbidden.", or the profile's `problem`; "" when nothing failed.
 std::string FailureSummary(const ProfileResult& result);
 
-/// One line about all profiles that failed: "My site: 3 failures, the first: ..."; of several their names and
-/// numbers. "" when nothing failed.
+/// One line about all profiles that failed: "My site: 3 failures, the first: ..."; for several profiles their
+/// names and counts. "" when nothing failed.
 std::string FailureNotice(const std::vector<ProfileResult>& results);
 
-/// The profile's name and its number of failures or its problem; a line for each failure that is known by
-/// name, with its reason; how many more there are. Empty when nothing failed.
+/// A line with the profile's name and its number of failures or its problem, a line for each named failure
+/// with its reason, and a line with the number of others. Empty when nothing failed.
 std::vector<std::string> FailureLines(const ProfileResult& result);
 
 }  // namespace quillmoor

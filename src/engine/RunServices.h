@@ -1,4 +1,4 @@
-// What a backup run is handed: the world it shows itself to, asks and waits on.
+// Everything outside the engine that a backup run uses.
 #pragma once
 
 #include <chrono>
@@ -20,13 +20,13 @@
 
 namespace quillmoor {
 
-/// Everything referred to must outlive the controller that is given this.
+/// All references must outlive the controller.
 struct RunServices {
   RunDisplay& display;
   Pump pump;
   /// Mutable: a stage may correct a value for the rest of the program's life.
   ApplicationSettings& settings;
-  /// Extensions of files that are fetched as text, as LoadAsciiFilesTypes gives them.
+  /// Extensions of files that are fetched as text, from LoadAsciiFilesTypes.
   std::vector<std::string> AsciiExtensions;
   std::string profilesFile;
   NetworkSource& network;
@@ -35,11 +35,11 @@ struct RunServices {
   ArchiveStage& archive;
 
   /// Acquires the run lock, which is held until the run has ended; returns null when another process holds
-  /// it. Empty: there is no lock, and no other process makes runs.
+  /// it. Empty: no lock is used.
   std::function<std::shared_ptr<void>()> acquireRunLock = nullptr;
   std::function<LocalDateTime()> now = LocalNow;
   std::function<std::int64_t()> tick = TickCountMs;
-  /// How a wait passes the time between two turns of the pump.
+  /// Sleeps between two calls of the pump while waiting.
   std::function<void(std::chrono::milliseconds)> sleep = [](std::chrono::milliseconds time) {
     std::this_thread::sleep_for(time);
   };

@@ -1,4 +1,4 @@
-// The state of one backup run, shared by its controller, its session and its tree walk.
+// The state of one backup run, shared by its controller, session and tree walk.
 #pragma once
 
 #include <cstddef>
@@ -13,22 +13,22 @@
 
 namespace quillmoor {
 
-/// How the operation that was awaited last has ended, as the client's events tell.
+/// How the last expected operation ended, from the client's events.
 enum class TransferOutcomes { pending = 0, completed = 1, failedOrStopped = 2 };
 
 struct RunState {
-  /// Set by a confirmed Stop, cleared at the start of a run. Every loop of the run but the wait for a LAN
-  /// tests it.
+  /// Set by a confirmed Stop, cleared at the start of a run. Every loop of a run tests it, except the wait
+  /// for a LAN.
   bool StopRequested = false;
   /// Result of the last login attempt; cleared by Stop.
   bool LoggedIn = false;
-  /// As the setting NamesAsListed was at the start of the run.
+  /// From the setting NamesAsListed at the start of the run.
   FolderNames names = FolderNames::cut;
   bool networkWaitBusy = false;
   bool connectBusy = false;
 
   TransferOutcomes TransferOutcome = TransferOutcomes::pending;
-  /// The method whose end TransferOutcome reports.
+  /// The method that TransferOutcome refers to.
   FtpMethod ExpectedMethod = FtpMethod::command;
   std::int64_t transferStartTick = 0;  // ms, of RunServices::tick
 
@@ -37,16 +37,16 @@ struct RunState {
   RunProfileFields profile;
   std::size_t reportRow = 0;
 
-  // Of the current profile.
+  // For the current profile.
   double fileCount = 0;  // skipped files included
   double byteCount = 0;
-  /// Folders, files, archives and copies that were to be had and are not.
+  /// Folders, files, archives and copies that could not be made.
   RunFailures failures;
   /// How often the server has refused the login.
   int loginRefusals = 0;
-  /// The login has failed as often as the settings allow; the profile tries no further one.
+  /// The login has failed as often as the settings allow; the profile does not try again.
   bool loginGivenUp = false;
-  bool defaultDirFailed = false;  // and is counted
+  bool defaultDirFailed = false;  // and the failure is counted
   bool anyFolderWalked = false;   // a local folder was prepared
 
   void beginProfile() {
@@ -56,14 +56,14 @@ struct RunState {
     loginGivenUp = defaultDirFailed = anyFolderWalked = false;
   }
 
-  /// Records a failure, unless it is what a Stop has left undone.
+  /// Records a failure, unless a Stop is its cause.
   void countFailure(std::string_view name, std::string_view reason) {
     if (!StopRequested) failures.add(name, reason);
   }
 
-  std::string localFolderName;    // the profile's name, with a date when every run has its own folder
+  std::string localFolderName;    // the profile's name, followed by a date if every run has its own folder
   std::string LocalTargetFolder;  // SaveTo + localFolderName
-  std::string localTargetPath;    // the same with a separator at its end
+  std::string localTargetPath;    // LocalTargetFolder with a trailing separator
 };
 
 }  // namespace quillmoor

@@ -15,7 +15,7 @@ bool isControl(char c) {
   return byte < 0x20 || byte == 0x7F;
 }
 
-/// Names that Windows gives to devices in every folder, with whatever extension.
+/// Names that denote devices in every folder of Windows, with any extension.
 bool isDeviceName(std::string_view name) {
   std::string stem(name.substr(0, name.find('.')));
   stem.erase(stem.find_last_not_of(' ') + 1);
@@ -24,7 +24,7 @@ bool isDeviceName(std::string_view name) {
   constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
   if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;
   if (!stem.starts_with("COM") && !stem.starts_with("LPT")) return false;
-  // Raised digits count as digits there.
+  // Superscript digits count as digits there.
   constexpr std::array<std::string_view, 12> kPorts = {"1", "2", "3", "4", "5", "6",
                                                        "7", "8", "9", "¹", "²", "³"};
   return std::find(kPorts.begin(), kPorts.end(), std::string_view(stem).substr(3)) != kPorts.end();
@@ -44,7 +44,7 @@ std::optional<std::string> componentsRefusal(std::string_view path, char separat
   return std::nullopt;
 }
 
-/// Judges the local folder itself, after all that is done to a path on the way there.
+/// Tests the resulting local folder, after everything that LocalFolderFor does to a path.
 std::optional<std::string> mirroredRefusal(const std::string& target, const std::string& currentDir,
                                            LocalNameRules rules, FolderNames names) {
   const char separator = separatorOf(rules);
@@ -67,7 +67,7 @@ std::optional<std::string> ListedNameRefusal(std::string_view name, LocalNameRul
   if (name.find('\\') != std::string_view::npos) return "it holds a path separator";
   if (name.find(':') != std::string_view::npos) return "it holds a colon, which names a drive or a stream";
   if (name.find_first_of("<>\"|?*") != std::string_view::npos)
-    return "it holds a character that files cannot bear";
+    return "it holds a character that is not allowed in file names";
   if (name.back() == '.' || name.back() == ' ') return "it ends in a dot or a blank";
   if (isDeviceName(name)) return "it is the name of a device";
   return std::nullopt;

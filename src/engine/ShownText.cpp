@@ -30,11 +30,11 @@ std::size_t appendUtf8(std::string& shown, std::string_view text) {
 }  // namespace
 
 std::size_t AppendShown(std::string& shown, std::string_view text) {
-  if (isPrintableAscii(text)) {  // nearly every line of a log
+  if (isPrintableAscii(text)) {  // nearly every log line
     shown += text;
     return text.size();
   }
-  // The code page may have control characters of its own, which come to light when its bytes are read.
+  // Decoding the code page may yield further control characters.
   return appendUtf8(shown, ToUtf8(PrintableText(text, "\t")));
 }
 

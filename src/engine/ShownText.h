@@ -1,4 +1,4 @@
-// Text from a server, made fit to be shown.
+// Makes text from a server displayable.
 #pragma once
 
 #include <cstddef>
@@ -7,9 +7,9 @@
 
 namespace quillmoor {
 
-/// Appends `text` as valid UTF-8 without control characters (see PrintableText), line breaks among them, for
-/// which "?" stands, or a blank for a tab. Bytes that are no UTF-8, as in the names of old servers, are read
-/// as ANSI. Returns the number of characters.
+/// Appends `text` as valid UTF-8 in which "?" replaces control characters (see PrintableText), including line
+/// breaks, and a blank replaces a tab. Bytes that are not UTF-8, as some servers send in names, are read as
+/// ANSI. Returns the number of characters appended.
 std::size_t AppendShown(std::string& shown, std::string_view text);
 
 inline std::string ShownText(std::string_view text) {

@@ -1,4 +1,4 @@
-// One file of the tree walk: is it up to date, and if not, how it is fetched.
+// One file of the tree walk: decides whether it is up to date, and fetches it if not.
 #include <optional>
 #include <string>
 
@@ -12,8 +12,8 @@
 namespace quillmoor {
 namespace {
 
-/// What a file's time reads as once this has been set on it: a listed time inside an hour that a clock change
-/// skips is no time a file can have, and would differ for ever.
+/// What a file's time reads as after `listed` was set on it: a time in the hour that a clock change skips
+/// does not exist, and without this would always differ.
 LocalDateTime asFileTime(LocalDateTime listed) {
   return UtcToLocal(LocalToUtc(listed));
 }
@@ -31,11 +31,11 @@ bool TreeWalk::SyncRemoteFile(const std::string& localFile, const std::string& r
   return download(localFile, remoteFile, entry, remoteDate);
 }
 
-/// The comparison runs the unusual way round on purpose: only a file listed as older than the copy is fetched
-/// again, one listed as newer counts as up to date.
+/// Deliberate: the comparison is reversed. Only a file listed as older than the copy is fetched again; one
+/// listed as newer counts as up to date.
 bool TreeWalk::isUpToDate(const std::string& localFile, LocalDateTime remoteDate) {
   FileDates dates;
-  if (GetFileDates(localFile, dates, true)) return false;  // no such file, or one that cannot be read
+  if (GetFileDates(localFile, dates, true)) return false;  // no such file, or unreadable
   log_.AppendLog(GeneralDateText(remoteDate) + " : " + GeneralDateText(dates.modified) + "\r\n",
                  log_colour::kRetrieving, true);
   if (asFileTime(remoteDate) >= dates.modified) return true;
@@ -43,8 +43,7 @@ bool TreeWalk::isUpToDate(const std::string& localFile, LocalDateTime remoteDate
   return false;
 }
 
-/// A connection that is lost on the way is made again: the type must then be sent again too, or bytes would
-/// arrive as text.
+/// A lost connection is reopened; the type must then be sent again, or bytes would arrive as text.
 bool TreeWalk::download(const std::string& localFile, const std::string& remoteFile, const RemoteEntry& entry,
                         LocalDateTime remoteDate) {
   const std::string type = std::string("TYPE ") + ChooseTransferType(entry.name, services_.AsciiExtensions);
@@ -61,13 +60,13 @@ bool TreeWalk::download(const std::string& localFile, const std::string& remoteF
     fetched = retried([&] { session_.getFile(remoteFile, localFile, listedSize); }, attempts);
     if (fetched || session_.connected() || attempts >= services_.settings.FtpRetryCount) break;
   }
-  // A refused TYPE I leaves text in force, and the file is fetched so. Without the listed time an incremental
-  // run takes it for one to be fetched again; with it, it would count as up to date for ever.
+  // After a refused TYPE I the file is fetched as text. It does not get the listed time, so that an
+  // incremental run fetches it again; with that time it would always count as up to date.
   if (fetched && type == "TYPE I" && session_.asciiType()) {
-    logError("Came as text (TYPE A), since the server refused TYPE I", remoteFile);
+    logError("Received as text (TYPE A), because the server refused TYPE I", remoteFile);
     return true;
   }
-  // Also when the file could not be fetched: an older copy then bears the listed time.
+  // Deliberate: also when the file could not be fetched; an older copy then has the listed time.
   SetFileModifiedTime(localFile, remoteDate, true);
   return fetched;
 }

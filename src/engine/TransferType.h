@@ -1,4 +1,4 @@
-// Text or bytes: which way a file is fetched, by the end of its name.
+// Chooses by a file's extension whether it is fetched as text or as bytes.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 
 namespace quillmoor {
 
-/// The stored list, split at each "|". Entries keep their case and their dot; "" gives one empty entry, which
-/// matches nothing.
+/// Splits the stored list at each "|". Entries keep their case and their dot; "" returns one empty entry,
+/// which matches nothing.
 std::vector<std::string> LoadAsciiFilesTypes(std::string_view asciiExts);
 
-/// "A" when the name ends with one of the extensions, else "I". The name counts in lower case and the
-/// extensions as they stand, so one with a capital letter never matches.
+/// "A" when the name ends with one of the extensions, else "I". The name is compared in lower case but the
+/// extensions are not, so an extension with a capital letter never matches.
 const char* ChooseTransferType(std::string_view fileName, const std::vector<std::string>& asciiExtensions);
 
 }  // namespace quillmoor

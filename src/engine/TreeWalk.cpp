@@ -25,7 +25,7 @@
 namespace quillmoor {
 namespace {
 
-/// Does the copy hold anything but what a run itself puts there for its time?
+/// Whether the copy contains anything except a run's own temporary files.
 bool holdsFiles(const std::string& localDir) {
   bool any = false;
   Guarded([&] {
@@ -72,22 +72,22 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
   const WalkTrail::Level level(trail_, folder.currentDir, folder.listing.text);
   if (isLoop(level, folder.currentDir)) return;
   const std::string remoteBase = AddTrailingSeparator(folder.currentDir, true, kLocalSeparator, state_.names);
-  tellCutPath(folder.currentDir, remoteBase);
+  reportCutPath(folder.currentDir, remoteBase);
   const std::string localDir =
       LocalFolderFor(state_.LocalTargetFolder, folder.currentDir, kLocalSeparator, state_.names);
   if (!prepareLocalFolder(localDir, folderDate)) return;
 
   RemoteListing listing = ParseListing(std::move(folder.listing.text), services_.now(), services_.pump);
   if (listing.format == ListingFormat::neither && !saysNoFiles(listing.text)) {
-    // Nothing is logged here, on purpose; the end of the run reports it.
-    state_.countFailure(folder.currentDir, "its listing is in no known form");
+    // Deliberate: not logged here; the end of the run reports it.
+    state_.countFailure(folder.currentDir, "its listing is in an unknown format");
     return;
   }
-  tellWhatIsNotListed(folder, listing);
-  std::string().swap(listing.text);  // the levels below have theirs
+  reportUnlisted(folder, listing);
+  std::string().swap(listing.text);  // frees memory: the levels below have their own
   std::string remoteItem;
   std::string localFile;
-  std::map<std::string, std::string> taken;  // by what a case-blind disk takes names for
+  std::map<std::string, std::string> taken;  // listed names by their case-folded form
   std::size_t items = 0;
   for (const RemoteEntry& entry : listing.entries) {
     if (state_.StopRequested) return;
@@ -95,11 +95,11 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
     ++items;
     remoteItem.assign(remoteBase).append(entry.name);
     if (isType(entry, 'l')) {
-      // Asked and not used, on purpose: a link is neither followed nor fetched, whatever it points to and
-      // whatever it is called.
+      // Deliberate: the result is ignored; a link is neither followed nor fetched, whatever its target and
+      // name.
       IsRemoteFolderLink(remoteItem);
     } else if (!acceptName(entry.name) || !isFree(entry, localDir, taken)) {
-      // Told and counted.
+      // Logged and counted there.
     } else if (isType(entry, 'd')) {
       log_.AppendLog("Directory: " + PrintableName(remoteItem) + "\r\n", log_colour::kDirectory, true);
       WalkRemoteFolder(remoteItem, ParseListingDate(entry.dateText, services_.now()));
@@ -111,11 +111,11 @@ void TreeWalk::walk(const std::string& remotePath, LocalDateTime folderDate) {
     pump();
   }
   if (items == 0 && listing.unread.empty() && trail_.depth() == 1 && folder.complete)
-    tellEmptyFolder(folder.currentDir, localDir);
+    reportEmptyFolder(folder.currentDir, localDir);
 }
 
-/// What the folder may hold beyond the entries that were understood.
-void TreeWalk::tellWhatIsNotListed(const Folder& folder, const RemoteListing& listing) {
+/// Reports what the folder may contain beyond the entries that were read.
+void TreeWalk::reportUnlisted(const Folder& folder, const RemoteListing& listing) {
   constexpr std::size_t kShown = 200;  // characters of a line
   if (!folder.listing.cut.empty())
     logError("The server has not listed all of the folder (" + folder.listing.cut + ")", folder.currentDir);
@@ -136,39 +136,39 @@ void TreeWalk::tellWhatIsNotListed(const Folder& folder, const RemoteListing& li
 bool TreeWalk::isLoop(const WalkTrail::Level& level, const std::string& currentDir) {
   if (!level.loops()) return false;
   logError(
-      "The folder lists what the folders above it list, as a link to one of them would; it is not walked",
+      "The folder has the same listing as folders above it, as a link to one of them would; it is skipped",
       currentDir);
   return true;
 }
 
-/// The cut stays as it is, but what is fetched by a cut path lies in another folder, if anywhere.
-void TreeWalk::tellCutPath(const std::string& currentDir, const std::string& remoteBase) {
+/// Deliberate: the path stays cut. But what is fetched by a cut path is in another folder, if anywhere.
+void TreeWalk::reportCutPath(const std::string& currentDir, const std::string& remoteBase) {
   const bool cut = remoteBase != currentDir && remoteBase != currentDir + '/';
   if (cut) {
-    logError(
-        "Cut to " + PrintableName(remoteBase) + ", where its files are not (see the setting NamesAsListed)",
-        currentDir);
+    logError("Cut to " + PrintableName(remoteBase) +
+                 ", which is not where its files are (see the setting NamesAsListed)",
+             currentDir);
   }
 }
 
-/// A folder of the profile's own list that lists nothing may be one that the server does not let us see.
-void TreeWalk::tellEmptyFolder(const std::string& currentDir, const std::string& localDir) {
-  if (holdsFiles(localDir)) return logError("The folder lists nothing, but its copy holds files", currentDir);
-  log_.AppendLog("The folder lists nothing: " + PrintableName(currentDir) + "\r\n", log_colour::kWaiting,
+/// A folder of the profile's own list with an empty listing may be one that the server does not let us read.
+void TreeWalk::reportEmptyFolder(const std::string& currentDir, const std::string& localDir) {
+  if (holdsFiles(localDir))
+    return logError("The folder's listing is empty, but its copy holds files", currentDir);
+  log_.AppendLog("The folder's listing is empty: " + PrintableName(currentDir) + "\r\n", log_colour::kWaiting,
                  false);
 }
 
-/// False once the login is given up: without a connection each further item would fail in turn.
+/// False once the login is given up: without a connection every further item would fail.
 bool TreeWalk::mayGoOn(const std::string& remoteItem) {
   if (!state_.loginGivenUp) return true;
-  if (!std::exchange(restIsTold_, true))
-    logError("The login was given up, and what follows this in the walk is not backed up", remoteItem);
+  if (!std::exchange(restReported_, true))
+    logError("The login was given up; nothing after this item is backed up", remoteItem);
   return false;
 }
 
-/// Makes `remotePath` the current folder, learns where the server says that is, and lists it. A connection
-/// that is lost on the way lands the next login somewhere else, so the entering begins again. False when the
-/// folder is not to be walked.
+/// Changes to `remotePath`, asks the server for the resulting path, and lists it. After a lost connection the
+/// next login starts in another folder, so all steps are repeated. False when the folder is not to be walked.
 bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
   const auto typeA = [&] { session_.command("TYPE A"); };
   const auto lost = [&] { return !session_.connected(); };
@@ -179,7 +179,7 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
     session_.sendAhead({"TYPE A", "CWD " + remotePath, "PWD", "TYPE A"}, true);
     retried(typeA);
     if (lost()) continue;
-    // A folder that cannot be entered leaves the connection where it is: that folder is listed instead.
+    // Deliberate: if the folder cannot be entered, the current one is listed instead.
     std::string failure;
     const bool entered = retried([&] { session_.setCurrentRemoteDirectory(remotePath); });
     if (!entered) failure = reason_;
@@ -204,14 +204,14 @@ bool TreeWalk::enterFolder(const std::string& remotePath, Folder& folder) {
   return false;
 }
 
-/// May the folder that the server has reported be walked? Asked before anything local is touched.
+/// Whether the folder reported by the server may be walked; tested before anything local is touched.
 bool TreeWalk::mayWalk(const std::string& currentDir) {
   if (const auto reason =
           LocalFolderRefusal(state_.LocalTargetFolder, currentDir, kLocalNameRules, state_.names)) {
     logError("Refused folder (" + *reason + ")", currentDir);
     return false;
   }
-  if (trail_.holds(currentDir)) {
+  if (trail_.contains(currentDir)) {
     logError("The folder is being walked already", currentDir);
     return false;
   }
@@ -238,8 +238,8 @@ bool TreeWalk::acceptName(const std::string& name) {
   return false;
 }
 
-/// Where a disk does not regard case, a second name would write over the file of the first. Windows disks as
-/// a rule do not; elsewhere only the disk itself tells.
+/// On a case-insensitive disk a second name would overwrite the first one's file. Windows disks usually are;
+/// elsewhere only the file system itself can tell.
 bool TreeWalk::isFree(const RemoteEntry& entry, const std::string& localDir,
                       std::map<std::string, std::string>& taken) {
   const bool windows = kLocalNameRules == LocalNameRules::windows;
@@ -251,7 +251,7 @@ bool TreeWalk::isFree(const RemoteEntry& entry, const std::string& localDir,
       (first->second == entry.name || !std::filesystem::equivalent(LocalPath(localDir + first->second),
                                                                    LocalPath(localDir + entry.name), failed)))
     return true;
-  logError("Refused name (another one differs from it in nothing but case)", entry.name);
+  logError("Refused name (another name differs from it only in case)", entry.name);
   return false;
 }
 
@@ -277,10 +277,10 @@ void TreeWalk::walkFile(const std::string& localFile, const std::string& remoteF
   services_.display.repopulateReport();
 }
 
-/// Leaves no trace in the log.
+/// Logs nothing.
 bool TreeWalk::IsRemoteFolderLink(const std::string& path) {
   if (!state_.LoggedIn || !Guarded([&] { session_.SetFtpProperties(); })) return false;
-  const FtpSession::Mute mute(session_);
+  const FtpSession::LogSuppressor quiet(session_);
   return quillmoor::IsRemoteFolderLink(session_, path);
 }
 

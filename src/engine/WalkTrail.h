@@ -1,4 +1,4 @@
-// The folders on the way down to the one being walked, by which a tree without an end is recognised.
+// The folders from the root down to the one being walked, by which an endless tree is detected.
 #pragma once
 
 #include <cstddef>
@@ -10,15 +10,15 @@ namespace quillmoor {
 
 class WalkTrail {
  public:
-  /// A link to a folder above, shown as a folder, gives each level a path of its own. So many levels in a row
-  /// that list just what a folder above them lists are a loop, and so is a listing that stands above so
-  /// often, with others in between.
+  /// A link to a parent folder that is listed as a folder gives each level a new path. This many consecutive
+  /// levels that have the same listing as a folder above them are a loop; so is a level whose listing occurs
+  /// this often above it.
   static constexpr std::size_t kLoopLevels = 3;
 
   std::size_t depth() const { return levels_.size(); }
-  bool holds(std::string_view path) const;
+  bool contains(std::string_view path) const;
 
-  /// One folder being walked, for as long as this lives.
+  /// One folder that is being walked during the lifetime of this object.
   class Level {
    public:
     Level(WalkTrail& trail, std::string path, std::string_view listing);
@@ -26,7 +26,7 @@ class WalkTrail {
     Level(const Level&) = delete;
     Level& operator=(const Level&) = delete;
 
-    /// The folder ends a loop and must not be walked.
+    /// Whether the folder closes a loop and must not be walked.
     bool loops() const {
       const Folder& last = trail_.levels_.back();
       return last.repeats >= kLoopLevels || last.same >= kLoopLevels;
@@ -41,8 +41,8 @@ class WalkTrail {
     std::string path;
     std::size_t listingSize = 0;
     std::size_t listingHash = 0;
-    std::size_t same = 0;     // levels above that list the same
-    std::size_t repeats = 0;  // levels in a row, this one the last, that list what one above them lists
+    std::size_t same = 0;     // levels above with the same listing
+    std::size_t repeats = 0;  // consecutive levels, ending with this one, that repeat a listing above them
   };
   std::vector<Folder> levels_;
 };

@@ -25,9 +25,9 @@ namespace {
 // Device-independent pixels.
 constexpr int kGap = 6;  // between controls
 constexpr int kLowestLog = 40;
-constexpr int kReportHeight = 105;  // at first; the log has the rest
+constexpr int kReportHeight = 105;  // initially; the log has the rest
 constexpr int kShowFiguresEvery =
-    LogView::kShowEvery;  // milliseconds; what changes together is drawn together
+    LogView::kShowEvery;  // milliseconds; as the log, so that both are drawn together
 
 const std::vector<ReportControl::Column>& reportColumns() {
   static const std::vector<ReportControl::Column> columns = [] {
@@ -40,7 +40,7 @@ const std::vector<ReportControl::Column>& reportColumns() {
   return columns;
 }
 
-/// The number that a text with thousands separators holds; 0 for one without digits.
+/// The number in a text with thousands separators; 0 without digits.
 double countIn(const std::string& text) {
   std::string digits;
   std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
@@ -96,10 +96,10 @@ void frmProcess::layOut() {
   rtfLog = new LogView(halves, log_, "rtfLog", "Log of the backup run");
   wndReportControl = new ReportControl(halves, reportColumns(), "Profiles of the backup runs");
   halves->SplitHorizontally(rtfLog, wndReportControl);
-  // Of either something is seen in the lowest window, too.
+  // Part of each half is visible even in the lowest window.
   rtfLog->SetMinSize(FromDIP(wxSize(kLowestLog, kLowestLog)));
   halves->SetMinSize({-1, rtfLog->GetMinHeight() + halves->GetSashSize() + wndReportControl->GetMinHeight()});
-  // On its way to the first pane that is shown it has heights that are not worth sharing.
+  // Before the pane is first shown its height is too small to divide.
   const int report = std::max(FromDIP(kReportHeight), 6 * GetCharHeight());
   halves->Bind(wxEVT_SIZE, [halves, report, placed = false](wxSizeEvent& event) mutable {
     event.Skip();
@@ -120,7 +120,7 @@ wxSizer* frmProcess::layOutHead() {
   cmdStop = new wxButton(this, wxID_ANY, "S&top", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator,
                          "cmdStop");
   Animation1 = new AnimationPlayer(this);
-  Animation1->SetMinSize(wxSize(gap, Animation1->GetBestSize().y));  // it gives way in a narrow pane
+  Animation1->SetMinSize(wxSize(gap, Animation1->GetBestSize().y));  // may shrink in a narrow pane
   picFtpConnected = new wxStaticBitmap(this, wxID_ANY, Picture("status/connected"));
   picFtpConnected->SetToolTip("Connected to the FTP server");
   picFtpConnected->Hide();
@@ -161,7 +161,7 @@ wxSizer* frmProcess::layOutNotice() {
   lblNotice->SetMinSize({GetTextExtent("0").x * 8, -1});
   cmdShowFailure = new wxButton(this, wxID_ANY, "S&how", wxDefaultPosition, wxDefaultSize, 0,
                                 wxDefaultValidator, "cmdShowFailure");
-  cmdShowFailure->SetToolTip("Leads to the first red line of this run in the log");
+  cmdShowFailure->SetToolTip("Jumps to the first red line of this run in the log");
   const wxSizerFlags centred = wxSizerFlags().CenterVertical().Border(wxBOTTOM, FromDIP(kGap));
   row->Add(lblNotice, wxSizerFlags(centred).Proportion(1));
   row->Add(cmdShowFailure, wxSizerFlags(centred).Border(wxLEFT | wxBOTTOM, FromDIP(kGap)));
@@ -182,20 +182,20 @@ void frmProcess::showNotice(const std::string& text, std::optional<std::size_t> 
   Layout();
 }
 
-void frmProcess::tell(const std::string& line) {
+void frmProcess::reportError(const std::string& line) {
   const std::size_t logLine = log_.firstLine() + log_.lineCount() - 1;
   setLogColour(log_colour::kError);
   insertLogText(line + "\r\n");
   showNotice(line, logLine);
 }
 
-/// Says under the report what a run that is over could not back up.
+/// Shows below the report what a finished run could not back up.
 void frmProcess::showFailures(const std::vector<ProfileResult>& results) {
   const std::string notice = FailureNotice(results);
   if (notice.empty()) return;
   for (std::size_t line = std::max(firstLine_, log_.firstLine()); line < log_.firstLine() + log_.lineCount();
        ++line) {
-    // "Skipped: " is red as well, and nothing has failed there.
+    // "Skipped: " is red, too, but is not a failure.
     const LogLine& logged = log_.line(line - log_.firstLine());
     const bool red = !logged.runs.empty() && logged.runs.front().colour == log_colour::kError;
     if (red && !logged.text.starts_with("Skipped: ")) return showNotice(notice, line);
@@ -239,10 +239,10 @@ void frmProcess::startBackup() {
 }
 
 void frmProcess::TimerStartBackup_Timer() {
-  // A run that was stopped may still be unwinding below this very tick: the next one looks again.
+  // A stopped run may still be unwinding further up the stack: the next tick tests again.
   if (controller_->active()) return;
   if (mustWait && mustWait()) {
-    if (++waitingTicks_ == kTellWaitingAfter && onWaiting) onWaiting();
+    if (++waitingTicks_ == kReportWaitingAfter && onWaiting) onWaiting();
     return;
   }
   TimerStartBackup.Stop();
@@ -302,7 +302,7 @@ void frmProcess::showFigures() {
   setText(lblFileSize, wxString::FromUTF8(figures_.size));
   setText(lblRate, wxString::FromUTF8(figures_.rate));
   wndReportControl->populate();
-  if (onProgress && controller_->active()) {  // after a Stop, too, until it is unwound
+  if (onProgress && controller_->active()) {  // also after a Stop, until the run is unwound
     const std::size_t rows = wndReportControl->rowCount();
     onProgress({rows > firstRow_ ? wndReportControl->item(rows - 1, 0) : std::string(), figures_.percent});
   }
@@ -360,7 +360,7 @@ void frmProcess::showBusyCursor(bool busy) {
 }
 
 void frmProcess::showRunning(bool running) {
-  // A button that has the focus and is disabled would leave the keyboard nowhere.
+  // Disabling the button that has the focus would leave the keyboard without a target.
   const wxWindow* const focus = FindFocus();
   const bool moveFocus = std::exchange(startHadFocus_, false) || focus == cmdStart || focus == cmdStop;
   cmdStart->Enable(!running);

@@ -1,4 +1,4 @@
-// The backup form: starts and stops a run, and shows what it does.
+// The backup form: starts and stops a run, and shows its progress.
 #pragma once
 
 #include <wx/bmpbndl.h>
@@ -33,55 +33,55 @@ class frmProcess : public wxPanel, private RunDisplay {
   frmProcess(wxWindow* parent, MachineServices& services, EventPump& pump);
   ~frmProcess() override;
 
-  /// Arms `TimerStartBackup`, from whose tick the run executes. For the scheduler.
+  /// Starts `TimerStartBackup`, whose tick performs the run. For the scheduler.
   void startBackup();
 
-  /// Form unload: aborts the session and a web request, stops the animation and the timers. A run that is on
-  /// the stack is left to the pump, which unwinds it.
+  /// For closing: aborts the session and a web request, stops the animation and the timers. A run on the
+  /// stack is unwound by the pump.
   void unload();
 
-  /// Shows a line under the report until the next run begins or another one takes its place; "" takes it
-  /// away. With `logLine` (see LogView::showLine) "Show" beside it leads there.
+  /// Shows a line below the report until the next run begins or another notice replaces it; "" removes it.
+  /// With `logLine` (see LogView::showLine) the button "Show" beside it jumps there.
   void showNotice(const std::string& text, std::optional<std::size_t> logLine = std::nullopt);
 
-  /// Writes a line of the program's own into the log, and shows it under the report, with "Show" beside it.
-  void tell(const std::string& line);
+  /// Logs an error that does not belong to a run, and shows it below the report with the button "Show".
+  void reportError(const std::string& line);
 
-  /// The window is shown again.
+  /// To be called when the window is shown again.
   void wake() { tmrFtpStatus.wake(); }
 
-  /// A run is on the stack: the form must not be destroyed.
+  /// Whether a run is on the stack: the form must then not be destroyed.
   bool active() const { return controller_->active(); }
 
-  /// What a run has done so far, for those who show it elsewhere. `profile` is the one being run.
+  /// The progress of a run, for display outside this form. `profile` is the current one.
   struct Progress {
     std::string profile;
     int percent = 0;
   };
-  /// Called when that changes, some times a second at most; and at the end of a run with its results, whether
-  /// it was stopped, and the number of its files. Any may be empty.
+  /// `onProgress` is called when that changes, at most a few times a second; `onFinished` at the end of a
+  /// run, with its results, whether it was stopped, and the number of its files. Each may be empty.
   std::function<void(const Progress&)> onProgress;
   struct Outcome {
     std::vector<ProfileResult> results;
     bool stopped = false;
     double files = 0;
-    bool refused = false;  // another program's run was going on
+    bool refused = false;  // another process was running a backup
   };
   std::function<void(const Outcome&)> onFinished;
 
-  /// While it says so no run starts: one that began inside a box's or a menu's event loop would keep it from
-  /// being answered until the run's end. May be empty.
+  /// No run starts while this returns true: a run begun inside the event loop of a dialog or menu would block
+  /// that until the run's end. May be empty.
   std::function<bool()> mustWait;
-  /// Called once when a run has waited for that for a while: the user may have gone. May be empty.
+  /// Called once when `mustWait` has delayed a run for a while: the user may be away. May be empty.
   std::function<void()> onWaiting;
 
   // Milliseconds.
   static constexpr int kTimerStartBackup = 100;
-  static constexpr int kTellWaitingAfter = 300;  // ticks of it
+  static constexpr int kReportWaitingAfter = 300;  // ticks of TimerStartBackup
   static constexpr int kTmrFtpStatus = 100;
   static constexpr int kTmrOnlineLogin = 5;
 
-  // The controls, for the form's tests.
+  // The controls; public for the form's tests.
   wxButton* cmdStart;
   wxButton* cmdStop;
   LogView* rtfLog;
@@ -96,7 +96,7 @@ class frmProcess : public wxPanel, private RunDisplay {
   wxStaticBitmap* picFtpConnected;
   wxStaticBitmap* picFtpDisonnected;
   wxTimer TimerStartBackup;
-  /// Set going and stopped by nobody, and without anything to do at a tick: it is kept inert.
+  /// Deliberate: never started and without a handler.
   wxTimer tmrOnlineLogin;
   SeenTimer tmrFtpStatus;
 
@@ -135,8 +135,7 @@ class frmProcess : public wxPanel, private RunDisplay {
   void showBusyCursor(bool busy) override;
   void showRunning(bool running) override;
 
-  /// What the run has said since it was last shown. Texts and bars are set some times a second, not at every
-  /// word of the run.
+  /// The latest figures of the run. The controls are updated a few times a second, not at every change.
   struct Figures {
     std::string file, size, rate;
     int percent = 0;
@@ -149,13 +148,13 @@ class frmProcess : public wxPanel, private RunDisplay {
   Figures figures_;
   wxTimer tmrFigures_;
   std::unique_ptr<RunController> controller_;
-  std::size_t firstRow_ = 0;     // of the report, for the run in progress
-  std::size_t firstLine_ = 0;    // of the log, for the same, as LogText counts
-  std::size_t failureLine_ = 0;  // that cmdShowFailure leads to
+  std::size_t firstRow_ = 0;     // first report row of the current run
+  std::size_t firstLine_ = 0;    // its first log line, numbered as in LogText
+  std::size_t failureLine_ = 0;  // log line that cmdShowFailure jumps to
   bool stopConfirmed_ = false;
   bool asking_ = false;
-  int waitingTicks_ = 0;        // of a run that is due
-  bool startHadFocus_ = false;  // when it was clicked
+  int waitingTicks_ = 0;        // ticks that a due run has waited
+  bool startHadFocus_ = false;  // when cmdStart was clicked
 };
 
 }  // namespace quillmoor

@@ -44,7 +44,7 @@ std::string LocalFolderFor(const std::string& target, const std::string& current
   std::size_t i = 0;
   const auto rules = localSeparator == '\\' ? LocalNameRules::windows : LocalNameRules::posix;
   if (names == FolderNames::asListed && IsNetworkPath(joined, rules)) {
-    i = joined.find(kNetwork) + 1;  // after blanks, too, which no such path begins with
+    i = joined.find(kNetwork) + 1;  // blanks may precede it, and are dropped
     folder += localSeparator;
   }
   for (; i < joined.size(); ++i) {
@@ -55,7 +55,7 @@ std::string LocalFolderFor(const std::string& target, const std::string& current
 }
 
 bool CreatePath(const std::string& path) {
-  // A user of Windows may have typed slashes.
+  // On Windows the user may have typed slashes.
   const std::string native = LocalPathText(LocalPath(path).make_preferred());
   return CreatePath(native, kLocalSeparator, {LocalPathExists, CreateLocalFolder});
 }
@@ -72,7 +72,7 @@ bool CreatePath(const std::string& path, char separator, const FolderSystem& sys
     return component;
   };
   std::string built(onNetwork ? kNetwork : std::string_view());
-  built += nextComponent();  // a drive or a server: there, or not to be made
+  built += nextComponent();  // a drive or a server, which cannot be created
   bool missing = false;
   while (at < path.size()) {
     const std::string component = nextComponent();

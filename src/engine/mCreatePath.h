@@ -1,4 +1,4 @@
-// Local folders of a backup: how their paths are made from remote ones, and how they are created.
+// Local folders of a backup: derives their paths from remote ones and creates them.
 #pragma once
 
 #include <functional>
@@ -8,26 +8,26 @@
 
 namespace quillmoor {
 
-/// What becomes of the names in a folder's path (setting NamesAsListed). `cut`: the text from the first "["
-/// to the first "]" of a path that holds both is cut out, the blanks around the path are trimmed, and a
-/// network path loses one of the two separators that begin it. `asListed`: none of that.
+/// How a folder's path is changed (setting NamesAsListed). `cut`: the text from the first "[" to the first
+/// "]" is removed if that comes after it, blanks around the path are trimmed, and a network path loses one of
+/// its two leading separators. `asListed`: none of this.
 enum class FolderNames { cut, asListed };
 
-/// The path, treated as `names` says, with its separator at the end: "/" for a remote path, the platform's
-/// for a local one.
+/// The path, changed as `names` says, with a trailing separator: "/" for a remote path, `localSeparator` for
+/// a local one.
 std::string AddTrailingSeparator(const std::string& path, bool remote = false,
                                  char localSeparator = kLocalSeparator, FolderNames names = FolderNames::cut);
 
-/// Local folder that mirrors the remote folder `currentDir` below `target`, with a separator at its end.
-/// Doubled separators become single ones in one pass; for those that begin a network path see FolderNames.
+/// The local folder below `target` that mirrors the remote folder `currentDir`, with a trailing separator.
+/// Doubled separators become single in one pass; for those that begin a network path see FolderNames.
 std::string LocalFolderFor(const std::string& target, const std::string& currentDir,
                            char localSeparator = kLocalSeparator, FolderNames names = FolderNames::cut);
 
-/// Creates a folder and all its missing parents. True when it exists afterwards; levels made before a failure
-/// stay. "" is false.
+/// Creates a folder and all its missing parents. True when it exists afterwards; levels created before a
+/// failure stay. False for "".
 bool CreatePath(const std::string& path);
 
-/// What CreatePath does to the file system.
+/// The file system operations of CreatePath.
 struct FolderSystem {
   std::function<bool(const std::string&)> exists;
   std::function<bool(const std::string&)> create;

@@ -1,4 +1,4 @@
-// Dates of local files, as the tree walk reads and sets them.
+// Reads and sets the dates of local files for the tree walk.
 #pragma once
 
 #include <string>
@@ -7,16 +7,16 @@
 
 namespace quillmoor {
 
-/// Local times when read with `toLocal`, else UTC.
+/// Local times if read with `toLocal`, else UTC.
 struct FileDates {
   LocalDateTime created, accessed, modified;
 };
 
-/// FALSE on success, TRUE on failure, and then the dates are left as they were: the inverted sense is given.
+/// Deliberate: false on success, true on failure, which leaves `dates` unchanged.
 bool GetFileDates(const std::string& path, FileDates& dates, bool toLocal);
 
-/// Sets the modification time, read as local time with `fromLocal`, else as UTC. FALSE on success, TRUE on
-/// failure: the inverted sense is given. Fails on a folder.
+/// Sets the modification time; `date` is local time with `fromLocal`, else UTC. Deliberate: false on success,
+/// true on failure. Fails on a folder.
 bool SetFileModifiedTime(const std::string& path, LocalDateTime date, bool fromLocal);
 
 }  // namespace quillmoor

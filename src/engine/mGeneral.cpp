@@ -17,7 +17,7 @@ std::string formatted(const char* pattern, Values... values) {
   return text;
 }
 
-/// With a point whatever the locale of the program is: a window system sets it to the user's.
+/// With a decimal point whatever the program's locale: a window system may set the user's.
 std::string withDecimals(double value, int decimals) {
   char text[512];  // the largest double has 309 digits
   const auto result = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);

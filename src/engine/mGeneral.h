@@ -1,4 +1,4 @@
-// Texts for sizes, rates and times, as the log and the labels show them.
+// Formats sizes, rates and times for the log and the labels.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 
 namespace quillmoor {
 
-/// In the largest unit of which there is at least one, with three decimals and thousands marked: "1,023.000
+/// In the largest unit that yields at least 1, with three decimals and thousands separators: "1,023.000
 /// Bytes", "1.500 KB". "" below 1.
 std::string FormatSize(double bytes);
 
-/// Average rate since the transfer began. "" when nothing came or no time has passed. Changes from bytes to
-/// KB above 1000 although a KB is 1024: so it is wanted.
+/// Average rate since the transfer began; "" when nothing was received or no time has passed. Deliberate:
+/// changes from bytes to KB above 1000, although a KB is 1024 bytes.
 std::string FormatRate(std::int64_t bytes, std::int64_t elapsedMs);
 
 /// "14:03:09".
@@ -22,9 +22,9 @@ std::string TimeText(LocalDateTime time);
 std::string FinishedText(LocalDateTime time);
 /// "05-07-2011 14:03", the month first.
 std::string ReportTimeText(LocalDateTime time);
-/// "-05-07-2011", the month first: behind a profile's name the folder of one run.
+/// "-05-07-2011", the month first: appended to a profile's name for the folder of one run.
 std::string DatedFolderSuffix(LocalDateTime time);
-/// "2011-05-07 14:03:09", for two dates side by side.
+/// "2011-05-07 14:03:09", for comparing two dates.
 std::string GeneralDateText(LocalDateTime time);
 
 }  // namespace quillmoor

@@ -62,7 +62,7 @@ frmMain::frmMain() : network(IsNetworkAlive), profilesFile(ProfilesFilePath()) {
   // there is a form to show it.
   SetNoticeSink([this](const std::string& line) {
     CallAfter([this, line] {
-      if (process) process->tell(line);
+      if (process) process->reportError(line);
     });
   });
 }
@@ -105,7 +105,7 @@ void frmMain::Load() {
   scheduler_->mayStart = [this] { return services_->reserveRun(); };
   scheduler_->onMissed = [this] { onMissed(); };
   createPanes();
-  for (const std::string& note : notes) process->tell(note);
+  for (const std::string& note : notes) process->reportError(note);
   createTray();
   modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);
   setAutostart();

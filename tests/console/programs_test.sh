@@ -179,7 +179,7 @@ alone() {                                         # while a run goes on, another
   setsid "$run" --assume-network >"$work/first" 2>&1 &
   local first=$!
   until grep -q "Connecting" "$work/first"; do kill -0 "$first" 2>/dev/null || break; read -rt 0.02 <> <(:) || true; done
-  expect 2 "Another backup run is going on" "$run" --assume-network
+  expect 2 "Another backup run is in progress" "$run" --assume-network
   kill -INT "$first"
   wait "$first" || true
 }

@@ -89,8 +89,8 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
        [&] { server.on("RETR /sub/b.bin", transfers("150 Here.", "", "226 Done.")); }, 1,
        "Ftp Error: ", "/sub/b.bin: "},
       {"a type that is refused", [&] { server.on("TYPE I", replies("504 Text only.")); }, 2,
-       "Error: Came as text (TYPE A), since the server refused TYPE I: /sub/b.bin",
-       "/sub/b.bin: Came as text"},
+       "Error: Received as text (TYPE A), because the server refused TYPE I: /sub/b.bin",
+       "/sub/b.bin: Received as text"},
       {"a name of our own",
        [&] {
          server.setListing("/sub", kB + "-rw-r--r-- 1 o g 1 Jan  1  2020 .quillmoor-unfinished-1.tmp\r\n");
@@ -101,13 +101,13 @@ TEST_F(NothingLostTest, WhatFailsIsCountedAndNamed) {
          server.setListing("/", "");
          profile.Folders = {"/", "/sub"};
        },
-       1, "lists nothing, but its copy holds files: /", "/: "},
+       1, "listing is empty, but its copy holds files: /", "/: "},
       {"brackets in a path",
        [&] {
          server.addFile("/sub/photos [2024]/c.bin", "c");
          server.addFile("/sub/photos/c.bin", "c");
        },
-       1, "Cut to /sub/photos/, where its files are not", "/sub/photos [2024]: "},
+       1, "Cut to /sub/photos/, which is not where its files are", "/sub/photos [2024]: "},
   };
   const SiteProfile good = profile;
   for (const auto& row : rows) {
@@ -161,7 +161,7 @@ TEST_F(NothingLostTest, ALoopOfFoldersIsNotWalkedDeeperThanThreeRepetitions) {
                 "226 Done."));
   server.on("RETR", transfers("150 Here.", "x", "226 Done."));
   EXPECT_EQ(run().at(0).failures.count(), 1U);
-  EXPECT_TRUE(loggedInRed("as a link to one of them would; it is not walked: /again/again/again"));
+  EXPECT_TRUE(loggedInRed("as a link to one of them would; it is skipped: /again/again/again"));
   EXPECT_THAT(treeOf(target()), ElementsAre("a", "again/", "again/a", "again/again/", "again/again/a"));
 }
 

@@ -65,11 +65,11 @@ TEST_F(RunFaultsTest, DoesNotStartWhatWouldNeverEnd) {
     std::function<void()> damage;
   } rows[] = {{"Timeout is too large", [&] { profile.Timeout = "2147484"; }},
               {"The host is missing", [&] { profile.Host = ""; }},
-              {"0 is no port number", [&] { profile.Port = ""; }},
-              {"65536 is no port number", [&] { profile.Port = "65536"; }},
+              {"0 is not a valid port number", [&] { profile.Port = ""; }},
+              {"65536 is not a valid port number", [&] { profile.Port = "65536"; }},
               {"no proxy type 8", [&] { profile.ProxyType = 8; }},
               {"The proxy's host is missing", [&] { profile.ProxyType = 7; }},
-              {"0 is no port number of a proxy", [&] {
+              {"0 is not a valid port number for the proxy", [&] {
                  profile.ProxyType = 2;
                  profile.ProxyHost = "127.0.0.1";
                }}};

@@ -276,7 +276,7 @@ TEST_F(RunTest, LeavesTheFieldToAnotherProgramsRun) {
   EXPECT_TRUE(second.RunBackup().empty());
   EXPECT_TRUE(second.refused());
   EXPECT_FALSE(BackupRunning()) << "the scheduler would never start a run again";
-  EXPECT_TRUE(display.logged("Another backup run is going on"));
+  EXPECT_TRUE(display.logged("Another backup run is in progress"));
   EXPECT_EQ(server.count("USER"), 0U);
 }
 
