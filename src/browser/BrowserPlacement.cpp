@@ -17,7 +17,7 @@ constexpr const char* kWidth = "FtpBrowseWidth";
 constexpr const char* kHeight = "FtpBrowseHeight";
 constexpr const char* kFoldersOnly = "FtpBrowseFoldersOnly";
 
-constexpr double kFarthest = 1'000'000;  // no desktop reaches there
+constexpr double kFarthest = 1'000'000;  // beyond any desktop
 
 std::optional<double> storedNumber(const char* key) {
   const std::string text = ReadSetting(key, "");

@@ -1,4 +1,4 @@
-// Where the remote browser's window stands and whether it shows files, as they are stored.
+// The stored position of the remote browser's window, and whether it shows folders only.
 #pragma once
 
 #include <optional>
@@ -6,20 +6,20 @@
 namespace quillmoor {
 
 struct BrowserPlacement {
-  /// In the unit of the form's choice.
+  /// In the form's unit.
   struct Rectangle {
     double left = 0, top = 0, width = 0, height = 0;
     friend bool operator==(const Rectangle&, const Rectangle&) = default;
   };
-  /// Nothing when no usable one has been stored: the form then chooses.
+  /// Nothing when no usable one is stored; the form then chooses.
   std::optional<Rectangle> window;
   bool foldersOnly = false;
 };
 
-/// Raises nothing: what cannot be read counts as missing.
+/// Raises nothing: an unreadable value counts as missing.
 BrowserPlacement LoadBrowserPlacement();
 
-/// Without `window` the stored one stays. Raises nothing: what cannot be stored is forgotten.
+/// Without `window` the stored position is kept. Raises nothing: failures to store are ignored.
 void SaveBrowserPlacement(const BrowserPlacement& placement);
 
 }  // namespace quillmoor

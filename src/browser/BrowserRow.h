@@ -1,4 +1,4 @@
-// The rows of the remote browser's list, and how a listing becomes rows.
+// The rows of the remote browser's list, and how they are made from a listing.
 #pragma once
 
 #include <array>
@@ -17,24 +17,24 @@ namespace quillmoor {
 inline constexpr std::array<std::string_view, 6> kBrowserColumns = {"Name", "Size",  "Date",
                                                                     "User", "Group", "Permissions"};
 
-/// Texts are the server's bytes, whatever they are.
+/// Texts are the server's bytes, unchanged.
 struct BrowserRow {
   std::array<std::string, kBrowserColumns.size()> cells;
-  /// The item's whole path; "" for the parent row.
+  /// The item's full path; "" for the parent row.
   std::string tag;
   RowIcon icon = RowIcon::File;
   bool checked = false;
 
-  /// The name; of a link the name, "->" and what it points to.
+  /// The name; for a link the name, "->" and its target.
   const std::string& text() const { return cells[0]; }
 };
 
 BrowserRow ParentRow();
 
-/// The rows of a folder's listing, without the parent row: the folders, then links and files, each in the
-/// order of the listing. Links are `Link` until they have been tested. `foldersOnly` leaves out files.
-/// `currentFolder` is the folder's path as the server reports it, which paths of rows begin with as `names`
-/// says.
+/// The rows of a folder's listing, without the parent row: folders first, then links and files, both in the
+/// order of the listing. Links have the icon `Link` until they have been tested. `foldersOnly` omits files.
+/// `currentFolder` is the folder's path as reported by the server; changed as `names` says, it begins the
+/// paths of the rows.
 std::vector<BrowserRow> FolderRows(const RemoteListing& listing, const std::string& currentFolder,
                                    bool foldersOnly, FolderNames names = FolderNames::cut);
 

@@ -90,7 +90,7 @@ void RemoteBrowser::activate(std::size_t row) {
     case RowIcon::FolderLink:
       return enter(activated.tag.substr(0, activated.tag.find("->")));
     case RowIcon::Link:
-      if (busy_) return;  // its test comes yet
+      if (busy_) return;  // not tested yet
       return startListing(
           [path = activated.text(), row](RemoteSession& session) { session.tryLink(path, row); });
     default:
@@ -124,10 +124,10 @@ void RemoteBrowser::addChecked() {
   for (const BrowserRow& row : rows_) {
     if (!row.checked || row.tag.empty()) continue;
     const std::string shown = ShownText(row.tag);
-    // The editor holds text, and what it would make of other bytes is another folder.
+    // The editor stores text; converted to text, other bytes would name a different folder.
     const std::string why = shown == row.tag
                                 ? WhyNoFolder("A folder", row.tag)
-                                : "A folder holds bytes that are no text a profile can keep: " + shown;
+                                : "A folder's name cannot be stored as text in a profile: " + shown;
     if (why.empty()) {
       folders.push_back(row.tag);
     } else {
@@ -136,7 +136,7 @@ void RemoteBrowser::addChecked() {
   }
   const std::size_t added = addFolders_(folders);
   logLine("Added to the profile: " + std::to_string(added) +
-          (added < folders.size() ? ", in it already: " + std::to_string(folders.size() - added) + "\r\n"
+          (added < folders.size() ? ", already in it: " + std::to_string(folders.size() - added) + "\r\n"
                                   : std::string("\r\n")));
 }
 
@@ -151,9 +151,9 @@ void RemoteBrowser::close(BrowserPlacement placement) {
   session_->finish();
 }
 
-void RemoteBrowser::takeNews() {
+void RemoteBrowser::takeEvents() {
   {
-    const BusyFlag taking(takingNews_);
+    const BusyFlag taking(takingEvents_);
     if (!taking.taken()) return;
     passSettings();
     session_->deliver(*this);
@@ -163,7 +163,7 @@ void RemoteBrowser::takeNews() {
   ReportUnparsedListing(text, prompts_);
 }
 
-void RemoteBrowser::waitForNews() {
+void RemoteBrowser::waitForEvents() {
   session_->waitForEvents();
 }
 
@@ -171,7 +171,7 @@ std::string RemoteBrowser::cell(std::size_t row, std::size_t column) const {
   return ShownText(rows_[row].cells[column]);
 }
 
-// --- what the session tells
+// --- events of the session
 
 void RemoteBrowser::logLine(std::string text) {
   if (log_.length() > RunLog::kLongestLog) log_.trim(RunLog::kTrimmed);

@@ -11,11 +11,11 @@
 namespace quillmoor {
 namespace {
 
-constexpr unsigned kBoxColumn = 0;  // the columns of the rows follow
+constexpr unsigned kBoxColumn = 0;  // the columns of BrowserRow follow
 constexpr unsigned kNameColumn = 1;
-constexpr int kWidths[] = {200, 90, 110, 70, 70, 90};  // device-independent pixels, for the usual font
+constexpr int kWidths[] = {200, 90, 110, 70, 70, 90};  // device-independent pixels, for the default font
 static_assert(std::size(kWidths) == kBrowserColumns.size());
-/// More at once are drawn anew together.
+/// More rows than this are redrawn together.
 constexpr std::size_t kSingly = 200;
 
 }  // namespace
@@ -42,7 +42,7 @@ class RemoteList::Model : public wxDataViewVirtualListModel {
     }
   }
   bool GetAttrByRow(unsigned, unsigned, wxDataViewItemAttr&) const override { return false; }
-  /// The box of a file shows unticked whatever is tried.
+  /// A file's box stays unticked.
   bool SetValueByRow(const wxVariant& value, unsigned row, unsigned) override {
     if (list_.onChecked && row < browser_.rowCount()) list_.onChecked(row, value.GetBool());
     return true;
@@ -79,7 +79,7 @@ RemoteList::RemoteList(wxWindow* parent, const RemoteBrowser& browser)
   GetMainWindow()->Bind(wxEVT_KEY_DOWN, &RemoteList::onKey, this);
 }
 
-/// GTK would have either key work on the box, or both on the name, by where the last click was.
+/// Depending on the last click, GTK would apply both keys to the box or both to the name.
 void RemoteList::onKey(wxKeyEvent& event) {
   const wxDataViewItem item = GetCurrentItem();
   const int key = event.GetKeyCode();
@@ -98,8 +98,8 @@ void RemoteList::onKey(wxKeyEvent& event) {
 
 void RemoteList::showRows() {
   model_->Reset(static_cast<unsigned>(browser_.rowCount()));
-  // Without a current row the list takes no keys on Windows; and it would stay scrolled to where another
-  // folder's rows were.
+  // Without a current row the list ignores keys on Windows, and it would keep the scroll position of the
+  // previous folder.
   if (shownRows() == 0 || GetCurrentItem().IsOk()) return;
   SetCurrentItem(model_->GetItem(0));
   EnsureVisible(model_->GetItem(0));

@@ -1,5 +1,5 @@
-// The rows of a remote folder, each with a box to tick and a picture. It holds none itself: it asks the
-// browser for those in view, and so takes a folder of any size.
+// The rows of a remote folder, each with a check box and a picture. Reads only the visible rows from the
+// browser, so it can show a folder of any size.
 #pragma once
 
 #include <wx/dataview.h>
@@ -14,19 +14,19 @@ namespace quillmoor {
 
 class RemoteList : public wxDataViewCtrl {
  public:
-  /// `browser` must outlive this. It is asked from the first `showRows` on.
+  /// `browser` must outlive this. It is read from the first `showRows` on.
   RemoteList(wxWindow* parent, const RemoteBrowser& browser);
 
-  /// The rows have become others.
+  /// All rows have changed.
   void showRows();
-  /// Those from `first` on have come.
+  /// The rows from `first` on have been added.
   void addRows(std::size_t first);
-  /// Icons or ticks of the rows from `first` to `last`, both included, have changed.
+  /// The icons or ticks of the rows `first` to `last`, both included, have changed.
   void changeRows(std::size_t first, std::size_t last);
 
   std::size_t shownRows() const;
   void selectRow(std::size_t row);
-  /// Where the row's box, or its name, is on the screen; empty for a row that is not in view.
+  /// The screen position of the row's box or name; empty for a row that is not in view.
   wxRect boxPlace(std::size_t row) const;
   wxRect namePlace(std::size_t row) const;
 

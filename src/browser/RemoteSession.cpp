@@ -19,7 +19,7 @@
 namespace quillmoor {
 namespace {
 
-/// A number too large is as wrong as the largest one, and the client says so.
+/// A number that is too large becomes the largest one, which the client rejects.
 std::int32_t numberOf(const std::string& text) {
   try {
     return ToLong(text);
@@ -53,9 +53,9 @@ RemoteSession::RemoteSession(const BrowsedSite& site, BrowserEvents& events)
   client_.pump = [this] { pump(); };
   client_.onState = [this](FtpState state) { events_.logLine(ConnectionStateLine(state, profile_.Host)); };
   client_.onError = [this](int number, const std::string& description) {
-    // What ends the session is told in any case.
+    // An error that ends the session is always reported.
     const bool ended = !connected() && number != static_cast<int>(FtpErrorNumber::notConnected);
-    if (stopping() || (muted_ && !ended)) return;
+    if (stopping() || (errorsSuppressed_ && !ended)) return;
     events_.logLine("Error: " + std::to_string(number) + ", " + description + "\r\n");
   };
 }
@@ -69,8 +69,8 @@ void RemoteSession::raiseStop(Stop stop) {
 }
 
 void RemoteSession::pump() {
-  const bool late = farewellEnds_ && std::chrono::steady_clock::now() >= *farewellEnds_;
-  if (late || stop_ == Stop::everything || (stop_ == Stop::operations && !farewellEnds_)) client_.abort();
+  const bool late = graceEnds_ && std::chrono::steady_clock::now() >= *graceEnds_;
+  if (late || stop_ == Stop::everything || (stop_ == Stop::operations && !graceEnds_)) client_.abort();
 }
 
 void RemoteSession::setLoggedIn(bool loggedIn) {
@@ -79,7 +79,7 @@ void RemoteSession::setLoggedIn(bool loggedIn) {
 }
 
 void RemoteSession::waitSeconds(std::int32_t seconds) {
-  // A delay of nothing must not make the loop spin.
+  // With a delay of 0 the loop must not spin.
   const auto time =
       std::max<std::chrono::milliseconds>(std::chrono::seconds(seconds), std::chrono::milliseconds(10));
   std::unique_lock lock(stopMutex_);
@@ -123,20 +123,20 @@ void RemoteSession::connect() {
   go([] {});
 }
 
-/// Performs the change of folder and lists what is current then. When the change fails, what is shown stays:
-/// that is where the connection still is. A server that has dropped the connection meanwhile shows it at the
-/// first command, so then it is done over.
+/// Changes the folder and lists the resulting one. When the change fails, the displayed folder stays: it is
+/// still the current one. A connection that the server dropped while idle is noticed only at the first
+/// command, so everything is then tried a second time.
 template <class Change>
 void RemoteSession::go(Change change, bool fromAnywhere) {
   const std::string from = folder_.empty() ? profile_.DefaultDir : folder_;
   for (int round = 0; round < 2 && !stopping(); ++round) {
-    const bool anew = !connected();
-    if (anew && !logIn()) return;
-    // From any other folder than the one shown most changes would lead to where nobody wanted to go.
-    const bool back = !anew || from.empty() || Guarded([&] { client_.setCurrentRemoteDirectory(from); });
+    const bool newLogin = !connected();
+    if (newLogin && !logIn()) return;
+    // Relative to any other folder than the displayed one, most changes would lead to a wrong folder.
+    const bool back = !newLogin || from.empty() || Guarded([&] { client_.setCurrentRemoteDirectory(from); });
     const bool changed = (back || fromAnywhere) && Guarded(change);
     if (connected()) {
-      if (changed || anew) {
+      if (changed || newLogin) {
         Guarded([&] { listFolder(); });
       } else if (!folder_.empty()) {
         events_.folderChanged(folder_);
@@ -167,7 +167,7 @@ void RemoteSession::listFolder(bool testingLinks) {
 
   FtpListing listed = client_.list();
   if (!listed.cut.empty()) {
-    events_.logLine("The server has not listed all that is in " + folder_ + ": " + listed.cut + "\r\n");
+    events_.logLine("The server has not listed all of " + folder_ + ": " + listed.cut + "\r\n");
   }
   RemoteListing listing = ParseListing(std::move(listed.text), LocalNow());
   if (listing.text.empty()) return;
@@ -185,22 +185,22 @@ void RemoteSession::listFolder(bool testingLinks) {
   std::vector<std::string> paths;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (rows[i].icon != RowIcon::Link) continue;
-    links.push_back(i + 1);  // behind the parent row
+    links.push_back(i + 1);  // after the parent row
     paths.push_back(rows[i].tag);
   }
   events_.addRows(std::move(rows));
   if (!testingLinks || links.empty() || testLinks(links, paths)) return;
   if (!connected() || stopping()) return;
-  events_.logLine("Cannot come back from a link to " + folder_ + "; showing where it leads.\r\n");
+  events_.logLine("Cannot return from a link to " + folder_ + "; showing the link's target.\r\n");
   listFolder(false);
 }
 
-/// The rows are shown by now. Leaves no trace in the log: that a link leads to a file is no error. False when
-/// the current folder is another one afterwards.
+/// Called after the rows were reported. Logs nothing: a link to a file is not an error. False when the
+/// current folder is a different one afterwards.
 bool RemoteSession::testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths) {
   if (!loggedIn_) return true;
   events_.linkTestsBegun();
-  const BusyFlag mute(muted_);
+  const BusyFlag suppressed(errorsSuppressed_);
   return TestRemoteFolderLinks(client_, folder_, paths, [&](std::size_t i, bool leadsToFolder) {
     if (leadsToFolder) events_.linkLeadsToFolder(rows[i]);
     return connected() && !stopping() && !skipLinkTests;
@@ -223,8 +223,8 @@ void RemoteSession::keepAlive() {
 }
 
 void RemoteSession::logOut() {
-  farewellEnds_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(kFarewellMs);
-  client_.timeoutMs = kFarewellMs;
+  graceEnds_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(kLogoutGraceMs);
+  client_.timeoutMs = kLogoutGraceMs;
   if (connected() && stop_ != Stop::everything) Guarded([&] { client_.logout(); });
   setLoggedIn(false);
 }

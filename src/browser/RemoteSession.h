@@ -1,4 +1,4 @@
-// The remote browser's session with the server: logs in, walks from folder to folder, lists.
+// The remote browser's session with the server: logs in, changes folders, lists them.
 #pragma once
 
 #include <atomic>
@@ -19,49 +19,48 @@
 
 namespace quillmoor {
 
-/// The operations block, all on one thread; they tell what they do by events and raise nothing. Each that
-/// finds the connection lost logs in anew and goes back to the folder shown before; where that is gone, it
-/// lists the one it is in.
+/// The operations block, all on one thread; they report by events and raise nothing. When the connection is
+/// lost they log in again and return to the folder shown before; if that is gone, they list the current one.
 class RemoteSession {
  public:
   /// A folder whose listing is longer is not shown.
   static constexpr std::size_t kMostListingBytes = std::size_t{16} << 20;
-  /// How long a farewell may take.
-  static constexpr std::int32_t kFarewellMs = 2000;
+  /// Grace period for the logout.
+  static constexpr std::int32_t kLogoutGraceMs = 2000;
 
   /// `events` must outlive this.
   RemoteSession(const BrowsedSite& site, BrowserEvents& events);
   RemoteSession(const RemoteSession&) = delete;
   RemoteSession& operator=(const RemoteSession&) = delete;
 
-  // Seconds; may be set on any thread, at any time.
+  // Times in seconds. May be set on any thread at any time.
   std::atomic<std::int32_t> timeout = 30;
   std::atomic<std::int32_t> connectionDelay = 5;
   std::atomic<FolderNames> names = FolderNames::cut;
-  /// Ends the tests of links once BrowserEvents::linkTestsBegun was told. To be set back between operations.
+  /// Ends the link tests after BrowserEvents::linkTestsBegun. Must be reset between operations.
   std::atomic<bool> skipLinkTests = false;
 
   /// For the next listing.
   bool foldersOnly = false;
 
-  /// Logs in, retrying without limit until it has worked or `stop`; then lists the profile's folder.
+  /// Logs in, retrying until success or `stop`, then lists the profile's folder.
   void connect();
   void refresh();
   void changeFolder(const std::string& path);
   void changeToParent();
-  /// A link that leads to no folder by its own path: perhaps `path` is one. Tells it of `row` then; the
-  /// current folder stays.
+  /// For a link whose own path is not a folder: tests `path` instead and reports linkLeadsToFolder for `row`
+  /// if it is one. The current folder stays.
   void tryLink(const std::string& path, std::size_t row);
-  /// Nothing while not connected.
+  /// Does nothing when not connected.
   void keepAlive();
-  /// Says goodbye, within kFarewellMs. The last operation.
+  /// Logs out within the grace period. Must be the last operation.
   void logOut();
 
   // On any thread:
 
-  /// Ends the operation in progress; any later one but `logOut` does nothing.
+  /// Aborts the current operation; later ones, except `logOut`, do nothing.
   void stop() { raiseStop(Stop::operations); }
-  /// Ends that too, and says no goodbye. To end a transfer in order may still take 2 s.
+  /// Also aborts or skips `logOut`. Aborting a transfer cleanly may still take 2 s.
   void kill() { raiseStop(Stop::everything); }
 
  private:
@@ -83,9 +82,9 @@ class RemoteSession {
   BrowserEvents& events_;
   RunProfileFields profile_;
   bool loggedIn_ = false;
-  bool muted_ = false;
-  std::optional<std::chrono::steady_clock::time_point> farewellEnds_;
-  std::string folder_;  // the current one, as the server has reported it
+  bool errorsSuppressed_ = false;
+  std::optional<std::chrono::steady_clock::time_point> graceEnds_;
+  std::string folder_;  // the current folder as reported by the server
   std::atomic<Stop> stop_ = Stop::no;
   std::mutex stopMutex_;
   std::condition_variable stopRaised_;

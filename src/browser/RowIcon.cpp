@@ -10,7 +10,7 @@ struct Ending {
   std::string_view text;
   RowIcon icon;
 };
-/// Of four characters, all of them: ".HTML" could not match.
+/// Each must have four characters: ".HTML" could not match.
 constexpr Ending kEndings[] = {
     {".TXT", RowIcon::TextFile},  {".ZIP", RowIcon::ZipFile},   {".ARJ", RowIcon::ZipFile},
     {".TGZ", RowIcon::ZipFile},   {".TAR", RowIcon::ZipFile},   {".LZH", RowIcon::ZipFile},

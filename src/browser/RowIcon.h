@@ -1,4 +1,4 @@
-// What a row of the remote browser is, told by the key of its icon.
+// The kinds of rows in the remote browser, each known by the key of its icon.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ enum class RowIcon {
   Cdup,         // leads to the parent folder
   FolderClose,  // a folder
   FolderLink,   // a link that leads to a folder
-  Link,         // a link that does not, as far as is known
+  Link,         // a link not known to lead to a folder
   TextFile,
   ZipFile,
   ExeFile,
@@ -28,10 +28,10 @@ constexpr std::string_view IconKey(RowIcon icon) {
   return kIconKeys[static_cast<std::size_t>(icon)];
 }
 
-/// The icon of a file whose row says `text`: by the last four characters, whatever their case.
+/// The icon of a file, chosen by the last four characters of `text`, ignoring case.
 RowIcon FileIcon(std::string_view text);
 
-/// Such a row can be activated and ticked; any other is a file.
+/// Whether the row can be activated and ticked; other rows are files.
 constexpr bool IsNavigable(RowIcon icon) {
   return icon <= RowIcon::Link;
 }

@@ -18,7 +18,7 @@ void SessionThread::start(Operation operation) {
     const std::lock_guard lock(mutex_);
     operation_ = std::move(operation);
   }
-  wanted_.notify_one();
+  workAdded_.notify_one();
 }
 
 void SessionThread::finish() {
@@ -27,13 +27,13 @@ void SessionThread::finish() {
     const std::lock_guard lock(mutex_);
     finishing_ = true;
   }
-  wanted_.notify_one();
+  workAdded_.notify_one();
 }
 
-/// Nothing when the session is to end.
+/// Empty when the session must end.
 SessionThread::Operation SessionThread::nextOperation() {
   std::unique_lock lock(mutex_);
-  wanted_.wait(lock, [&] { return operation_ || finishing_; });
+  workAdded_.wait(lock, [&] { return operation_ || finishing_; });
   if (finishing_) return {};
   return *std::exchange(operation_, std::nullopt);
 }
@@ -51,12 +51,12 @@ void SessionThread::work() {
   sessionEnded();
 }
 
-void SessionThread::note(Event event) {
+void SessionThread::post(Event event) {
   {
     const std::lock_guard lock(mutex_);
     events_.push_back(std::move(event));
   }
-  come_.notify_one();
+  eventAdded_.notify_one();
 }
 
 void SessionThread::deliver(BrowserEvents& receiver) {
@@ -70,38 +70,38 @@ void SessionThread::deliver(BrowserEvents& receiver) {
 
 void SessionThread::waitForEvents() {
   std::unique_lock lock(mutex_);
-  come_.wait(lock, [&] { return !events_.empty(); });
+  eventAdded_.wait(lock, [&] { return !events_.empty(); });
 }
 
 void SessionThread::logLine(std::string text) {
-  note([text = std::move(text)](BrowserEvents& to) { to.logLine(text); });
+  post([text = std::move(text)](BrowserEvents& to) { to.logLine(text); });
 }
 void SessionThread::clearRows() {
-  note([](BrowserEvents& to) { to.clearRows(); });
+  post([](BrowserEvents& to) { to.clearRows(); });
 }
 void SessionThread::addRows(std::vector<BrowserRow> rows) {
-  note([rows = std::move(rows)](BrowserEvents& to) mutable { to.addRows(std::move(rows)); });
+  post([rows = std::move(rows)](BrowserEvents& to) mutable { to.addRows(std::move(rows)); });
 }
 void SessionThread::linkTestsBegun() {
-  note([](BrowserEvents& to) { to.linkTestsBegun(); });
+  post([](BrowserEvents& to) { to.linkTestsBegun(); });
 }
 void SessionThread::linkLeadsToFolder(std::size_t row) {
-  note([row](BrowserEvents& to) { to.linkLeadsToFolder(row); });
+  post([row](BrowserEvents& to) { to.linkLeadsToFolder(row); });
 }
 void SessionThread::folderChanged(std::string path) {
-  note([path = std::move(path)](BrowserEvents& to) { to.folderChanged(path); });
+  post([path = std::move(path)](BrowserEvents& to) { to.folderChanged(path); });
 }
 void SessionThread::loginChanged(bool loggedIn) {
-  note([loggedIn](BrowserEvents& to) { to.loginChanged(loggedIn); });
+  post([loggedIn](BrowserEvents& to) { to.loginChanged(loggedIn); });
 }
 void SessionThread::unparsedListing(std::string text) {
-  note([text = std::move(text)](BrowserEvents& to) { to.unparsedListing(text); });
+  post([text = std::move(text)](BrowserEvents& to) { to.unparsedListing(text); });
 }
 void SessionThread::operationEnded() {
-  note([](BrowserEvents& to) { to.operationEnded(); });
+  post([](BrowserEvents& to) { to.operationEnded(); });
 }
 void SessionThread::sessionEnded() {
-  note([](BrowserEvents& to) { to.sessionEnded(); });
+  post([](BrowserEvents& to) { to.sessionEnded(); });
 }
 
 }  // namespace quillmoor

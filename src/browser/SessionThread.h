@@ -1,4 +1,4 @@
-// The thread on which the remote browser's session works, and the way there and back.
+// The remote browser's session thread, and the queues to and from it.
 #pragma once
 
 #include <condition_variable>
@@ -15,31 +15,31 @@
 
 namespace quillmoor {
 
-/// Members but the private ones are called by the thread that owns this.
+/// Public members must be called on the owner's thread.
 class SessionThread final : private BrowserEvents {
  public:
   using Operation = std::function<void(RemoteSession&)>;
 
   explicit SessionThread(const BrowsedSite& site);
-  /// Ends whatever is in progress and says no goodbye to the server. Waits for that: 2 s where a transfer has
-  /// to be ended in order, else no time worth the name.
+  /// Aborts the current operation and does not log out. Blocks up to 2 s while a transfer is aborted cleanly,
+  /// otherwise only briefly.
   ~SessionThread() override;
   SessionThread(const SessionThread&) = delete;
   SessionThread& operator=(const SessionThread&) = delete;
 
-  /// What may be set on any thread.
+  /// For the members that may be used on any thread.
   RemoteSession& session() { return session_; }
 
-  /// Has the session perform it. One at a time: the one before must have told its end.
+  /// Starts an operation on the session's thread. The previous one must have reported operationEnded.
   void start(Operation operation);
 
-  /// Ends the operation in progress, logs out and ends.
+  /// Aborts the current operation, logs out and ends the thread.
   void finish();
 
-  /// Passes the events that have come since to `receiver`, in their order.
+  /// Passes all pending events to `receiver`, in order.
   void deliver(BrowserEvents& receiver);
 
-  /// Waits until there are events to deliver.
+  /// Waits until an event is pending.
   void waitForEvents();
 
  private:
@@ -57,13 +57,13 @@ class SessionThread final : private BrowserEvents {
   void operationEnded() override;
   void sessionEnded() override;
 
-  void note(Event event);
+  void post(Event event);
   void work();
   Operation nextOperation();
 
   std::mutex mutex_;
-  std::condition_variable wanted_;  // there is something for the session to do
-  std::condition_variable come_;    // there are events
+  std::condition_variable workAdded_;   // an operation is set, or the session must end
+  std::condition_variable eventAdded_;  // events are pending
   std::vector<Event> events_;
   std::optional<Operation> operation_;
   bool finishing_ = false;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kMostBytes = 8192;
 
-/// Fit to be shown, with its line breaks.
+/// The text made displayable, with its line breaks.
 std::string shownLines(std::string_view text) {
   std::string shown;
   while (!text.empty()) {

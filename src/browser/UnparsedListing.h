@@ -1,4 +1,4 @@
-// What the user is told of a listing that nobody can read.
+// Reports a listing in an unknown format to the user.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace quillmoor {
 
-/// Shows a message box with the listing in it; of one that no box has room for, the beginning.
+/// Shows a message box with the listing, or with its beginning if it is long.
 void ReportUnparsedListing(const std::string& listingText, UserPrompts& prompts);
 
 }  // namespace quillmoor

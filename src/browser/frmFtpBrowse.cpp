@@ -18,15 +18,15 @@ namespace {
 constexpr int kGap = 6;
 constexpr int kWidth = 720, kHeight = 500;
 constexpr int kLogHeight = 110;
-constexpr int kLowest = 360;   // a few rows of the list are seen
-constexpr int kTitleBar = 60;  // enough of the window to drag it by
+constexpr int kLowest = 360;   // keeps a few rows of the list visible
+constexpr int kTitleBar = 60;  // enough of it to drag the window
 
 wxButton* button(wxWindow* parent, const char* caption, const char* name) {
   return new wxButton(parent, wxID_ANY, caption, wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator,
                       name);
 }
 
-/// Of a window that stands there something is seen that it can be dragged by.
+/// Whether enough of the window's upper edge is on a screen to drag it.
 bool canBeReached(const wxRect& window, int grip) {
   for (unsigned i = 0; i < wxDisplay::GetCount(); ++i) {
     const wxRect seen = wxDisplay(i).GetClientArea().Intersect({window.x, window.y, window.width, grip});
@@ -55,14 +55,14 @@ frmFtpBrowse::frmFtpBrowse(wxWindow* parent, const BrowsedSite& site, const Appl
   tmrKeepAlive.Start(RemoteBrowser::kKeepAliveMs);
 }
 
-/// The list and the log show what the browser holds.
+/// The list and the log read from `browser_`, so they must go before it.
 frmFtpBrowse::~frmFtpBrowse() {
   DestroyChildren();
 }
 
 void frmFtpBrowse::layOut() {
   const int gap = FromDIP(kGap);
-  auto* const page = new wxPanel(this);  // the Tab key needs one
+  auto* const page = new wxPanel(this);  // needed for the Tab key
   auto* const all = new wxBoxSizer(wxVERTICAL);
 
   auto* const head = new wxBoxSizer(wxHORIZONTAL);
@@ -86,7 +86,7 @@ void frmFtpBrowse::layOut() {
                                   wxDefaultValidator, "chkFoldersOnly");
   cmdAdd = button(upper, "&Add Checked", "cmdAdd");
   cmdClose = button(upper, "&Close", "cmdClose");
-  cmdAdd->SetToolTip("Puts the ticked folders into the profile");
+  cmdAdd->SetToolTip("Adds the ticked folders to the profile");
   auto* const foot = new wxBoxSizer(wxHORIZONTAL);
   foot->Add(cmdSelectAll, wxSizerFlags().CenterVertical());
   foot->Add(cmdUnSelectAll, wxSizerFlags().CenterVertical().Border(wxLEFT, gap));
@@ -141,7 +141,7 @@ void frmFtpBrowse::connectControls() {
   });
   cmbRemoteDir->Bind(wxEVT_COMBOBOX_CLOSEUP, [this](wxCommandEvent& event) {
     listDropped_ = false;
-    // Windows takes for a choice what the arrow keys had come to.
+    // Windows treats the item reached by the arrow keys as chosen.
     if (std::exchange(listEscaped_, false)) cmbRemoteDir->SetValue(beforeList_);
     event.Skip();
   });
@@ -157,18 +157,17 @@ void frmFtpBrowse::connectControls() {
   });
   Timer1.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { browser_->connect(); });
   tmrKeepAlive.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { browser_->keepAlive(); });
-  tmrNews_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
-    // The news may show a box. A window closed meanwhile must outlast it, and goes when it has been answered.
-    const BusyFlag taking(takingNews_);
-    browser_->takeNews();
+  tmrEvents_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+    // Processing events may show a message box. A window closed meanwhile is destroyed only after the box.
+    const BusyFlag taking(takingEvents_);
+    browser_->takeEvents();
     if (!closed_ || !taking.taken()) return;
-    tmrNews_.Stop();
+    tmrEvents_.Stop();
     Destroy();
   });
 }
 
-/// What is typed into the box stays there while the server is slow to answer, until something else is asked
-/// of it.
+/// Text typed into the box while the server is slow is kept until the user starts another operation.
 void frmFtpBrowse::takeTypedFolder() {
   if (browser_->takesListing()) shownFolder_ = cmbRemoteDir->GetValue();
 }
@@ -178,8 +177,8 @@ void frmFtpBrowse::changeFolder() {
   browser_->changeFolder(cmbRemoteDir->GetValue().utf8_string());
 }
 
-/// Stored in device-independent pixels; the size is that of what is inside the frame. GTK would wait for the
-/// size of the frame before it shows a window of another size, and show that where it likes.
+/// Stored in device-independent pixels, as the size of the client area: with the frame's size GTK would wait
+/// for the frame before showing the window, and choose its position.
 void frmFtpBrowse::place(const BrowserPlacement& placement) {
   if (placement.window) {
     const auto& stored = *placement.window;
@@ -211,22 +210,22 @@ void frmFtpBrowse::unload() {
   const BrowserPlacement now = placement();
   Hide();
   browser_->close(now);
-  tmrNews_.Start(RemoteBrowser::kNewsEveryMs);
+  tmrEvents_.Start(RemoteBrowser::kEventsEveryMs);
 }
 
 void frmFtpBrowse::showFolder(const std::string& path, bool isNew) {
   const wxString shown = wxString::FromUTF8(path);
   if (isNew) cmbRemoteDir->Append(shown);
-  if (browser_->listingWaits()) return;  // the folder that was chosen meanwhile stays in the box
+  if (browser_->listingWaits()) return;  // keep the folder that was chosen meanwhile
   if (cmbRemoteDir->GetValue() == std::exchange(shownFolder_, shown)) cmbRemoteDir->SetValue(shown);
 }
 
 void frmFtpBrowse::showBusy(bool busy) {
   SetCursor(busy ? wxCursor(wxCURSOR_ARROWWAIT) : wxNullCursor);
   if (busy) {
-    tmrNews_.Start(RemoteBrowser::kNewsEveryMs);
+    tmrEvents_.Start(RemoteBrowser::kEventsEveryMs);
   } else if (!closing_) {
-    tmrNews_.Stop();
+    tmrEvents_.Stop();
   }
 }
 

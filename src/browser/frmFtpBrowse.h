@@ -1,4 +1,4 @@
-// The window "Browse FTP Site": looks at the site of the profile being edited, and adds ticked folders to it.
+// The window "Browse FTP Site": browses the site of the profile being edited and adds ticked folders to it.
 #pragma once
 
 #include <wx/button.h>
@@ -20,12 +20,12 @@ namespace quillmoor {
 
 class frmFtpBrowse : public wxFrame, private BrowserView {
  public:
-  /// `settings` must outlive the window, and so must what `addFolders` changes until `unload`.
+  /// `settings` must outlive the window. `addFolders` may be called until `unload`.
   frmFtpBrowse(wxWindow* parent, const BrowsedSite& site, const ApplicationSettings& settings,
                RemoteBrowser::AddFolders addFolders);
   ~frmFtpBrowse() override;
 
-  /// Disappears at once, whatever is in progress; the window is destroyed when its session has ended.
+  /// Hides the window at once, whatever is in progress; it is destroyed when its session has ended.
   void unload();
 
   const RemoteBrowser& browser() const { return *browser_; }
@@ -62,12 +62,12 @@ class frmFtpBrowse : public wxFrame, private BrowserView {
 
   WindowPrompts prompts_;
   std::unique_ptr<RemoteBrowser> browser_;
-  wxTimer tmrNews_;
-  wxString shownFolder_;  // what the program has put into the box, or taken from it
-  wxString beforeList_;   // what the box held when its list was dropped down
+  wxTimer tmrEvents_;
+  wxString shownFolder_;  // what the program last put into the box or took from it
+  wxString beforeList_;   // the box's text when its list was opened
   bool listDropped_ = false;
   bool listEscaped_ = false;
-  bool takingNews_ = false;
+  bool takingEvents_ = false;
   bool closing_ = false;
   bool closed_ = false;
 };

@@ -83,8 +83,8 @@ class BrowserWorld {
     while (!condition()) takeSome();
   }
   void takeSome() {
-    browser->waitForNews();
-    browser->takeNews();
+    browser->waitForEvents();
+    browser->takeEvents();
   }
   void activate(const std::string& name) {
     browser->activate(rowOf(name));

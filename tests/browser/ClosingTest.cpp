@@ -82,7 +82,7 @@ class ClosingInTheMiddle : public ClosingTest, public ::testing::WithParamInterf
       browser->connect();
     }
     if (moment.reached) takeUntil([&] { return moment.reached(*this); });
-    if (moment.whenOpen && !moment.reached) browser->waitForNews();
+    if (moment.whenOpen && !moment.reached) browser->waitForEvents();
   }
 };
 

@@ -202,8 +202,7 @@ TEST_F(RemoteBrowserTest, TellsOfAListingThatNobodyCanRead) {
   server.once("LIST", transfers("150 Here.", "", "226 Output truncated to 1 matches"));
   browser->refresh();
   settle();
-  EXPECT_THAT(logLines(),
-              Contains("The server has not listed all that is in /: Output truncated to 1 matches"));
+  EXPECT_THAT(logLines(), Contains("The server has not listed all of /: Output truncated to 1 matches"));
 
   server.setListing("/", std::string(1'000'000, 'x'));
   browser->refresh();
@@ -235,7 +234,7 @@ TEST_F(RemoteBrowserTest, ShowsOddNamesAndAddsNoneThatAProfileWouldChange) {
   EXPECT_THAT(editor.shown.Folders, ElementsAre("/pl\xc3\xa4ne"));
   EXPECT_THAT(logLines(), Contains(StartsWith("Not added: ")).Times(8));
   EXPECT_THAT(logLines(), Contains("Added to the profile: 1"));
-  EXPECT_THAT(logLines(), Contains("Added to the profile: 0, in it already: 1"));
+  EXPECT_THAT(logLines(), Contains("Added to the profile: 0, already in it: 1"));
   EXPECT_THAT(logLines(), Contains(HasSubstr("the profile file cannot keep: /日本")));
   EXPECT_THAT(logLines(), Contains(HasSubstr("\"/a~|~b\" cannot be a folder.")));
 
@@ -357,7 +356,7 @@ TEST_F(RemoteBrowserTest, LetsCommandsEndTheTestsOfLinks) {
     make();
     browser->connect();
     gate.waitUntilReached();
-    browser->takeNews();
+    browser->takeEvents();
     ASSERT_EQ(browser->rowCount(), 102U) << one.name;
     const std::size_t before = server.count("CWD /l");
     one.command(*browser);
@@ -429,7 +428,7 @@ TEST_F(RemoteBrowserTest, ListsWhereALinkLeadsWhenThereIsNoWayBack) {
   activate("..");
   EXPECT_THAT(rows(), ElementsAre("Cdup ..", "TextFile a.txt"));
   EXPECT_EQ(view.folders.back(), "+/pub/tested");
-  EXPECT_THAT(logLines(), Contains(StartsWith("Cannot come back from a link to /pub")));
+  EXPECT_THAT(logLines(), Contains(StartsWith("Cannot return from a link to /pub")));
 }
 
 // --- ticks
