@@ -1,4 +1,4 @@
-// The dial-up component: phonebook entries of the system, and one connection made from them.
+// The dial-up component: the system's phonebook entries, and one connection dialled from them.
 #pragma once
 
 #include <cstdint>
@@ -12,23 +12,23 @@
 
 namespace quillmoor {
 
-/// One connection at a time; all on the thread that made the component. What the system reports, on whatever
-/// thread, is taken in by Busy and State: call one of them now and then while something is in progress.
+/// One connection at a time; all calls on the thread that created the component. Busy and State process what
+/// the system has reported on other threads: call one of them regularly while an operation is in progress.
 class DialUp {
  public:
   virtual ~DialUp() = default;
 
-  /// A dial or a hang-up is in progress.
+  /// Whether a dial or a hang-up is in progress.
   virtual bool Busy() = 0;
   /// State number of the connection, kDialUpConnected when it is up; DialUpStates.h has their texts.
   virtual std::int32_t State() = 0;
   /// Names of the entries that can be dialled.
   virtual std::vector<std::string> Entries() = 0;
-  /// Starts dialling the entry and returns at once; progress shows in State. A dial of the same entry that is
-  /// in progress goes on instead, so that one who asks every few seconds gets a connection that takes longer.
-  /// Raises std::runtime_error when the dial cannot be started.
+  /// Starts dialling the entry and returns at once; State shows the progress. If the same entry is being
+  /// dialled, that dial continues, so that repeated calls do not interrupt a slow dial. Raises
+  /// std::runtime_error when the dial cannot be started.
   virtual void Dial(const std::string& entry) = 0;
-  /// Ends the connection, if there is one. A dial in progress is none yet: that is for Abort.
+  /// Ends the connection, if there is one. Does not end a dial in progress; see Abort.
   virtual void HangUp() = 0;
   /// Cancels a dial in progress.
   virtual void Abort() = 0;
@@ -36,15 +36,15 @@ class DialUp {
   /// Called at every change of State, from inside one of the calls above.
   std::function<void(std::int32_t state)> onStateChange;
 
-  /// Is the first dial-up connection of the whole system up, whoever made it?
+  /// Whether the system's first dial-up connection is up, whichever program made it.
   virtual bool IsDialUpConnected() = 0;
-  /// Ends the first dial-up connection of the system if it is up. True when the attempt reported an error;
-  /// callers ignore it.
+  /// Ends the system's first dial-up connection if it is up. True when the attempt reported an error; callers
+  /// ignore it.
   virtual bool HangUpDialUp() = 0;
 };
 
-/// This machine's component. `pump` is called by whatever takes longer than a moment; without one nothing
-/// does, and Entries may name those that are there only when it is asked again.
+/// This machine's component. `pump` is called by operations that take long. Without a pump no operation
+/// waits, and Entries may be complete only at a later call.
 std::unique_ptr<DialUp> MakeDialUp(Pump pump);
 
 }  // namespace quillmoor

@@ -1,4 +1,4 @@
-// What the states of a dial-up connection are called.
+// Texts for the states of a dial-up connection.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ struct DialUpStateName {
   std::string_view text;
 };
 
-/// 17 is called as 15 is, on purpose.
+/// Deliberate: 15 and 17 have the same text.
 inline constexpr std::array<DialUpStateName, 31> kDialUpStates = {{
     {0, "Opening port"},
     {1, "Port is opened"},
@@ -47,7 +47,7 @@ inline constexpr std::array<DialUpStateName, 31> kDialUpStates = {{
     {20648, "Password expired"},
 }};
 
-/// States of the component itself, which the system knows nothing of.
+/// States of the component itself, not of the system.
 inline constexpr std::int32_t kDialUpStarting = 8195;
 inline constexpr std::int32_t kDialUpClosing = 8198;
 inline constexpr std::int32_t kDialUpAborting = 8199;

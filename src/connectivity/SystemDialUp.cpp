@@ -16,12 +16,12 @@ SystemDialUp::SystemDialUp(std::unique_ptr<RemoteAccess> access, std::function<s
     : access_(std::move(access)), tick_(std::move(tick)) {}
 
 bool SystemDialUp::Busy() {
-  takeIn();
+  processStates();
   return phase_ == Phase::dialling || phase_ == Phase::closing;
 }
 
 std::int32_t SystemDialUp::State() {
-  takeIn();
+  processStates();
   return state_;
 }
 
@@ -30,7 +30,7 @@ std::vector<std::string> SystemDialUp::Entries() {
 }
 
 void SystemDialUp::Dial(const std::string& entry) {
-  takeIn();
+  processStates();
   if (phase_ == Phase::dialling && entry == entry_) return;
   if (phase_ == Phase::idle) return start(entry);
   if (phase_ == Phase::dialling) beginClosing(kDialUpAborting);
@@ -39,12 +39,12 @@ void SystemDialUp::Dial(const std::string& entry) {
 }
 
 void SystemDialUp::HangUp() {
-  takeIn();
+  processStates();
   if (phase_ == Phase::connected) beginClosing(kDialUpClosing);
 }
 
 void SystemDialUp::Abort() {
-  takeIn();
+  processStates();
   next_.clear();
   if (phase_ == Phase::dialling) beginClosing(kDialUpAborting);
 }
@@ -57,29 +57,29 @@ bool SystemDialUp::HangUpDialUp() {
   return mRasAPI::HangUpDialUp(*access_);
 }
 
-void SystemDialUp::takeIn() {
-  if (takingIn_) return;  // asked by a handler of onStateChange, or from inside the pump
+void SystemDialUp::processStates() {
+  if (processing_) return;  // called from an onStateChange handler or from inside the pump
   const struct Flag {
     explicit Flag(bool& flag_) : flag(flag_) { flag = true; }
     ~Flag() { flag = false; }
     bool& flag;
-  } taking(takingIn_);
+  } processing(processing_);
   for (const std::int32_t state : access_->takeStates()) {
     if (state == kDialUpDisconnected) {
       phase_ = Phase::idle;
     } else if (phase_ == Phase::closing) {
-      continue;  // late news of what is being ended
+      continue;  // late state of a connection that is being ended
     } else if (state == kDialUpConnected) {
       phase_ = Phase::connected;
     }
     show(state);
   }
-  if (phase_ == Phase::dialling && tick_() - diallingSince_ > kDialPatienceMs) beginClosing(kDialUpAborting);
+  if (phase_ == Phase::dialling && tick_() - diallingSince_ > kDialTimeoutMs) beginClosing(kDialUpAborting);
   if (phase_ == Phase::idle && !next_.empty()) {
     try {
       start(std::exchange(next_, {}));
     } catch (const std::exception&) {
-      // Nobody waits for it here; the state tells.
+      // There is no caller to report to; the state shows the failure.
     }
   }
 }

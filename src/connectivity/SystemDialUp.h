@@ -1,4 +1,4 @@
-// The dial-up component over what the system offers.
+// The dial-up component, based on the system's remote access.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,9 @@
 
 namespace quillmoor {
 
-/// A dial that has come to nothing after this long is aborted: a line that hangs must not keep the next
-/// attempt away for ever.
-inline constexpr std::int64_t kDialPatienceMs = 180'000;
+/// A dial that has not connected after this time is aborted, so that a hanging line does not block the next
+/// attempt for ever.
+inline constexpr std::int64_t kDialTimeoutMs = 180'000;
 
 class SystemDialUp final : public DialUp {
  public:
@@ -24,7 +24,7 @@ class SystemDialUp final : public DialUp {
   bool Busy() override;
   std::int32_t State() override;
   std::vector<std::string> Entries() override;
-  /// While a connection is being ended the dial waits for that.
+  /// If a connection is being ended, dials after that.
   void Dial(const std::string& entry) override;
   void HangUp() override;
   void Abort() override;
@@ -34,7 +34,7 @@ class SystemDialUp final : public DialUp {
  private:
   enum class Phase { idle, dialling, connected, closing };
 
-  void takeIn();
+  void processStates();
   void start(const std::string& entry);
   void beginClosing(std::int32_t state);
   void show(std::int32_t state);
@@ -43,11 +43,11 @@ class SystemDialUp final : public DialUp {
   std::function<std::int64_t()> tick_;
   Phase phase_ = Phase::idle;
   std::int32_t state_ = kDialUpDisconnected;
-  std::string entry_;               // being dialled or connected
-  std::string next_;                // to be dialled when what is being closed is closed
+  std::string entry_;               // the entry being dialled or connected
+  std::string next_;                // the entry to dial after the current connection is closed
   std::int64_t diallingSince_ = 0;  // ms of tick_
-  bool takingIn_ = false;
-  bool starting_ = false;  // inside the system's dial, which may pump
+  bool processing_ = false;
+  bool starting_ = false;  // inside RemoteAccess::dial, which may pump
 };
 
 }  // namespace quillmoor

@@ -1,4 +1,4 @@
-// Is there a network?
+// Tests whether a network is available.
 #pragma once
 
 #include <cstdint>
@@ -11,15 +11,14 @@ inline constexpr std::uint32_t kNetworkLan = 1;
 inline constexpr std::uint32_t kNetworkWan = 2;
 inline constexpr std::uint32_t kNetworkOnlineService = 4;
 
-/// Tells whether some network is up and of which kinds; platform/network/NetworkAlive.h has the machine's
-/// own.
+/// Returns whether any network is up, and of which kinds; for this machine see
+/// platform/network/NetworkAlive.h.
 using NetworkSource = std::function<bool(std::uint32_t& kinds)>;
 
-/// Some network is up, of whatever kind.
+/// Whether a network of any kind is up.
 bool IsNetworkAvailable(const NetworkSource& source);
 
-/// A local area network is up and nothing else: a machine that is on a LAN and a WAN at once counts as not
-/// connected here, on purpose.
+/// Whether a LAN and nothing else is up. Deliberate: with a LAN and a WAN this returns false.
 bool IsLanConnected(const NetworkSource& source);
 
 }  // namespace quillmoor

@@ -1,4 +1,4 @@
-// How much processor time the program takes: six priority classes, chosen by a slider.
+// The process priority: six classes, chosen by a slider.
 #pragma once
 
 #include <array>
@@ -11,11 +11,11 @@ namespace quillmoor::modProcessPriority {
 inline constexpr std::int32_t kNormalClass = 32;
 
 struct PriorityClass {
-  std::int32_t number;  // of the system; this is what is stored
+  std::int32_t number;  // the system's number, which is stored
   std::string_view name;
 };
 
-/// In the order of the slider, whose positions count from 1.
+/// In the order of the slider's positions, which start at 1.
 inline constexpr std::array<PriorityClass, 6> kClasses = {{{64, "Idle"},
                                                            {16384, "Below Normal"},
                                                            {kNormalClass, "Normal"},
@@ -23,19 +23,19 @@ inline constexpr std::array<PriorityClass, 6> kClasses = {{{64, "Idle"},
                                                            {128, "High"},
                                                            {256, "Realtime"}}};
 
-/// The class at a position of the slider; normal for any other position.
+/// The class at a slider position; kNormalClass for any other position.
 std::int32_t PositionToClass(std::int32_t position);
 
-/// The position of a class. Any other number gives 7, one past the slider's end: it must not look like a
-/// choice that the user has made.
+/// The slider position of a class; 7, one past the slider's end, for any other number, which must not look
+/// like the user's choice.
 std::int32_t ClassToPosition(std::int32_t priorityClass);
 
-/// "Unknown:" and the number for a number that is no class.
+/// The name of a class; "Unknown:" and the number for any other number.
 std::string ClassName(std::int32_t priorityClass);
 
-/// Puts a process into the class and returns the class that is then in force, 0 when the process cannot even
-/// be asked. Process 0 is the owner of the window or, without a window, this process. A refusal is no error:
-/// what is returned tells. platform/system/ProcessPriority.h says what the classes are on each system.
+/// Sets the priority class of a process and returns the class that is then in effect; 0 when the process
+/// cannot be queried. Process 0 means the window's owner or, without a window, this process. A refusal raises
+/// nothing: the result shows it. For the classes on each system see platform/system/ProcessPriority.h.
 std::int32_t SetPriority(std::uint32_t processId, std::uintptr_t window, std::int32_t priorityClass);
 
 }  // namespace quillmoor::modProcessPriority

@@ -142,7 +142,7 @@ TEST_F(DialUpComponent, RaisesWhatCannotBeDialled) {
 
 TEST_F(DialUpComponent, GivesUpADialThatHangs) {
   dialUp->Dial("Office");
-  ticks += kDialPatienceMs;
+  ticks += kDialTimeoutMs;
   EXPECT_EQ(dialUp->State(), 8195);
   ticks += 1;
   EXPECT_EQ(dialUp->State(), 8199);
