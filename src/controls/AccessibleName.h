@@ -1,4 +1,4 @@
-// What screen readers say of a control that has no caption of its own.
+// Names for screen readers of controls without a caption.
 #pragma once
 
 #include <wx/string.h>
@@ -10,14 +10,15 @@ class wxWindow;
 
 namespace quillmoor {
 
-enum class AccessibleRole { asItIs, progressBar, picture };
+enum class AccessibleRole { native, progressBar, picture };
 
-/// Names the control, and says what it is where the system cannot know. Call it again when the name changes.
-/// `value` is asked for what the control shows, on Windows only: elsewhere the toolkit has no place for it.
-void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole role = AccessibleRole::asItIs,
+/// Sets the control's accessible name, and its role where the system cannot know it. Call it again when the
+/// name changes. `value` returns what the control shows; used on Windows only, the toolkit has no way
+/// elsewhere.
+void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole role = AccessibleRole::native,
                        std::function<wxString()> value = {});
 
-/// Names the control by the label that stands before it, and lets the label's mnemonic lead to it.
+/// Names the control after the label in front of it, and makes the label's mnemonic focus it.
 void SetLabelFor(wxStaticText& label, wxWindow& control);
 
 }  // namespace quillmoor

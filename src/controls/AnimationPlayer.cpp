@@ -10,7 +10,7 @@
 namespace quillmoor {
 namespace {
 
-/// Device-independent size before a file is open: that of the run's animation.
+/// Device-independent size before a file is open: the size of the run's animation.
 constexpr int kWidth = 272;
 constexpr int kHeight = 60;
 
@@ -20,7 +20,7 @@ wxSize fitted(int width, int height, wxSize room) {
   return {std::max(static_cast<int>(width * scale), 1), std::max(static_cast<int>(height * scale), 1)};
 }
 
-/// An image whose pixels of the corner's colour let the background through.
+/// The frame as an image in which pixels of the corner's colour are transparent.
 wxImage withTransparency(const AviAnimation& animation, std::size_t frame) {
   wxImage image(animation.width, animation.height, false);
   image.InitAlpha();
@@ -42,7 +42,7 @@ AnimationPlayer::AnimationPlayer(wxWindow* parent, wxWindowID id, const wxPoint&
   SetDoubleBuffered(true);
   Bind(wxEVT_PAINT, [this](wxPaintEvent&) { paint(); });
   Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
-    if (animation_.frames.empty()) return;  // closed while the tick was on its way
+    if (animation_.frames.empty()) return;  // closed before a pending tick
     frame_ = (frame_ + 1) % animation_.frames.size();
     if (IsShownOnScreen()) RefreshRect(picturesPlace());
   });
@@ -54,8 +54,7 @@ bool AnimationPlayer::Open(const std::string& path) {
   Close();
   try {
     animation_ = LoadAvi(path);
-    if (animation_.frames == before.frames)
-      scaled_ = std::move(scaled);  // each run opens the same file again
+    if (animation_.frames == before.frames) scaled_ = std::move(scaled);  // each run reopens the same file
   } catch (const AviError& error) {
     error_ = error.what();
   }
@@ -113,7 +112,7 @@ wxRect AnimationPlayer::picturesPlace() const {
 }
 
 void AnimationPlayer::paint() {
-  wxPaintDC dc(this);  // over what lies behind, which the system has drawn
+  wxPaintDC dc(this);  // draws over the background, which the system has drawn
   const wxRect place = picturesPlace();
   if (!place.IsEmpty()) dc.DrawBitmap(scaled(frame_, place.GetSize()), place.GetPosition(), true);
 }

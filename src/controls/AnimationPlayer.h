@@ -1,4 +1,4 @@
-// Plays a small AVI file over and over, without sound.
+// Plays a small AVI file in a loop, without sound.
 #pragma once
 
 #include <wx/bitmap.h>
@@ -13,23 +13,23 @@
 
 namespace quillmoor {
 
-/// Frames are fitted into the control with their proportions. The colour of the first frame's upper left
-/// corner is transparent. Files are drawn for a screen at 200 %: at 100 % the best size is half a frame's. It
-/// is decoration: it takes no focus, and screen readers pass it over.
+/// Frames are scaled to fit the control and keep their proportions. The colour of the first frame's upper
+/// left corner is transparent. Files are drawn for a screen at 200 %: at 100 % the best size is half a
+/// frame's. The control is decoration: it takes no focus, and screen readers skip it.
 class AnimationPlayer : public wxControl {
  public:
   explicit AnimationPlayer(wxWindow* parent, wxWindowID id = wxID_ANY,
                            const wxPoint& position = wxDefaultPosition, const wxSize& size = wxDefaultSize);
 
-  /// Stops, loads a file and shows its first frame; returns whether it could. A missing or
-  /// damaged file shows nothing and raises nothing: what is wrong is in `error()`.
+  /// Stops, loads a file and shows its first frame; returns whether that worked. A missing or damaged file
+  /// shows nothing and raises nothing; see `error()`.
   bool Open(const std::string& path);
-  /// Plays from the first frame, again and again. Nothing without a file.
+  /// Plays from the first frame in a loop. Does nothing without a file.
   void Play();
-  /// Stops and goes back to the first frame.
+  /// Stops and returns to the first frame.
   void Stop();
   bool IsPlaying() const { return timer_.IsRunning(); }
-  /// Shows nothing any more.
+  /// Unloads the file; the control is then empty.
   void Close();
   const std::string& error() const { return error_; }
 
@@ -47,7 +47,7 @@ class AnimationPlayer : public wxControl {
   std::string error_;
   std::size_t frame_ = 0;
   wxTimer timer_;
-  std::vector<wxBitmap> scaled_;  // frames in the size now shown, made when they are first needed
+  std::vector<wxBitmap> scaled_;  // frames in the current size, made on demand
   wxSize scaledSize_;
 };
 

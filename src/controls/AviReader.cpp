@@ -18,7 +18,7 @@ constexpr std::uint32_t kRle8 = 1;          // BI_RLE8
   throw AviError("byte " + std::to_string(at) + ": " + what);
 }
 
-/// A piece of the file that knows where it begins, so that errors can say so.
+/// A part of the file, with its position for error messages.
 struct Bytes {
   std::string_view data;
   std::size_t start = 0;
@@ -37,7 +37,7 @@ struct Chunk {
   Bytes content;
 };
 
-/// Calls `take` for each chunk. A last chunk of less than a header is padding.
+/// Calls `take` for each chunk. A rest shorter than a chunk header is padding.
 template <typename Take>
 void eachChunk(Bytes list, Take take) {
   std::size_t at = 0;
@@ -54,7 +54,7 @@ void eachChunk(Bytes list, Take take) {
   }
 }
 
-/// The content of a list chunk of that type, or nothing.
+/// The content of a list chunk of the given type; nothing for any other chunk.
 std::optional<Bytes> listOf(const Chunk& chunk, std::string_view type) {
   if (chunk.id != "LIST" || chunk.content.data.substr(0, 4) != type) return std::nullopt;
   return Bytes{chunk.content.data.substr(4), chunk.content.start + 4};
@@ -116,7 +116,7 @@ class Decoder {
     });
   }
 
-  /// BITMAPINFOHEADER, and the palette behind it.
+  /// Reads BITMAPINFOHEADER and the palette after it.
   void readFormat(Bytes format) {
     const std::uint32_t headerSize = format.u32(0, "the picture's header");
     const std::uint32_t width = format.u32(4, "the picture's width");
@@ -126,15 +126,15 @@ class Decoder {
     const std::uint32_t used = format.u32(32, "the size of the palette");
     if (headerSize < 40 || headerSize > format.data.size())
       fail(format.start, "a picture header of the wrong size");
-    // A height below zero, which would turn the rows round, is beyond the limit as an unsigned number.
+    // A negative height (rows from the top) exceeds the limit as an unsigned number.
     if (width - 1 >= kMaxAviSide || height - 1 >= kMaxAviSide) {
       fail(format.start + 4, "a picture whose sides are not 1 to " + std::to_string(kMaxAviSide) + " pixels");
     }
     if (!(compression_ == kUncompressed && (bits_ == 8 || bits_ == 24)) &&
         !(compression_ == kRle8 && bits_ == 8)) {
       fail(format.start + 14, "pictures of " + std::to_string(bits_) + " bits a pixel in compression " +
-                                  std::to_string(compression_) +
-                                  ", where only uncompressed ones of 8 or 24 bits " + "and RLE8 are read");
+                                  std::to_string(compression_) + "; only uncompressed ones of 8 or 24 bits " +
+                                  "and RLE8 are supported");
     }
     animation_.width = static_cast<int>(width);
     animation_.height = static_cast<int>(height);
@@ -155,12 +155,12 @@ class Decoder {
   void readFrame(const Chunk& chunk) {
     if (chunk.id.substr(0, 2) != *video_) return;
     const std::string_view kind = chunk.id.substr(2);
-    if (kind == "pc") fail(chunk.content.start, "a change of the palette, which is not read");
+    if (kind == "pc") fail(chunk.content.start, "a change of the palette, which is not supported");
     if (kind != "db" && kind != "dc") return;
     const std::size_t bytes = indices_.size() * 3;
     if (animation_.frames.size() >= kMaxAviFrames ||
         (animation_.frames.size() + 1) * bytes > kMaxAviPixelBytes)
-      fail(chunk.content.start, "more frames than are read");
+      fail(chunk.content.start, "too many frames");
     if (!chunk.content.data.empty()) {
       if (bits_ == 24) {
         animation_.frames.push_back(trueColour(chunk.content));
@@ -180,7 +180,7 @@ class Decoder {
     animation_.frames.push_back(coloured());
   }
 
-  /// Bytes of a stored row: rows are padded to 32 bits.
+  /// The size of a stored row in bytes: rows are padded to 32 bits.
   std::size_t storedRow(Bytes frame) const {
     const std::size_t stride = (static_cast<std::size_t>(animation_.width) * bits_ / 8 + 3) / 4 * 4;
     const std::size_t needed = stride * static_cast<std::size_t>(animation_.height);
@@ -225,17 +225,18 @@ class Decoder {
   }
 
   AviAnimation animation_;
-  std::optional<std::string> video_;  // the two digits that mark the stream's chunks
+  std::optional<std::string> video_;  // the two digits that begin the ids of the stream's chunks
   std::uint32_t bits_ = 0;
   std::uint32_t compression_ = 0;
   std::array<std::array<std::uint8_t, 3>, 256> palette_{};
-  std::vector<std::uint8_t> indices_;  // the frame before, which RLE8 frames may build on; rows from the top
+  std::vector<std::uint8_t> indices_;  // the previous frame, which RLE8 frames modify; rows from the top
 };
 
 }  // namespace
 
 AviAnimation ReadAvi(std::string_view file) {
-  if (file.size() < 12 || file.substr(0, 4) != "RIFF" || file.substr(8, 4) != "AVI ") fail(0, "no AVI file");
+  if (file.size() < 12 || file.substr(0, 4) != "RIFF" || file.substr(8, 4) != "AVI ")
+    fail(0, "not an AVI file");
   const Bytes whole{file, 0};
   const std::size_t size = whole.u32(4, "the file's size");
   if (size < 4 || size > file.size() - 8)

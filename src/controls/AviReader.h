@@ -1,4 +1,5 @@
-// Small animations out of AVI files (the RIFF container): what a common animation control plays.
+// Reads small animations from AVI files (a RIFF container), in the formats that common animation controls
+// play.
 #pragma once
 
 #include <chrono>
@@ -11,7 +12,7 @@
 
 namespace quillmoor {
 
-/// What is wrong and at which byte of the file.
+/// The message says what is wrong and at which byte of the file.
 class AviError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -28,14 +29,14 @@ struct AviAnimation {
 inline constexpr int kMaxAviSide = 4096;  // pixels
 inline constexpr std::size_t kMaxAviFrames = 1000;
 inline constexpr std::size_t kMaxAviFileBytes = std::size_t{16} << 20;
-inline constexpr std::size_t kMaxAviPixelBytes = std::size_t{64} << 20;  // of all frames together
+inline constexpr std::size_t kMaxAviPixelBytes = std::size_t{64} << 20;  // all frames together
 
 /// Decodes the first video stream: uncompressed at 8 or 24 bits a pixel, or RLE8 (BI_RGB and BI_RLE8 of
-/// BITMAPINFOHEADER, rows from the bottom). Sound and index are passed over; an empty frame repeats the one
-/// before. Raises AviError for anything else, for damage, and beyond the bounds above.
+/// BITMAPINFOHEADER, rows from the bottom). Skips sound and index; an empty frame repeats the previous one.
+/// Raises AviError for other formats, for damaged files, and when a bound above is exceeded.
 AviAnimation ReadAvi(std::string_view file);
 
-/// Reads a file. The errors name it; one that cannot be opened or read is an AviError too.
+/// Reads a file. Errors name the file; one that cannot be opened or read raises AviError, too.
 AviAnimation LoadAvi(const std::string& path);
 
 }  // namespace quillmoor

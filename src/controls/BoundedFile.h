@@ -1,4 +1,4 @@
-// Files that are read whole, up to a bound.
+// Reads whole files up to a size limit.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace quillmoor {
 
-/// Raises std::runtime_error when the file cannot be read or holds more than `limit` bytes.
+/// Raises std::runtime_error when the file cannot be read or is larger than `limit` bytes.
 std::string ReadBoundedFile(const std::string& path, std::size_t limit);
 
 }  // namespace quillmoor

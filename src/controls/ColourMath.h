@@ -1,4 +1,4 @@
-// Sums with colours that every control needs and no window is needed for.
+// Colour calculations for all controls; independent of any window.
 #pragma once
 
 #include <cstdint>
@@ -15,20 +15,18 @@ struct Rgb {
 /// `from` where `share` is 0, `to` where it is 1.
 Rgb Mix(Rgb from, Rgb to, double share);
 
-/// How well one is read on the other: 1 (not at all) to 21 (Web Content Accessibility Guidelines 2.1,
-/// "contrast ratio").
+/// The contrast ratio of Web Content Accessibility Guidelines 2.1: 1 (unreadable) to 21.
 double ContrastRatio(Rgb a, Rgb b);
 
-/// White or black, whichever is read better there.
+/// White or black, whichever has more contrast to `background`.
 Rgb InkOn(Rgb background);
 
-/// `text` itself where it is read well enough on the background, otherwise the nearest shade of it, towards
-/// white or black, that is. Keeps coloured texts readable in light and dark themes. A ratio of 4.5 is what
-/// the guidelines ask for.
+/// `text`, or the nearest shade towards white or black that has the contrast `ratio` on the background. Keeps
+/// coloured texts readable in light and dark themes. The guidelines require a ratio of 4.5.
 Rgb ReadableOn(Rgb text, Rgb background, double ratio = 4.5);
 
-/// For texts whose colours say something: as it is given on a light background, whatever its contrast, and
-/// as `ReadableOn` has it on a dark one.
+/// For texts whose colour has a meaning: `given` on a light background, whatever its contrast; ReadableOn on
+/// a dark one.
 Rgb ShownOn(Rgb given, Rgb background);
 
 }  // namespace quillmoor

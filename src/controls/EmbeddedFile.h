@@ -6,12 +6,12 @@
 namespace quillmoor {
 
 struct EmbeddedFile {
-  const char* name;  // path below the folder it comes from
+  const char* name;  // path below the embedded folder
   const unsigned char* data;
   std::size_t size;
 };
 
-/// The pictures of the program, PNG files below assets/.
+/// The program's pictures: PNG files below assets/.
 extern const EmbeddedFile kPictureFiles[];
 extern const std::size_t kPictureFilesCount;
 

@@ -16,7 +16,7 @@ void EventPump::turn() {
   const auto now = std::chrono::steady_clock::now();
   if (now - last_ < kShortestPause) return;
   if (wxEventLoopBase* const loop = wxEventLoopBase::GetActive()) loop->YieldFor(wxEVT_CATEGORY_ALL);
-  // Counted from the end: drawing that takes long must not leave the run no time at all.
+  // Measured from the end, so that slow drawing does not starve the run.
   last_ = std::chrono::steady_clock::now();
   raiseIfEnding();
 }

@@ -1,21 +1,21 @@
-// The pump of the windows: lets the program answer while a run blocks its thread.
+// The pump of the windows: keeps the program responsive while a run blocks its thread.
 #pragma once
 
 #include <chrono>
 
 namespace quillmoor {
 
-/// Thrown by the pump when the program is to end. No std::exception, so that no error guard takes it for a
-/// failure the run goes on from: it unwinds the run to whoever started it, files closed on the way.
+/// Thrown by the pump when the program must end. Not a std::exception, so that no error guard swallows it: it
+/// unwinds the run to its caller, closing files on the way.
 struct ProgramEnding {};
 
 class EventPump {
  public:
-  /// Handles the events that wait, timers and drawing included; at most every few milliseconds, so that it
-  /// may be called for every file. Raises ProgramEnding once the end has been asked for.
+  /// Handles pending events, including timers and drawing, at most every few milliseconds, so that it may be
+  /// called for every file. Raises ProgramEnding after `endProgram`.
   void turn();
 
-  /// From now on every turn raises ProgramEnding, but where a destructor on the way out is being served.
+  /// Makes every later turn raise ProgramEnding, except during stack unwinding.
   void endProgram() { ending_ = true; }
   bool ending() const { return ending_; }
 

@@ -1,12 +1,12 @@
-// The focus of controls that are made of parts.
+// The focus of controls that consist of several windows.
 #pragma once
 
 class wxWindow;
 
 namespace quillmoor {
 
-/// The focus of some controls goes to a part of theirs that the toolkit keeps to itself. Makes it known as a
-/// focus of the control (wxEVT_CHILD_FOCUS), so that a form brings the control into view.
-void TellInnerFocus(wxWindow& control);
+/// Reports the focus of a control's inner parts, which the toolkit hides, as the control's own
+/// (wxEVT_CHILD_FOCUS), so that a form scrolls the control into view.
+void ReportInnerFocus(wxWindow& control);
 
 }  // namespace quillmoor

@@ -14,9 +14,9 @@
 namespace quillmoor {
 namespace {
 
-constexpr std::size_t kLongestDrawn = 4096;  // bytes of one line; what is beyond is not shown
+constexpr std::size_t kLongestDrawn = 4096;  // bytes of one line; the rest is not drawn
 
-/// Black is the colour of a text that was given none: in the dark it is the theme's then.
+/// Black is the default colour of log texts; on a dark background the theme's text colour replaces it.
 Rgb shownOn(Rgb given, Rgb background) {
   return given == Rgb{} && InkOn(background) != Rgb{}
              ? FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT))
@@ -51,7 +51,7 @@ LogView::LogView(wxWindow* parent, const LogText& log, const wxString& name, con
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     const bool newest = (follow_ || atEnd_) && !selecting_;
     if (follow_) showNewest();
-    // A scroll bar that a long line brings must not come to lie over the newest one; once it is there.
+    // A scroll bar that has appeared because of a long line must not cover the newest line.
     if (newest) CallAfter([this] { Scroll(-1, static_cast<int>(log_.lineCount())); });
     Refresh(false);
     event.Skip();
@@ -95,7 +95,7 @@ void LogView::logChanged() {
 void LogView::showNewest() {
   timer_.Stop();
   updateExtent();
-  // While the user marks text the log must not run away under the pointer.
+  // The log must not scroll while the user selects text.
   if (follow_ && !selecting_) {
     follow_ = false;
     Scroll(0, static_cast<int>(log_.lineCount()));
@@ -114,7 +114,7 @@ void LogView::showLine(std::size_t number) {
   Refresh(false);
 }
 
-/// The line that is begun and empty has no room of its own.
+/// An empty last line is not counted.
 int LogView::shownLines() const {
   const std::size_t lines = log_.lineCount();
   return static_cast<int>(log_.line(lines - 1).text.empty() && lines > 1 ? lines - 1 : lines);
@@ -173,7 +173,7 @@ void LogView::drawLine(wxDC& dc, std::size_t index, int y, int left) {
   drawText(dc, line, begin, end, x, y, &ink);
 }
 
-/// From one byte to another, in `ink` or else in the line's own colours.
+/// Draws the bytes from `begin` to `end` in `ink`, or in the line's own colours if that is null.
 void LogView::drawText(wxDC& dc, const LogLine& line, std::size_t begin, std::size_t end, int x, int y,
                        const wxColour* ink) {
   const Rgb background = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));

@@ -1,7 +1,7 @@
 // Shows the run log: coloured lines that can be scrolled, selected and copied.
 //
-// It draws what is in view and nothing else, because a run of small files writes tens of thousands of lines a
-// second, which no rich-text control of the toolkits keeps up with.
+// Draws only the visible lines, because a run of small files writes tens of thousands of lines a second,
+// which is too fast for the rich-text controls of the toolkits.
 #pragma once
 
 #include <wx/scrolwin.h>
@@ -21,12 +21,13 @@ class LogView : public wxScrolled<wxWindow> {
   /// `log` must outlive this.
   LogView(wxWindow* parent, const LogText& log, const wxString& name, const wxString& spokenName);
 
-  /// The log has grown: the newest line comes into view within kShowEvery. May be called for every line.
+  /// To be called when the log has grown; may be called for every line. Scrolls to the newest line within
+  /// kShowEvery.
   void logChanged();
   /// The same, at once.
   void showNewest();
   /// Scrolls to a line and selects it. Lines are counted from the first ever appended (LogText::firstLine);
-  /// of those dropped since then the oldest one left is shown.
+  /// in place of a dropped line the oldest one left is shown.
   void showLine(std::size_t number);
 
   bool hasSelection() const { return anchor_ != caret_; }
@@ -37,7 +38,7 @@ class LogView : public wxScrolled<wxWindow> {
   static constexpr int kShowEvery = 250;  // milliseconds
 
  private:
-  /// A place between two characters. Lines are counted from the first ever appended, so that a place stays
+  /// A position between two characters. Lines are counted from the first ever appended, so that it stays
   /// valid when the start of the log is dropped.
   struct Place {
     std::size_t line = 0;
@@ -64,8 +65,8 @@ class LogView : public wxScrolled<wxWindow> {
   wxTimer timer_;
   Place anchor_, caret_;
   bool selecting_ = false;
-  bool follow_ = false;  // the newest line is to come into view
-  bool atEnd_ = false;   // the newest line was in view when it was painted last
+  bool follow_ = false;  // scroll to the newest line at the next update
+  bool atEnd_ = false;   // the newest line was visible at the last paint
   int lineHeight_ = 1;
   int characterWidth_ = 1;
   int margin_ = 0;

@@ -1,12 +1,12 @@
-// Keys with Alt that lead to a control by the underlined letter of its caption or label.
+// Alt with the underlined letter of a caption or label focuses the control.
 #pragma once
 
 class wxWindow;
 
 namespace quillmoor {
 
-/// Lets them lead to every control within the window that is seen and enabled. Where the toolkit sees to that
-/// itself, nothing is done; Windows looks no further than the group that has the focus.
+/// Makes mnemonics work for every visible and enabled control in the window. Needed on Windows, which
+/// searches only the group that has the focus; does nothing where the toolkit searches the whole window.
 void FollowMnemonics(wxWindow& window);
 
 }  // namespace quillmoor

@@ -20,7 +20,7 @@ wxVector<wxBitmap> bitmapsOf(const std::string& name) {
   for (std::size_t i = 0; i < kPictureFilesCount; ++i) {
     const EmbeddedFile& file = kPictureFiles[i];
     const std::string_view rest = std::string_view(file.name).substr(0, start.size());
-    // What follows is the size: "quillmoor-small-16.png" is no size of "quillmoor".
+    // The size must follow: "quillmoor-small-16.png" is not a size of "quillmoor".
     if (rest != start || std::strchr("0123456789", file.name[start.size()]) == nullptr) continue;
     wxMemoryInputStream stream(file.data, file.size);
     const wxImage image(stream, wxBITMAP_TYPE_PNG);

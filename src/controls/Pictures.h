@@ -1,4 +1,4 @@
-// The program's own pictures, each in the sizes that screens of different scale want.
+// The program's own pictures, each in several sizes for screens of different scale.
 #pragma once
 
 #include <wx/bmpbndl.h>
@@ -8,9 +8,8 @@
 
 namespace quillmoor {
 
-/// A picture by its name below assets/, without size: "panes/profiles", "status/connected",
-/// "browser/FolderClose", "icons/tray". An unknown name is a mistake in the program and gives an empty
-/// bundle.
+/// The picture with this name below assets/, without its size: "panes/profiles", "status/connected",
+/// "browser/FolderClose", "icons/tray". An unknown name is a programming error and returns an empty bundle.
 wxBitmapBundle Picture(const std::string& name);
 
 /// The application's icon in all its sizes, for the frame.

@@ -1,4 +1,4 @@
-// What the progress bar shows: its properties, and where and in which colours it is drawn.
+// The progress bar without its window: properties, geometry and colours.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ namespace quillmoor {
 enum class BarOrientation { horizontal = 0, vertical = 1 };  // vertical fills from the bottom
 enum class BarScrolling { standard = 0, smooth = 1 };        // standard: in blocks
 
-/// The properties. A change of one keeps Min <= Value <= Max by moving the others.
+/// The properties. Changing one adjusts the others so that Min <= Value <= Max.
 class ProgressBar {
  public:
   Rgb color{63, 157, 99};
@@ -27,9 +27,9 @@ class ProgressBar {
   void setMax(int max);
   void setValue(int value);
 
-  /// How far `value` is from `min` to `max`, 0 to 1; 0 when they are the same.
+  /// The position of `value` between `min` and `max`, 0 to 1; 0 when they are equal.
   double fraction() const;
-  /// Whole percent, rounded down: 100 means done.
+  /// Whole percent, rounded down, so that 100 means done.
   int percent() const;
   /// "45%"
   std::string text() const;
@@ -40,7 +40,7 @@ class ProgressBar {
   int value_ = 0;
 };
 
-/// Pixels, from the left and the top.
+/// In pixels from the left and the top.
 struct BarRect {
   int x = 0;
   int y = 0;
@@ -49,15 +49,15 @@ struct BarRect {
   friend bool operator==(const BarRect&, const BarRect&) = default;
 };
 
-/// The coloured part of a bar whose inside has that place: one rectangle when it is smooth, else a block
-/// each. A value above the minimum shows at least one pixel, one below the maximum leaves at least one.
-/// `blockLength` and `gap` are pixels, 1 and 0 at the least; the last block may be cut.
+/// The coloured part of a bar whose inner area is `inside`: one rectangle when smooth, otherwise one for each
+/// block. A value above the minimum fills at least one pixel, one below the maximum leaves at least one.
+/// `blockLength` and `gap` are in pixels, at least 1 and 0; the last block may be cut.
 std::vector<BarRect> FilledParts(const ProgressBar& bar, BarRect inside, int blockLength, int gap);
 
-/// Colours across the bar, at even distances from its upper (left) to its lower (right) edge.
+/// Colours across the bar, evenly spaced from its upper (left) to its lower (right) edge.
 std::array<Rgb, 4> BarGradient(Rgb color);
 
-/// Colour of the gradient at a place from 0 to 1.
+/// The colour of the gradient at `place`, 0 to 1.
 Rgb GradientAt(const std::array<Rgb, 4>& stops, double place);
 
 }  // namespace quillmoor

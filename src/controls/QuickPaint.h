@@ -1,4 +1,4 @@
-// What drawing costs a window that is drawn many times a second.
+// Faster drawing for windows that are drawn many times a second.
 #pragma once
 
 class wxDC;
@@ -7,11 +7,11 @@ class wxWindow;
 
 namespace quillmoor {
 
-/// Spares the window and those that it lies in what the toolkit does at every paint event for nobody's sake.
-/// Call it when the window has its place, and for none whose background or font is set from outside later.
+/// Turns off unneeded work of the toolkit at every paint event of the window and its parents. Call it after
+/// the window has its final parent; its background and font must not be changed from outside afterwards.
 void PaintQuickly(wxWindow& window);
 
-/// A text of one line, in the font and the colour of `dc`.
+/// Draws one line of text in the font and the colour of `dc`.
 void DrawTextQuickly(wxDC& dc, const wxString& text, int x, int y);
 
 }  // namespace quillmoor

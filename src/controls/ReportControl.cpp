@@ -29,12 +29,12 @@ class ReportControl::Model : public wxDataViewVirtualListModel {
     Colour colour;
   };
   std::vector<std::vector<Item>> rows;
-  std::vector<std::string> emptyLines;  // in the place of rows
+  std::vector<std::string> emptyLines;  // shown while there are no rows
   std::vector<bool> pictures;           // by column
-  std::size_t shown = 0;                // rows that the list knows of
-  std::vector<bool> dirty;              // rows changed since they were shown
+  std::size_t shown = 0;                // rows that the list control knows
+  std::vector<bool> dirty;              // rows changed since they were drawn
 
-  void showAnew() {
+  void showAll() {
     shown = rows.size();
     Reset(static_cast<unsigned>(rows.empty() ? emptyLines.size() : shown));
   }
@@ -85,7 +85,7 @@ ReportControl::ReportControl(wxWindow* parent, const std::vector<Column>& column
     }
   }
   EllipsizeCells(*this);
-  // The best size of a list is all of its columns; a pane may be narrower.
+  // A list's best size includes all columns, but a pane may be narrower.
   SetMinSize(FromDIP(wxSize(120, 60)));
 }
 
@@ -134,18 +134,18 @@ std::size_t ReportControl::rowCount() const {
 void ReportControl::clear() {
   model_->rows.clear();
   model_->dirty.clear();
-  model_->showAnew();
+  model_->showAll();
 }
 
 void ReportControl::setEmptyLines(std::vector<std::string> lines) {
   model_->emptyLines = std::move(lines);
-  if (rowCount() == 0) model_->showAnew();
+  if (rowCount() == 0) model_->showAll();
 }
 
 void ReportControl::populate(bool follow) {
   const bool grown = model_->shown < model_->rows.size();
   if (grown && model_->shown == 0) {
-    model_->showAnew();
+    model_->showAll();
   } else {
     for (std::size_t row = 0; row < model_->shown; ++row) {
       if (model_->dirty[row]) model_->RowChanged(static_cast<unsigned>(row));

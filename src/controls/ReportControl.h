@@ -1,4 +1,4 @@
-// A report list: rows of texts under captions, each item with a colour and a picture of its own.
+// A report list: rows of text items under captions, each with its own colour and picture.
 #pragma once
 
 #include <wx/bmpbndl.h>
@@ -17,15 +17,15 @@ class ReportControl : public wxDataViewCtrl {
  public:
   struct Column {
     const char* caption;
-    int width;  // device-independent pixels, for the usual font
+    int width;  // device-independent pixels, for the default font
     bool right = false;
-    bool pictures = false;  // its items may have one before their text
+    bool pictures = false;  // items may have a picture before their text
   };
 
   ReportControl(wxWindow* parent, const std::vector<Column>& columns, const wxString& name,
                 long style = wxDV_ROW_LINES);
 
-  /// Changes cost nothing until `populate`.
+  /// Changes are not drawn until `populate`.
   std::size_t addRow();
   void setItem(std::size_t row, std::size_t column, const std::string& text);
   void setItemColour(std::size_t row, std::size_t column, Colour colour);
@@ -36,17 +36,17 @@ class ReportControl : public wxDataViewCtrl {
   std::size_t rowCount() const;
   void clear();
 
-  /// Shown in the first column while there is no row, a line each; no rows themselves.
+  /// Lines shown in the first column while there are no rows; they do not count as rows.
   void setEmptyLines(std::vector<std::string> lines);
 
-  /// Shows the rows as they are now, the last one in view if there are new ones and `follow` is set.
+  /// Draws all changes; scrolls to the last row if rows were added and `follow` is set.
   void populate(bool follow = true);
 
   /// In ascending order.
   std::vector<std::size_t> selectedRows() const;
   void selectRow(std::size_t row);
   wxDataViewItem itemAt(std::size_t row) const;
-  /// The row at a point of the control, `rowCount()` where there is none.
+  /// The row at a point of the control; `rowCount()` if there is none.
   std::size_t rowAt(const wxPoint& point) const;
 
  private:

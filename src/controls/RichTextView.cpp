@@ -27,7 +27,7 @@ bool isGtk() {
   return wxPlatformInfo::Get().GetPortId() == wxPORT_GTK;
 }
 
-/// The document's font, or the user's own in its place. To ask the system whether it has a font takes long.
+/// The document's font, or the default font if the system lacks it. Slow: asks the system for the font.
 wxFont madeFor(const RtfFormat& format) {
   wxFont font = *wxNORMAL_FONT;
   if (!format.font.empty() && wxFontEnumerator::IsValidFacename(wxString::FromUTF8(format.font))) {
@@ -42,7 +42,7 @@ wxFont madeFor(const RtfFormat& format) {
   return font;
 }
 
-/// Each font of a document, asked for once.
+/// The fonts of a document, each looked up once.
 class Fonts {
  public:
   const wxFont& of(const RtfFormat& format) {
@@ -70,20 +70,20 @@ wxTextAttrAlignment alignmentOf(RtfAlignment alignment) {
   return wxTEXT_ALIGNMENT_LEFT;
 }
 
-/// `scale` is the screen's.
+/// `scale` is the screen's scale factor.
 wxTextAttr layoutOf(const RtfLayout& layout, double scale) {
   wxTextAttr attributes;
-  // GTK takes lengths for those of an unscaled screen.
+  // GTK interprets lengths as those of an unscaled screen.
   const auto tenthsOfMillimetre = [factor = kTenthsOfMillimetrePerTwip * (isGtk() ? scale : 1)](int twips) {
     return static_cast<int>(std::lround(twips * factor));
   };
   attributes.SetAlignment(alignmentOf(layout.alignment));
-  // The toolkit counts from the first line, and the further ones from there.
+  // The toolkit takes the first line's indent, and that of further lines relative to it.
   attributes.SetLeftIndent(tenthsOfMillimetre(kMargin + layout.leftIndent + layout.firstIndent),
                            tenthsOfMillimetre(-layout.firstIndent));
   attributes.SetRightIndent(tenthsOfMillimetre(kMargin + layout.rightIndent));
   wxArrayInt tabs;
-  // GTK counts tabs from where the first line begins, Windows from the margin.
+  // GTK measures tabs from the first line's indent, Windows from the margin.
   const int origin = isGtk() ? layout.leftIndent + layout.firstIndent : -kMargin;
   for (const int tab : layout.tabs) tabs.Add(tenthsOfMillimetre(tab - origin));
   attributes.SetTabs(tabs);
@@ -99,7 +99,7 @@ RichTextView::RichTextView(wxWindow* parent, wxWindowID id, const wxString& labe
   SetRightMargin(*this, FromDIP(kMargin * 96 / kTwipsPerInch));
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
     event.Skip();
-    toFill_ = true;  // when the control has taken the new colours
+    toFill_ = true;  // refill after the control has taken the new colours
   });
 }
 
@@ -157,10 +157,11 @@ void RichTextView::fill() {
   DiscardEdits();
 }
 
-/// Space between paragraphs is a low empty line: not every platform's control knows another.
+/// Space between paragraphs is an empty line of small height, since not every platform's control supports
+/// spacing.
 void RichTextView::appendSpace(int twips) {
   if (twips <= 0) return;
-  constexpr double kLineHeight = 1.2;  // of a font's size
+  constexpr double kLineHeight = 1.2;  // relative to the font size
   wxFont font = *wxNORMAL_FONT;
   font.SetFractionalPointSize(std::max(twips / 20.0 / kLineHeight, 1.0));
   wxTextAttr attributes;

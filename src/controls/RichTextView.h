@@ -1,4 +1,4 @@
-// Shows rich text to be read, selected, copied and searched, not changed.
+// Shows read-only rich text that can be selected, copied and searched.
 #pragma once
 
 #include <wx/textctrl.h>
@@ -9,20 +9,19 @@
 
 namespace quillmoor {
 
-/// A multi-line text control, so that keys, selection, copying and screen readers work as everywhere. Text
-/// that has no colour of its own takes the system's; colours that could not be read on the system's
-/// background are shaded until they can, also when the user changes the theme. The name for screen readers is
-/// the label given.
+/// A multi-line text control, so that keys, selection, copying and screen readers work as usual. Text without
+/// a colour gets the system's; colours that are unreadable on the system's background are shaded, also after
+/// a change of the theme. `label` is the name for screen readers.
 class RichTextView : public wxTextCtrl {
  public:
   RichTextView(wxWindow* parent, wxWindowID id, const wxString& label);
 
-  /// Shows a document from its beginning. While the view is not on the screen, as in a tab behind others, its
-  /// text is not made yet: that would take its share of the program's start.
+  /// Shows a document from its beginning. A hidden view, such as in a background tab, is filled only when it
+  /// is shown, which makes the program's start faster.
   void ShowDocument(RtfDocument document);
 
-  /// Shows a file. One that is not there leaves the view empty; of one that cannot be read the
-  /// view says what is wrong. Returns whether the file is shown.
+  /// Shows a file. Returns whether it is shown. A missing file leaves the view empty; for an unreadable one
+  /// the view shows the error.
   bool LoadFile(const std::string& path);
 
   void OnInternalIdle() override;

@@ -5,7 +5,7 @@
 namespace quillmoor {
 namespace {
 
-// What the second byte says behind a first one of 0. Any other is a count of bytes to be taken as they are.
+// Meanings of the second byte after a first byte of 0. Any other value is a count of literal bytes.
 constexpr std::size_t kEndOfRow = 0;
 constexpr std::size_t kEndOfPicture = 1;
 constexpr std::size_t kMove = 2;
@@ -19,7 +19,7 @@ Rle8Result DecodeRle8(std::string_view code, int width, int height, std::vector<
   std::size_t y = 0;  // from the bottom
   std::size_t at = 0;
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(code[i]); };
-  // The row now drawn begins there; asked for only when a pixel fits.
+  // The current position in `pixels`; valid only when a pixel fits there.
   const auto place = [&] {
     return pixels.begin() + static_cast<std::ptrdiff_t>((rows - 1 - y) * columns + x);
   };

@@ -18,7 +18,7 @@ constexpr std::size_t kMaxTabs = 64;
 constexpr std::size_t kMaxNameLength = 128;
 constexpr std::size_t kMaxTableEntries = 10'000;
 
-// Words that stand for a character.
+// Control words that stand for a character.
 struct NamedCharacter {
   std::string_view word;
   char32_t character;
@@ -32,7 +32,7 @@ constexpr std::array kCharacters = {
     NamedCharacter{"emspace", 0x2003},   NamedCharacter{"enspace", 0x2002},
 };
 
-// Groups whose text is not the document's, beside those that are marked with \*.
+// Groups that are not part of the document's text, in addition to those marked with \*.
 constexpr std::array<std::string_view, 21> kForeignDestinations = {
     "stylesheet", "info",    "pict",    "object",  "fldinst", "header",  "headerl",
     "headerr",    "headerf", "footer",  "footerl", "footerr", "footerf", "footnote",
@@ -47,14 +47,14 @@ struct Font {
 
 enum class Destination { document, fontTable, colourTable, skipped };
 
-/// What a group may change and its end restores.
+/// The state that a group may change and that is restored at its end.
 struct State {
   Destination destination = Destination::document;
   RtfFormat format;
   RtfLayout layout;
   int font = -1;
   bool hidden = false;
-  int fallbacks = 1;  // \uc: how many characters stand behind \u for those who cannot show it
+  int fallbacks = 1;  // \uc: number of fallback characters after \u
 };
 
 class Reader {
@@ -96,10 +96,10 @@ class Reader {
   Rgb newColour_;
   bool newColourGiven_ = false;
   int codePage_ = 1252;
-  bool groupBegins_ = false;    // the word now read is the first of its group
-  bool optional_ = false;       // \* stands before it
-  int toSkip_ = 0;              // fallback characters still to be passed over
-  char16_t highSurrogate_ = 0;  // \u gave half a character
+  bool groupBegins_ = false;    // the current word is the first of its group
+  bool optional_ = false;       // it follows \*
+  int toSkip_ = 0;              // fallback characters still to be skipped
+  char16_t highSurrogate_ = 0;  // first half of a surrogate pair from \u
 };
 
 int lengthOf(int parameter) {
@@ -115,7 +115,7 @@ RtfDocument Reader::read() {
   bool ended = false;
   while (!ended) {
     const RtfToken token = tokens_.next();
-    if (states_.empty() && token.kind != RtfToken::Kind::open) throw RtfError(token.at, "no rich text");
+    if (states_.empty() && token.kind != RtfToken::Kind::open) throw RtfError(token.at, "not rich text");
     const bool first = std::exchange(groupBegins_, false);
     switch (token.kind) {
       case RtfToken::Kind::open:
@@ -126,7 +126,7 @@ RtfDocument Reader::read() {
         close();
         break;
       case RtfToken::Kind::word:
-        if (states_.size() == 1 && first && token.word != "rtf") throw RtfError(token.at, "no rich text");
+        if (states_.size() == 1 && first && token.word != "rtf") throw RtfError(token.at, "not rich text");
         groupBegins_ = first;
         word(token);
         groupBegins_ = false;
@@ -136,7 +136,7 @@ RtfDocument Reader::read() {
         if (token.character == '*') groupBegins_ = first;
         break;
       case RtfToken::Kind::byte:
-        if (states_.size() == 1 && first) throw RtfError(token.at, "no rich text");
+        if (states_.size() == 1 && first) throw RtfError(token.at, "not rich text");
         byte(token.character, token.at);
         break;
       case RtfToken::Kind::end:
@@ -148,7 +148,7 @@ RtfDocument Reader::read() {
 
 void Reader::open(std::size_t at) {
   if (states_.size() == kMaxRtfDepth)
-    throw RtfError(at, "more than " + std::to_string(kMaxRtfDepth) + " groups within each other");
+    throw RtfError(at, "more than " + std::to_string(kMaxRtfDepth) + " nested groups");
   states_.push_back(states_.empty() ? State{} : State(state()));
   groupBegins_ = true;
   optional_ = false;
@@ -181,7 +181,7 @@ void Reader::word(const RtfToken& token) {
   }
 }
 
-/// Whether the word, the first of its group, says what the group is for.
+/// Whether the word, the first of its group, sets the group's destination.
 bool Reader::destinationWord(const RtfToken& token) {
   const auto foreign = std::find(kForeignDestinations.begin(), kForeignDestinations.end(), token.word);
   if (std::exchange(optional_, false) || foreign != kForeignDestinations.end()) {
@@ -242,7 +242,7 @@ void Reader::formatWord(const RtfToken& token) {
   } else if (name == "v") {
     state().hidden = switchedOn(token);
   } else if (name == "cf") {
-    const auto number = static_cast<std::size_t>(token.parameter);  // below 0: beyond the table
+    const auto number = static_cast<std::size_t>(token.parameter);  // a negative number exceeds the table
     format.colour = number < colours_.size() ? colours_[number] : std::nullopt;
   }
 }
@@ -300,7 +300,7 @@ void Reader::tableByte(unsigned char value) {
     newFont_ = {};
     newFontNumber_ = -1;
   } else if (value == ';') {
-    // An entry that says nothing is the reader's own colour.
+    // An empty entry is the default colour.
     if (colours_.size() < kMaxTableEntries)
       colours_.push_back(newColourGiven_ ? std::optional<Rgb>(newColour_) : std::nullopt);
     newColour_ = {};
@@ -336,7 +336,7 @@ void Reader::symbol(const RtfToken& token) {
       endParagraph();
       break;
     default:
-      break;  // among them "\-", where a word may be parted
+      break;  // such as "\-", an optional hyphen
   }
 }
 
@@ -363,7 +363,7 @@ char32_t Reader::decoded(unsigned char value) const {
   const auto font = fonts_.find(state().font);
   constexpr int kSymbolCharset = 2;
   if (font != fonts_.end() && font->second.charset == kSymbolCharset) {
-    // Pictures at the places of letters; those that lists use are known.
+    // Symbols in place of letters; only those used in lists are known.
     return value == 0xB7 ? 0x2022 : value == 0xA7 ? 0x25AA : kReplacement;
   }
   return codePage_ == 1252 ? FromWindows1252(value) : kReplacement;
@@ -371,7 +371,7 @@ char32_t Reader::decoded(unsigned char value) const {
 
 void Reader::unicode(int number, std::size_t at) {
   toSkip_ = 0;
-  if (number < 0) number += 0x10000;  // the number is signed 16 bits
+  if (number < 0) number += 0x10000;  // it is a signed 16-bit number
   const auto unit = static_cast<char32_t>(number);
   const bool high = unit >= 0xD800 && unit < 0xDC00;
   const bool low = unit >= 0xDC00 && unit < 0xE000;
@@ -383,7 +383,7 @@ void Reader::unicode(int number, std::size_t at) {
   } else if (low || number < 0 || number > 0x10FFFF) {
     character(kReplacement, at);
   } else if (unit >= 0xF000 && unit <= 0xF0FF) {
-    character(decoded(static_cast<unsigned char>(unit - 0xF000)), at);  // a symbol font's picture
+    character(decoded(static_cast<unsigned char>(unit - 0xF000)), at);  // a character of a symbol font
   } else {
     character(unit, at);
   }
@@ -396,7 +396,7 @@ void Reader::character(char32_t value, std::size_t at) {
   if (control || value == 0x7F) return;
   std::vector<RtfRun>& runs = paragraph_.runs;
   if (runs.empty() || runs.back().format != state().format) {
-    if (++runs_ > kMaxRtfRuns) throw RtfError(at, "more changes of format than are read");
+    if (++runs_ > kMaxRtfRuns) throw RtfError(at, "too many changes of format");
     runs.push_back({"", state().format});
   }
   AppendUtf8(runs.back().text, value);
@@ -404,7 +404,7 @@ void Reader::character(char32_t value, std::size_t at) {
 
 void Reader::endParagraph() {
   if (state().destination != Destination::document) return;
-  if (++runs_ > kMaxRtfRuns) throw RtfError("more paragraphs than are read");
+  if (++runs_ > kMaxRtfRuns) throw RtfError("too many paragraphs");
   paragraph_.layout = state().layout;
   document_.paragraphs.push_back(std::exchange(paragraph_, {}));
 }

@@ -1,4 +1,4 @@
-// Rich text (RTF 1.9) as far as a help text needs it, read into plain paragraphs.
+// Reads rich text (RTF 1.9), as far as a help text needs it, into paragraphs.
 #pragma once
 
 #include <cstddef>
@@ -13,13 +13,13 @@
 namespace quillmoor {
 
 struct RtfFormat {
-  std::string font;         // as the file names it; "": it names none
-  bool fixedPitch = false;  // of the typewriter kind, for who has not that font
+  std::string font;         // the file's name for it; "": none
+  bool fixedPitch = false;  // use a monospaced font if `font` is missing
   int halfPoints = 24;      // 2 to 400
   bool bold = false;
   bool italic = false;
   bool underline = false;
-  std::optional<Rgb> colour;  // none: the reader's own text colour
+  std::optional<Rgb> colour;  // none: the default text colour
   friend bool operator==(const RtfFormat&, const RtfFormat&) = default;
 };
 
@@ -30,15 +30,15 @@ struct RtfRun {
 
 enum class RtfAlignment { left, centre, right, justified };
 
-/// Lengths are twips, 1440 to the inch, within 22 inches.
+/// Lengths are in twips (1440 per inch), at most 22 inches.
 struct RtfLayout {
   RtfAlignment alignment = RtfAlignment::left;
   int leftIndent = 0;
-  int firstIndent = 0;  // of the first line, beside the left one; below 0 for a bullet that hangs
+  int firstIndent = 0;  // of the first line, added to leftIndent; negative for a hanging bullet
   int rightIndent = 0;
   int spaceBefore = 0;
   int spaceAfter = 0;
-  std::vector<int> tabs;  // rising as the file gives them
+  std::vector<int> tabs;  // ascending, as in the file
   friend bool operator==(const RtfLayout&, const RtfLayout&) = default;
 };
 
@@ -52,17 +52,16 @@ struct RtfDocument {
 };
 
 inline constexpr std::size_t kMaxRtfBytes = std::size_t{4} << 20;
-inline constexpr std::size_t kMaxRtfDepth = 100;  // groups within groups
+inline constexpr std::size_t kMaxRtfDepth = 100;  // nested groups
 inline constexpr std::size_t kMaxRtfRuns = 200'000;
 
 /// Reads fonts, sizes, bold, italic, underline, colours, indents, spacing, alignment, tabs, bullets, \u with
-/// \uc, and bytes of code page 1252. Bytes beyond ASCII in any other code page become U+FFFD. What it does
-/// not know it passes over: pictures, styles, headers, every destination marked \*; a table's cells come out
-/// with tabs between them. Raises RtfError for a text that is no RTF, that ends inside a group, or that is
-/// beyond the bounds above.
+/// \uc, and bytes of code page 1252. Bytes beyond ASCII in any other code page become U+FFFD. Skips anything
+/// else: pictures, styles, headers, every destination marked \*. A table's cells are separated by tabs.
+/// Raises RtfError for a text that is not RTF, that ends inside a group, or that exceeds a bound above.
 RtfDocument ReadRtf(std::string_view text);
 
-/// Reads a file. The errors name it; one that cannot be opened or read is an RtfError too.
+/// Reads a file. Errors name the file; one that cannot be opened or read raises RtfError, too.
 RtfDocument LoadRtf(const std::string& path);
 
 }  // namespace quillmoor

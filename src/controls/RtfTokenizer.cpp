@@ -41,7 +41,7 @@ RtfToken RtfTokenizer::next() {
 RtfToken RtfTokenizer::control(std::size_t start) {
   RtfToken token;
   token.at = start;
-  if (at_ == text_.size()) throw RtfError(start, "a backslash with nothing behind it");
+  if (at_ == text_.size()) throw RtfError(start, "a backslash with nothing after it");
   const char c = text_[at_];
   if (isLetter(c)) return controlWord(start);
   ++at_;
@@ -80,12 +80,12 @@ RtfToken RtfTokenizer::controlWord(std::size_t start) {
       token.parameter = negative ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
     at_ = end;
   }
-  if (at_ < text_.size() && text_[at_] == ' ') ++at_;  // the blank that ends the word is part of it
+  if (at_ < text_.size() && text_[at_] == ' ') ++at_;  // one blank after a word is its delimiter
 
   if (token.word == "bin" && token.parameter > 0) {
     const auto length = static_cast<std::size_t>(token.parameter);
     if (length > text_.size() - at_)
-      throw RtfError(start, "\\bin of " + std::to_string(length) + " bytes, more than the file holds");
+      throw RtfError(start, "\\bin of " + std::to_string(length) + " bytes, more than the file has");
     at_ += length;
   }
   return token;

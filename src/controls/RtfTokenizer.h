@@ -1,5 +1,4 @@
-// Rich text (RTF 1.9) cut into what its reader looks at: braces, control words, control symbols, bytes of
-// text.
+// Splits rich text (RTF 1.9) into tokens: braces, control words, control symbols, bytes of text.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +8,7 @@
 
 namespace quillmoor {
 
-/// What is wrong and at which byte of the text.
+/// The message says what is wrong and at which byte of the text.
 class RtfError : public std::runtime_error {
  public:
   RtfError(std::size_t at, const std::string& what)
@@ -19,11 +18,11 @@ class RtfError : public std::runtime_error {
 
 struct RtfToken {
   enum class Kind { open, close, word, symbol, byte, end } kind = Kind::end;
-  std::string_view word;        // of a control word, without the backslash
-  bool hasParameter = false;    // of a control word
-  int parameter = 0;            // 0 without one; numbers beyond int end at its bounds
-  unsigned char character = 0;  // a control symbol's, or the byte of text (as it stands, or from \'hh)
-  std::size_t at = 0;           // where it begins
+  std::string_view word;        // for a control word, without the backslash
+  bool hasParameter = false;    // for a control word
+  int parameter = 0;            // 0 if there is none; clamped to the range of int
+  unsigned char character = 0;  // of a control symbol, or a byte of text (literal or from \'hh)
+  std::size_t at = 0;           // offset of its first byte
 };
 
 class RtfTokenizer {
@@ -31,8 +30,8 @@ class RtfTokenizer {
   /// The text must outlive the tokenizer and the tokens.
   explicit RtfTokenizer(std::string_view text) : text_(text) {}
 
-  /// Line ends that are none in the text, and the data of \bin, are passed over. Raises RtfError for a \'
-  /// without two hexadecimal digits, and for \bin data that the text does not hold.
+  /// Skips line ends, which have no meaning in RTF, and the data of \bin. Raises RtfError for a backslash at
+  /// the end, a \' without two hexadecimal digits, and \bin data beyond the end of the text.
   RtfToken next();
 
  private:

@@ -17,10 +17,11 @@ namespace quillmoor {
 namespace {
 
 constexpr int kScrollStep = 10;  // device-independent pixels
-constexpr int kNarrowest = 160;  // that a note is wrapped to
+constexpr int kNarrowest = 160;  // width that a note is wrapped to
 constexpr double kQuieter = 0.3;
 
-/// As wide as its title. The toolkit's own asks its children where they are now, and so never gets narrower.
+/// As wide as its title. The toolkit's own size depends on the children's current positions, so it would
+/// never shrink.
 class GroupBox final : public wxStaticBox {
  public:
   using wxStaticBox::wxStaticBox;
@@ -38,7 +39,7 @@ bool scrollsItself(const wxWindow* window) {
   return list && static_cast<int>(list->GetCount()) * list->GetCharHeight() * 3 / 2 > list->GetClientSize().y;
 }
 
-/// Breaks words that are wider than a line, such as paths, after a separator where one fits.
+/// Breaks words wider than a line, such as paths, preferably after a separator.
 wxString withBrokenWords(wxWindow* window, const wxString& text, int width) {
   wxClientDC screen(window);
   screen.SetFont(window->GetFont());
@@ -72,7 +73,7 @@ ScrolledForm::ScrolledForm(wxWindow* parent, const wxString& name)
   Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
     event.Skip();
     const wxWindow* const window = event.GetWindow();
-    // A focus that comes back with the window is no reason to scroll: what has been clicked would move away.
+    // Do not scroll when the focus returns with the window: the clicked control would move away.
     if (window == this || window == focused_) return;
     bringIntoView(window);
     focused_ = window;
@@ -87,7 +88,7 @@ ScrolledForm::ScrolledForm(wxWindow* parent, const wxString& name)
     event.Skip();
     CallAfter([this, before] {
       if (GetViewStart() != before) moveFrames();
-      Refresh();  // not every toolkit draws anew what has moved
+      Refresh();  // not every toolkit redraws what has moved
     });
   });
 }
@@ -171,7 +172,7 @@ wxStaticText* ScrolledForm::addNote(const wxString& text, int indented) {
   return note;
 }
 
-/// A little quieter than other text, as the theme is now.
+/// Gives the note a little less contrast than other text of the current theme.
 void ScrolledForm::colour(const Note& note) {
   const Rgb ink = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
   const Rgb paper = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
@@ -186,14 +187,15 @@ void ScrolledForm::setNote(wxStaticText* note, const wxString& text) {
   wrap(*known);
   FitInside();
   Layout();
-  Refresh();  // not every toolkit draws anew what has moved
+  Refresh();  // not every toolkit redraws what has moved
   wxWindow* const focus = FindFocus();
   if (text.empty() || !focus || !known->above || !known->above->GetItem(focus, true)) return;
   bringIntoView(note);
   bringIntoView(focus);
 }
 
-/// Of a row. The scroll bar counts as there: it must not come and go with the lines that it leaves room for.
+/// The width available to a row. Always deducts the scroll bar, which otherwise could make lines wrap, and so
+/// appear and disappear by turns.
 int ScrolledForm::room() const {
   const int edges = 6 * gap() + wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this);
   return std::max(GetSize().x - edges, FromDIP(kNarrowest));
@@ -226,8 +228,8 @@ void ScrolledForm::wrapRows() {
   FitInside();
 }
 
-/// GTK leaves the frames behind when a new size makes it scroll: it is not told of a place while it gives
-/// one.
+/// When a new size makes the form scroll, GTK does not move the frames: it ignores a position that is set
+/// while it assigns sizes.
 void ScrolledForm::moveFrames() {
   for (wxWindow* const child : GetChildren()) {
     const wxPoint place = child->GetPosition();
@@ -244,10 +246,10 @@ void ScrolledForm::finish() {
   FitInside();
 }
 
-/// A step of room around it is kept in view, too. Of what does not fit the beginning is shown.
+/// Keeps a margin of one scroll step around the window. Shows the beginning of what does not fit.
 void ScrolledForm::bringIntoView(const wxWindow* window) {
   const auto* const list = dynamic_cast<const wxDataViewCtrl*>(window->GetParent());
-  if (list) window = list;  // with its captions
+  if (list) window = list;  // including its captions
   wxPoint step;
   GetScrollPixelsPerUnit(&step.x, &step.y);
   const auto scrolled = [](int from, int begin, int length, int room, int unit) {
@@ -262,9 +264,9 @@ void ScrolledForm::bringIntoView(const wxWindow* window) {
 }
 
 void ScrolledForm::prepare(wxWindow* window) {
-  if (dynamic_cast<wxDataViewCtrl*>(window)) return;  // its parts do as it does
+  if (dynamic_cast<wxDataViewCtrl*>(window)) return;  // its parts behave as it does
   for (wxWindow* const child : window->GetChildren()) {
-    if (dynamic_cast<wxChoice*>(child)) TellInnerFocus(*child);
+    if (dynamic_cast<wxChoice*>(child)) ReportInnerFocus(*child);
     child->Bind(wxEVT_MOUSEWHEEL, [this, child](wxMouseEvent& event) {
       scrollsItself(child) ? event.Skip() : HandleOnMouseWheel(event);
     });

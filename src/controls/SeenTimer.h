@@ -1,5 +1,5 @@
-// A timer that keeps a form's labels fresh: it ticks while the form is seen, and rests while it is not, so
-// that a program in the notification area lets the processor sleep.
+// A timer that keeps a form's labels up to date. It ticks slowly while the form is not visible, so that a
+// program in the notification area lets the processor sleep.
 #pragma once
 
 #include <wx/timer.h>
@@ -16,8 +16,9 @@ namespace quillmoor {
 
 class SeenTimer : public wxTimer {
  public:
-  /// Begins to tick every `interval` milliseconds. `form` must outlive this. A tick that raises has failed,
-  /// and the next one tries again. While `alsoUnseen` holds it ticks for a form that is not seen, too.
+  /// Starts ticking every `interval` milliseconds. `form` must outlive this. An exception from `tick` is
+  /// swallowed; the next tick tries again. While `alsoUnseen` returns true, the timer ticks for an invisible
+  /// form, too.
   void begin(wxWindow* form, int interval, std::function<void()> tick,
              std::function<bool()> alsoUnseen = {}) {
     form_ = form;
@@ -31,7 +32,7 @@ class SeenTimer : public wxTimer {
     });
   }
 
-  /// The form may be seen again.
+  /// To be called when the form may be visible again.
   void wake() {
     if (IsRunning() && GetInterval() != interval_) Start(interval_);
   }
@@ -59,12 +60,12 @@ class SeenTimer : public wxTimer {
     return form_->IsShownOnScreen() && !(window && window->IsIconized());
   }
 
-  /// Some toolkits call from C, which no exception may pass.
+  /// Some toolkits call this from C code, which exceptions must not cross.
   void tickGuarded() {
     try {
       Guarded(tick_);
     } catch (const ProgramEnding&) {
-      // Whoever asked for the end sees to it.
+      // The code that requested the end handles it.
     }
   }
 

@@ -56,7 +56,7 @@ void TaskPanel::addList(const wxString& title, const char* picture) {
     event.Skip();
     const wxPoint point = list_->GetMainWindow()->ClientToScreen(event.GetPosition());
     const std::size_t row = list_->rowAt(list_->ScreenToClient(point));
-    CallAfter([this, row] { rowChosen(row); });  // the list has yet to see the click
+    CallAfter([this, row] { rowChosen(row); });  // the list has not processed the click yet
   });
   list_->Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent&) {
     const std::vector<std::size_t> rows = list_->selectedRows();

@@ -1,4 +1,4 @@
-// A task panel: groups of items that do something when they are clicked, each known by its ID.
+// A task panel: groups of clickable items, each identified by its ID.
 #pragma once
 
 #include <wx/button.h>
@@ -26,17 +26,17 @@ class TaskPanel : public wxPanel {
     std::string caption;
   };
 
-  /// A group of commands that are always there.
+  /// Adds a group of fixed commands.
   void addCommands(const wxString& title, const std::vector<Command>& commands);
-  /// A group that lists any number of items, with a picture before each, and scrolls. One to a panel, below
-  /// the commands.
+  /// Adds a scrolling group with any number of items, each with a picture. At most one per panel, below the
+  /// commands.
   void addList(const wxString& title, const char* picture);
 
   void setItems(const std::vector<Item>& items);
-  /// Shows in bold which item is the current one; 0: none.
+  /// Shows the current item in bold; 0: none.
   void markItem(int id);
 
-  /// An item was clicked, or chosen with Enter. An arrow key chooses nothing.
+  /// Called when an item is clicked or chosen with Enter. Arrow keys choose nothing.
   std::function<void(int id)> onItem;
 
   wxButton* command(int id) const;

@@ -1,4 +1,4 @@
-// Texts of the user's font and the widths they have to fit into.
+// Column widths that fit texts in the user's font.
 #pragma once
 
 #include <wx/dataview.h>
@@ -8,14 +8,14 @@
 
 namespace quillmoor {
 
-/// Device-independent pixels as pixels of the window's screen, and more of them where its font is larger than
-/// the usual one: what fits there fits everywhere.
+/// Converts a width in device-independent pixels to pixels of the window's screen, and enlarges it if the
+/// window's font is larger than the default one.
 inline int WidthForText(const wxWindow& window, int width) {
   constexpr int kUsualDigit = 8;  // its width, in device-independent pixels
   return std::max(window.FromDIP(width), width * window.GetTextExtent("0").x / kUsualDigit);
 }
 
-/// A text that is wider than its column ends in dots; not every toolkit shows that by itself.
+/// Ends texts that are wider than their column with dots; not every toolkit does so by default.
 inline void EllipsizeCells(wxDataViewCtrl& list) {
   for (unsigned column = 0; column < list.GetColumnCount(); ++column)
     list.GetColumn(column)->GetRenderer()->EnableEllipsize(wxELLIPSIZE_END);

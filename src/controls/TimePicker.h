@@ -5,8 +5,8 @@
 
 namespace quillmoor {
 
-/// Where the toolkit's is made of parts, its text takes every key for itself, also one with Alt, which leads
-/// to another field. Not so here.
+/// Leaves keys with Alt to the form. If the toolkit's own picker consists of parts, its text box takes every
+/// key, including mnemonics of other fields.
 class TimePicker final : public wxTimePickerCtrl {
  public:
   TimePicker(wxWindow* parent, const wxString& name);

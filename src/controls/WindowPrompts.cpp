@@ -42,7 +42,7 @@ long styleOf(const Message& message) {
   return style;
 }
 
-/// The folder itself, or else the nearest one above it that is there; empty when there is none.
+/// The folder itself, or its nearest existing parent; empty when there is none.
 wxString nearestFolder(const wxString& path) {
   wxFileName folder = wxFileName::DirName(path);
   if (!folder.IsAbsolute()) return "";
@@ -70,7 +70,7 @@ UserPrompts::Answer WindowPrompts::ShowMessage(const Message& message) {
 std::optional<std::string> WindowPrompts::ChooseFile(std::string_view title, std::string_view filter,
                                                      const std::string& chosen) {
   wxString pattern = fromUtf8(filter);
-  // Where a name need not have a dot, "*.*" would hide those that have none.
+  // On systems where "*.*" does not match names without a dot it would hide them.
   pattern.Replace("|*.*", wxString("|") + wxFileSelectorDefaultWildcardStr);
   const wxFileName start(fromUtf8(chosen));
   wxFileDialog chooser(form_, fromUtf8(title), nearestFolder(start.GetPath()),

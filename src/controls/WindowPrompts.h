@@ -1,4 +1,4 @@
-// The questions of the editors in windows of the system: message boxes, choosers of files and folders.
+// UserPrompts shown as the system's dialogs: message boxes, file and folder choosers.
 #pragma once
 
 #include "profiles/UserPrompts.h"
@@ -9,7 +9,7 @@ namespace quillmoor {
 
 class WindowPrompts final : public UserPrompts {
  public:
-  /// Every window belongs to the frame of `form`, which must outlive this.
+  /// `form`, whose frame is the parent of every dialog, must outlive this.
   explicit WindowPrompts(wxWindow* form) : form_(form) {}
 
   Answer ShowMessage(const Message& message) override;

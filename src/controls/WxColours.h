@@ -1,4 +1,4 @@
-// Between our colours and the toolkit's.
+// Converts between this program's colours and the toolkit's.
 #pragma once
 
 #include <wx/colour.h>

@@ -77,7 +77,7 @@ wxSize xpProgressBar::DoGetBestClientSize() const {
 }
 
 void xpProgressBar::paint() {
-  wxPaintDC dc(this);  // what lies behind shows at the corners
+  wxPaintDC dc(this);  // the background shows at the corners
   const wxSize size = GetClientSize();
   const Rgb window = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
   const Rgb ink = FromWx(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
@@ -106,7 +106,7 @@ void xpProgressBar::paint() {
   }
   if (!bar_.showText) return;
 
-  // The text stands half on the bar and half beside it: each half in the ink that is read there.
+  // The text may be partly on the filled area and partly beside it: each part is drawn in a readable colour.
   const wxString text = GetText();
   dc.SetFont(GetFont());
   const wxSize extent = dc.GetTextExtent(text);

@@ -8,9 +8,8 @@
 
 namespace quillmoor {
 
-/// The seven properties are those of ProgressBar, which says how they hang together. Takes no focus. Screen
-/// readers get the control's label (SetLabel; "Progress" as it comes) and, where the platform can, the
-/// percentage.
+/// The seven properties are those of ProgressBar. Takes no focus. Screen readers get the name "Progress" and,
+/// if the platform supports it, the percentage.
 class xpProgressBar : public wxControl {
  public:
   explicit xpProgressBar(wxWindow* parent, wxWindowID id = wxID_ANY,
@@ -29,7 +28,7 @@ class xpProgressBar : public wxControl {
   bool GetShowText() const { return bar_.showText; }
   void SetShowText(bool show);
   int GetValue() const { return bar_.value(); }
-  /// Cheap when nothing visible changes, so that it may be called for every piece of a transfer.
+  /// Cheap when nothing visible changes, so that it may be called for every block of a transfer.
   void SetValue(int value);
   /// "45%"
   wxString GetText() const { return wxString::FromUTF8(bar_.text()); }

@@ -130,7 +130,7 @@ TEST(AviReader, SaysWhatIsWrongAndWhere) {
   for (const auto& c : cases)
     EXPECT_THAT(messageOf([&] { ReadAvi(small(c.file, c.changes)); }), HasSubstr(c.message)) << c.name;
 
-  EXPECT_THAT(messageOf([] { ReadAvi("RIFF....WAVE"); }), HasSubstr("byte 0: no AVI file"));
+  EXPECT_THAT(messageOf([] { ReadAvi("RIFF....WAVE"); }), HasSubstr("byte 0: not an AVI file"));
   EXPECT_THAT(messageOf([] { ReadAvi(std::string("RIFF\4\0\0\0AVI ", 12)); }), HasSubstr("no video stream"));
   constexpr std::uint32_t kFrameBytes = (kMaxAviFrames + 1) * 8;
   std::string long_ =
@@ -178,7 +178,7 @@ TEST(AviReader, PlaysTheAnimationOfTheRun) {
 TEST(AviReader, NamesTheFileThatCannotBeRead) {
   const testing::TemporaryFolder folder;
   testing::writeFile(folder / "Broken.avi", "RIFF");
-  for (const auto& [name, message] : {std::pair{"Broken.avi", "Broken.avi: byte 0: no AVI file"},
+  for (const auto& [name, message] : {std::pair{"Broken.avi", "Broken.avi: byte 0: not an AVI file"},
                                       std::pair{"Missing.avi", "Missing.avi: cannot be opened"}})
     EXPECT_THAT(messageOf([&] { LoadAvi(LocalPathText(folder / name)); }), HasSubstr(message));
 }

@@ -137,13 +137,13 @@ TEST(RtfReader, SaysWhatIsWrongAndWhere) {
   std::string long_ = "{\\rtf1";
   for (std::size_t i = 0; i <= kMaxRtfRuns; ++i) long_ += "\\par\n";
   for (const auto& [rtf, message] : std::initializer_list<std::pair<std::string, const char*>>{
-           {"", "byte 0: no rich text"},
-           {"{plain}", "byte 1: no rich text"},
-           {"{\\pard x}", "byte 1: no rich text"},
+           {"", "byte 0: not rich text"},
+           {"{plain}", "byte 1: not rich text"},
+           {"{\\pard x}", "byte 1: not rich text"},
            {"{\\rtf1 {a}", "byte 10: the text ends inside a group"},
            {"{\\rtf1 \\'4", "byte 7: \\' without two"},
            {"{\\rtf1 \\'-1}", "byte 7: \\' without two"},
-           {"{\\rtf1 \\", "byte 7: a backslash with nothing behind it"},
+           {"{\\rtf1 \\", "byte 7: a backslash with nothing after it"},
            {"{\\rtf1\\bin10 {}", "byte 6: \\bin of 10 bytes"},
            {deep, "byte 105: more than 100 groups"},
            {restless, "more changes of format than"},

@@ -7,8 +7,8 @@
 namespace quillmoor {
 namespace {
 
-/// The widget that the focus goes to. Of a control that scrolls the handle is the frame around it, and of one
-/// that is made of others the focus is one of theirs.
+/// The widget that gets the focus. The handle of a scrolling control is the frame around it, and a composite
+/// control passes the focus to a part.
 GtkWidget* focused(wxWindow& window) {
   for (wxWindow* const part : window.GetChildren()) {
     if (part->AcceptsFocus()) return focused(*part);
@@ -34,8 +34,8 @@ void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole ro
     atk_object_set_name(gtk_widget_get_accessible(part->GetHandle()), name.utf8_str());
 }
 
-/// Which widget a label leads to is overwritten by wx as soon as the program is idle, and a control that is
-/// made of others is then one that takes no focus. A handler of the label's own comes before that.
+/// When idle, wx replaces the label's mnemonic widget, for a composite control by one that takes no focus.
+/// The label's own signal handler takes precedence.
 void SetLabelFor(wxStaticText& label, wxWindow& control) {
   SetAccessibleName(control, label.GetLabelText());
   GtkWidget* const widget = focused(control);

@@ -20,7 +20,7 @@ void watch(GtkWidget* part, gpointer control) {
 
 }  // namespace
 
-void TellInnerFocus(wxWindow& control) {
+void ReportInnerFocus(wxWindow& control) {
   gtk_container_forall(GTK_CONTAINER(control.GetHandle()), watch, &control);
 }
 

@@ -2,7 +2,7 @@
 
 namespace quillmoor {
 
-/// The toolkit looks through the whole window.
+/// The toolkit searches the whole window.
 void FollowMnemonics(wxWindow&) {}
 
 }  // namespace quillmoor

@@ -12,8 +12,8 @@
 namespace quillmoor {
 namespace {
 
-/// Windows here have no place of their own on the screen: what is drawn is drawn by all that it lies in as
-/// well, from the frame down. One that a child covers there has nothing to draw.
+/// Drops paint events of covered windows. Child windows have no surface of their own here, so a paint of one
+/// also paints all its parents, from the frame down; a parent covered there by a child has nothing to draw.
 class CoveredPaints final : public wxEventFilter {
  public:
   CoveredPaints() { wxEvtHandler::AddFilter(this); }
@@ -38,20 +38,19 @@ class CoveredPaints final : public wxEventFilter {
 
 void PaintQuickly(wxWindow& window) {
   static const CoveredPaints covered;
-  // Scroll bars that lie over a list fade in and out with each of its changes, at sixty steps a second.
+  // Overlay scroll bars fade in and out at every change, with sixty redraws a second.
   if (GTK_IS_SCROLLED_WINDOW(window.GetHandle()))
     gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(window.GetHandle()), FALSE);
   for (wxWindow* at = &window; at != nullptr; at = at->GetParent()) {
-    // Of a window without a font of its own every drawing context asks what it is, by making a widget to look
-    // at.
+    // For a window without its own font, every drawing context creates a widget to find the default one.
     at->SetOwnFont(at->GetFont());
-    // Nobody draws in erase events, for each of which a context would be made.
+    // Erase events, each of which would create a context, are not used.
     if (at->GetBackgroundStyle() == wxBG_STYLE_ERASE) at->SetBackgroundStyle(wxBG_STYLE_SYSTEM);
   }
 }
 
 void DrawTextQuickly(wxDC& dc, const wxString& text, int x, int y) {
-  // The context itself would lay the text out a second time, to know how far the drawing reaches.
+  // wxDC would lay the text out a second time to update its bounding box.
   if (wxGraphicsContext* const direct = dc.GetGraphicsContext()) {
     direct->DrawText(text, x, y);
   } else {

@@ -6,7 +6,7 @@
 namespace quillmoor {
 
 void SetRightMargin(wxTextCtrl& text, int pixels) {
-  GtkWidget* const view = gtk_bin_get_child(GTK_BIN(text.GetHandle()));  // in the frame that scrolls it
+  GtkWidget* const view = gtk_bin_get_child(GTK_BIN(text.GetHandle()));  // inside its scrolled window
   gtk_text_view_set_right_margin(GTK_TEXT_VIEW(view), pixels);
 }
 

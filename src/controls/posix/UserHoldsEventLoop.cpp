@@ -4,7 +4,7 @@
 
 namespace quillmoor {
 
-/// Menus and dropped lists grab the input; boxes do, too.
+/// Menus, drop-down lists and dialogs grab the input.
 bool UserHoldsEventLoop() {
   return gtk_grab_get_current() != nullptr;
 }

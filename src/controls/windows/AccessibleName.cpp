@@ -9,7 +9,7 @@
 namespace quillmoor {
 namespace {
 
-/// What it does not say, the system says.
+/// Overrides the name, role and value; the system provides the rest.
 class NamedAccessible : public wxWindowAccessible {
  public:
   NamedAccessible(wxWindow* window, const wxString& name, AccessibleRole role,
@@ -22,7 +22,7 @@ class NamedAccessible : public wxWindowAccessible {
     return wxACC_OK;
   }
   wxAccStatus GetRole(int child, wxAccRole* role) override {
-    if (child != wxACC_SELF || role_ == AccessibleRole::asItIs)
+    if (child != wxACC_SELF || role_ == AccessibleRole::native)
       return wxWindowAccessible::GetRole(child, role);
     *role = role_ == AccessibleRole::progressBar ? wxROLE_SYSTEM_PROGRESSBAR : wxROLE_SYSTEM_GRAPHIC;
     return wxACC_OK;
@@ -46,7 +46,7 @@ void SetAccessibleName(wxWindow& window, const wxString& name, AccessibleRole ro
   window.SetAccessible(new NamedAccessible(&window, name, role, std::move(value)));
 }
 
-/// The mnemonic leads to the control that was made after the label (Mnemonics.h).
+/// The mnemonic focuses the control created after the label (Mnemonics.h).
 void SetLabelFor(wxStaticText& label, wxWindow& control) {
   SetAccessibleName(control, label.GetLabelText());
 }

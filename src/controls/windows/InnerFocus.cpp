@@ -2,7 +2,7 @@
 
 namespace quillmoor {
 
-/// The toolkit tells of every focus.
-void TellInnerFocus(wxWindow&) {}
+/// The toolkit reports every focus itself.
+void ReportInnerFocus(wxWindow&) {}
 
 }  // namespace quillmoor

@@ -22,7 +22,7 @@ bool isButton(const wxWindow* window) {
          dynamic_cast<const wxRadioButton*>(window);
 }
 
-/// The control that was made after its label.
+/// The control created after its label.
 wxWindow* fieldOf(wxWindow* label) {
   wxWindow* field = label->GetNextSibling();
   while (field && !field->AcceptsFocus()) field = field->GetNextSibling();

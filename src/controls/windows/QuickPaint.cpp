@@ -4,7 +4,7 @@
 
 namespace quillmoor {
 
-/// The toolkit asks the system for nothing that is not used.
+/// The toolkit does no unneeded work here.
 void PaintQuickly(wxWindow&) {}
 
 void DrawTextQuickly(wxDC& dc, const wxString& text, int x, int y) {

@@ -2,7 +2,7 @@
 
 namespace quillmoor {
 
-/// Paragraphs have their own.
+/// Paragraphs keep their right indents here.
 void SetRightMargin(wxTextCtrl&, int) {}
 
 }  // namespace quillmoor

@@ -4,7 +4,7 @@
 
 namespace quillmoor {
 
-/// A scroll bar has no mark of its own among these, but it captures the mouse.
+/// None of these flags is set for a scroll bar, but it captures the mouse.
 bool UserHoldsEventLoop() {
   GUITHREADINFO info{};
   info.cbSize = sizeof info;
