@@ -2,7 +2,7 @@
 
 namespace quillmoor {
 
-ZipResult ZipPacker::pack(const PackingOrder& order) {
+ZipResult ZipArchivePacker::pack(const PackingOrder& order) {
   zip_.onProgress = order.onProgress;
   zip_.onError = order.onError;
   zip_.addFiles(order.pattern, true, order.password);

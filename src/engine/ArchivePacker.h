@@ -30,9 +30,9 @@ class ArchivePacker {
 };
 
 /// Packs with the zip component.
-class ZipPacker final : public ArchivePacker {
+class ZipArchivePacker final : public ArchivePacker {
  public:
-  explicit ZipPacker(Pump pump) { zip_.pump = std::move(pump); }
+  explicit ZipArchivePacker(Pump pump) { zip_.pump = std::move(pump); }
 
   ZipResult pack(const PackingOrder& order) override;
 

@@ -1,7 +1,6 @@
 #include "engine/ArchiveStage.h"
 
 #include <algorithm>
-#include <cmath>
 #include <stdexcept>
 #include <utility>
 
@@ -45,9 +44,7 @@ class PackingDisplay {
       display_.showCurrentFile(item_);
     }
     if (progress.size < 1) return;
-    // A file that grows while it is packed exceeds 100 %.
-    const double percent = static_cast<double>(progress.count) / static_cast<double>(progress.size) * 100;
-    display_.showProgress(static_cast<int>(std::lrint(std::min(percent, 100.0))));
+    display_.showProgress(Percentage(progress.count, progress.size));
     display_.showFileSize(FormatSize(static_cast<double>(progress.size)));
   }
 

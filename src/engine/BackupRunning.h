@@ -3,8 +3,8 @@
 
 namespace quillmoor {
 
-/// The run from its request to its end. A run that was stopped still has to unwind; meanwhile the next one may
-/// be requested. Used on the program's one thread.
+/// The run from its request to its end. A run that was stopped still has to unwind; meanwhile the next one
+/// may be requested. Used on the program's one thread.
 class BackupRun {
  public:
   /// A run is to begin soon. Ended by `begin`, `refuse` and `stop`.

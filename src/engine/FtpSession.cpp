@@ -1,7 +1,6 @@
 #include "engine/FtpSession.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "base/BusyFlag.h"
@@ -211,10 +210,7 @@ void FtpSession::showProgress(const FtpProgress& progress) {
 }
 
 void FtpSession::showTransfer(std::int64_t count, std::int64_t size) {
-  if (size > 0) {
-    const double percent = static_cast<double>(count) / static_cast<double>(size) * 100;
-    services_.display.showProgress(static_cast<int>(std::lrint(std::min(percent, 100.0))));
-  }
+  if (size > 0) services_.display.showProgress(Percentage(count, size));
   if (count > 0) services_.display.showRate(FormatRate(count, services_.tick() - state_.transferStartTick));
 }
 

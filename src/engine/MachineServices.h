@@ -50,7 +50,7 @@ class MachineServices {
   std::shared_ptr<void> reserved_;  // run lock of a run that is about to start
   std::weak_ptr<void> held_;        // run lock held by a run of this program
   HttpRequest webRequest_;
-  ZipPacker packer_;
+  ZipArchivePacker packer_;
   std::unique_ptr<DialUp> dialUp_;
   std::unique_ptr<RunActions> actions_;
   std::unique_ptr<ArchiveStage> archive_;

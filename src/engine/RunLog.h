@@ -20,6 +20,7 @@ class RunLog {
   /// which `colour` replaces at once. Deliberate: emphasised lines look like any other.
   void AppendLog(std::string_view text, Colour colour, bool emphasis);
 
+  // Kept for each profile and read by nobody: the log is trimmed by its length.
   /// Number of appends since `zeroLineCount`.
   double lineCount() const { return lineCount_; }
   void zeroLineCount() { lineCount_ = 0; }

@@ -27,8 +27,7 @@ struct RunState {
   bool networkWaitBusy = false;
   bool connectBusy = false;
 
-  TransferOutcomes TransferOutcome = TransferOutcomes::pending;
-  /// The method that TransferOutcome refers to.
+  /// The method that was begun last.
   FtpMethod ExpectedMethod = FtpMethod::command;
   std::int64_t transferStartTick = 0;  // ms, of RunServices::tick
 
@@ -60,6 +59,9 @@ struct RunState {
   void countFailure(std::string_view name, std::string_view reason) {
     if (!StopRequested) failures.add(name, reason);
   }
+
+  // Kept as the protocol of a transfer asks, and read by nobody: failures come as exceptions.
+  TransferOutcomes TransferOutcome = TransferOutcomes::pending;  // of ExpectedMethod
 
   std::string localFolderName;    // the profile's name, followed by a date if every run has its own folder
   std::string LocalTargetFolder;  // SaveTo + localFolderName

@@ -1,5 +1,6 @@
 #include "engine/mGeneral.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -40,6 +41,11 @@ std::string FormatSize(double bytes) {
     if (power <= bytes) return withThousands(withDecimals(bytes / power, 3)) + " " + kUnits[unit];
   }
   return "";
+}
+
+int Percentage(std::int64_t count, std::int64_t size) {
+  const double percent = static_cast<double>(count) / static_cast<double>(size) * 100;
+  return static_cast<int>(std::lrint(std::min(percent, 100.0)));
 }
 
 std::string FormatRate(std::int64_t bytes, std::int64_t elapsedMs) {

@@ -12,6 +12,9 @@ namespace quillmoor {
 /// Bytes", "1.500 KB". "" below 1.
 std::string FormatSize(double bytes);
 
+/// Rounded, 100 at most; a file that grows during its transfer exceeds its size. `size` must be above 0.
+int Percentage(std::int64_t count, std::int64_t size);
+
 /// Average rate since the transfer began; "" when nothing was received or no time has passed. Deliberate:
 /// changes from bytes to KB above 1000, although a KB is 1024 bytes.
 std::string FormatRate(std::int64_t bytes, std::int64_t elapsedMs);

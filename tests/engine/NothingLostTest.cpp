@@ -302,7 +302,7 @@ TEST_F(NothingLostTest, WithoutALimitTheFifthRefusalTellsOfTheSetting) {
   int refusals = 7;
   server.on("PASS", [&](Session& s) { refusals-- > 0 ? s.reply("530 No.") : s.answerAsUsual(); });
   EXPECT_TRUE(run().at(0).completed);
-  EXPECT_EQ(display.count("the setting LoginAttempts gives it one"), 1);
+  EXPECT_EQ(display.count("the setting LoginAttempts sets a limit"), 1);
   EXPECT_EQ(display.count("Waiting 0 Seconds Before Retrying..."), 7);
 }
 
@@ -317,7 +317,7 @@ TEST_F(NothingLostTest, ALoginGivenUpInTheMiddleEndsTheWalk) {
   EXPECT_TRUE(results.at(0).completed);
   EXPECT_EQ(server.count("PASS"), 3U);
   EXPECT_EQ(results.at(0).failures.count(), 2U) << "the file, and what follows it";
-  EXPECT_TRUE(loggedInRed("what follows this in the walk is not backed up: /b.bin"));
+  EXPECT_TRUE(loggedInRed("nothing after this item is backed up: /b.bin"));
 }
 
 }  // namespace

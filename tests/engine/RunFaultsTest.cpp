@@ -67,7 +67,7 @@ TEST_F(RunFaultsTest, DoesNotStartWhatWouldNeverEnd) {
               {"The host is missing", [&] { profile.Host = ""; }},
               {"0 is not a valid port number", [&] { profile.Port = ""; }},
               {"65536 is not a valid port number", [&] { profile.Port = "65536"; }},
-              {"no proxy type 8", [&] { profile.ProxyType = 8; }},
+              {"Unknown proxy type 8", [&] { profile.ProxyType = 8; }},
               {"The proxy's host is missing", [&] { profile.ProxyType = 7; }},
               {"0 is not a valid port number for the proxy", [&] {
                  profile.ProxyType = 2;
