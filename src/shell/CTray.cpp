@@ -17,15 +17,14 @@ constexpr int kMouseMove = 512, kLButtonDown = 513, kLButtonUp = 514, kLButtonDb
 class CTray::Icon : public wxTaskBarIcon {
  public:
   explicit Icon(CTray& tray) : tray_(tray) {
-    // Some desktops tell of two things only, both as the press of a button: that the icon was activated,
-    // which stands for the double click, and that its menu is asked for, which stands for the release of the
-    // right button.
-    const bool tellsTwoThings = wxEVT_TASKBAR_CLICK == wxEVT_TASKBAR_RIGHT_DOWN;
+    // Some desktops report only two events, both as button presses: activation of the icon, treated here as a
+    // double click, and a request for its menu, treated as a release of the right button.
+    const bool twoEventsOnly = wxEVT_TASKBAR_CLICK == wxEVT_TASKBAR_RIGHT_DOWN;
     translate(wxEVT_TASKBAR_MOVE, kMouseMove);
-    translate(wxEVT_TASKBAR_LEFT_DOWN, tellsTwoThings ? kLButtonDblClk : kLButtonDown);
+    translate(wxEVT_TASKBAR_LEFT_DOWN, twoEventsOnly ? kLButtonDblClk : kLButtonDown);
     translate(wxEVT_TASKBAR_LEFT_UP, kLButtonUp);
     translate(wxEVT_TASKBAR_LEFT_DCLICK, kLButtonDblClk);
-    translate(wxEVT_TASKBAR_RIGHT_DOWN, tellsTwoThings ? kRButtonUp : kRButtonDown);
+    translate(wxEVT_TASKBAR_RIGHT_DOWN, twoEventsOnly ? kRButtonUp : kRButtonDown);
     translate(wxEVT_TASKBAR_RIGHT_UP, kRButtonUp);
     translate(wxEVT_TASKBAR_RIGHT_DCLICK, kRButtonDblClk);
   }

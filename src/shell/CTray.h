@@ -20,34 +20,34 @@ class CTray {
   CTray(const CTray&) = delete;
   CTray& operator=(const CTray&) = delete;
 
-  /// Has the desktop a notification area now?
+  /// Whether the desktop currently has a notification area.
   static bool isAvailable();
 
-  /// The picture box whose image is the icon. It must outlive this or be replaced; nullptr for none.
+  /// Sets the picture box whose image is the icon. It must outlive this or be replaced; nullptr for none.
   void SetHost(wxStaticBitmap* host);
-  /// The image of the host has changed.
+  /// To be called when the host's image has changed.
   void hostPictureChanged();
 
   const std::string& Tip() const { return tip_; }
-  /// What is longer than kLongestTip is cut.
+  /// Cut to kLongestTip characters.
   void SetTip(const std::string& text);
 
-  /// Adds the icon, false without a host. The icon is added again by itself when the notification area has
-  /// been away. Without a notification area nothing is seen.
+  /// Adds the icon; false without a host. When the notification area disappears and returns, the icon is
+  /// added again automatically. Without a notification area nothing is visible.
   bool Show();
   void Remove();
 
-  /// Pops up a menu at the pointer and returns when it is closed.
+  /// Opens a menu at the pointer and returns when it is closed.
   void popUp(wxMenu& menu);
 
-  // Events; any may be empty. Every action of the mouse raises MouseMove first (button, shift, x, y), then
-  // the event of the action, unless another event is still being handled: then neither.
+  // Events; any may be empty. Every mouse action raises MouseMove (button, shift, x, y) and then its own
+  // event, or neither while another event is being handled.
   std::function<void(int button, int shift, int x, int y)> MouseMove;
   std::function<void()> LButtonDown, LButtonUp, LButtonDblClk, RButtonDown, RButtonUp, RButtonDblClk;
 
-  /// What the system reports: a number of a mouse message, 512 for a move, 513 to 518 for the buttons.
+  /// Handles a mouse message of the system: 512 for a move, 513 to 518 for the buttons.
   void mouseMessage(int message);
-  /// An event is being handled.
+  /// Whether an event is being handled.
   bool handling() const { return handling_; }
 
  private:

@@ -24,7 +24,7 @@ DockingPanes::DockingPanes(wxWindow* parent)
     : wxAuiNotebook(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                     wxAUI_NB_TOP | wxAUI_NB_TAB_SPLIT | wxAUI_NB_TAB_MOVE | wxAUI_NB_SCROLL_BUTTONS) {
   SetName("DockingPanes");
-  SetMeasuringFont(GetFont().Bold());  // that of the tab in front
+  SetMeasuringFont(GetFont().Bold());  // the front tab's font
   Bind(wxEVT_AUINOTEBOOK_TAB_RIGHT_UP, [this](wxAuiNotebookEvent&) { showMenu(); });
   Bind(wxEVT_CHAR_HOOK, &DockingPanes::onKey, this);
 }
@@ -34,7 +34,7 @@ void DockingPanes::addPane(int id, wxWindow* form) {
   AddPage(form, pane.title, false, Picture(pane.picture));
 }
 
-/// Pages keep the order in which they were added, wherever their tabs are.
+/// Pages keep the order in which they were added, even when their tabs are moved.
 wxWindow* DockingPanes::form(int id) const {
   return GetPage(static_cast<std::size_t>(&paneOf(id) - kPanes.data()));
 }
@@ -103,7 +103,7 @@ void DockingPanes::moveTo(int id, wxAuiTabCtrl* group) {
   group->AddPage(page, info);
 }
 
-/// All panes into one group, in their first order.
+/// Moves all panes into one group, in their original order.
 void DockingPanes::gather() {
   wxAuiTabCtrl* const first = tabsOf(kPanes.front().id);
   for (const Pane& pane : kPanes) moveTo(pane.id, first);
@@ -113,7 +113,7 @@ void DockingPanes::gather() {
   m_mgr.AddPane(frame, wxAuiPaneInfo().Centre().CaptionVisible(false));
 }
 
-/// Puts the groups where `places` says; false when that has lost one of them.
+/// Arranges the groups as `places` says; false if one of them is lost.
 bool DockingPanes::placeGroups(const std::string& places, std::size_t groups) {
   if (!m_mgr.LoadPerspective(wxString::FromUTF8(places), false)) return false;
   for (std::size_t g = 0; g < groups; ++g) {
@@ -130,7 +130,7 @@ void DockingPanes::setLayout(const PaneLayout& layout) {
   for (std::size_t g = 0; g < layout.groups.size(); ++g) {
     const PaneGroup& group = layout.groups[g];
     const int opener = group.panes.front();
-    // A split opens a group with one pane; the others follow, in the order of the tabs.
+    // A split creates a group with one pane; the others are moved into it in the order of the tabs.
     if (g > 0) Split(static_cast<std::size_t>(FindPage(form(opener))), wxRIGHT);
     wxAuiTabCtrl* const tabs = tabsOf(opener);
     for (const int id : group.panes) moveTo(id, tabs);

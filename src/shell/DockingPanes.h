@@ -1,4 +1,4 @@
-// The docking frame: five panes, each with a form, behind tabs that can be dragged beside one another.
+// The docking frame: five panes, each with a form, on tabs that can be dragged beside each other.
 #pragma once
 
 #include <wx/aui/auibook.h>
@@ -14,19 +14,19 @@ class DockingPanes : public wxAuiNotebook {
  public:
   explicit DockingPanes(wxWindow* parent);
 
-  /// Adds the pane of that id with the form, whose parent is this. In the order of the table.
+  /// Adds the pane with this id and its form, a child of this. Must be called in the order of kPanes.
   void addPane(int id, wxWindow* form);
 
   /// Brings a pane to the front of its group and makes it the active one.
   void activate(int id);
-  /// The same for the pane after the active one, or before it, in the order of the table; the keyboard goes
-  /// with it. Ctrl+Tab and Ctrl+Shift+Tab do it wherever the focus is.
+  /// Activates and focuses the pane after or before the active one, in the order of kPanes. Also done by
+  /// Ctrl+Tab and Ctrl+Shift+Tab, wherever the focus is.
   void activateNext(bool backward);
   int activePane() const;
 
-  /// The layout now.
+  /// The current layout.
   PaneLayout layout();
-  /// Arranges the panes so; all must have been added. One whose places mean nothing gives the first layout.
+  /// Applies a layout; all panes must have been added. If its places are invalid, applies DefaultLayout.
   void setLayout(const PaneLayout& layout);
   void resetLayout() { setLayout(DefaultLayout()); }
 

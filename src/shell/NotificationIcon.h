@@ -1,13 +1,13 @@
-// Where the desktop shows the notifications of this program.
+// The icon at which the desktop shows this program's notifications.
 #pragma once
 
 #include <wx/taskbar.h>
 
 namespace quillmoor {
 
-/// Beside this icon, which stays the caller's and must be taken back with nullptr before it goes. Without one
-/// a desktop that needs an icon shows a second one for as long as the notification lasts. Nothing happens on
-/// a desktop that needs none.
+/// Shows notifications at this icon. The caller keeps ownership and must pass nullptr before destroying it.
+/// Without an icon, Windows shows a second one while a notification is visible. Does nothing on desktops that
+/// need no icon.
 void ShowNotificationsAt(wxTaskBarIcon* icon);
 
 }  // namespace quillmoor

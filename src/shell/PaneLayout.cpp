@@ -8,7 +8,8 @@
 namespace quillmoor {
 namespace {
 
-/// What stands before the next `separator`, which is taken off `text` with it.
+/// Removes the text up to and including the next `separator` from `text`; returns what precedes the
+/// separator.
 std::string_view nextPart(std::string_view& text, char separator) {
   const std::size_t end = std::min(text.find(separator), text.size());
   const std::string_view part = text.substr(0, end);

@@ -7,9 +7,9 @@ namespace quillmoor {
 
 struct Pane {
   int id;
-  int width, height;  // wished for, in device-independent pixels; one that is dragged out gets half the room
-  int side;           // a docking frame's number for it; in one tab group there is only one
-  int neighbour;      // id of the pane in whose tab group it stands; 0: it opens a group of its own
+  int width, height;  // preferred, device-independent pixels; unused: a pane dragged out gets half the room
+  int side;       // the docking frame's number of the side; the same for all, since they share a tab group
+  int neighbour;  // id of a pane in the same tab group; 0: starts a new group
   const char* title;
   const char* picture;  // 32 x 32, below assets/
 };
@@ -20,7 +20,7 @@ inline constexpr int kSettingsPane = 4;
 inline constexpr int kOptionsPane = 5;
 inline constexpr int kHelpPane = 8;
 
-/// In the order in which they are made.
+/// In the order in which they are created.
 inline constexpr std::array<Pane, 5> kPanes = {
     {{kProfilesPane, 400, 450, 1, 0, "Profiles", "panes/profiles"},
      {kBackupPane, 400, 150, 1, kProfilesPane, "Backup", "panes/backup"},

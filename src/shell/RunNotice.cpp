@@ -31,11 +31,11 @@ std::string RunNotice(const std::vector<ProfileResult>& results, bool stopped, d
   text += counted(completed, "profile") + " completed";
   if (completed != results.size()) text += ", " + std::to_string(results.size() - completed) + " not";
   text += ". " + counted(static_cast<std::size_t>(files), "file") + ".";
-  constexpr int kMostLines = 4;  // a desktop shows no more of a notification
+  constexpr int kMostLines = 4;  // desktops show no more lines of a notification
   int lines = 0;
   for (const ProfileResult& one : results) {
     if (!one.failed()) continue;
-    if (lines++ == kMostLines) return text + "\n... The log has the rest.";
+    if (lines++ == kMostLines) return text + "\n... See the log for the rest.";
     text += "\n" + (one.profileId.empty() ? "" : one.profileId + ": ") +
             FirstCharacters(FailureSummary(one), kLongestLine);
   }

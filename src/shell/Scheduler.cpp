@@ -16,7 +16,7 @@ Scheduler::Scheduler(const ApplicationSettings& settings, std::function<LocalDat
 void Scheduler::tick() {
   if (BackupRunning()) return;
   const LocalDateTimeParts time = SplitLocalDateTime(now_());
-  // The whole guard, and deliberately no more than a weekday: a date would widen it.
+  // Deliberate: compares only the weekday, not the date.
   if (time.weekday == LastScheduledWeekday_) return;
   if (ScheduleDays_.at(static_cast<std::size_t>(time.weekday)) != 1) return;
   if (time.hour != settings_.ScheduleHour || time.minute != settings_.ScheduleMinute) {

@@ -1,11 +1,11 @@
-// Progress on the program's button in the taskbar, where the desktop has such a thing.
+// Progress on the program's taskbar button, if the desktop supports it.
 #pragma once
 
 class wxFrame;
 
 namespace quillmoor {
 
-/// 0 to 100; below 0: no run is going on.
+/// `percent` is 0 to 100; negative: no run is in progress.
 void ShowTaskbarProgress(wxFrame& frame, int percent);
 
 }  // namespace quillmoor

@@ -1,4 +1,4 @@
-// The text that the icon in the notification area shows under the pointer.
+// The tool tip of the icon in the notification area.
 #pragma once
 
 #include <cstddef>

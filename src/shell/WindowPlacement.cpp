@@ -10,10 +10,10 @@ namespace {
 
 constexpr double kFarthest = 32767 * 15.0;  // twips; X11 and Windows count pixels in 16 bits
 constexpr double kSmallest = 100 * 15.0;
-constexpr int kGrip = 48;  // pixels of the upper edge by which a window can be taken
+constexpr int kGrip = 48;  // pixels of the upper edge needed to drag a window
 
 bool isPlace(double twips) {
-  return std::abs(twips) <= kFarthest;  // false for what is no number
+  return std::abs(twips) <= kFarthest;  // false for NaN
 }
 
 bool isExtent(double twips) {
@@ -24,7 +24,7 @@ int overlap(int a, int aLength, int b, int bLength) {
   return std::min(a + aLength, b + bLength) - std::max(a, b);
 }
 
-bool canBeTaken(const PixelRect& window, const PixelRect& screen) {
+bool canBeDragged(const PixelRect& window, const PixelRect& screen) {
   return overlap(window.left, window.width, screen.left, screen.width) >= std::min(kGrip, window.width) &&
          overlap(window.top, kGrip, screen.top, screen.height) >= kGrip / 2 && window.top >= screen.top;
 }
@@ -74,7 +74,7 @@ PixelRect WhollyOnScreen(PixelRect window, const std::vector<PixelRect>& screens
 
 PixelRect BroughtOntoScreen(PixelRect window, const std::vector<PixelRect>& screens) {
   const bool seen = std::any_of(screens.begin(), screens.end(),
-                                [&](const PixelRect& screen) { return canBeTaken(window, screen); });
+                                [&](const PixelRect& screen) { return canBeDragged(window, screen); });
   return seen ? window : WhollyOnScreen(window, screens);
 }
 

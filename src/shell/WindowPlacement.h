@@ -1,4 +1,4 @@
-// Where the main window stands: stored in twips, shown in pixels, and always somewhere a screen shows.
+// The main window's position: stored in twips, used in pixels, and always kept on a screen.
 #pragma once
 
 #include <vector>
@@ -13,24 +13,24 @@ struct PixelRect {
   friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
-/// Twips to an inch, whatever the screen.
+/// Twips per inch on any screen.
 inline constexpr double kTwipsPerInch = 1440;
-/// A twip on a screen that is not scaled is a fifteenth of a pixel.
+/// Pixels per inch of an unscaled screen, on which a pixel is 15 twips.
 inline constexpr double kPlainPixelsPerInch = 96;
 
-/// `MainLeft`, `MainTop`, `MainWidth` and `MainHeight` on a screen of that resolution. What is stored as no
-/// number, or as one that no desktop reaches, counts as missing.
+/// `MainLeft`, `MainTop`, `MainWidth` and `MainHeight` in pixels at that resolution. A value that is not a
+/// number or is beyond any desktop is replaced by its default.
 PixelRect StoredPlacement(const ApplicationSettings& settings, double pixelsPerInch);
 
-/// The reverse: sets the four values.
+/// The reverse: stores the four values.
 void NotePlacement(ApplicationSettings& settings, PixelRect window, double pixelsPerInch);
 
-/// `window` moved onto the nearest of the `screens` (their areas for windows) so that nothing of it is
-/// outside, and made as small as that is. No screens: as it is.
+/// Returns `window` moved, and shrunk if necessary, to lie entirely on the nearest of the `screens` (their
+/// work areas). Without screens it is unchanged.
 PixelRect WhollyOnScreen(PixelRect window, const std::vector<PixelRect>& screens);
 
-/// The same for a window that the user has placed: it stays where it is while enough of its upper edge to
-/// drag it by lies on a screen.
+/// The same for a window placed by the user, which is unchanged if enough of its upper edge is on a screen to
+/// drag it.
 PixelRect BroughtOntoScreen(PixelRect window, const std::vector<PixelRect>& screens);
 
 }  // namespace quillmoor

@@ -1,4 +1,4 @@
-// The help pane: the guide that lies beside the program.
+// The help pane: shows the guide from the program's folder.
 #pragma once
 
 #include <wx/panel.h>

@@ -33,9 +33,9 @@ namespace {
 
 constexpr const char* kTitle = "Quillmoor";
 constexpr const char* kLayoutKey = "PaneLayout";
-constexpr int kDestroyEvery = 10;  // milliseconds between two looks whether the window can go
+constexpr int kDestroyEvery = 10;  // milliseconds between attempts to destroy the window
 
-/// The one window animation.
+/// The only window animation.
 enum Effect { kSlide = 3 };
 void AnimateWindow(wxWindow* window, Effect, bool hide) {
   if (window->IsShown() != hide) return;
@@ -58,8 +58,8 @@ std::vector<PixelRect> screens() {
 }  // namespace
 
 frmMain::frmMain() : network(IsNetworkAlive), profilesFile(ProfilesFilePath()) {
-  // A notice may come from the browser's thread, from the middle of whatever stores a setting, and before
-  // there is a form to show it.
+  // A notice may arrive on the browser's thread, while a setting is being stored, and before there is a form
+  // to show it.
   SetNoticeSink([this](const std::string& line) {
     CallAfter([this, line] {
       if (process) process->reportError(line);
@@ -83,15 +83,15 @@ bool frmMain::Initialise() {
 }
 
 void frmMain::Load() {
-  // Every tick of a timer ends in an idle turn; no window here needs to be asked in it.
+  // Every timer tick ends with idle processing, which no window here needs.
   wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
   wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   std::vector<std::string> notes;
   settings = LoadApplicationSettings(&notes);
-  // Its place is given before it exists: some window managers take a later move for their own business.
+  // The position is set at creation, since some window managers ignore a later move.
   pixelsPerInch_ = FromDIP(kPlainPixelsPerInch * 100) / 100.0;
   const PixelRect stored = StoredPlacement(settings, pixelsPerInch_);
-  // The first place has not been chosen by anybody, and a small screen has no room for it.
+  // The default position was not chosen by the user and may not fit a small screen.
   const bool chosen = stored != StoredPlacement({}, pixelsPerInch_);
   const PixelRect window = (chosen ? BroughtOntoScreen : WhollyOnScreen)(stored, screens());
   Create(nullptr, wxID_ANY, kTitle, {window.left, window.top}, {window.width, window.height},
@@ -123,7 +123,7 @@ void frmMain::Load() {
     stayReachable();
   });
   tmrHide.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
-    if (boxes_.any()) return;  // it would be left behind without its window
+    if (boxes_.any()) return;  // the dialog would stay without its window
     tmrHide.Stop();
     hide();
   });
@@ -157,7 +157,7 @@ void frmMain::createPanes() {
 
   site = new frmSite(panes, settings, services_->profilesFile);
   process = new frmProcess(panes, *services_, pump_);
-  // Its component gets no events in the middle of a tick: they may end the program.
+  // Its dial-up component gets no pump: events handled during a tick could end the program.
   settingsForm = new frmSettings(
       panes, {settings, services_->network, now, scheduler_->ScheduleDays(), MakeDialUp(Pump())});
   options = new frmOptions(panes, settings);
@@ -175,7 +175,7 @@ void frmMain::createPanes() {
   settingsForm->onResetLayout = [this] { panes->resetLayout(); };
   process->mustWait = [this] { return boxes_.any() || tray_->handling() || UserHoldsEventLoop(); };
   process->onWaiting = [this] {
-    Notify(this, kTitle, "A backup is due. It waits for the open box, list or menu to be closed.");
+    Notify(this, kTitle, "A backup is due. It starts when the open dialog, list or menu is closed.");
   };
   process->onProgress = [this](const auto& progress) { onProgress(progress); };
   process->onFinished = [this](const auto& outcome) { onFinished(outcome); };
@@ -188,8 +188,8 @@ void frmMain::createTray() {
   tray_ = std::make_unique<CTray>();
   tray_->SetHost(picNotify_);
   tray_->SetTip(kTitle);
-  tray_->LButtonDblClk = [this] { boxes_.any() ? leadToBox() : restore(); };
-  tray_->RButtonUp = [this] { boxes_.any() ? leadToBox() : tray_->popUp(*mnuTrayPopup()); };
+  tray_->LButtonDblClk = [this] { boxes_.any() ? raiseDialog() : restore(); };
+  tray_->RButtonUp = [this] { boxes_.any() ? raiseDialog() : tray_->popUp(*mnuTrayPopup()); };
   tray_->Show();
 }
 
@@ -218,7 +218,7 @@ std::unique_ptr<wxMenu> frmMain::mnuTrayPopup() {
   return menu;
 }
 
-void frmMain::leadToBox() {
+void frmMain::raiseDialog() {
   if (!IsShown() || IsIconized()) restore();
   boxes_.last()->Raise();
 }
@@ -231,16 +231,15 @@ void frmMain::restore() {
   wakeForms();
 }
 
-/// Their timers rest while nobody sees them.
+/// The forms' timers rest while the window is hidden.
 void frmMain::wakeForms() {
   site->wake();
   process->wake();
   settingsForm->wake();
 }
 
-/// Some window managers place a window that appears as they like, also one that has been there before. A move
-/// right after the showing tells; it is answered with the place that the window is to have. What comes later
-/// is the user's.
+/// Some window managers choose the position of a window that is shown, even if it was shown before. Such a
+/// move follows at once, and onMove undoes it; later moves are the user's.
 void frmMain::showAtItsPlace() {
   if (IsShown()) return;
   shownAt_ = GetPosition();
@@ -264,7 +263,7 @@ void frmMain::hide() {
   }
 }
 
-/// A window that is hidden in a tray which has gone for good would be lost.
+/// A window hidden in a tray that has disappeared could not be reached.
 void frmMain::stayReachable() {
   if (ending_ || IsShown() || CTray::isAvailable()) return;
   Iconize();
@@ -281,7 +280,7 @@ void frmMain::onClose(wxCloseEvent& event) {
   tray_->Show();
 }
 
-/// The end of the session is not held up: there is nothing to ask, and what a run leaves is whole.
+/// Does not delay the end of the session: there is nothing to ask, and a run leaves only complete files.
 void frmMain::onQueryEndSession(wxCloseEvent&) {}
 
 void frmMain::onEndSession(wxCloseEvent&) {
@@ -297,13 +296,13 @@ void frmMain::onFinished(const frmProcess::Outcome& outcome) {
   tray_->SetTip(kTitle);
   ShowTaskbarProgress(*this, -1);
   Notify(this, kTitle,
-         outcome.refused ? "Another backup run is going on. This one has not been started."
+         outcome.refused ? "Another backup run is in progress. This one was not started."
                          : RunNotice(outcome.results, outcome.stopped, outcome.files));
 }
 
 void frmMain::onMissed() {
   const std::string text = "The scheduled run of " + ReportTimeText(now()).substr(11) +
-                           " has not started: a backup run of another program is going on.";
+                           " has not started: another backup run is in progress.";
   process->showNotice(text);
   Notify(this, kTitle, text);
 }
@@ -328,8 +327,8 @@ void frmMain::ExitRoutine() {
   tmrDestroy_.Start(kDestroyEvery);
 }
 
-/// The routine may have been called from inside a run's pump or from the tray's menu: both have to be off the
-/// stack, which takes them no longer than one turn.
+/// ExitRoutine may have been called from inside a run's pump or the tray's menu; both must have left the
+/// stack first.
 void frmMain::destroyWhenIdle() {
   if (process->active() || tray_->handling() || boxes_.any()) return;
   tmrDestroy_.Stop();

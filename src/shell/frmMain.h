@@ -1,4 +1,4 @@
-// The main window: starts the program and ends it, and lives in the notification area in between.
+// The main window: starts and ends the program, and hides in the notification area in between.
 #pragma once
 
 #include <wx/dialog.h>
@@ -30,29 +30,30 @@ namespace quillmoor {
 
 class frmMain : public wxFrame {
  public:
-  /// Makes the object, to which the program's notices (platform/system/Notices.h) go from now on.
+  /// Creates the object, not yet its window, and makes it the receiver of the program's notices
+  /// (platform/system/Notices.h).
   frmMain();
   ~frmMain() override;
 
-  /// Tells the user and returns false when another copy of the program is running; then nothing may follow
-  /// but the end of the process.
+  /// False, after a message to the user, when another instance of the program is running; the process must
+  /// then end.
   bool Initialise();
 
-  /// Everything up to the window that is ready to be shown, in the order of the start-up. Raises what reading
-  /// the settings raises (see LoadApplicationSettings), with nothing changed.
+  /// Performs the start-up and creates the window, ready to be shown. Raises what LoadApplicationSettings
+  /// raises, with nothing changed.
   void Load();
 
-  /// The one way out: hides the window, removes the tray icon, saves the placement unless minimised, unloads
-  /// the forms and destroys the window. Asks nobody and does not wait for a run, which its pump unwinds. The
-  /// end of the user's session takes it too.
+  /// The only way to end the program, also used at the end of the user's session: hides the window, removes
+  /// the tray icon, saves the placement unless minimised, unloads the forms and destroys the window. Does not
+  /// ask the user, and does not wait for a run, which the pump unwinds.
   void ExitRoutine();
 
   /// Shows the window and brings it to the front.
   void restore();
-  /// Into the tray, or minimised where there is none.
+  /// Hides the window in the tray, or minimises it without a tray.
   void hide();
 
-  /// Where the window was to stand when it was shown last.
+  /// The position requested when the window was last shown.
   wxPoint placement() const { return shownAt_; }
 
   /// These may be replaced before `Load`.
@@ -66,7 +67,7 @@ class frmMain : public wxFrame {
   static constexpr int kTmrEndProgram = 50;
   static constexpr int kTmrPlace = 300;
 
-  // The forms, from `Load` on.
+  // The forms, available after `Load`.
   frmSite* site = nullptr;
   frmProcess* process = nullptr;
   frmSettings* settingsForm = nullptr;
@@ -78,19 +79,19 @@ class frmMain : public wxFrame {
   wxTimer TimerMain;
   wxTimer tmrHide;
   wxTimer tmrEndProgram;
-  wxTimer tmrPlace;  // runs while the window manager's own idea of a place is awaited
+  wxTimer tmrPlace;  // runs while the window manager may still move the shown window
 
   /// The menu of the tray icon.
   std::unique_ptr<wxMenu> mnuTrayPopup();
 
  private:
-  /// Boxes that wait for an answer. While one does, the tray leads to it and to nothing else.
+  /// The open modal dialogs. While there is one, the tray icon only brings it to the front.
   class OpenBoxes : public wxModalDialogHook {
    public:
     OpenBoxes() { Register(); }
     ~OpenBoxes() override { Unregister(); }
     bool any() const { return !open_.empty(); }
-    /// The one in front of all others.
+    /// The frontmost dialog.
     wxDialog* last() const { return open_.back(); }
 
    protected:
@@ -108,7 +109,7 @@ class frmMain : public wxFrame {
   void createTray();
   void setAutostart();
   void savePlacement(const wxRect& window);
-  void leadToBox();
+  void raiseDialog();
   void wakeForms();
   void showAtItsPlace();
   void onMove(wxMoveEvent& event);
@@ -130,7 +131,7 @@ class frmMain : public wxFrame {
   wxStaticBitmap* picNotify_ = nullptr;
   wxTimer tmrDestroy_;
   wxPoint shownAt_;
-  double pixelsPerInch_ = 0;  // that the placement was read with, and so is stored with, on whatever screen
+  double pixelsPerInch_ = 0;  // used to read and to store the placement, whatever the screen
   bool ending_ = false;
 };
 

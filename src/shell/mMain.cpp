@@ -13,15 +13,15 @@
 namespace quillmoor {
 namespace {
 
-void tellError(const std::exception& error) {
+void showError(const std::exception& error) {
   wxMessageBox(wxString::FromUTF8(error.what()), "Error", wxOK | wxICON_ERROR);
 }
 
 class QuillmoorApp : public wxApp {
  public:
-  /// Nothing here is drawn by a graphics card. The toolkit would look for one all the same, and where it is
-  /// the first program to do so it waits for a second and keeps a compiler in memory. Not for programs that a
-  /// run starts.
+  /// Turns off OpenGL, which this program does not use: looking for it would cost the toolkit a second and
+  /// the memory of a compiler. The variable is unset again, so that programs started by a run do not inherit
+  /// it.
   bool Initialize(int& count, wxChar** arguments) override {
     constexpr const char* kVariable = "GDK_GL";
     if (wxGetEnv(kVariable, nullptr)) return wxApp::Initialize(count, arguments);
@@ -32,7 +32,7 @@ class QuillmoorApp : public wxApp {
   }
 
   bool OnInit() override {
-    // What the toolkit has to say must not stop an unattended program with a box.
+    // Messages of the toolkit must not block an unattended program with a dialog.
     delete wxLog::SetActiveTarget(new wxLogStderr);
     SetAppName("quillmoor");
     SetAppDisplayName("Quillmoor");
@@ -41,7 +41,7 @@ class QuillmoorApp : public wxApp {
     try {
       main->Load();
     } catch (const std::exception& error) {
-      tellError(error);
+      showError(error);
       return false;
     }
     SetTopWindow(main);
@@ -49,7 +49,7 @@ class QuillmoorApp : public wxApp {
     return true;
   }
 
-  /// A timer that fails will fail again at its next tick: it is told of where nobody has to answer.
+  /// A failing timer would fail again at every tick, so its errors are logged instead of shown in a dialog.
   void CallEventHandler(wxEvtHandler* handler, wxEventFunctor& functor, wxEvent& event) const override {
     if (event.GetEventType() != wxEVT_TIMER) {
       wxApp::CallEventHandler(handler, functor, event);
@@ -66,20 +66,20 @@ class QuillmoorApp : public wxApp {
     try {
       throw;
     } catch (const std::exception& error) {
-      const BusyFlag telling(telling_);
-      if (telling.taken()) {
-        tellError(error);
+      const BusyFlag showing(showingError_);
+      if (showing.taken()) {
+        showError(error);
       } else {
         wxLogError("Error: %s", wxString::FromUTF8(error.what()));
       }
     } catch (const ProgramEnding&) {
-      // Whoever asked for the end sees to it.
+      // The code that requested the end handles it.
     }
     return true;
   }
 
  private:
-  bool telling_ = false;  // one box at a time
+  bool showingError_ = false;  // one dialog at a time
 };
 
 }  // namespace

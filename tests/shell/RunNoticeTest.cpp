@@ -32,7 +32,7 @@ TEST(RunNotice, CountsWhatBecameOfTheProfiles) {
   EXPECT_EQ(RunNotice({whole, lacking, refused}, false, 1204),
             "2 profiles completed, 1 not. 1204 files.\nb: 2 failures, the first: /x: 550 No.\nc: No host");
   EXPECT_THAT(RunNotice(std::vector<ProfileResult>(9, refused), false, 0),
-              ::testing::EndsWith("\n... The log has the rest."));
+              ::testing::EndsWith("\n... See the log for the rest."));
   EXPECT_EQ(RunNotice({{"a", false, "", {}}}, true, 3),
             "The backup was stopped. 0 profiles completed, 1 not. 3 files.");
   EXPECT_EQ(RunNotice({}, false, 0), "No profile is enabled.");

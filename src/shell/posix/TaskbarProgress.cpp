@@ -1,4 +1,4 @@
-// Desktops on X11 and Wayland have no such thing in common.
+// X11 and Wayland have no common interface for it.
 #include "shell/TaskbarProgress.h"
 
 namespace quillmoor {
