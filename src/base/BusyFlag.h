@@ -1,9 +1,9 @@
-// A flag that keeps a routine from being entered again by its own pump.
+// Prevents a routine from being re-entered through its own pump.
 #pragma once
 
 namespace quillmoor {
 
-/// Takes the flag for its own lifetime unless somebody else has it.
+/// Sets the flag for its own lifetime, unless it is already set.
 class BusyFlag {
  public:
   explicit BusyFlag(bool& flag) : flag_(flag), taken_(!flag) { flag_ = true; }

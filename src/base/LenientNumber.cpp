@@ -28,7 +28,7 @@ std::optional<double> LeadingNumber(std::string_view text) {
   const char* begin = compact.data();
   const char* const end = begin + compact.size();
   if (begin != end && *begin == '+') ++begin;
-  // "inf" and "nan" are words here, not numbers.
+  // "inf" and "nan", which from_chars accepts, are not numbers here.
   const char* digit = begin;
   if (digit != end && *digit == '-') ++digit;
   if (digit == end || (*digit != '.' && (*digit < '0' || *digit > '9'))) return std::nullopt;

@@ -1,5 +1,5 @@
-// Numbers in stored texts and edit boxes: whatever leads the text counts, and nothing is an error but a
-// number that is too large.
+// Lenient number parsing for stored settings and edit boxes: a leading number counts, and only one that is
+// too large is an error.
 #pragma once
 
 #include <cstdint>
@@ -8,20 +8,20 @@
 
 namespace quillmoor {
 
-/// The number that leads the text (sign, digits, decimal point, exponent), blanks passed over; nothing when
-/// there is none. "60 s" is 60, "1e999" the largest number there is.
+/// The number at the start of the text (sign, digits, decimal point, exponent), ignoring whitespace; nullopt
+/// without one. "60 s" is 60; a number out of range is the largest double.
 std::optional<double> LeadingNumber(std::string_view text);
 
 /// The same, but 0 when there is none.
 double Val(std::string_view text);
 
-/// To the nearest whole number, a half to the even one. Raises std::overflow_error beyond 32 bits.
+/// Rounds to the nearest integer, halves to even. Raises std::overflow_error beyond 32 bits.
 std::int32_t ToLong(double number);
 
 /// `ToLong(Val(text))`.
 std::int32_t ToLong(std::string_view text);
 
-/// As ToLong, beyond 16 bits.
+/// As ToLong, for 16 bits.
 std::int16_t ToInteger(double number);
 
 /// Raises std::overflow_error when the product does not fit.

@@ -9,13 +9,13 @@ namespace quillmoor {
 
 struct Utf8Character {
   char32_t character = 0;
-  std::size_t length = 0;  // bytes; 0 when the text begins with what is no UTF-8
+  std::size_t length = 0;  // bytes; 0 when the text does not begin with valid UTF-8
 };
 
-/// The first character of a text that is not empty. Overlong forms and surrogates are no UTF-8.
+/// The first character of a non-empty text. Overlong forms and surrogates are invalid.
 Utf8Character DecodeUtf8(std::string_view text);
 
-/// The first characters of a UTF-8 text, at most so many.
+/// The first `characters` characters of a UTF-8 text, or all of a shorter one.
 inline std::string FirstCharacters(std::string_view text, std::size_t characters) {
   std::size_t bytes = 0;
   for (; characters != 0 && bytes < text.size(); --characters) {

@@ -1,12 +1,12 @@
-// The code page Windows-1252, which many files are written in whatever system reads them.
+// The code page Windows-1252, used by many files on every system.
 #pragma once
 
 #include <array>
 
 namespace quillmoor {
 
-/// Its characters from 0x80 to 0x9F; all others are those of ISO 8859-1. The five bytes that the page leaves
-/// open stand for the C1 controls of the same number, as the Windows functions have it.
+/// Its characters from 0x80 to 0x9F; all others equal ISO 8859-1. The five undefined bytes map to the C1
+/// controls of the same number, as the Windows functions do.
 inline constexpr std::array<char16_t, 32> kWindows1252Upper = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,

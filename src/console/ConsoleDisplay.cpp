@@ -19,7 +19,7 @@ std::size_t columnsOf(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCharacter));
 }
 
-/// The last `columns` characters, led by "..." if that is not all.
+/// The last `columns` characters, with "..." in front where the text was cut.
 std::string tailOf(const std::string& text, std::size_t columns) {
   std::size_t have = columnsOf(text);
   if (have <= columns) return text;
@@ -63,7 +63,7 @@ void ConsoleDisplay::showCurrentFile(const std::string& remoteFile) {
   percent_ = 0;
   rate_.clear();
   if (file_.empty()) eraseStatus();
-  statusTick_ = screen_.tick();  // a file that is there at once needs no line
+  statusTick_ = screen_.tick();  // a file that is fetched at once gets no status line
 }
 
 void ConsoleDisplay::refresh() {
@@ -75,7 +75,7 @@ void ConsoleDisplay::refresh() {
   std::string figures = " " + std::to_string(percent_) + " %";
   if (!size_.empty()) figures += " of " + size_;
   if (!rate_.empty()) figures += ", " + rate_;
-  // The last column stays free: writing into it would wrap the line on some terminals.
+  // The last column stays empty: writing into it would wrap the line on some terminals.
   const auto width = static_cast<std::size_t>(std::max(screen_.width() - 1, 20));
   const std::size_t used = std::min(columnsOf(figures), width);
   screen_.write(std::string(kEraseLine) + std::string(kOwnColour) + tailOf(file_, width - used) + figures);

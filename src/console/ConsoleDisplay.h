@@ -1,5 +1,5 @@
-// A backup run on a terminal: the log in its colours, one status line at the bottom while a file is fetched,
-// and the report table at the end.
+// Shows a backup run on a terminal: the log in its colours, a status line at the bottom while a file is
+// fetched, and the report table at the end.
 #pragma once
 
 #include <array>
@@ -14,15 +14,15 @@
 
 namespace quillmoor {
 
-/// Where a ConsoleDisplay writes.
+/// The output of a ConsoleDisplay.
 struct ConsoleScreen {
-  /// Takes bytes; buffering is its own business.
+  /// Writes bytes; may buffer them.
   std::function<void(std::string_view)> write;
-  /// Colours and the status line; without it the log is plain text.
+  /// Whether colours and the status line are shown; otherwise the log is plain text.
   bool terminal = false;
-  /// Columns now; asked only on a terminal.
+  /// The current width in columns; called only on a terminal.
   std::function<int()> width;
-  /// Milliseconds of a clock that does not go back.
+  /// A monotonic clock in milliseconds.
   std::function<std::int64_t()> tick;
 };
 
@@ -30,14 +30,14 @@ class ConsoleDisplay final : public RunDisplay {
  public:
   explicit ConsoleDisplay(ConsoleScreen screen) : screen_(std::move(screen)) {}
 
-  /// To be called from the pump: brings the status line up to date, at most ten times a second.
+  /// Called from the pump: updates the status line, at most ten times a second.
   void refresh();
-  /// Takes the status line away and sets the terminal's own colour again.
+  /// Erases the status line and resets the terminal's colour.
   void finish();
-  /// The report as a table; "" when the run had no row. What failed in a profile stands below its row.
+  /// The report as a table; "" when the run had no rows. Failures of a profile are listed below its row.
   std::string reportTable(const std::vector<ProfileResult>& results) const;
 
-  // RunDisplay. A terminal keeps what was written, so the log has no length and is never trimmed.
+  // RunDisplay. A terminal scrolls by itself, so the log has no length and is never trimmed.
   std::size_t logLength() const override { return 0; }
   void trimLog(std::size_t) override {}
   void setLogColour(Colour colour) override { wanted_ = colour; }
@@ -58,7 +58,7 @@ class ConsoleDisplay final : public RunDisplay {
 
   ConsoleScreen screen_;
   Colour wanted_;
-  Colour current_ = kButtonFace;  // no log line is left in it
+  Colour current_ = kButtonFace;  // the status line leaves it; no log line has it
   bool atLineStart_ = true;
   bool statusShown_ = false;
   std::int64_t statusTick_ = 0;
@@ -67,7 +67,7 @@ class ConsoleDisplay final : public RunDisplay {
   std::vector<std::array<std::string, kReportColumns>> rows_;
 };
 
-/// Text fit for a terminal: CR LF becomes LF, any other control character "?" (see PrintableText).
+/// Makes text safe for a terminal: CR LF becomes LF, any other control character "?" (see PrintableText).
 std::string terminalText(std::string_view text);
 
 }  // namespace quillmoor

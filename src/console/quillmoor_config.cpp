@@ -1,4 +1,4 @@
-// quillmoor-config: site profiles and settings on a terminal, for a machine without a screen.
+// quillmoor-config: edits site profiles and settings from the command line, for a machine without a screen.
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -37,13 +37,13 @@ constexpr const char* kHelp =
     "       quillmoor-config dialup list\n"
     "       quillmoor-config --help | --version\n"
     "\n"
-    "Site profiles lie in Profiles.ini in this program's folder. Keys: Status Host UserID Password Port "
+    "Site profiles are in Profiles.ini in this program's folder. Keys: Status Host UserID Password Port "
     "Account\n"
     "SaveTo RunURL RunProgram Timeout PASV ManualPort MinData MaxData ProxyType ProxyHost ProxyPort "
     "ProxyUsername\n"
     "ProxyPassword DefaultDir, and Folder, which may be given several times and replaces the list of remote\n"
-    "folders. Password=- and ProxyPassword=- read a line of standard input; so does the setting "
-    "ZipPassword. \"dialup list\" names the entries that AutoDialUpConnection can be.\n";
+    "folders. Password=- and ProxyPassword=- read a line from standard input; so does the setting "
+    "ZipPassword. \"dialup list\" lists the entries that AutoDialUpConnection can name.\n";
 
 class UsageError : public std::runtime_error {
  public:
@@ -60,7 +60,7 @@ constexpr NumberField kNumberFields[] = {{"Status", &SiteProfile::Status, 1},
                                          {"ManualPort", &SiteProfile::ManualPort, 1},
                                          {"ProxyType", &SiteProfile::ProxyType, 7}};
 
-/// The text itself; raises UsageError for one that the profile file cannot keep.
+/// Returns the text; raises UsageError when the profile file cannot store it.
 std::string storable(const std::string& what, const std::string& text) {
   const std::string why = WhyNotStorable(what, text);
   if (!why.empty()) throw UsageError(why);
@@ -89,7 +89,7 @@ void setField(SiteProfile& profile, std::string_view key, const std::string& val
   throw UsageError("A profile has no key " + std::string(key) + ". Try quillmoor-config --help.");
 }
 
-/// What a run needs, and what only looks like a number, put right.
+/// Raises when something that a run needs is missing or cannot be stored; corrects invalid numbers.
 void checkProfile(SiteProfile& profile) {
   const auto require = [](bool condition, const char* what) {
     if (!condition) throw std::runtime_error(what);
@@ -97,7 +97,7 @@ void checkProfile(SiteProfile& profile) {
   const auto given = [](const std::string& text) { return !TrimmedText(text).empty(); };
   require(given(profile.Host), "the profile needs a Host");
   require(given(profile.UserID), "the profile needs a UserID");
-  require(!profile.passwordUnreadable, "the stored password cannot be read: give it anew with Password=-");
+  require(!profile.passwordUnreadable, "the stored password cannot be read: enter it again with Password=-");
   require(given(profile.Password), "the profile needs a Password");
   require(given(profile.Port), "the profile needs a Port");
   require(given(profile.SaveTo), "the profile needs a folder to save to (SaveTo)");
@@ -145,7 +145,7 @@ int setProfile(const std::string& given, const std::vector<std::string>& assignm
   std::vector<std::string> folders;
   for (const std::string& assignment : assignments) {
     const auto equals = assignment.find('=');
-    if (equals == std::string::npos) throw UsageError("\"" + assignment + "\" is no KEY=VALUE.");
+    if (equals == std::string::npos) throw UsageError("\"" + assignment + "\" is not KEY=VALUE.");
     const std::string key = assignment.substr(0, equals);
     const std::string value = assignment.substr(equals + 1);
     if (key == "Folder") {
@@ -182,7 +182,7 @@ const SettingDefinition& settingOf(const std::string& key) {
   }
 }
 
-/// As it is stored. One that the programs cannot use is told of beside that.
+/// The stored value. Prints a note when the programs cannot use it.
 std::string shownSetting(const SettingDefinition& setting) {
   std::string value = ReadSetting(std::string(setting.key), std::string(setting.defaultText));
   const std::string note = SettingNote(setting, value);
@@ -214,7 +214,7 @@ int setSetting(const std::string& key, const std::string& value) {
     return kDone;
   }
   const std::string secret = value == "-" ? ReadSecretLine() : value;
-  // "?" would be stored for every other character, and open no archive.
+  // Every other character would be stored as "?", and the password would open no archive.
   if (!FitsAnsi(secret)) throw UsageError(key + " takes characters of the ANSI code page only.");
   WriteSetting(key, mRC4::Encipher(secret));
   return kDone;

@@ -1,4 +1,4 @@
-// quillmoor-run: the backup run on a terminal, for a machine without a screen.
+// quillmoor-run: runs a backup from the command line, for a machine without a screen.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -29,21 +29,21 @@ constexpr const char* kHelp =
     "Usage: quillmoor-run [OPTION]\n"
     "Backs up every enabled site profile of Profiles.ini in this program's folder, once, now.\n"
     "\n"
-    "  --assume-network  do not ask whether a network is up (for sites on this machine)\n"
-    "  --help            show this and end\n"
-    "  --version         show the version and end\n"
+    "  --assume-network  do not check whether a network is up (for sites on this machine)\n"
+    "  --help            show this help and exit\n"
+    "  --version         show the version and exit\n"
     "\n"
-    "Ctrl-C stops the run in good order, a second Ctrl-C ends the program at once. While the run waits for "
+    "Ctrl-C stops the run cleanly, a second Ctrl-C ends the program at once. While the run waits for "
     "a\n"
     "network, with AutoDial 0, only the second one ends it.\n"
-    "Exit status: 0 when every enabled profile was completed and nothing of it failed, 1 when one was not or "
+    "Exit status: 0 when every enabled profile was completed without failures, 1 when one was not or "
     "a folder, a file, an archive or a copy of one failed, 2 when the run could not start.\n";
 
 struct Options {
   bool assumeNetwork = false;
 };
 
-/// Standard output, written through at most once a pump turn.
+/// Standard output, flushed at most once per pump call.
 class Output {
  public:
   void write(std::string_view bytes) {
@@ -59,11 +59,11 @@ class Output {
   bool written_ = false;
 };
 
-/// Turns requests to stop into one confirmed Stop of the run.
-class StopSwitch {
+/// Turns stop signals into one confirmed Stop of the run.
+class StopRelay {
  public:
   void attach(RunController& controller) { controller_ = &controller; }
-  void look() {
+  void check() {
     if (stopSignals() == 0 || done_ || !controller_) return;
     done_ = true;
     controller_->Stop();
@@ -74,8 +74,8 @@ class StopSwitch {
   bool done_ = false;
 };
 
-/// A run that dials has no end but a connection: say beforehand when there will be none.
-void tellWhatKeepsFromDialling(const std::string& entry, DialUp& dialUp) {
+/// A run that dials waits until a connection is up: warns beforehand when there will be none.
+void warnIfNothingToDial(const std::string& entry, DialUp& dialUp) {
   const auto entries = dialUp.Entries();
   if (std::find(entries.begin(), entries.end(), entry) != entries.end()) return;
   const std::string what = entry.empty() ? "no dial-up entry is chosen (AutoDialUpConnection)"
@@ -89,8 +89,8 @@ void tellWhatKeepsFromDialling(const std::string& entry, DialUp& dialUp) {
       what.c_str());
 }
 
-/// True when everything was backed up.
-bool tellWhatFailed(const std::vector<ProfileResult>& results) {
+/// Prints the failures; returns true when everything was backed up.
+bool reportFailures(const std::vector<ProfileResult>& results) {
   bool whole = true;
   for (const ProfileResult& result : results) {
     whole = whole && result.completed && !result.failed();
@@ -109,7 +109,7 @@ int run(const Options& options) {
   std::vector<std::string> notes;
   ApplicationSettings settings = LoadApplicationSettings(&notes);
   for (const std::string& note : notes) std::fprintf(stderr, "quillmoor-run: %s\n", note.c_str());
-  // Normal, as it comes, leaves the class in which the program was started: by nice, say.
+  // Normal, the default, keeps the priority class in which the program was started (by nice, for example).
   if (settings.ProcessPriority != modProcessPriority::kNormalClass) {
     modProcessPriority::SetPriority(0, 0, settings.ProcessPriority);
   }
@@ -118,9 +118,9 @@ int run(const Options& options) {
   Output output;
   ConsoleDisplay display(
       {[&](std::string_view bytes) { output.write(bytes); }, prepareTerminal(), terminalWidth, TickCountMs});
-  StopSwitch stopSwitch;
+  StopRelay stopRelay;
   MachineServices services(settings, profilesFile, [&] {
-    stopSwitch.look();
+    stopRelay.check();
     display.refresh();
     output.flush();
   });
@@ -130,9 +130,9 @@ int run(const Options& options) {
       return true;
     };
   }
-  if (settings.AutoDial == 1) tellWhatKeepsFromDialling(settings.AutoDialUpConnection, services.dialUp());
+  if (settings.AutoDial == 1) warnIfNothingToDial(settings.AutoDialUpConnection, services.dialUp());
   RunController controller(services.forRun(display));
-  stopSwitch.attach(controller);
+  stopRelay.attach(controller);
 
   const auto results = controller.RunBackup();
   display.finish();
@@ -142,11 +142,11 @@ int run(const Options& options) {
   }
   output.write("\n" + display.reportTable(results));
   output.flush();
-  return tellWhatFailed(results) && stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
+  return reportFailures(results) && stopSignals() == 0 ? kAllCompleted : kNotAllCompleted;
 }
 
 int main(const std::vector<std::string>& arguments) {
-  prepareTerminal();  // for what is said before the run, too
+  prepareTerminal();  // also for messages before the run
   Options options;
   for (const std::string& argument : arguments) {
     if (argument == "--help") {
@@ -161,7 +161,8 @@ int main(const std::vector<std::string>& arguments) {
       options.assumeNetwork = true;
       continue;
     }
-    std::fprintf(stderr, "quillmoor-run: what is \"%s\"? Try quillmoor-run --help.\n", argument.c_str());
+    std::fprintf(stderr, "quillmoor-run: unknown option \"%s\". Try quillmoor-run --help.\n",
+                 argument.c_str());
     return kCouldNotStart;
   }
   try {

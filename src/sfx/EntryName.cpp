@@ -10,7 +10,7 @@ std::optional<std::vector<std::string>> partsOf(std::string_view entryName, Loca
   for (;;) {
     const std::size_t end = entryName.find('/');
     const std::string_view part = entryName.substr(0, end);
-    // The same rules as for names that a server lists; an empty part is what makes a path absolute.
+    // The same rules as for names in a server's listing; an absolute path begins with an empty part.
     if (ListedNameRefusal(part, rules)) return std::nullopt;
     parts.emplace_back(part);
     if (end == std::string_view::npos) return parts;

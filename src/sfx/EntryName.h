@@ -1,4 +1,4 @@
-// Which names of an archive may become files: an archive may come from anybody.
+// Decides which entry names may become files: an archive may come from anybody.
 #pragma once
 
 #include <optional>
@@ -10,9 +10,8 @@
 
 namespace quillmoor::sfx {
 
-/// The parts of an entry's name, folders first, "/" cut off. A part that would lead out of the folder that is
-/// unpacked into, that the system reads as something else than a name, or that would talk to the terminal,
-/// makes it nothing.
+/// Splits an entry's name at "/", folders first. Nullopt when a part would leave the target folder, has a
+/// special meaning to the system, or holds terminal control characters.
 std::optional<std::vector<std::string>> partsOf(std::string_view entryName,
                                                 LocalNameRules rules = kLocalNameRules);
 

@@ -1,8 +1,8 @@
-// The program in front of a self-extracting archive: unpacks what stands behind it.
+// The program at the start of a self-extracting archive: unpacks what follows it.
 //
-// Ends with 0 when all was unpacked (even if the disk did not take every time and permission), 1 when
-// something was left out, 2 for arguments that cannot be, 3 when the archive is damaged or incomplete, 4 for
-// a wrong password, 5 when the disk does not take it.
+// Exit status: 0 when everything was unpacked (even if the disk did not accept every time and permission), 1
+// when something was skipped, 2 for invalid arguments, 3 when the archive is damaged or incomplete, 4 for a
+// wrong password, 5 when a file cannot be written.
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -29,17 +29,18 @@ constexpr const char* kUsageText =
     "Unpacks the files that are packed in this program.\n"
     "Usage: %s [--replace] [FOLDER]\n"
     "       %s --test\n"
-    "  FOLDER     where to; else it is asked for, or a folder of this program's name beside it\n"
-    "  --replace  writes over files that are there already\n"
-    "  --test     checks that all can be unpacked, and writes nothing\n"
+    "  FOLDER     target folder; without it the program asks, or uses its own name without the "
+    "ending\n"
+    "  --replace  replaces existing files\n"
+    "  --test     checks that everything can be unpacked, and writes nothing\n"
     "A password is asked for, or read from standard input.\n";
 
-struct Wishes {
+struct Options {
   bool replace = false, test = false;
   std::optional<std::string> folder;
 };
 
-/// The line that is written over as the work goes on; only on a terminal.
+/// A progress line that is rewritten in place; only on a terminal.
 class ProgressLine {
  public:
   explicit ProgressLine(bool shown) : shown_(shown) {}
@@ -68,26 +69,26 @@ class ProgressLine {
   std::int64_t last_ = 0;
 };
 
-std::optional<Wishes> wishesOf(const std::vector<std::string>& arguments) {
-  Wishes wishes;
+std::optional<Options> parseOptions(const std::vector<std::string>& arguments) {
+  Options options;
   for (const std::string& argument : arguments) {
     if (argument == "--replace") {
-      wishes.replace = true;
+      options.replace = true;
     } else if (argument == "--test") {
-      wishes.test = true;
-    } else if (argument.empty() || argument.starts_with("-") || wishes.folder) {
+      options.test = true;
+    } else if (argument.empty() || argument.starts_with("-") || options.folder) {
       return std::nullopt;
     } else {
-      wishes.folder = argument;
+      options.folder = argument;
     }
   }
-  return wishes;
+  return options;
 }
 
 std::string defaultFolder() {
   const std::string path = ProgramPath();
   const std::size_t dot = path.find_last_of("./\\");
-  // Without an ending to take away the program itself has that name.
+  // A program without an extension has that name itself.
   if (dot == std::string::npos || path[dot] != '.' || dot == ProgramFolder().size()) return path + "-files";
   return path.substr(0, dot);
 }
@@ -98,26 +99,26 @@ std::string answerTo(const std::string& question) {
   return ReadLine();
 }
 
-int run(const Wishes& wishes) {
-  const bool asks = inputIsTerminal();
+int run(const Options& options) {
+  const bool interactive = inputIsTerminal();
   const bool terminal = prepareTerminal();
   ZipReader archive(ProgramPath());
   const ArchiveSummary summary = summaryOf(archive);
 
-  std::string folder = wishes.folder.value_or(defaultFolder());
-  if (!wishes.test && !wishes.folder && asks) {
+  std::string folder = options.folder.value_or(defaultFolder());
+  if (!options.test && !options.folder && interactive) {
     const std::string answer = answerTo("Unpack into [" + PrintableName(folder) + "]: ");
     if (!answer.empty()) folder = answer;
   }
 
   ProgressLine line(terminal);
   UnpackEvents events;
-  bool replaceAll = wishes.replace, keepAll = !asks;
+  bool replaceAll = options.replace, keepAll = !interactive;
   events.replace = [&](const std::string& name) {
     while (!replaceAll && !keepAll) {
       line.clear();
       const std::string answer =
-          answerTo(name + " is there already. Replace it? (y)es, (n)o, (a)ll, no(t) any: ");
+          answerTo(name + " already exists. Replace it? (y)es, (n)o, (a)ll, no(t) any: ");
       if (answer == "y" || answer == "n") return answer == "y";
       replaceAll = answer == "a";
       keepAll = answer == "t";
@@ -137,32 +138,32 @@ int run(const Wishes& wishes) {
   for (int attempt = 1;; ++attempt) {
     std::string password;
     if (summary.encrypted) {
-      if (asks) std::fputs("Password: ", stdout);
+      if (interactive) std::fputs("Password: ", stdout);
       std::fflush(stdout);
       password = ReadSecretLine();
-      if (asks && terminal) std::fputs("\n", stdout);
+      if (interactive && terminal) std::fputs("\n", stdout);
     }
     try {
-      result = wishes.test ? test(archive, password, events) : unpack(archive, folder, password, events);
+      result = options.test ? test(archive, password, events) : unpack(archive, folder, password, events);
       break;
     } catch (const ArchiveError& error) {
       constexpr int kAttempts = 3;
-      if (error.fault() != ArchiveFault::wrongPassword || !asks || attempt == kAttempts) throw;
+      if (error.fault() != ArchiveFault::wrongPassword || !interactive || attempt == kAttempts) throw;
       line.clear();
-      std::puts("That is not the password.");
+      std::puts("Wrong password.");
     }
   }
   line.clear();
   const auto count = static_cast<unsigned long long>(result.files);
   std::printf("%llu %s %s%s\n", count, count == 1 ? "file" : "files",
-              wishes.test ? "can be unpacked" : "unpacked into ",
-              wishes.test ? "" : PrintableName(folder).c_str());
+              options.test ? "can be unpacked" : "unpacked into ",
+              options.test ? "" : PrintableName(folder).c_str());
   return result.refused == 0 ? kAll : kNotAll;
 }
 
-int guarded(const Wishes& wishes) {
+int guarded(const Options& options) {
   try {
-    return run(wishes);
+    return run(options);
   } catch (const ArchiveError& error) {
     std::fprintf(stderr, "%s\n", PrintableName(error.what()).c_str());
     return error.fault() == ArchiveFault::wrongPassword ? kWrongPassword : kDamaged;
@@ -180,13 +181,13 @@ int guarded(const Wishes& wishes) {
 
 int main(int argc, char** argv) {
   using namespace quillmoor::sfx;
-  const std::optional<Wishes> wishes = wishesOf(quillmoor::ProgramArguments(argc, argv));
-  if (!wishes) {
+  const std::optional<Options> options = parseOptions(quillmoor::ProgramArguments(argc, argv));
+  if (!options) {
     const std::string name = quillmoor::ProgramName();
     std::fprintf(stderr, kUsageText, name.c_str(), name.c_str());
     return kUsage;
   }
-  const int status = guarded(*wishes);
+  const int status = guarded(*options);
   if (quillmoor::terminalClosesAtEnd()) {
     std::fputs("Press Enter to close this window.", stdout);
     std::fflush(stdout);

@@ -17,10 +17,10 @@
 namespace quillmoor::sfx {
 namespace {
 
-/// Restores what can be, and tells why something could not: on some disks nobody, or only another user, may
-/// set times or permissions.
-std::optional<std::error_code> stateLacks(const std::string& path, const FileState& state,
-                                          std::uint8_t hostSystem) {
+/// Restores times and permissions where possible; returns the error otherwise: some disks let nobody, or only
+/// another user, set them.
+std::optional<std::error_code> restoreStateError(const std::string& path, const FileState& state,
+                                                 std::uint8_t hostSystem) {
   try {
     restoreState(path, state, hostSystem);
   } catch (const std::system_error& error) {
@@ -40,13 +40,13 @@ class Unpacker {
   }
 
   UnpackResult run() {
-    makeFolderItself();
+    createTarget();
     RemoveStaleTemporaries(folder_);
     archive_.forEach([this](const ArchiveEntry& entry) { unpackEntry(entry); });
-    // Only now: what was unpacked into them has changed their times, and a folder may not be written.
+    // Only now: unpacking into a folder changes its time, and a folder may be read-only.
     for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
-      if (const auto lacks = stateLacks(folder->path, folder->state, folder->hostSystem))
-        note(*lacks, folder->shown);
+      if (const auto error = restoreStateError(folder->path, folder->state, folder->hostSystem))
+        note(*error, folder->shown);
     }
     return result_;
   }
@@ -65,29 +65,29 @@ class Unpacker {
     if (events_.refused) events_.refused(line);
   }
 
-  void note(const std::error_code& lacks, const std::string& shown) {
+  void note(const std::error_code& error, const std::string& shown) {
     if (events_.note)
-      events_.note("unpacked, but its time or permissions could not be restored (" + lacks.message() +
+      events_.note("unpacked, but its time or permissions could not be restored (" + error.message() +
                    "): " + shown);
   }
 
-  void makeFolderItself() {
+  void createTarget() {
     for (std::size_t i = 1; i < folder_.size(); ++i) {
       if (isSeparator(folder_[i]) && !LocalFolderExists(folder_.substr(0, i)))
         CreateLocalFolder(folder_.substr(0, i));
     }
     if (!LocalFolderExists(folder_))
       throw std::system_error(std::make_error_code(std::errc::not_a_directory),
-                              "cannot make the folder " + folder_);
+                              "cannot create the folder " + folder_);
   }
 
-  /// The folder of the entry, with its separator; every part below the one unpacked into is a folder itself
-  /// and no link.
-  std::optional<std::string> madeFolder(const std::vector<std::string>& parts, std::size_t count) {
+  /// Creates the entry's folder and returns its path with a separator; nullopt when a part below the target
+  /// folder is a link or not a folder.
+  std::optional<std::string> createFolder(const std::vector<std::string>& parts, std::size_t count) {
     std::string path = folder_;
     for (std::size_t i = 0; i < count; ++i) {
       path += parts[i];
-      if (path.size() >= madeLast_.size() || !madeLast_.starts_with(path + kLocalSeparator)) {
+      if (path.size() >= lastCreated_.size() || !lastCreated_.starts_with(path + kLocalSeparator)) {
         std::optional<FileKind> kind = pathKind(path);
         const bool wasThere = kind.has_value();
         if (!kind && CreateLocalFolder(path)) kind = FileKind::folder;
@@ -96,27 +96,27 @@ class Unpacker {
       }
       path += kLocalSeparator;
     }
-    madeLast_ = path;
+    lastCreated_ = path;
     return path;
   }
 
   void unpackEntry(const ArchiveEntry& entry) {
     const std::string shown = PrintableName(entry.name);
     const auto parts = partsOf(entry.name);
-    if (!parts) return refuse("refused, since its name leads elsewhere: " + shown);
-    if (entry.special()) return refuse("refused, since it is a link or no ordinary file: " + shown);
+    if (!parts) return refuse("refused, since its name is not allowed here: " + shown);
+    if (entry.special()) return refuse("refused, since it is a link or a special file: " + shown);
     const std::size_t folders = parts->size() - (entry.folder() ? 0 : 1);
-    const std::optional<std::string> folder = madeFolder(*parts, folders);
-    if (!folder) return refuse("cannot make the folder of " + shown);
+    const std::optional<std::string> folder = createFolder(*parts, folders);
+    if (!folder) return refuse("cannot create the folder of " + shown);
     if (entry.folder()) {
       folders_.push_back({folder->substr(0, folder->size() - 1), shown, entry.state, entry.hostSystem});
       return;
     }
     const std::string target = *folder + parts->back();
     const std::optional<FileKind> there = pathKind(target);
-    if (there == FileKind::folder) return refuse("a folder stands in the place of " + shown);
+    if (there == FileKind::folder) return refuse("not unpacked, since a folder has its name: " + shown);
     if (there && !(events_.replace && events_.replace(shown)))
-      return refuse("left as it was, since it was there: " + shown);
+      return refuse("not unpacked, since it already exists: " + shown);
 
     std::optional<TemporaryFile> file;
     try {
@@ -133,9 +133,9 @@ class Unpacker {
     result_.bytes = done;
     try {
       file->finishWriting();
-      const auto lacks = stateLacks(file->path(), entry.state, entry.hostSystem);
+      const auto error = restoreStateError(file->path(), entry.state, entry.hostSystem);
       file->renameTo(target, {});
-      if (lacks) note(*lacks, shown);
+      if (error) note(*error, shown);
     } catch (const std::system_error& error) {
       return refuse(error.what());
     }
@@ -147,8 +147,8 @@ class Unpacker {
   std::string_view password_;
   const UnpackEvents& events_;
   std::uint64_t all_ = 0;
-  std::string madeLast_;
-  std::set<std::string> swept_;  ///< folders that were there and are free of what a killed process has left
+  std::string lastCreated_;
+  std::set<std::string> swept_;  ///< existing folders already cleared of a killed process's temporary files
   std::vector<Folder> folders_;
   UnpackResult result_;
 };
