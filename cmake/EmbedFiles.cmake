@@ -1,6 +1,6 @@
-# embed_files(LIBRARY NAME HEADER BASE FILE...)   makes a library of the files, paths below the folder BASE, that a program
-# is to hold in itself: quillmoor::NAME[] and NAMECount of struct EmbeddedFile, which the header declares.
-# Called as a script (cmake -P) it writes the library's source: -DOUT -DNAME -DHEADER -DBASE -DFILES.
+# embed_files(LIBRARY NAME HEADER BASE FILE...)   makes a library of the files, given relative to the folder BASE, to be
+# embedded in a program: quillmoor::NAME[] and NAMECount of struct EmbeddedFile, which HEADER declares. Run as a script
+# (cmake -P with -DOUT -DNAME -DHEADER -DBASE -DFILES), it writes the library's source.
 if(CMAKE_SCRIPT_MODE_FILE)
   set(arrays "")
   set(table "")

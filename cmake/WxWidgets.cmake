@@ -1,5 +1,5 @@
-# wx: the wxWidgets that the windows are built on, as one target. Without it the programs on a terminal are built alone.
-option(QUILLMOOR_DESKTOP "Build the program with its windows, which wants wxWidgets" ON)
+# Target wx: wxWidgets, which the windows are built on. Without it only the command-line programs are built.
+option(QUILLMOOR_DESKTOP "Build the program with its windows, which needs wxWidgets" ON)
 if(NOT QUILLMOOR_DESKTOP)
   return()
 endif()
@@ -10,7 +10,7 @@ if(WIN32)
 else()
   find_package(wxWidgets 3.2 REQUIRED COMPONENTS aui core base)
   find_package(PkgConfig REQUIRED)
-  pkg_check_modules(gtk REQUIRED IMPORTED_TARGET gtk+-3.0)  # below it, for what it does not reach
+  pkg_check_modules(gtk REQUIRED IMPORTED_TARGET gtk+-3.0)  # the toolkit below, for what wxWidgets does not offer
   target_include_directories(wx SYSTEM INTERFACE ${wxWidgets_INCLUDE_DIRS})
   target_compile_definitions(wx INTERFACE ${wxWidgets_DEFINITIONS})
   target_compile_options(wx INTERFACE ${wxWidgets_CXX_FLAGS})

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# build.sh PRESET [TARGET...]   sets up what is missing, configures a preset and builds it, or only the targets.
-# QUILLMOOR_CMAKE_OPTIONS: further options for CMake.
+# build.sh PRESET [TARGET...]   installs what is missing, configures a preset and builds it, or only the targets given.
+## QUILLMOOR_CMAKE_OPTIONS: more options for CMake.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 preset=${1:?usage: build.sh PRESET [TARGET...]}
@@ -10,7 +10,7 @@ if [ "$preset" = windows ]; then
   scripts/setup.sh g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev googletest \
     dpkg-dev m4
   libraries=$(packaging/windows/deps/build.sh)
-  # What an earlier configuration found may have gone from the cache of libraries since.
+  # Paths cached by an earlier configuration may be gone from the library cache by now.
   options+=(-U 'NETTLE_*' -U ASIO_INCLUDE_DIR -U '*_DIR' "-DQUILLMOOR_WINDOWS_LIBRARIES=$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
 else
   scripts/setup.sh

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# From nothing to a finished backup: builds Quillmoor, serves a sample site with a real FTP server on this machine,
-# backs it up, backs it up once more to show that nothing is fetched twice, and packs it into an archive.
-# The backup stays (demo.sh DIR says where, else a temporary folder); everything else is cleaned up.
-#   demo.sh --desktop    the same in the program's window; without a screen, on one that nobody sees
+# A complete backup from scratch: builds Quillmoor, serves a sample site with a real FTP server on this machine, backs
+# it up, backs it up again to show that nothing is fetched twice, and packs it into an archive.
+## The backup is kept (in DIR of demo.sh DIR, else in a temporary folder); everything else is cleaned up.
+##   demo.sh --desktop    the same in the program's window; without a display, on a virtual one
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 if [ "${1:-}" = --desktop ]; then
@@ -52,7 +52,7 @@ echo "..."
 tail -n 3 "$work/log"
 fetched=$(grep -c '^Retriving' "$work/log") skipped=$(grep -c '^Skipped: File upto date' "$work/log")
 echo "$fetched files looked at, $skipped skipped as up to date."
-[ "$fetched" = "$skipped" ] || { echo "demo: the second run has fetched files again" >&2; exit 1; }
+[ "$fetched" = "$skipped" ] || { echo "demo: the second run fetched files again" >&2; exit 1; }
 
 step "Packing it: an archive in segments, with a password, and a copy of it"
 mkdir -p "$target/copies"
@@ -64,7 +64,7 @@ done
 grep -A 3 '^Creating Zip File' "$work/log"
 (cd "$target" && find . -maxdepth 2 -name 'Sample site.z*' -printf '%8s  %p\n' | sort -k2)
 7z x -p"open sesame" -o"$work/unpacked" "$target/copies/Sample site.zip" >"$work/log" || { cat "$work/log" >&2; exit 1; }
-diff -r "$work/site" "$work/unpacked" && echo "Another program unpacks from the copy what is identical to the site."
+diff -r "$work/site" "$work/unpacked" && echo "The copy, unpacked by another program, is identical to the site."
 
 step "Done"
-echo "The backup lies in $target"
+echo "The backup is in $target"

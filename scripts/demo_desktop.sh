@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# What demo.sh --desktop does: builds Quillmoor, serves a sample site on this machine, starts the program, and presses
-# "Start Now". Ends when the program is left by the "Exit" of its menu; on a screen that nobody sees, by itself.
+# Run by demo.sh --desktop: builds Quillmoor, serves a sample site on this machine, starts the program, and presses
+# "Start Now". Ends when the user chooses "Exit" in the program's menu; on a virtual display, by itself.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 if [ -z "${DISPLAY:-}" ]; then
-  echo "There is no X screen here (DISPLAY is not set): the demo runs on one of its own, which nobody sees."
+  echo "There is no X display (DISPLAY is not set): the demo runs on a virtual one."
   scripts/setup.sh
   QUILLMOOR_DEMO_UNSEEN=1 exec tests/gui/with_screen.sh "scripts/$(basename "$0")" "$@"
 fi
@@ -21,7 +21,7 @@ finish() {
 trap finish EXIT
 chmod 755 "$work"
 step() { printf '\n== %s\n' "$*"; }
-until_true() {                                    # SECONDS COMMAND...: false when it has not succeeded in that time
+until_true() {                                    # SECONDS COMMAND...: fails when the command does not succeed in that time
   local end=$((SECONDS + $1))
   shift
   until "$@" >/dev/null 2>&1; do
@@ -45,16 +45,16 @@ echo "ftp://$FTP_HOST:$FTP_PORT/ with $(find "$work/site" -type f | wc -l) files
 
 step "Making its profile"
 export XDG_CONFIG_HOME=$work/config
-# This machine's own network needs no dial-up; nor should a demo start with the session.
+# This machine's own network needs no dial-up; and a demo should not start with the desktop session.
 for setting in AutoDial AutoHangUp CreateZip AutoStartUp; do "$program/quillmoor-config" setting set "$setting" 0; done
 "$program/quillmoor-config" profile set "Sample site" Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- \
   SaveTo="$target/" Folder=/www Folder=/cgi-bin <<<"$FTP_PASSWORD"
 
 step "Starting the program"
-# On a Wayland desktop as well by way of X, where a script may press keys.
+# Through X on a Wayland desktop too: only there can a script press keys.
 GDK_BACKEND=x11 "$program/quillmoor" 2>"$work/quillmoor.log" &
 pid=$!
-seen() {                                          # -gt or -le: the number of its window, or of its icon, which is small
+seen() {                                          # -gt: the id of its window; -le: of its icon, which is small
   local id WIDTH=0
   for id in $(xdotool search --onlyvisible --pid "$pid" --name '^Quillmoor$'); do
     eval "$(xdotool getwindowgeometry --shell "$id" | grep '^WIDTH=')"
@@ -64,8 +64,8 @@ seen() {                                          # -gt or -le: the number of it
 shown() { [ -n "$(seen -gt)" ]; }
 started() { shown || [ -n "$(seen -le)" ]; }
 until_true 20 started || { cat "$work/quillmoor.log" >&2; echo "demo: the window did not appear" >&2; exit 1; }
-# To the pane "Backup", and "Start Now" by its key. A while after its start the window goes out of sight by itself, on a
-# busy machine before it could be used: then it is brought back, and stays.
+# Switches to the pane "Backup" and presses "Start Now" by its shortcut. Some time after its start the window hides by
+# itself, on a busy machine before it was used: then it is brought back, and stays.
 brought_back='' in_front=''
 bring_back() {
   local icon
@@ -86,24 +86,24 @@ begun() { [ -e "$target/Sample site" ]; }
 press() {
   until_true 2 shown || bring_back || return
   [ -n "$in_front" ] || keys ctrl+Tab || return
-  in_front=yes                                    # once more would lead on to the next pane
+  in_front=yes                                    # a second time would switch to the next pane
   keys alt+s && until_true 5 begun
 }
 until_true 60 press || echo 'Click its icon in the notification area or the taskbar, then "Backup" and "Start Now".'
 complete() {
   [ "$(find "$work/site" -type f | wc -l)" = "$(find "$target/Sample site" -type f -name '[!.]*' -o -name .htaccess | wc -l)" ]
 }
-until_true 600 complete || { echo "demo: the backup did not come to its end" >&2; exit 1; }
+until_true 600 complete || { echo "demo: the backup did not finish" >&2; exit 1; }
 step "The backup is complete"
 rm "$work/site/www/start.html"                    # a link is not part of a backup
 same() { diff -r "$work/site" "$target/Sample site"; }
 until_true 10 same || { same || true; exit 1; }
-echo "It lies in $target and is identical to the site."
-echo 'The program lives in the notification area (without one, in the taskbar). A click on its icon brings its window back.'
+echo "It is in $target and is identical to the site."
+echo 'The program is in the notification area (without one, in the taskbar). A click on its icon brings its window back.'
 if [ -z "${QUILLMOOR_DEMO_UNSEEN:-}" ]; then
-  echo 'Its menu, under the right button, has "Exit": that ends the demo.'
+  echo 'A right click opens its menu; "Exit" ends the demo.'
   wait "$pid" || true
 elif [ -z "$brought_back" ]; then
   hidden() { ! shown; }
-  until_true 10 hidden || { echo "demo: the window has not gone to the notification area" >&2; exit 1; }
+  until_true 10 hidden || { echo "demo: the window did not hide in the notification area" >&2; exit 1; }
 fi

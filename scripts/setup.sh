@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# setup.sh [PACKAGE...]   installs what Debian 12 has and the build, the tests and the demo need, and the packages named.
-# Asks for root only when something is missing. No service is started.
+# setup.sh [PACKAGE...]   installs the Debian 12 packages that the build, the tests and the demo need, and those given.
+## Needs root only when something is missing. Starts no service.
 set -euo pipefail
 
 packages=("$@" g++ cmake ninja-build libasio-dev libwxgtk3.2-dev libgtk-3-dev pkgconf libgtest-dev libgmock-dev zlib1g-dev
   nettle-dev libcurl4-openssl-dev ca-certificates python3-minimal python3-pyftpdlib diffutils iproute2)
-# A screen for the tests of the windows, with a window manager, a notification area, and hands.
+# A virtual display for the window tests, with a window manager, a notification area, and a tool that clicks and types.
 packages+=(xvfb xauth openbox trayer xdotool x11-utils)
-# Other programs for archives, which must read ours.
+# Other archive programs, which must be able to read our archives.
 packages+=(unzip p7zip-full libarchive-tools)
-# What the unpacked FTP daemons and proxies of the tests are linked to (tests/servers/*.sh fetch them).
+# Libraries of the FTP daemons and proxies that tests/servers/*.sh download and unpack for the tests.
 packages+=(openssl libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libmemcached11 libmemcachedutil2 libpam0g
   libldap-2.5-0 libpcre2-posix3 libsodium23 libssl3 libwrap0)
 
@@ -23,10 +23,10 @@ done
 echo "setup: installing ${missing[*]}"
 as_root=()
 if [ "$(id -u)" != 0 ]; then
-  command -v sudo >/dev/null || { echo "setup: these packages are missing, and neither root nor sudo is at hand: ${missing[*]}" >&2; exit 1; }
+  command -v sudo >/dev/null || { echo "setup: these packages are missing, and there is neither root nor sudo to install them: ${missing[*]}" >&2; exit 1; }
   as_root=(sudo)
 fi
-# Debian's own switch against services that start when they are installed.
+# Debian's way to keep services from starting when they are installed.
 policy=/usr/sbin/policy-rc.d
 if [ ! -e "$policy" ]; then
   printf '#!/bin/sh\nexit 101\n' | "${as_root[@]}" tee "$policy" >/dev/null

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Sets up what is missing, cross-builds for Windows, and passes the tests under Wine, in a prefix and on a screen of their own.
+# Installs what is missing, cross-builds for Windows, and runs the tests under Wine, in their own prefix and on their
+# own virtual display.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/setup.sh wine wine64 xvfb xauth
@@ -14,12 +15,12 @@ screen=$!
 until [ -s "$work/display" ]; do kill -0 "$screen"; read -rt 0.05 <> <(:) || true; done
 DISPLAY=:$(cat "$work/display")
 export DISPLAY
-openbox --sm-disable >/dev/null 2>&1 &            # for the tests of the windows
+openbox --sm-disable >/dev/null 2>&1 &            # for the window tests
 wineboot --init >/dev/null 2>&1
-# A program that stays. Without one, each test would start Wine's own processes anew, and whoever reads the
-# test's output would wait for the end of those as well.
+# A program that keeps running. Without one, each test would restart Wine's own processes, and whoever reads a test's
+# output would wait until those end, too.
 mkfifo "$work/keyboard"
 wine cmd <"$work/keyboard" >/dev/null 2>&1 &
 exec 4>"$work/keyboard"
-# Wine's own start or end fails now and then where it runs often. What fails twice has failed.
+# Wine itself sometimes fails to start or end when it runs often. A test that fails twice has failed.
 ctest --preset windows --parallel "$(nproc)" --repeat until-pass:2

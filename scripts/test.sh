@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Sets up what is missing, builds, and passes the tests: with the sanitizers first, then as released.
-#   test.sh [linux | linux-asan]   only one of the two
+# Installs what is missing, builds, and runs the tests: first with the sanitizers, then as released.
+##   test.sh [linux | linux-asan]   runs only one of the two
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 presets=("$@")
