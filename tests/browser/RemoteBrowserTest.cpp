@@ -79,7 +79,7 @@ TEST_F(RemoteBrowserTest, TriesAgainUntilALoginWorks) {
     return line.starts_with("The server takes no more connections");
   });
   ASSERT_NE(advice, lines.end());
-  EXPECT_EQ(*(advice - 1), "Login error: 421,The server does not want to talk: 421 Too many users.");
+  EXPECT_EQ(*(advice - 1), "Login error: 421,The server refused the connection: 421 Too many users.");
   lines.erase(lines.begin(), advice + 3);  // with "Retry : 1" and the waiting
   EXPECT_EQ(lines, expected);
   EXPECT_TRUE(browser->loggedIn());
@@ -100,7 +100,7 @@ TEST_F(RemoteBrowserTest, SaysThatAPortIsNone) {
     make();
     browser->connect();
     takeUntil([&] { return browser->log().lineCount() > 4; });
-    EXPECT_THAT(logLines(), Contains(HasSubstr("is no port number"))) << port;
+    EXPECT_THAT(logLines(), Contains(HasSubstr("is not a valid port number"))) << port;
   }
 }
 

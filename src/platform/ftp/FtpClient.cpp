@@ -18,7 +18,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// After these the server's answers can no longer be told apart, or there is no server any more.
+/// Errors after which the server is gone or its replies can no longer be matched to commands.
 bool endsSession(int number) {
   switch (static_cast<FtpErrorNumber>(number)) {
     case FtpErrorNumber::connectionLost:
@@ -43,7 +43,7 @@ std::string oneLine(std::string text) {
   return text;
 }
 
-/// RFC 2389 §3.2: a feature stands on a line of its own behind one blank.
+/// RFC 2389 §3.2: each feature is on a line of its own, after one space.
 bool announcesUtf8(const FtpReply& features) {
   std::string text = features.text;
   std::transform(text.begin(), text.end(), text.begin(),
@@ -64,8 +64,8 @@ class FtpClient::Impl {
   FtpState state = FtpState::closed;
   bool busy = false;
 
-  /// The frame of every operation: one at a time, failures told by events before they are raised, and the
-  /// session closed when it is of no more use.
+  /// Runs an operation: one at a time, failures reported by events before they are raised, and the session
+  /// closed when it is no longer usable.
   template <class Body>
   auto perform(FtpMethod method, bool needsSession, Body body) {
     if (busy) raiseOutside(FtpErrorNumber::busy, "Another operation of this FTP client is in progress.");
@@ -88,7 +88,7 @@ class FtpClient::Impl {
       if (endsSession(error.number())) control_.close();
       fail(error, error.reply().text);
     } catch (const FtpError& error) {
-      // A transfer has seen to its connection itself: it may have ended in order after all.
+      // A transfer has already closed its control connection unless it ended cleanly.
       if (endsSession(error.number())) closeUnlessTransfer(method);
       fail(error, "");
     } catch (const std::system_error& error) {
@@ -144,7 +144,7 @@ void FtpClient::Impl::setState(FtpState next) {
   if (client_.onState) client_.onState(next);
 }
 
-/// Closes both connections without a word to the server.
+/// Closes both connections without QUIT.
 void FtpClient::Impl::closeNow() {
   transfer_.reset(passive);
   control_.close();
@@ -161,13 +161,13 @@ void FtpClient::Impl::progress(FtpStatus status, const std::string& replyText, s
 
 void FtpClient::Impl::fail(const FtpError& error, const std::string& replyText) {
   if (state != FtpState::closed && !control_.isOpen()) closeNow();
-  const FtpError told(error.number(), oneLine(shown(error.what())));
-  if (client_.onError) client_.onError(told.number(), told.what());
-  progress(FtpStatus::failed, replyText.empty() ? told.what() : replyText);
-  throw told;
+  const FtpError reported(error.number(), oneLine(shown(error.what())));
+  if (client_.onError) client_.onError(reported.number(), reported.what());
+  progress(FtpStatus::failed, replyText.empty() ? reported.what() : replyText);
+  throw reported;
 }
 
-/// For an operation that never began: it must not touch what is in progress.
+/// For an operation that was never started: must not affect the one in progress.
 void FtpClient::Impl::raiseOutside(FtpErrorNumber number, const char* description) {
   if (client_.onError) client_.onError(static_cast<int>(number), description);
   throw FtpError(number, description);
@@ -188,7 +188,7 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
     const FtpProxy proxy = checkedProxy(client_.proxyType, client_.proxyHost, client_.proxyPort,
                                         client_.proxyUserName, client_.proxyPassword);
     if (port < 1 || port > 65535) {
-      throw FtpError(FtpErrorNumber::badArgument, std::to_string(port) + " is no port number.");
+      throw FtpError(FtpErrorNumber::badArgument, std::to_string(port) + " is not a valid port number.");
     }
     setState(FtpState::connecting);
     try {
@@ -208,8 +208,8 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
   });
 }
 
-/// RFC 2640, RFC 2389: some servers send UTF-8 names only when they have been asked to. Whatever they answer,
-/// the session goes on.
+/// RFC 2640, RFC 2389: some servers send UTF-8 names only when asked to. Whatever they reply, the session
+/// goes on.
 void FtpClient::Impl::negotiateNames() {
   if (announcesUtf8(control_.exchange("FEAT", timeout()))) control_.exchange("OPTS UTF8 ON", timeout());
 }
@@ -237,9 +237,9 @@ FtpReply FtpClient::Impl::command(const std::string& line) {
 std::string FtpClient::Impl::currentDirectory() {
   return perform(FtpMethod::currentDirectory, true, [&] {
     const FtpReply reply = require("PWD");
-    // Anything but 257 is the answer to something else: this session has lost its step.
+    // Any other code answers another command: replies and commands no longer match.
     auto path = reply.code == 257 ? pwdPath(reply.text) : std::nullopt;
-    if (!path) throw FtpError(FtpErrorNumber::badReply, "The server's answer names no folder: " + reply.text);
+    if (!path) throw FtpError(FtpErrorNumber::badReply, "The server's reply names no folder: " + reply.text);
     progress(FtpStatus::done, reply.text);
     return *std::move(path);
   });
@@ -274,11 +274,12 @@ FtpListing FtpClient::Impl::list() {
     bool plain = hiddenFiles_ == HiddenFiles::refused, takenForName = plain;
     if (!plain) {
       outcome = runList("LIST -a", text);
-      // A server that takes the switch for a name refuses it or lists nothing; so does an empty folder,
-      // unless the switch has been seen to work.
+      // A server that takes the switch for a name refuses it or lists nothing. So does an empty folder,
+      // unless the switch is known to work.
       if (outcome.reply.completion() && !text.empty()) hiddenFiles_ = HiddenFiles::listed;
       plain = hiddenFiles_ == HiddenFiles::unknown;
-      // Other failures pass (a data connection that was cut, a busy server) and say nothing of the switch.
+      // Other failures are temporary (a broken data connection, a busy server) and say nothing about the
+      // switch.
       takenForName =
           outcome.reply.completion() || outcome.reply.code / 100 == 5 || saysFolderIsEmpty(outcome.reply);
     }
@@ -352,7 +353,7 @@ bool FtpClient::Impl::sendAhead(std::vector<std::string> lines, bool dataConnect
     }
     return control_.sendAhead(lines);
   } catch (const FtpError&) {
-    return false;  // the operation itself will meet it and tell
+    return false;  // the operation itself will fail the same way and report it
   }
 }
 

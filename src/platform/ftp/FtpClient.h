@@ -16,10 +16,11 @@
 
 namespace quillmoor {
 
-/// Connection states. Only `connected` means logged in.
+/// Connection states. `connected` means logged in.
 enum class FtpState { closed = 0, connecting = 1, connected = 2, closing = 3 };
 
-/// What a progress event is about. The value 14, the file transfer, is fixed; the others are ours.
+/// The operation that a progress event is about. The value 14, the file transfer, is fixed; the others are
+/// ours.
 enum class FtpMethod {
   login = 1,
   logout = 2,
@@ -32,8 +33,8 @@ enum class FtpMethod {
 
 enum class FtpStatus { done = 0, inProgress = 1, failed = 2 };
 
-/// Ways through a proxy; the numbers are those stored in a profile. From siteHostname on the proxy speaks
-/// FTP: all connections, for data too, lead to it, and a port other than 21 is told to it behind the host.
+/// Proxy types; the numbers are those stored in a profile. From siteHostname on the proxy speaks FTP: all
+/// connections, data connections too, go to it, and a port other than 21 follows the host.
 enum class FtpProxyType {
   none = 0,
   socks4 = 1,  // SOCKS 4; 4a where the host is a name
@@ -43,13 +44,13 @@ enum class FtpProxyType {
   userLogon = 4,  // USER and PASS of the proxy, "USER user@host" or "USER user@host:port", PASS of the server
   userNoLogon = 5,  // "USER user@host" or "USER user@host:port", PASS of the server
   open = 6,         // as siteHostname, with OPEN in place of SITE
-  pipe = 7          // the proxy is a pipe to one server and says nothing itself, also called a transparent or
-                    // plug proxy: the client connects to it and talks as if to the server
+  pipe = 7  // the proxy passes all bytes to one server and sends none itself, also called a transparent or
+            // plug proxy: the client connects to it as if it were the server
 };
 
-/// Numbers of the failures that no server reply names. A refusal by the server bears the reply's own code
-/// (421, 530, 550, ...), which is always below these. Where a proxy refused, the description has "the proxy
-/// says"; where that or the server may have, "The server, or the proxy before it,".
+/// Numbers of failures without a server reply. A refusal by the server has the reply's own code (421, 530,
+/// 550, ...), which is always lower. Where a proxy refused, the description has "the proxy says"; where it
+/// was either of them, "The server, or the proxy before it,".
 enum class FtpErrorNumber : int {
   notConnected = 1001,
   busy,
@@ -64,11 +65,11 @@ enum class FtpErrorNumber : int {
   incomplete,
   tooLong,
   localFile,
-  proxyRefused  // by SOCKS; an FTP proxy's refusal bears the reply's code as a server's does
+  proxyRefused  // by a SOCKS proxy; an FTP proxy's refusal has its reply's code, as a server's does
 };
 
-/// Raised by every operation that fails, after the error event. `what()` is a sentence for a person and holds
-/// the server's reply where there was one; it never holds a password.
+/// Raised by every operation that fails, after the error event. `what()` is a sentence for the user, with the
+/// server's reply where there was one; it never contains a password.
 class FtpError : public std::runtime_error {
  public:
   FtpError(int number, const std::string& description) : std::runtime_error(description), number_(number) {}
@@ -80,7 +81,7 @@ class FtpError : public std::runtime_error {
   int number_;
 };
 
-/// A final reply: its code and its text as sent, all lines joined by CR LF, without a last line break.
+/// A reply: its code and its text as sent, all lines joined by CR LF, without a final line break.
 struct FtpReply {
   int code = 0;
   std::string text;
@@ -94,15 +95,15 @@ struct FtpReply {
 /// A folder's listing.
 struct FtpListing {
   std::string text;  // as received; "" for an empty folder
-  /// Where the server said that the listing does not hold all there is: its words, fit to be shown; else "".
+  /// The server's words, printable, when it said that the listing is incomplete; else "".
   std::string cut;
-  /// The server failed for the moment when it was asked for hidden files too, so this listing may lack them.
+  /// The request for hidden files failed temporarily, so this listing may lack them.
   bool hiddenFilesMissing = false;
 };
 
-/// Progress of a method. `text` ends in CR LF unless empty; it holds a server reply with control characters
-/// replaced and passwords blotted out. `count` and `size` are bytes done and in all (0: not known) of a
-/// transfer, else 0.
+/// Progress of an operation. `text` is a server reply with control characters replaced and passwords masked;
+/// it ends in CR LF unless empty. `count` and `size` are bytes done and in total (0: unknown) of a transfer,
+/// else 0.
 struct FtpProgress {
   FtpMethod method = FtpMethod::command;
   FtpStatus status = FtpStatus::inProgress;
@@ -113,15 +114,15 @@ struct FtpProgress {
 
 /// A client for one server at a time.
 ///
-/// All on one thread. Each operation below "blocking" returns when it is done and calls `pump` at least every
+/// Single-threaded. Each operation below "blocking" returns when it is done and calls `pump` at least every
 /// 20 ms until then; the pump may read properties and call `abort`, any other operation started from inside
 /// it raises `busy`. An operation that fails raises FtpError, after the error event and a progress event with
 /// status `failed`; unless said otherwise the session stays connected when the server merely refused, and is
-/// closed when the connection was lost, timed out or can no longer be trusted to answer in order.
+/// closed when the connection was lost, timed out or its replies can no longer be matched to commands.
 class FtpClient {
  public:
   FtpClient();
-  /// Closes the connection without a farewell.
+  /// Closes the connection without QUIT.
   ~FtpClient();
   FtpClient(const FtpClient&) = delete;
   FtpClient& operator=(const FtpClient&) = delete;
@@ -130,14 +131,14 @@ class FtpClient {
 
   Pump pump;
 
-  /// Longest time, in milliseconds, that one blocking step may take: to resolve, to connect, to get a reply,
-  /// to get more data. 0 or less means kDefaultTimeoutMs. Data arriving slower than a byte a second over
-  /// such a time counts as none.
+  /// Timeout in milliseconds of each blocking step: resolving, connecting, receiving a reply, receiving more
+  /// data. 0 or less means kDefaultTimeoutMs. Receiving less than a byte per second over this time also times
+  /// out.
   std::int32_t timeoutMs = 0;
   static constexpr std::int32_t kDefaultTimeoutMs = 60'000;
 
-  /// The proxy for the next login. Host and port are needed for every type but `none`; types that know no
-  /// login ignore the user name and password, and an empty user name leaves the login at the proxy out.
+  /// The proxy for the next login. Every type but `none` needs host and port; types without a login ignore
+  /// the user name and password, and an empty user name skips the login at the proxy.
   std::int32_t proxyType = 0;  // an FtpProxyType
   std::string proxyHost;
   std::int32_t proxyPort = 0;
@@ -145,14 +146,14 @@ class FtpClient {
   std::string proxyPassword;
 
   bool passive() const;
-  /// Raises badArgument while the state is not `closed`: a session keeps the mode it was opened with.
+  /// Raises badArgument unless the state is `closed`: a session keeps its mode.
   void setPassive(bool passive);
 
   /// Local ports for active data connections: "low:high", or "0" (and "0:0") for any. Anything else raises
   /// badArgument when the next active data connection is opened.
   std::string dataPortRange = "0";
 
-  /// Upper bound of one listing in bytes; a longer one is an error.
+  /// Maximum size of a listing in bytes; a longer one is an error.
   std::size_t maxListingBytes = std::size_t{128} << 20;
 
   FtpState state() const;
@@ -166,19 +167,20 @@ class FtpClient {
 
   // --- operations, blocking
 
-  /// Connects and logs in (USER, then PASS and ACCT as the server asks). A session that is still open is
-  /// closed first. After a failure the state is `closed`. A proxy type that is none, or a proxy without a
-  /// host or port, raises badArgument before anything is sent.
+  /// Connects and logs in (USER, then PASS and ACCT as the server asks). Closes an open session first. After
+  /// a failure the state is `closed`. An unknown proxy type, or a proxy without host or port, raises
+  /// badArgument before anything is sent.
   void login(const std::string& host, const std::string& user, const std::string& password,
              const std::string& account, std::int32_t port);
 
   /// QUIT; the state is `closed` afterwards even when it raises.
   void logout();
 
-  /// Sends one command line as it stands and returns its final reply; a reply of 4xx or 5xx is raised.
+  /// Sends one command line unchanged and returns its final reply; a 4xx or 5xx reply is raised.
   FtpReply command(const std::string& line);
 
-  /// PWD. Undoubles quotes; a reply without quotes gives the text up to the first blank, an empty pair "/".
+  /// PWD. Doubled quotes become single ones; of a reply without quotes, returns the text up to the first
+  /// space; an empty pair of quotes means "/".
   std::string currentRemoteDirectory();
   /// CWD.
   void setCurrentRemoteDirectory(const std::string& path);
@@ -186,34 +188,35 @@ class FtpClient {
   void changeToParent();
 
   /// Lists the current folder. Asks for hidden files (LIST -a) until the server has shown that it takes the
-  /// switch for a name; a failure that may pass is no such sign, but costs them in that one listing.
+  /// switch for a name; after a temporary failure only that one listing lacks them.
   FtpListing list();
 
-  /// RETR `remotePath` into `localPath`, replacing it; the file appears whole or not at all. In an ASCII
-  /// transfer (see `asciiType`) lines end the platform's way. `listedSize` is the file's size in bytes in the
-  /// folder's listing, where known: progress events give it, else the size that the server mentions. A file
-  /// whose size is another one, or an ASCII transfer of fewer bytes, is asked about (SIZE, RFC 3659 §4);
-  /// unless the server says that what has come is all, it raises `incomplete` and the old file stays.
+  /// RETR `remotePath` into `localPath`, replacing it; the file appears complete or not at all. An ASCII
+  /// transfer (see `asciiType`) writes the platform's line ends. `listedSize` is the file's size in bytes
+  /// from the folder's listing, where known; progress events report it, else the size that the server
+  /// announced. When the size differs, or an ASCII transfer has fewer bytes, the server is asked for it
+  /// (SIZE, RFC 3659 §4); unless it confirms the size received, `incomplete` is raised and the old file
+  /// stays.
   void getFile(const std::string& remotePath, const std::string& localPath,
                std::optional<std::int64_t> listedSize = std::nullopt);
 
-  /// Whether the type in force is ASCII: the last TYPE A or TYPE I that the server has accepted; a session
-  /// begins with ASCII (RFC 959 §5.1).
+  /// Whether the transfer type is ASCII: the last TYPE A or TYPE I that the server accepted; a session begins
+  /// with ASCII (RFC 959 §5.1).
   bool asciiType() const;
 
   // --- any time
 
-  /// Cancels the operation in progress, which then raises `aborted`; a transfer is ended with ABOR and its
-  /// unfinished file removed. With no operation in progress it closes the connection at once. Returns
+  /// Cancels the operation in progress, which then raises `aborted`; a transfer is ended by ABOR and its
+  /// unfinished file removed. Without an operation in progress, closes the connection at once. Returns
   /// without waiting.
   void abort();
 
-  /// Sends command lines, and then the request for a data connection if asked, without waiting for replies:
-  /// the caller's promise that its next operations will send just these. Each such operation then only
-  /// takes its reply; any other operation first lets the outstanding replies pass. Changes nothing but
-  /// time: never raises, and does nothing when not connected or when the server does not read ahead. Whether
-  /// they were sent. Only where half a command went out, and the network took no more, is the connection
-  /// given up; the next operation then raises connectionLost, as after a loss at any other time.
+  /// Sends command lines, and then the request for a data connection if asked, without waiting for replies.
+  /// The caller promises that its next operations will send exactly these; they then only read their replies.
+  /// Any other operation first discards the outstanding replies. A pure optimisation: never raises, and does
+  /// nothing when not connected or when the server does not read ahead. Returns whether the lines were sent.
+  /// When only part of a command could be sent, the connection is closed; the next operation then raises
+  /// connectionLost.
   bool sendAhead(const std::vector<std::string>& commandLines, bool dataConnection);
 
  private:

@@ -12,8 +12,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// A reply to a command sent ahead that is not there by then is asked after (see resynchronise).
-constexpr milliseconds kAheadPatience{4000};
+// Time to wait for the reply to a command sent ahead before resynchronising.
+constexpr milliseconds kAheadTimeout{4000};
 constexpr std::chrono::seconds kKeepAlive{60};
 
 Deadline in(milliseconds time) {
@@ -24,14 +24,14 @@ bool isTimeOut(const FtpError& error) {
   return error.number() == static_cast<int>(FtpErrorNumber::timedOut);
 }
 
-/// What a server answers to SYST when it does not know it (RFC 959 §5.4).
+/// The reply to SYST of a server that does not know it (RFC 959 §5.4).
 bool isUnknownCommand(const FtpReply& reply) {
   return reply.code >= 500 && reply.code <= 502;
 }
 
 }  // namespace
 
-/// RFC 854: a byte 255 inside a line is doubled, else it would begin a Telnet command.
+/// RFC 854: a byte 255 in a line is doubled, as a single one would begin a Telnet command.
 std::string FtpControl::wireForm(std::string_view line) const {
   std::string wire;
   wire.reserve(line.size() + 2);
@@ -43,8 +43,8 @@ std::string FtpControl::wireForm(std::string_view line) const {
   return wire;
 }
 
-/// Of the commands whose argument is a name, as the server sees it.
-bool FtpControl::isOfName(std::string_view line) {
+/// Whether the command's argument is a name.
+bool FtpControl::hasNameArgument(std::string_view line) {
   return line.starts_with("CWD ") || line.starts_with("RETR ") || line.starts_with("SIZE ");
 }
 
@@ -54,23 +54,22 @@ void FtpControl::noteType(std::string_view line, const FtpReply& reply) {
   if (line == "TYPE I") asciiType_ = false;
 }
 
-void FtpControl::raiseSilent() const {
-  throw FtpError(FtpErrorNumber::timedOut, "The " + speaker() + " did not answer in time.");
+void FtpControl::raiseTimedOut() const {
+  throw FtpError(FtpErrorNumber::timedOut, "The " + peer() + " did not answer in time.");
 }
 
 /// 421: the service is not available and the server closes the control connection (RFC 959 §4.2.1).
 void FtpControl::raiseClosed(const FtpReply& reply) const {
-  throw FtpError(reply.code, "The " + speaker() + " closed the session: " + saidBy(speaker(), reply));
+  throw FtpError(reply.code, "The " + peer() + " closed the session: " + describeReply(peer(), reply));
 }
 
 void FtpControl::raiseRefused(const std::string& line, const FtpReply& reply) const {
-  throw FtpRefusal("The " + speaker() + " refused " + line.substr(0, line.find(' ')) + ": " + reply.text,
-                   reply);
+  throw FtpRefusal("The " + peer() + " refused " + line.substr(0, line.find(' ')) + ": " + reply.text, reply);
 }
 
 void FtpControl::raiseFlood() const {
   throw FtpError(FtpErrorNumber::badReply,
-                 "The " + speaker() + " sends replies that answer nothing, without end.");
+                 "The " + peer() + " keeps sending replies that answer no command.");
 }
 
 void FtpControl::checkLine(std::string_view line) {
@@ -98,7 +97,7 @@ void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, 
   asio::error_code ignored;
   remote_ = channel_.socket.remote_endpoint(ignored);
   channel_.socket.set_option(asio::ip::tcp::no_delay(true), ignored);
-  // Firewalls forget a silent connection during a long transfer.
+  // Firewalls drop an idle connection during a long transfer.
   KeepConnectionAlive(static_cast<std::uintptr_t>(channel_.socket.native_handle()), kKeepAlive);
 }
 
@@ -111,7 +110,7 @@ void FtpControl::close() {
   ended_ = false;
   asciiType_ = true;
   bytes255_ = Bytes255::unknown;
-  setSpeaker(kServer);
+  setPeer(kServer);
 }
 
 asio::ip::address FtpControl::localAddress() const {
@@ -121,10 +120,10 @@ asio::ip::address FtpControl::localAddress() const {
 
 void FtpControl::write(const std::string& bytes, milliseconds timeout) {
   const asio::error_code error = writeAll(io_, channel_, bytes, in(timeout));
-  if (error == asio::error::timed_out) raiseSilent();
+  if (error == asio::error::timed_out) raiseTimedOut();
   if (error) {
     throw FtpError(FtpErrorNumber::connectionLost,
-                   "The connection to the " + speaker() + " is lost: " + ErrorText(error) + ".");
+                   "The connection to the " + peer() + " is lost: " + ErrorText(error) + ".");
   }
 }
 
@@ -144,28 +143,27 @@ bool FtpControl::receive() {
 std::optional<FtpReply> FtpControl::pollReply() {
   for (;;) {
     if (auto reply = reader_.next()) return reply;
-    if (ended_)
-      throw FtpError(FtpErrorNumber::connectionLost, "The " + speaker() + " closed the connection.");
+    if (ended_) throw FtpError(FtpErrorNumber::connectionLost, "The " + peer() + " closed the connection.");
     if (!receive() && !ended_) return std::nullopt;
   }
 }
 
 FtpReply FtpControl::readReply(Deadline deadline) {
-  // Replies that are there already are no reason to forget the pump, or the time: they may be without end.
-  // The time is that before the pump: in a box of the user's it may have passed while a reply came.
+  // Buffered replies must not bypass the pump or the deadline: there may be no end of them. The time is taken
+  // before the pump, as a reply may arrive while a message box holds the pump up.
   const auto now = std::chrono::steady_clock::now();
   io_.pumpIfDue(now);
-  if (now >= deadline) raiseSilent();
+  if (now >= deadline) raiseTimedOut();
   std::optional<FtpReply> reply = reader_.next();
   if (!reply && std::chrono::steady_clock::now() >= deadline) reply = pollReply();
-  // Behind a command the reply is never there yet, so the first thing is to wait: that saves a vain read.
+  // Right after a command there is no reply yet, so wait first: that saves a futile read.
   const auto arrived = [&] {
     if (!reply && channel_.ready()) reply = pollReply();
     if (!reply) channel_.arm();
     return reply.has_value();
   };
   if (!channel_.socket.is_open()) reply = pollReply();
-  if (!io_.runUntil(arrived, deadline)) raiseSilent();
+  if (!io_.runUntil(arrived, deadline)) raiseTimedOut();
   return *std::move(reply);
 }
 
@@ -200,7 +198,7 @@ FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
   checkLine(line);
   bool again = false;
   return withEitherForm(line, [&] {
-    // What was sent ahead went in the first form, so that the second has to be sent.
+    // What was sent ahead had the first form, so the second form must be sent.
     const auto at = std::exchange(again, true) ? ahead_.end() : std::find(ahead_.begin(), ahead_.end(), line);
     if (at != ahead_.end()) {
       if (auto reply = takeAheadReply(static_cast<std::size_t>(at - ahead_.begin()), timeout))
@@ -214,7 +212,7 @@ FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
 }
 
 bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
-  // With replies outstanding from before, an old answer could be taken for a new one of the same line.
+  // With replies outstanding, an old reply could be taken for the one to a new, identical line.
   if (!takesAhead_ || ended_ || !ahead_.empty()) return false;
   passStrayReplies();
   std::string wire;
@@ -222,11 +220,11 @@ bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
     checkLine(line);
     wire += wireForm(line);
   }
-  // What does not go out at once is not sent at all: a hint is not worth waiting for.
+  // Does not wait until the socket accepts more: this is only an optimisation.
   asio::error_code error;
   const std::size_t sent = channel_.socket.write_some(asio::buffer(wire), error);
   if (error) return false;
-  if (sent != wire.size()) {  // half a command is on its way
+  if (sent != wire.size()) {  // part of a command has been sent
     close();
     return false;
   }
@@ -234,13 +232,13 @@ bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
   return true;
 }
 
-/// The reply to the line at `position` of those sent ahead; the replies before it are let pass. Nothing when
+/// Returns the reply to the line at `position` of those sent ahead, discarding those before it; nullopt when
 /// the server has lost that line.
 std::optional<FtpReply> FtpControl::takeAheadReply(std::size_t position, milliseconds timeout) {
-  const milliseconds patience = std::min(timeout, kAheadPatience);
+  const milliseconds wait = std::min(timeout, kAheadTimeout);
   try {
     for (;;) {
-      FtpReply reply = readFinalReply(in(patience));
+      FtpReply reply = readFinalReply(in(wait));
       noteType(ahead_.front(), reply);
       ahead_.pop_front();
       if (position-- == 0) return reply;
@@ -253,23 +251,23 @@ std::optional<FtpReply> FtpControl::takeAheadReply(std::size_t position, millise
   return std::nullopt;
 }
 
-/// Some servers throw away what arrives while they work on a command. A SYST, which has a reply code that no
-/// other of our commands has, tells how many of the lines sent ahead were heard: their replies, returned,
-/// come before its own. Nothing is sent ahead on this connection any more.
+/// Some servers discard what arrives while they work on a command. SYST, whose reply code no other of our
+/// commands has, shows how many of the lines sent ahead were received: their replies, which are returned,
+/// come before its own. Disables sending ahead on this connection.
 std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
   takesAhead_ = false;
   const std::deque<std::string> lines = std::exchange(ahead_, {});
   write(wireForm("SYST"), timeout);
   std::vector<FtpReply> replies;
   while (replies.size() <= lines.size()) {
-    const bool mayBeMarkers = !replies.empty() && isUnknownCommand(replies.back());
+    const bool mayBeSystReply = !replies.empty() && isUnknownCommand(replies.back());
     try {
-      replies.push_back(readFinalReply(in(mayBeMarkers ? std::min(timeout, kAheadPatience) : timeout)));
+      replies.push_back(readFinalReply(in(mayBeSystReply ? std::min(timeout, kAheadTimeout) : timeout)));
     } catch (const FtpError& error) {
-      // Silence after such a reply: it was the marker's, from a server that does not know SYST. After any
-      // other the server is still at work, and what it says later would be taken for the answer to another
-      // command: this session is of no more use.
-      if (!mayBeMarkers || !isTimeOut(error)) throw;
+      // No reply after such a one: it was the reply to SYST, from a server that does not know SYST. After any
+      // other reply the server is still working, and its later reply would be taken for that to another
+      // command: the session is unusable.
+      if (!mayBeSystReply || !isTimeOut(error)) throw;
       break;
     }
     if (replies.back().code == 215) break;
@@ -280,7 +278,7 @@ std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
 }
 
 void FtpControl::sendAbort() {
-  // The urgent pointer makes a server look up from its data; the data mark then ends the interruption.
+  // The urgent pointer makes a server interrupt its data transfer; the data mark ends the interruption.
   constexpr char interrupt[] = {'\xFF', '\xF4', '\xFF'};
   const std::string commands =
       "\xF2"

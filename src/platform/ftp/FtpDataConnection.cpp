@@ -28,7 +28,7 @@ std::pair<std::uint16_t, std::uint16_t> parsePortRange(const std::string& text) 
     const auto [rest, highError] = std::from_chars(colon + 1, end, high);
     if (highError == std::errc() && rest == end && low != 0 && low <= high) return {low, high};
   }
-  throw FtpError(FtpErrorNumber::badArgument, "\"" + text + "\" is no range of ports.");
+  throw FtpError(FtpErrorNumber::badArgument, "\"" + text + "\" is not a port range.");
 }
 
 /// RFC 959 §4.1.2 (PORT), RFC 2428 §2 (EPRT).
@@ -54,7 +54,7 @@ void FtpDataConnection::close() {
   bound_.close();
   boundAnswer_.clear();
   listeningRequest_.clear();
-  stranger_.clear();
+  unexpectedPeer_.clear();
 }
 
 std::optional<std::string> FtpDataConnection::requestAhead(const std::string& dataPortRange) {
@@ -64,7 +64,7 @@ std::optional<std::string> FtpDataConnection::requestAhead(const std::string& da
   return listeningRequest_;
 }
 
-/// Opens a port here; returns the command that names it.
+/// Opens a local port; returns the command that announces it.
 std::string FtpDataConnection::listenForServer(const std::string& dataPortRange) {
   const auto [low, high] = parsePortRange(dataPortRange);
   const asio::ip::address address = plainAddress(control_.localAddress());
@@ -94,7 +94,7 @@ void FtpDataConnection::connectToProxy(TcpChannel& channel, Deadline deadline) {
   }
 }
 
-/// Has the proxy open a port (SOCKS BIND); returns the command that names it.
+/// Lets the proxy open a port (SOCKS BIND); returns the command that announces it.
 std::string FtpDataConnection::listenAtProxy(milliseconds timeout) {
   const Deadline deadline = steady_clock::now() + timeout;
   try {
@@ -105,8 +105,8 @@ std::string FtpDataConnection::listenAtProxy(milliseconds timeout) {
     const bool refused = error.failure() == NetFailure::refused;
     throw FtpError(
         FtpErrorNumber::dataConnectionFailed,
-        std::string(refused ? "The proxy lets no data connection come in (passive mode needs none): "
-                            : "Cannot have a data connection come in through the proxy: ") +
+        std::string(refused ? "The proxy accepts no incoming data connection (passive mode needs none): "
+                            : "Cannot receive a data connection through the proxy: ") +
             error.what() + ".");
   }
 }
@@ -132,7 +132,7 @@ void FtpDataConnection::connectToServer(std::uint16_t port, milliseconds timeout
                  "Cannot open the data connection to port " + std::to_string(port) + ": " + why + ".");
 }
 
-/// Whether the server is known to be reached over IPv6. What a name means to a proxy is not.
+/// Whether the server is known to be reached over IPv6. A name may mean either to a SOCKS proxy.
 bool FtpDataConnection::overIPv6() const {
   if (!socks_) return plainAddress(control_.remoteEndpoint().address()).is_v6();
   asio::error_code isName;
@@ -150,10 +150,10 @@ bool FtpDataConnection::openPassive(bool extended, milliseconds timeout) {
   if (!port) {
     if (extended) return false;
     throw FtpError(FtpErrorNumber::badReply,
-                   "The server's answer names no data port: " + printableReply(reply.text, ""));
+                   "The server's reply names no data port: " + printableReply(reply.text, ""));
   }
-  // The host is the control connection's, whatever the reply says: a server has no business to send its
-  // clients to other machines, and one behind address translation names an address that leads nowhere.
+  // Always connects to the control connection's host, whatever the reply says: a server must not send its
+  // clients to other machines, and one behind address translation names an unreachable address.
   try {
     connectToServer(*port, timeout);
   } catch (const FtpError&) {
@@ -174,7 +174,7 @@ void FtpDataConnection::open(const std::string& dataPortRange, milliseconds time
     return;
   }
   if (extended_ && openPassive(true, timeout)) return;
-  // PASV speaks of IPv4 only (RFC 2428 §1).
+  // PASV is for IPv4 only (RFC 2428 §1).
   if (overIPv6()) {
     throw FtpError(FtpErrorNumber::dataConnectionFailed,
                    "The server offers no extended passive mode over IPv6.");
@@ -189,12 +189,12 @@ void FtpDataConnection::arm() {
   bound_.arm();
 }
 
-void FtpDataConnection::takeIncoming() {
+void FtpDataConnection::acceptIncoming() {
   if (!isOpen() && acceptor_.socket.is_open()) acceptHere();
   if (bound_.ready()) acceptAtProxy();
 }
 
-/// Active: takes the server's connection. One from any other machine is closed at once.
+/// Active mode: accepts the server's connection. One from any other machine is closed at once.
 void FtpDataConnection::acceptHere() {
   acceptor_.consumeReadiness();
   asio::error_code error;
@@ -203,7 +203,7 @@ void FtpDataConnection::acceptHere() {
   acceptor_.socket.accept(accepted, peer, error);
   if (error) return;
   if (plainAddress(peer.address()) != plainAddress(control_.remoteEndpoint().address())) {
-    stranger_ = plainAddress(peer.address()).to_string();
+    unexpectedPeer_ = plainAddress(peer.address()).to_string();
     return;
   }
   data_.socket = std::move(accepted);
@@ -211,8 +211,8 @@ void FtpDataConnection::acceptHere() {
   acceptor_.close();
 }
 
-/// Active through SOCKS: takes the connection once the proxy has told who is at the other end of it. Only
-/// when the channel is ready: its socket must not move while it is being watched.
+/// Active mode through SOCKS: takes the connection once the proxy has reported its peer. Only when the
+/// channel is ready: its socket must not move while it is being watched.
 void FtpDataConnection::acceptAtProxy() {
   std::string why;
   try {
@@ -226,13 +226,13 @@ void FtpDataConnection::acceptAtProxy() {
       data_.socket = std::move(bound_.socket);
       return;
     }
-    why = "the proxy let in another machine than the server";
+    why = "the proxy accepted a connection from a machine other than the server";
   } catch (const NetError& error) {
     why = error.what();
   }
   bound_.close();
   throw FtpError(FtpErrorNumber::dataConnectionFailed,
-                 "The server's data connection did not come: " + why + ".");
+                 "The server's data connection was not established: " + why + ".");
 }
 
 }  // namespace quillmoor

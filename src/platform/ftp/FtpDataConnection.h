@@ -1,5 +1,5 @@
-// The data connection of a session (RFC 959 §3.2, RFC 2428): opened passively or actively, straight or
-// through a SOCKS proxy, one after the other.
+// The data connection of a session (RFC 959 §3.2, RFC 2428), passive or active, direct or through a SOCKS
+// proxy; one at a time.
 #pragma once
 
 #include <chrono>
@@ -12,17 +12,17 @@
 
 namespace quillmoor {
 
-/// Raises FtpError; dataConnectionFailed where the session goes on without this connection.
+/// Raises FtpError; after dataConnectionFailed the session is still usable.
 class FtpDataConnection {
  public:
   FtpDataConnection(PumpedIo& io, FtpControl& control)
       : io_(io), control_(control), data_(io), acceptor_(io), bound_(io) {}
 
-  /// For a new session.
+  /// Prepares for a new session.
   void reset(bool passive, const std::optional<SocksRoute>& socks);
 
-  /// Passive: connects to the port that the server names. Active: opens a port here or at the proxy and names
-  /// it to the server, who connects once it has been sent its command: see takeIncoming.
+  /// Passive: connects to the port that the server names. Active: opens a port, local or at the proxy, and
+  /// announces it to the server, which connects after it has received its command: see acceptIncoming.
   void open(const std::string& dataPortRange, std::chrono::milliseconds timeout);
   void close();
 
@@ -33,12 +33,12 @@ class FtpDataConnection {
   /// The connection itself, when it is open.
   TcpChannel& channel() { return data_; }
 
-  /// Active: takes the server's connection if it has come.
-  void takeIncoming();
-  /// Active: the address of another machine that has come and was turned away; else "".
-  const std::string& stranger() const { return stranger_; }
+  /// Active: accepts the server's connection if it has arrived.
+  void acceptIncoming();
+  /// Active: the address of another machine whose connection was rejected; else "".
+  const std::string& unexpectedPeer() const { return unexpectedPeer_; }
 
-  /// As of a Channel, for whatever is awaited: data, or the server's connection.
+  /// As Channel's, for whatever is awaited: data, or the server's connection.
   void arm();
   bool ready() const { return data_.ready() || acceptor_.ready() || bound_.ready(); }
 
@@ -57,13 +57,13 @@ class FtpDataConnection {
   FtpControl& control_;
   TcpChannel data_;
   ListenChannel acceptor_;
-  TcpChannel bound_;         // active through SOCKS: where the proxy will tell of the server's connection
-  std::string boundAnswer_;  // what of that has come
+  TcpChannel bound_;         // active through SOCKS: the proxy reports the server's connection here
+  std::string boundAnswer_;  // the part of that report received so far
   std::optional<SocksRoute> socks_;
   bool passive_ = true;
-  bool extended_ = true;  // EPSV until the session has shown that it takes PASV only
-  std::string stranger_;
-  std::string listeningRequest_;  // the PORT or EPRT line that names the open port
+  bool extended_ = true;  // EPSV until the server has turned out to support PASV only
+  std::string unexpectedPeer_;
+  std::string listeningRequest_;  // the PORT or EPRT line for the open port
 };
 
 }  // namespace quillmoor

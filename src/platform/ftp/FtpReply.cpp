@@ -17,8 +17,8 @@ bool hasCode(std::string_view line) {
   return line.size() >= 3 && isDigit(line[0]) && isDigit(line[1]) && isDigit(line[2]);
 }
 
-/// The text behind "227 ", so that the code's own digits are not taken for numbers of the reply.
-std::string_view behindCode(std::string_view text) {
+/// The text after "227 ", so that the code's digits are not taken for numbers of the reply.
+std::string_view afterCode(std::string_view text) {
   return text.substr(std::min<std::size_t>(4, text.size()));
 }
 
@@ -45,7 +45,7 @@ std::optional<FtpReply> FtpReplyReader::next() {
   for (;;) {
     const auto end = bytes_.find('\n', scan_);
     if ((end == std::string::npos ? bytes_.size() : end) - at_ > kMaxLine) {
-      throw FtpError(FtpErrorNumber::tooLong, "The " + speaker + " sent a reply line of more than " +
+      throw FtpError(FtpErrorNumber::tooLong, "The " + peer + " sent a reply line of more than " +
                                                   std::to_string(kMaxLine) + " bytes.");
     }
     if (end == std::string::npos) {
@@ -60,7 +60,8 @@ std::optional<FtpReply> FtpReplyReader::next() {
 
     if (multiLineCode_.empty()) {
       if (!hasCode(line) || line[0] < '1' || line[0] > '5') {
-        throw FtpError(FtpErrorNumber::badReply, "The " + speaker + " sent something that is no FTP reply: " +
+        throw FtpError(FtpErrorNumber::badReply, "The " + peer +
+                                                     " sent something that is not an FTP reply: " +
                                                      printableReply(line.substr(0, 200), ""));
       }
       reply_.code = (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
@@ -72,10 +73,10 @@ std::optional<FtpReply> FtpReplyReader::next() {
     reply_.text += "\r\n";
     reply_.text += line;
     if (reply_.text.size() > kMaxReply) {
-      throw FtpError(FtpErrorNumber::tooLong, "The " + speaker + " sent a reply of more than " +
-                                                  std::to_string(kMaxReply) + " bytes.");
+      throw FtpError(FtpErrorNumber::tooLong,
+                     "The " + peer + " sent a reply of more than " + std::to_string(kMaxReply) + " bytes.");
     }
-    // Lines inside may begin with digits of their own; only this code and a blank end the reply.
+    // Inner lines may begin with other digits; only this code and a space end the reply.
     if (line.starts_with(multiLineCode_) && (line.size() == 3 || line[3] == ' ')) {
       multiLineCode_.clear();
       return std::move(reply_);
@@ -84,7 +85,7 @@ std::optional<FtpReply> FtpReplyReader::next() {
 }
 
 std::optional<std::uint16_t> epsvPort(std::string_view replyText) {
-  const std::string_view text = behindCode(replyText);
+  const std::string_view text = afterCode(replyText);
   for (auto open = text.find('('); open != std::string_view::npos; open = text.find('(', open + 1)) {
     const std::string_view body = text.substr(open + 1);
     if (body.size() < 5 || body[0] != body[1] || body[0] != body[2] || isDigit(body[0])) continue;
@@ -97,7 +98,7 @@ std::optional<std::uint16_t> epsvPort(std::string_view replyText) {
 }
 
 std::optional<std::uint16_t> pasvPort(std::string_view replyText) {
-  const std::string_view text = behindCode(replyText);
+  const std::string_view text = afterCode(replyText);
   const char* const end = text.data() + text.size();
   for (const char* at = text.data(); at != end; ++at) {
     if (!isDigit(*at) || (at != text.data() && isDigit(at[-1]))) continue;
@@ -120,7 +121,7 @@ std::optional<std::uint16_t> pasvPort(std::string_view replyText) {
 }
 
 std::optional<std::string> pwdPath(std::string_view replyText) {
-  const std::string_view text = behindCode(replyText);
+  const std::string_view text = afterCode(replyText);
   const auto open = text.find('"');
   std::string path;
   if (open == std::string_view::npos) {
@@ -137,7 +138,7 @@ std::optional<std::string> pwdPath(std::string_view replyText) {
       return path.empty() ? std::string("/") : path;
     }
   }
-  return std::nullopt;  // the closing quote never came
+  return std::nullopt;  // no closing quote
 }
 
 std::optional<std::int64_t> announcedSize(std::string_view replyText) {
@@ -156,7 +157,7 @@ std::optional<std::int64_t> announcedSize(std::string_view replyText) {
 }
 
 std::optional<std::int64_t> statedSize(const FtpReply& reply) {
-  std::string_view text = behindCode(reply.text);
+  std::string_view text = afterCode(reply.text);
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   std::int64_t size = 0;
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), size);
@@ -165,27 +166,27 @@ std::optional<std::int64_t> statedSize(const FtpReply& reply) {
   return size;
 }
 
-std::string saidBy(std::string_view speaker, const FtpReply& reply) {
-  return (speaker == kProxy ? "the proxy says " : "") + printableReply(reply.text, "");
+std::string describeReply(std::string_view peer, const FtpReply& reply) {
+  return (peer == kProxy ? "the proxy says " : "") + printableReply(reply.text, "");
 }
 
 std::string printableReply(std::string_view replyText, std::string_view secret) {
   std::string text(replyText);
   if (!secret.empty()) {
-    // A short secret is blotted out only where it stands as a word: the blots themselves would otherwise
-    // spell it ("230 User **gged **" for a password "lo").
+    // A short secret is masked only as a word of its own: masking it inside words would give it away ("230
+    // User **gged **" for a password "lo").
     const bool wordsOnly = secret.size() < 4;
-    constexpr std::string_view blot = "****";
+    constexpr std::string_view mask = "****";
     for (auto at = text.find(secret); at != std::string::npos; at = text.find(secret, at)) {
-      const auto behind = at + secret.size();
-      const bool word = (at == 0 || !isWordCharacter(text[at - 1])) &&
-                        (behind == text.size() || !isWordCharacter(text[behind]));
+      const auto end = at + secret.size();
+      const bool word =
+          (at == 0 || !isWordCharacter(text[at - 1])) && (end == text.size() || !isWordCharacter(text[end]));
       if (wordsOnly && !word) {
         ++at;
         continue;
       }
-      text.replace(at, secret.size(), blot);
-      at += blot.size();
+      text.replace(at, secret.size(), mask);
+      at += mask.size();
     }
   }
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -1,5 +1,5 @@
-// Replies of an FTP server: reading them from the control connection's bytes, and what is said in them.
-// RFC 959 §4.2 (replies), §4.2.1 (227), appendix II (257); RFC 2428 (229).
+// FTP replies: splitting the control connection's bytes into replies, and extracting what they contain. RFC
+// 959 §4.2 (replies), §4.2.1 (227), appendix II (257); RFC 2428 (229).
 #pragma once
 
 #include <cstddef>
@@ -13,13 +13,13 @@
 
 namespace quillmoor {
 
-/// Who talks on the other end of a control connection.
+/// Names of a control connection's peer in error messages.
 inline constexpr const char* kServer = "server";
 inline constexpr const char* kProxy = "proxy";
-/// Behind an FTP proxy: it passes on what the server says, and says some things itself.
+/// After an FTP proxy's login: it relays the server's replies and sends some of its own.
 inline constexpr const char* kServerOrProxy = "server, or the proxy before it,";
 
-/// A refusal that also carries the reply, for the progress event. Its number is the reply's code.
+/// An error that also carries the refusing reply, for the progress event. Its number is the reply's code.
 class FtpRefusal : public FtpError {
  public:
   FtpRefusal(const std::string& description, FtpReply reply)
@@ -30,52 +30,52 @@ class FtpRefusal : public FtpError {
   FtpReply reply_;
 };
 
-/// Cuts the bytes of a control connection into replies. Raises FtpError `tooLong` when a line passes
+/// Splits the bytes of a control connection into replies. Raises FtpError `tooLong` when a line exceeds
 /// kMaxLine or a reply kMaxReply bytes, `badReply` when a reply does not begin with three digits; the
-/// connection is of no use then.
+/// connection is then unusable.
 class FtpReplyReader {
  public:
   static constexpr std::size_t kMaxLine = 16 * 1024;
   static constexpr std::size_t kMaxReply = 256 * 1024;
 
-  /// Who is talking, for the errors.
-  std::string speaker = kServer;
+  /// The peer, for error messages.
+  std::string peer = kServer;
 
   void append(std::string_view bytes);
-  /// The next whole reply, preliminary ones included; nothing when more bytes are needed.
+  /// The next complete reply, preliminary ones included; nullopt when more bytes are needed.
   std::optional<FtpReply> next();
   void clear();
 
  private:
   std::string bytes_;
-  std::size_t at_ = 0;    // start of the first line not yet taken
+  std::size_t at_ = 0;    // start of the first unprocessed line
   std::size_t scan_ = 0;  // no line end before this
   std::string multiLineCode_;
   FtpReply reply_;
 };
 
-/// Port of a 229 reply: "(|||port|)", the delimiter being any character.
+/// Port of a 229 reply: "(|||port|)" with any character as delimiter.
 std::optional<std::uint16_t> epsvPort(std::string_view replyText);
 
-/// Port of a 227 reply: the last two of six numbers joined by commas, wherever they stand. The address is
-/// left alone on purpose: data connections go to the control connection's host and nowhere else.
+/// Port of a 227 reply: the last two of six comma-separated numbers, wherever they are in the text. The
+/// address is ignored on purpose: data connections go to the control connection's host only.
 std::optional<std::uint16_t> pasvPort(std::string_view replyText);
 
-/// Folder named by a 257 reply; nothing when there is none.
+/// Folder named by a 257 reply; nullopt when there is none.
 std::optional<std::string> pwdPath(std::string_view replyText);
 
-/// The size that a 150 reply mentions as "(N bytes)": the last one, for a file's name may hold another.
+/// The size that a 150 reply mentions as "(N bytes)": the last one, as a file name may contain another.
 std::optional<std::int64_t> announcedSize(std::string_view replyText);
 
-/// The size that a 213 reply to SIZE tells (RFC 3659 §4.2); nothing of any other reply.
+/// The size in a 213 reply to SIZE (RFC 3659 §4.2); nullopt for any other reply.
 std::optional<std::int64_t> statedSize(const FtpReply& reply);
 
-/// What a reply says, at the end of a sentence: "550 No such file" of a server, "the proxy says 530 No" of a
+/// The reply as the end of a sentence: "550 No such file" from a server, "the proxy says 530 No" from a
 /// proxy.
-std::string saidBy(std::string_view speaker, const FtpReply& reply);
+std::string describeReply(std::string_view peer, const FtpReply& reply);
 
-/// Reply text fit to be shown: control characters (see PrintableText) but CR LF between lines become "?", a
-/// tab a blank, and the secret, if any, is blotted out.
+/// Printable reply text: control characters (see PrintableText) except CR LF between lines become "?", tabs
+/// become spaces, and the secret, if any, is masked.
 std::string printableReply(std::string_view replyText, std::string_view secret);
 
 }  // namespace quillmoor

@@ -48,11 +48,11 @@ FtpProxy checkedProxy(std::int32_t type, const std::string& host, std::int32_t p
   if (type == static_cast<std::int32_t>(FtpProxyType::none)) return {};
   const auto refuse = [](const std::string& what) { throw FtpError(FtpErrorNumber::badArgument, what); };
   if (type < 0 || type > static_cast<std::int32_t>(FtpProxyType::pipe)) {
-    refuse("There is no proxy type " + std::to_string(type) + ".");
+    refuse("Unknown proxy type " + std::to_string(type) + ".");
   }
   if (host.empty()) refuse("The connection is to go through a proxy, but the proxy's host is missing.");
   if (port < 1 || port > 65535) {
-    refuse(std::to_string(port) + " is no port number for the proxy " + host + ".");
+    refuse(std::to_string(port) + " is not a valid port number for the proxy " + host + ".");
   }
   return {static_cast<FtpProxyType>(type), host, static_cast<std::uint16_t>(port), userName, password};
 }
@@ -65,8 +65,8 @@ std::optional<SocksRoute> connectControl(PumpedIo& io, FtpControl& control, cons
   }
   connectDirectly(io, control, {proxy.host, proxy.port}, true, timeout);
   if (proxy.type != FtpProxyType::socks4 && proxy.type != FtpProxyType::socks5) {
-    // Such a proxy answers some commands itself, PORT for one, and so before the server has answered those
-    // that were sent earlier.
+    // Such a proxy answers some commands itself, PORT for example, so possibly before the server has answered
+    // earlier ones.
     control.sendNothingAhead();
     return std::nullopt;
   }

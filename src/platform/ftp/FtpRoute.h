@@ -1,4 +1,4 @@
-// The way to an FTP server: straight to it, to an FTP proxy that stands before it, or through a SOCKS proxy.
+// The route to an FTP server: direct, to an FTP proxy in front of it, or through a SOCKS proxy.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@
 
 namespace quillmoor {
 
-/// As FtpClient's properties, which see.
+/// See FtpClient's proxy properties.
 struct FtpProxy {
   FtpProxyType type = FtpProxyType::none;
   std::string host;
@@ -19,20 +19,19 @@ struct FtpProxy {
   std::string userName, password;
 };
 
-/// Raises badArgument for a type that there is not, and where a proxy lacks its host or port.
+/// Raises badArgument for an unknown type, and for a proxy without host or port.
 FtpProxy checkedProxy(std::int32_t type, const std::string& host, std::int32_t port,
                       const std::string& userName, const std::string& password);
 
-/// The way of a session's connections through a SOCKS proxy, which is the machine at the other end of the
-/// control connection's socket.
+/// How a session's connections pass a SOCKS proxy, which is the peer of the control connection's socket.
 struct SocksRoute {
   SocksLogin login;
-  SocksAddress server;  // as the proxy was asked for it
+  SocksAddress server;  // as requested from the proxy
 };
 
-/// Makes the control connection. Each of its steps may take the time: to look up, to connect, to agree with a
-/// SOCKS proxy. Raises FtpError. Returns the way for the data connections where it is not simply to the
-/// control connection's other end.
+/// Establishes the control connection. Each step (resolving, connecting, negotiating with a SOCKS proxy) may
+/// take the timeout. Raises FtpError. Returns the route for data connections where they do not simply go to
+/// the control connection's peer.
 std::optional<SocksRoute> connectControl(PumpedIo& io, FtpControl& control, const SocksAddress& server,
                                          const FtpProxy& proxy, std::chrono::milliseconds timeout);
 

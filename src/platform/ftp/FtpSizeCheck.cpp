@@ -10,14 +10,14 @@ std::optional<std::int64_t> askSize(FtpControl& control, const std::string& path
     const std::string line = "SIZE " + path;
     auto size = statedSize(control.exchange(line, timeout));
     if (size || !control.asciiType()) return size;
-    // Many servers tell no size in the ASCII type: it would take them a look at every byte. The binary one
-    // bounds what has to come as well.
+    // Many servers refuse SIZE in ASCII type, as they would have to read every byte. The binary size is a
+    // lower bound for the bytes to receive.
     if (!control.exchange("TYPE I", timeout).completion()) return std::nullopt;
     size = statedSize(control.exchange(line, timeout));
     if (!control.exchange("TYPE A", timeout).completion()) control.close();
     return size;
   } catch (...) {
-    control.close();  // a reply that is still on its way would be taken for the next command's
+    control.close();  // a late reply would be taken for the next command's
     throw;
   }
 }
@@ -31,17 +31,16 @@ void RequireWholeFile(FtpControl& control, const FtpReceivedFile& file, millisec
   const bool unknown = !file.listed && (text || !file.announced);
   if (!notAsListed && !notAsAnnounced && !unknown) return;
 
-  // None to ask: the connection went down behind the last byte.
+  // Without a connection, which was lost after the last byte, nobody can be asked.
   const auto size = control.isOpen() ? askSize(control, file.remotePath, timeout) : std::nullopt;
-  if (unknown && !size && !notAsAnnounced) return;  // nothing speaks against the server's word
+  if (unknown && !size && !notAsAnnounced) return;  // nothing contradicts the server
   if (size && (text ? file.count >= *size : file.count == *size)) return;
   std::string claim;
   if (notAsListed) claim = "lists " + std::to_string(*file.listed) + " and ";
   if (!notAsListed && notAsAnnounced) claim = "announces " + std::to_string(*file.announced) + " and ";
   throw FtpError(FtpErrorNumber::incomplete,
-                 std::to_string(file.count) + " bytes have come, but the server " + claim +
-                     (size ? "says now that there are " + std::to_string(*size) : "does not tell the size") +
-                     ".");
+                 std::to_string(file.count) + " bytes were received, but the server " + claim +
+                     (size ? "now reports " + std::to_string(*size) : "reports no size") + ".");
 }
 
 }  // namespace quillmoor

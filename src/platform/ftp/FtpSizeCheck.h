@@ -1,4 +1,4 @@
-// Is a file that has come all of what the server has? Asked by SIZE (RFC 3659 §4) where sizes differ.
+// Checks that a received file is complete, by SIZE (RFC 3659 §4) where sizes differ.
 #pragma once
 
 #include <chrono>
@@ -10,20 +10,20 @@
 
 namespace quillmoor {
 
-/// A transfer that the server has confirmed, in the type that is still in force.
+/// A transfer that the server has confirmed; the transfer type must not have changed since.
 struct FtpReceivedFile {
   std::string remotePath;
-  std::int64_t count = 0;                 // bytes that came over the data connection
+  std::int64_t count = 0;                 // bytes received over the data connection
   std::optional<std::int64_t> listed;     // the size in the folder's listing
   std::optional<std::int64_t> announced;  // the size in the 150 reply
 };
 
-/// Raises FtpError `incomplete` for a file that may miss something. Sends nothing where the sizes raise no
-/// doubt: in binary transfers a listed size that is not the count or an announced one above it, in text
-/// transfers, which line ends make longer, a listed size above it. In doubt the server's answer to SIZE
-/// decides, and without one the file counts as incomplete. Where no size is known SIZE is asked as well, but
-/// a server that does not answer it is believed. The type is the same afterwards, or the control
-/// connection is closed; so it is where it fails or is aborted.
+/// Raises FtpError `incomplete` for a file that may be incomplete. Sends nothing when the sizes agree. They
+/// differ when, in a binary transfer, the listed size is not the count or the announced size is larger, or,
+/// in an ASCII transfer, which line ends make longer, the listed size is larger. Then the reply to SIZE
+/// decides; without one the file counts as incomplete. When no size is known SIZE is asked, too, but a server
+/// that does not answer it is trusted. Afterwards the transfer type is unchanged, or the control connection
+/// is closed, as after a failure or an abort.
 void RequireWholeFile(FtpControl& control, const FtpReceivedFile& file, std::chrono::milliseconds timeout);
 
 }  // namespace quillmoor

@@ -10,18 +10,18 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// How long the farewell to a transfer that was broken off may take before the connection is given up.
-constexpr milliseconds kFarewell{2000};
+// Grace period for a cancelled transfer to end before the connection is closed.
+constexpr milliseconds kGracePeriod{2000};
 constexpr milliseconds kProgressInterval{100};
 
-/// Carries what the sink raised past the handling of what the connections raise.
+/// Carries the sink's exception past the handlers for connection errors.
 struct SinkFailure {
   std::exception_ptr cause;
 };
 
 }  // namespace
 
-/// What is known of a transfer under way.
+/// State of a transfer in progress.
 struct FtpTransfer::Reception {
   std::optional<FtpReply> finalReply;
   std::optional<std::int64_t> announced;
@@ -33,7 +33,7 @@ struct FtpTransfer::Reception {
   steady_clock::time_point lastEvent = steady_clock::now();
   steady_clock::time_point lastProgress = lastEvent;
   steady_clock::time_point windowStart =
-      lastEvent;  // of the time in which at least a byte a second must come
+      lastEvent;  // start of the period for the minimum rate of a byte a second
   std::int64_t windowCount = 0;
 
   bool over() const {
@@ -76,7 +76,7 @@ FtpTransfer::Outcome FtpTransfer::run(const Order& order) {
     sent ? endInOrder(order.timeout) : control_.close();
     throw;
   } catch (const SinkFailure& failure) {
-    // Nothing is wrong with the session, but the server is still sending.
+    // The session is fine, but the server is still sending.
     endInOrder(order.timeout);
     std::rethrow_exception(failure.cause);
   }
@@ -88,26 +88,25 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
   wait(order, state);
   while (!state.over()) {
     bool moved = takeReplies(state);
-    data_.takeIncoming();
+    data_.acceptIncoming();
     if (data_.isOpen() && !state.dataEnded && !state.over()) moved |= readData(order, state);
     if (!moved && !state.over()) wait(order, state);
   }
 
-  const bool allThere = order.exactSize && !state.dataBroken && state.announced == state.count &&
+  const bool complete = order.exactSize && !state.dataBroken && state.announced == state.count &&
                         order.listedSize.value_or(state.count) == state.count;
   if (!state.finalReply) {
-    // A long transfer may outlive the control connection; the size says whether the file does not miss a
-    // byte.
+    // A long transfer may outlive the control connection; then the size shows whether the file is complete.
     control_.close();
-    if (!allThere) {
+    if (!complete) {
       throw FtpError(FtpErrorNumber::connectionLost,
                      "The connection was lost before the server had confirmed the transfer.");
     }
     return {{226, "226 Connection lost after the last byte."}, state.count, state.announced};
   }
   if (state.finalReply->code == 421) {
-    throw FtpError(421, "The " + control_.speaker() +
-                            " closed the session: " + printableReply(state.finalReply->text, ""));
+    throw FtpError(
+        421, "The " + control_.peer() + " closed the session: " + printableReply(state.finalReply->text, ""));
   }
   if (state.finalReply->completion() && state.dataBroken) {
     throw FtpError(FtpErrorNumber::incomplete, "The data connection broke before the end.");
@@ -117,7 +116,7 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
   return {*std::move(state.finalReply), state.count, state.announced};
 }
 
-/// Takes what the server says meanwhile. False when nothing has come.
+/// Reads the replies that have arrived. False when there were none.
 bool FtpTransfer::takeReplies(Reception& state) {
   bool any = false;
   try {
@@ -130,11 +129,10 @@ bool FtpTransfer::takeReplies(Reception& state) {
         state.finalReply = std::move(reply);
         break;
       }
-      // Only the first one buys time.
+      // Only the first one extends the deadline.
       if (state.preliminaries++ == 0) state.lastEvent = steady_clock::now();
       if (state.preliminaries == FtpControl::kMostReplies) {
-        throw FtpError(FtpErrorNumber::badReply,
-                       "The server sends replies that answer nothing, without end.");
+        throw FtpError(FtpErrorNumber::badReply, "The server keeps sending replies that answer no command.");
       }
       if (const auto size = announcedSize(reply->text)) state.announced = size;
     }
@@ -146,7 +144,7 @@ bool FtpTransfer::takeReplies(Reception& state) {
   return any;
 }
 
-/// Reads until nothing more has come or the server has ended. False when nothing has come.
+/// Reads the data that has arrived. False when there was none.
 bool FtpTransfer::readData(const Order& order, Reception& state) {
   data_.channel().consumeReadiness();
   bool any = false;
@@ -159,13 +157,14 @@ bool FtpTransfer::readData(const Order& order, Reception& state) {
     state.lastEvent = now;
     any = true;
     if (error) {
-      // Only an end in order is the end of a file (RFC 959 §3.4.1); a reset is not, whatever the reply says.
+      // Only a regular end of the connection is the end of a file (RFC 959 §3.4.1); a reset is not, whatever
+      // the reply says.
       state.dataBroken = error != asio::error::eof;
       data_.channel().close();
       state.dataEnded = true;
       return true;
     }
-    if (state.count == 0) state.windowStart = now;  // a late beginning is not a slow one
+    if (state.count == 0) state.windowStart = now;  // a late start does not count as slow
     state.count += static_cast<std::int64_t>(size);
     state.windowCount += static_cast<std::int64_t>(size);
     try {
@@ -196,26 +195,27 @@ void FtpTransfer::wait(const Order& order, Reception& state) {
   const auto arrived = [&] { return data_.ready() || (forReply && control_.channel().ready()); };
   if (io_.runUntil(arrived, state.lastEvent + order.timeout)) return;
   if (state.dataEnded) {
-    // The data are here; what misses is the server's word that they are all.
+    // All data has arrived; only the server's confirmation is missing.
     state.controlLost = true;
     return;
   }
-  if (data_.isOpen())
-    throw FtpError(FtpErrorNumber::timedOut, "Nothing came over the data connection in time.");
-  const std::string stranger =
-      data_.stranger().empty() ? "" : " Another machine, " + data_.stranger() + ", came and was turned away.";
-  throw FtpError(FtpErrorNumber::timedOut, "The server did not open the data connection in time." + stranger);
+  if (data_.isOpen()) throw FtpError(FtpErrorNumber::timedOut, "No data arrived in time.");
+  const std::string rejected =
+      data_.unexpectedPeer().empty()
+          ? ""
+          : " A connection from another machine, " + data_.unexpectedPeer() + ", was rejected.";
+  throw FtpError(FtpErrorNumber::timedOut, "The server did not open the data connection in time." + rejected);
 }
 
-/// Ends a transfer whose reply is outstanding (RFC 959 §4.1.3, ABOR). Servers answer it with 426 and 226,
-/// with 226 or 225 alone, or not at all, and the transfer's own reply may be on its way too: the answer to
-/// SYST, which has a code of its own, tells when all of them are in. Without it the connection is closed.
+/// Ends a transfer whose reply is outstanding (RFC 959 §4.1.3, ABOR). Servers answer ABOR with 426 and 226,
+/// with 226 or 225 alone, or not at all, and the transfer's own reply may still arrive: the reply to SYST,
+/// whose code is unique, shows when all of them have been read. Without it the connection is closed.
 void FtpTransfer::endInOrder(milliseconds timeout) {
-  const PumpedIo::Shield shield(io_);
+  const PumpedIo::AbortGuard guard(io_);
   try {
     control_.sendAbort();
-    data_.close();  // a server that is stuck in sending wakes up by this
-    const auto deadline = steady_clock::now() + std::min(timeout, kFarewell);
+    data_.close();  // unblocks a server that is stuck sending
+    const auto deadline = steady_clock::now() + std::min(timeout, kGracePeriod);
     for (int code = 0; code != 215;) {
       code = control_.readReply(deadline).code;
       if (code == 421) return control_.close();

@@ -1,4 +1,4 @@
-// The one transfer at a time that runs over a data connection (RFC 959 §3.3, §3.4).
+// A transfer over a data connection (RFC 959 §3.3, §3.4); one at a time.
 #pragma once
 
 #include <chrono>
@@ -17,18 +17,18 @@ class FtpTransfer {
  public:
   FtpTransfer(PumpedIo& io, FtpControl& control) : io_(io), control_(control), data_(io, control) {}
 
-  /// What a transfer does with what arrives. `data[-1]` may be written to. May raise; the transfer is then
-  /// ended in order and the exception passed on.
+  /// Receives the data of a transfer. `data[-1]` may be written to. May raise; the transfer is then ended
+  /// cleanly and the exception passed on.
   using Sink = std::function<void(char* data, std::size_t size)>;
-  /// Bytes received so far and the size the server mentioned (0: none); several times a second.
+  /// Bytes received so far and the size that the server announced (0: none); called several times a second.
   using Progress = std::function<void(std::int64_t count, std::int64_t size)>;
 
   struct Order {
     std::string command;  // "RETR name", "LIST"
     std::chrono::milliseconds timeout;
     std::string dataPortRange;  // as FtpClient::dataPortRange
-    /// Where the sizes of the server are numbers of bytes to come, which they are not in ASCII transfers,
-    /// they stand in for its confirmation when the control connection is lost behind the last byte.
+    /// Whether the server's sizes count the bytes to receive, which they do not in ASCII transfers. If so,
+    /// they replace its confirmation when the control connection is lost after the last byte.
     bool exactSize = false;
     std::optional<std::int64_t> listedSize;
     Sink sink;
@@ -37,19 +37,19 @@ class FtpTransfer {
   struct Outcome {
     FtpReply reply;  // final; a refusal too
     std::int64_t count = 0;
-    std::optional<std::int64_t> announced;  // the size that a preliminary reply mentioned
+    std::optional<std::int64_t> announced;  // the size in a preliminary reply
   };
 
   void reset(bool passive, const std::optional<SocksRoute>& socks = std::nullopt) {
     data_.reset(passive, socks);
   }
 
-  /// Opens the data connection, sends the command and receives. Afterwards the control connection is either
-  /// in order or closed; the exception tells what went wrong.
+  /// Opens the data connection, sends the command and receives the data. Afterwards the control connection is
+  /// either usable or closed; the exception says what went wrong.
   Outcome run(const Order& order);
 
-  /// The command line that will ask for the next data connection: what to send ahead. Active: opens the
-  /// port it names. Nothing where that takes a conversation with a proxy.
+  /// The command line that requests the next data connection, to be sent ahead. In active mode, opens the
+  /// port that it names. Nullopt where that needs a dialogue with a proxy.
   std::optional<std::string> requestAhead(const std::string& dataPortRange) {
     return data_.requestAhead(dataPortRange);
   }

@@ -18,7 +18,7 @@ bool isNumber(std::string_view word) {
 /// The lines of a reply without their codes.
 std::vector<std::string_view> linesOf(std::string_view text) {
   std::string_view code = text.substr(0, 3);
-  if (!isNumber(code)) code = {};  // of a text that is no reply
+  if (!isNumber(code)) code = {};  // the text is not a reply
   std::vector<std::string_view> lines;
   while (!text.empty()) {
     const auto end = std::min(text.find("\r\n"), text.size());
@@ -30,10 +30,10 @@ std::vector<std::string_view> linesOf(std::string_view text) {
   return lines;
 }
 
-/// In small letters, without what stands in quotes and the marks around a word.
+/// The words in lower case, without quoted text and punctuation around them.
 std::vector<std::string> wordsOf(std::string_view line) {
-  // A point that begins a word may be part of a name (".htaccess"), one that ends it is not.
-  constexpr std::string_view kBefore = "([{<:,\t", kBehind = ")]}>.,;:!\t\r";
+  // A leading dot may be part of a name (".htaccess"), a trailing one is not.
+  constexpr std::string_view kBefore = "([{<:,\t", kAfter = ")]}>.,;:!\t\r";
   std::string plain;
   for (std::size_t i = 0; i < line.size(); ++i) {
     const char c = line[i];
@@ -51,7 +51,7 @@ std::vector<std::string> wordsOf(std::string_view line) {
     std::string_view word = std::string_view(plain).substr(at, end - at);
     at = end + 1;
     word.remove_prefix(std::min(word.find_first_not_of(kBefore), word.size()));
-    while (word.size() > 1 && kBehind.find(word.back()) != std::string_view::npos) word.remove_suffix(1);
+    while (word.size() > 1 && kAfter.find(word.back()) != std::string_view::npos) word.remove_suffix(1);
     if (!word.empty()) words.emplace_back(word);
   }
   return words;
@@ -75,7 +75,7 @@ bool isAt(const Words& words, std::size_t at, std::initializer_list<std::string_
   return at < words.size() && isOneOf(words[at], wanted);
 }
 
-/// Whether one of the three words before this one passes.
+/// Whether one of the three words before this one satisfies `test`.
 template <class Test>
 bool anyBefore(const Words& words, std::size_t at, Test test) {
   const auto here = words.begin() + static_cast<std::ptrdiff_t>(at);
@@ -86,7 +86,7 @@ bool isDenial(std::string_view word) {
   return isOneOf(word, {"not", "no", "never", "none", "without", "0", "isn't", "wasn't"});
 }
 
-/// "truncated", and the same in French, Italian, Spanish and Portuguese; not where that is denied.
+/// "truncated", and the same in French, Italian, Spanish and Portuguese; not where it is negated.
 bool saysTruncated(const Words& words, std::size_t at) {
   const std::string_view word = words[at];
   const bool stem = word.starts_with("truncat") || word.starts_with("tronqu") ||
@@ -94,7 +94,7 @@ bool saysTruncated(const Words& words, std::size_t at) {
   return stem && !isAt(words, at + 1, {"no", "0", "none", "false"}) && !anyBefore(words, at, isDenial);
 }
 
-/// "limited to 100 matches", "listing limited to 100"; but rates and quotas are limited as well.
+/// "limited to 100 matches", "listing limited to 100"; but rates and quotas are limited, too.
 bool saysLimited(const Words& words, std::size_t at) {
   if (!isAt(words, at, {"limited", "restricted"}) || !isAt(words, at + 1, {"to"})) return false;
   std::size_t number = at + 2;
@@ -116,7 +116,7 @@ bool saysNotAll(const Words& words, std::size_t at) {
     return at + 2 < words.size() && isListed(words[at + 2]);
   if (!isAt(words, at, {"limit", "maximum"}) || anyBefore(words, at, isDenial)) return false;
   if (std::any_of(words.begin(), words.end(), [](const auto& word) { return isOneOf(word, {"quota"}); }))
-    return false;  // of what may be stored, or fetched
+    return false;  // a limit on storing or fetching
   for (std::size_t i = at; i < words.size(); ++i) {
     if (isAt(words, i, {"reached", "exceeded"})) return !anyBefore(words, i, isDenial);
   }
@@ -145,11 +145,11 @@ bool saysFolderIsEmpty(const FtpReply& reply) {
 }
 
 bool saysNoFiles(std::string_view text) {
-  constexpr std::size_t kLongest = 1000;  // bytes; a listing may come here
+  constexpr std::size_t kLongest = 1000;  // bytes; the text may be a listing
   if (text.size() > kLongest) return false;
   std::vector<std::string> words;
   for (std::string_view line : linesOf(text)) {
-    // "/my docs: No files found": a name that may hold blanks.
+    // "/my docs: No files found": the name may contain spaces.
     const auto colon = line.find(": ");
     if (colon != std::string_view::npos && colon > 0 && isName(line.substr(0, 1))) line.remove_prefix(colon);
     for (std::string& word : wordsOf(line)) {

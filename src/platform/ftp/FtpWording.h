@@ -1,4 +1,4 @@
-// What servers say about a listing in words of their own, which no reply code tells.
+// Recognises what servers say about a listing in free text, without a reply code of its own.
 #pragma once
 
 #include <string>
@@ -8,16 +8,15 @@
 
 namespace quillmoor {
 
-/// The line, without its code, in which the reply to LIST says that the listing does not hold all there is
-/// ("Output truncated to 2000 matches"); "" where it says nothing of the kind.
+/// Returns the line, without its code, in which the reply to LIST says that the listing is incomplete
+/// ("Output truncated to 2000 matches"); "" when there is none.
 std::string listingCut(std::string_view replyText);
 
-/// Whether a server refuses to list a folder only because nothing is in it ("550 No files found"). A refusal
-/// that says more ("Permission denied: no files visible") is none of an empty folder; a path or pattern may
-/// be named.
+/// Whether a server refused to list a folder only because it is empty ("550 No files found"). A path or
+/// pattern may be named; a refusal that says more ("Permission denied: no files visible") does not count.
 bool saysFolderIsEmpty(const FtpReply& reply);
 
-/// The same of a text alone, such as a listing that says it in place of listing nothing.
+/// The same for text alone, such as a listing that says so instead of being empty.
 bool saysNoFiles(std::string_view text);
 
 }  // namespace quillmoor

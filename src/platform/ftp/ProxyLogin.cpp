@@ -8,14 +8,14 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// What a login consists of. `none` fills the table up.
+/// The steps of a login. `none` pads the table.
 enum class Step {
   none,
   proxyLogin,  // USER and PASS of the proxy
   site,        // SITE host
   open,        // OPEN host
   login,       // USER and PASS of the server
-  loginAt      // USER user@host, which the proxy reads, and PASS of the server
+  loginAt      // USER user@host, interpreted by the proxy, and PASS of the server
 };
 
 struct Style {
@@ -31,15 +31,15 @@ constexpr std::array<Style, 8> kStyles = {{
     {FtpProxyType::userLogon, kProxy, {Step::proxyLogin, Step::loginAt}},
     {FtpProxyType::userNoLogon, kProxy, {Step::loginAt}},
     {FtpProxyType::open, kProxy, {Step::proxyLogin, Step::open, Step::login}},
-    // The proxy has led to the server before a word was said.
+    // The proxy has connected to the server before the first reply.
     {FtpProxyType::pipe, kServer, {Step::login}},
 }};
 
-// A server's greeting may arrive behind the proxy's answer; so many may.
+// A server's greeting may arrive after the proxy's reply; at most so many.
 constexpr int kMostGreetings = 3;
 constexpr std::uint16_t kFtpPort = 21;
 
-/// RFC 959 §5.4: with these a server refuses USER, PASS or ACCT.
+/// RFC 959 §5.4: the codes with which a server refuses USER, PASS or ACCT.
 constexpr std::array<int, 5> kLoginRefusals = {421, 500, 501, 503, 530};
 
 class Login {
@@ -51,19 +51,19 @@ class Login {
   FtpReply run() {
     const Style& style = *std::find_if(kStyles.begin(), kStyles.end(),
                                        [&](const Style& entry) { return entry.proxy == login_.proxy.type; });
-    control_.setSpeaker(style.greeter);
+    control_.setPeer(style.greeter);
     greetedByProxy_ = style.greeter == kProxy;
-    takeGreeting();
+    readGreeting();
     FtpReply reply;
     for (const Step step : style.steps) {
-      if (step != Step::none) reply = take(step);
+      if (step != Step::none) reply = perform(step);
     }
-    if (greetedByProxy_) control_.setSpeaker(kServerOrProxy);
+    if (greetedByProxy_) control_.setPeer(kServerOrProxy);
     return reply;
   }
 
  private:
-  FtpReply take(Step step) {
+  FtpReply perform(Step step) {
     switch (step) {
       case Step::none:
         break;
@@ -72,12 +72,12 @@ class Login {
         show_(userAndPassword(login_.proxy.userName, login_.proxy.password, kProxy, kProxy));
         break;
       }
-      // As the classic client's OPEN: the port behind a blank.
+      // As in the classic client's OPEN, the port follows a space.
       case Step::site:
-        askForServer("SITE " + login_.server.host + port(" "));
+        requestServer("SITE " + login_.server.host + port(" "));
         break;
       case Step::open:
-        askForServer("OPEN " + login_.server.host + port(" "));
+        requestServer("OPEN " + login_.server.host + port(" "));
         break;
       case Step::login:
         return userAndPassword(login_.userName, login_.password, kServer, kServer);
@@ -87,18 +87,18 @@ class Login {
     return {};
   }
 
-  void takeGreeting() {
+  void readGreeting() {
     const auto deadline = std::chrono::steady_clock::now() + timeout_;
     FtpReply reply = control_.readReply(deadline);
     while (reply.preliminary()) {  // 120: ready in so many minutes
       show_(reply);
       reply = control_.readReply(deadline);
     }
-    if (!reply.completion()) refuse("does not want to talk", reply);
+    if (!reply.completion()) refuse("refused the connection", reply);
     show_(reply);
   }
 
-  void askForServer(const std::string& line) {
+  void requestServer(const std::string& line) {
     const FtpReply reply = control_.exchange(line, timeout_);
     if (reply.refusal()) {
       refuse("did not connect to " + login_.server.host + " (" + line.substr(0, line.find(' ')) + ")", reply);
@@ -106,19 +106,19 @@ class Login {
     show_(reply);
   }
 
-  /// USER, then PASS and ACCT as far as they are asked for, with who answers the first and the rest.
+  /// USER, then PASS and ACCT if asked for. `first` answers USER, `rest` the others.
   FtpReply userAndPassword(const std::string& userName, const std::string& password, const char* first,
                            const char* rest) {
-    control_.setSpeaker(first);
+    control_.setPeer(first);
     FtpReply reply = control_.exchange("USER " + userName, timeout_);
-    // No answer to USER, but the greeting of the server that the proxy has reached meanwhile.
+    // Not the reply to USER, but the greeting of the server that the proxy has connected to meanwhile.
     for (int passed = 0; greetedByProxy_ && reply.code == 220 && passed < kMostGreetings; ++passed) {
       show_(reply);
       reply = control_.readFinalReply(std::chrono::steady_clock::now() + timeout_);
     }
     if (reply.refusal()) refuse("refused the user name", reply);
     if (greetedByProxy_ && reply.code == 220) refuse("did not answer the user name", reply);
-    control_.setSpeaker(rest);
+    control_.setPeer(rest);
     if (reply.code == 331) reply = answered("PASS " + password, "the password");
     if (reply.code == 332) {
       if (login_.account.empty()) {
@@ -138,13 +138,13 @@ class Login {
   }
 
   [[noreturn]] void refuse(const std::string& what, const FtpReply& reply) {
-    // A proxy that cannot go on may answer in the server's place, by 425 or 550 for example; but servers are
-    // known to use these as well.
+    // A proxy that fails may reply in the server's place, with 425 or 550 for example; but some servers use
+    // these, too.
     const bool loginRefusal =
         std::find(kLoginRefusals.begin(), kLoginRefusals.end(), reply.code) != kLoginRefusals.end();
-    if (greetedByProxy_ && control_.speaker() == kServer && reply.refusal() && !loginRefusal)
-      control_.setSpeaker(kServerOrProxy);
-    throw FtpRefusal("The " + control_.speaker() + " " + what + ": " + saidBy(control_.speaker(), reply),
+    if (greetedByProxy_ && control_.peer() == kServer && reply.refusal() && !loginRefusal)
+      control_.setPeer(kServerOrProxy);
+    throw FtpRefusal("The " + control_.peer() + " " + what + ": " + describeReply(control_.peer(), reply),
                      reply);
   }
 
@@ -152,7 +152,7 @@ class Login {
     return login_.server.port == kFtpPort ? "" : separator + std::to_string(login_.server.port);
   }
 
-  /// An IPv6 address in brackets: its colons would be taken for the port's.
+  /// An IPv6 address is put in brackets: its colons would be taken for the port's.
   std::string hostAndPort() const {
     const bool brackets = login_.server.host.find(':') != std::string::npos;
     return (brackets ? "[" + login_.server.host + "]" : login_.server.host) + port(":");

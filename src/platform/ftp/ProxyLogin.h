@@ -1,8 +1,8 @@
-// Logging in at an FTP server, straight or through an FTP proxy that stands before it: which commands, in
-// which order, and whose answers they get.
+// Logs in at an FTP server, directly or through an FTP proxy in front of it: which commands, in which order,
+// and who answers them.
 //
-// RFC 959 §5.4 (login sequence). The ways of the proxies are custom and stand in no standard; RFC 1919 tells
-// of such proxies in general.
+// RFC 959 §5.4 (login sequence). The proxies' login methods are conventions without a standard; RFC 1919
+// describes such proxies in general.
 #pragma once
 
 #include <chrono>
@@ -16,13 +16,13 @@ namespace quillmoor {
 struct FtpLogin {
   SocksAddress server;
   std::string userName, password, account;
-  /// An empty user name leaves the login at the proxy out.
+  /// An empty user name skips the login at the proxy.
   FtpProxy proxy;
 };
 
-/// Takes the greeting and logs in over a control connection that has just been made, to the proxy where the
-/// type is one that an FTP proxy speaks. Returns the server's last reply; the ones before go to `show`.
-/// Raises FtpRefusal, and what FtpControl raises; a proxy's refusal is told as the proxy's.
+/// Reads the greeting and logs in over a new control connection, which leads to the proxy if it is an FTP
+/// proxy. Returns the server's last reply; earlier ones go to `show`. Raises FtpRefusal, and FtpControl's
+/// errors; the message says when a proxy refused.
 FtpReply logInAtServer(FtpControl& control, const FtpLogin& login, std::chrono::milliseconds timeout,
                        const std::function<void(const FtpReply&)>& show);
 

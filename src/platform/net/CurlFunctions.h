@@ -1,4 +1,4 @@
-// The functions of libcurl that a web request is made with.
+// The functions of libcurl that web requests use.
 #pragma once
 
 #include <curl/curl.h>
@@ -24,9 +24,9 @@ struct CurlFunctions {
   decltype(&curl_url_set) setUrl;
 };
 
-/// Ready for use. Where the library is one of the system's it is loaded with the first call: most backups
-/// call no address, and it brings two dozen others along, which would lie in memory for as long as the
-/// program waits for its hour. Raises std::runtime_error when it cannot be had.
+/// The initialised library. A system library is loaded by the first call: most backups make no web request,
+/// and it brings two dozen others along, which would stay in memory while the program waits for its hour.
+/// Raises std::runtime_error when it cannot be loaded.
 const CurlFunctions& Curl();
 
 }  // namespace quillmoor

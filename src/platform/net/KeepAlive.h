@@ -1,4 +1,4 @@
-// TCP keep-alive: probes over a connection that is silent for long.
+// TCP keep-alive: probes on an idle connection.
 #pragma once
 
 #include <chrono>
@@ -6,9 +6,9 @@
 
 namespace quillmoor {
 
-/// Has the system probe the connection after so much silence, and as often again while nobody answers; its
-/// own default is hours, when firewalls have long forgotten the connection. `socket` is the system's handle
-/// of a TCP socket. False where the system refuses; the socket is as usable as before.
+/// Makes the system probe the connection after `interval` without traffic, and again at that interval until
+/// there is an answer; the default is hours, after which firewalls have dropped the connection. `socket` is
+/// the system's handle of a TCP socket. False when the system refuses; the socket is usable all the same.
 bool KeepConnectionAlive(std::uintptr_t socket, std::chrono::seconds interval);
 
 }  // namespace quillmoor

@@ -1,4 +1,4 @@
-// A conversation with another machine that failed, in terms of the network and of no client's protocol.
+// The error of a failed network exchange, independent of the client's protocol.
 #pragma once
 
 #include <stdexcept>
@@ -7,11 +7,11 @@
 namespace quillmoor {
 
 enum class NetFailure {
-  badArgument,  // a request cannot be made of what was given; nothing was sent
+  badArgument,  // no request can be built from the arguments; nothing was sent
   badReply,     // the peer does not speak the protocol
   connectFailed,
   connectionLost,
-  refused,  // by the peer, which says why
+  refused,  // by the peer, with its reason
   timedOut
 };
 

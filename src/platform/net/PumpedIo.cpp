@@ -9,7 +9,7 @@
 namespace quillmoor {
 namespace {
 
-/// Shared with the resolver's thread, which may outlast whoever asked.
+/// Shared with the resolver's thread, which may outlive the caller.
 struct Lookup {
   std::mutex mutex;
   std::condition_variable changed;
@@ -82,8 +82,9 @@ asio::error_code writeAll(PumpedIo& io, TcpChannel& channel, std::string_view by
 asio::error_code readSome(PumpedIo& io, TcpChannel& channel, char* bytes, std::size_t most, std::size_t& size,
                           Deadline deadline) {
   for (;;) {
-    // Drops are no reason to forget the pump or the time.
-    const auto now = std::chrono::steady_clock::now();  // the pump may take longer than there is left
+    // Data that trickles in must not bypass the pump or the deadline.
+    const auto now =
+        std::chrono::steady_clock::now();  // before the pump, which may take longer than the time left
     io.pumpIfDue(now);
     if (now >= deadline) return asio::error::timed_out;
     asio::error_code error;

@@ -1,7 +1,7 @@
-// Waiting on sockets on one thread while the pump runs: the loop under every blocking network operation.
+// Single-threaded waiting on sockets while the pump runs: the loop under every blocking network operation.
 #pragma once
 
-// Asio asks what the standard library offers, so a header of that has to stand before it, everywhere alike.
+// Asio tests for features of the standard library, so a standard header must precede it, everywhere alike.
 #include <array>
 #include <asio.hpp>
 #include <chrono>
@@ -18,7 +18,7 @@ namespace quillmoor {
 
 using Deadline = std::chrono::steady_clock::time_point;
 
-/// Memory for the one handler that a channel has under way, so that waiting allocates nothing.
+/// Memory for a channel's pending handler, so that waiting allocates nothing.
 class HandlerSlot {
  public:
   void* allocate(std::size_t size) {
@@ -56,20 +56,20 @@ struct SlotAllocator {
   }
 };
 
-/// Thrown out of a wait after `PumpedIo::requestAbort`.
+/// Thrown by waits after `PumpedIo::requestAbort`.
 struct Aborted {};
 
-/// The loop. Owns the Asio context; a channel (below) must not outlive it.
+/// The event loop. Owns the Asio context; a channel (below) must not outlive it.
 class PumpedIo {
  public:
   using Executor = asio::io_context::executor_type;
 
-  /// `pump` is looked at anew for every call, so it may be set later or changed.
+  /// `pump` is read at every call, so it may be set or changed later.
   explicit PumpedIo(const Pump& pump) : pump_(pump) {}
 
   asio::io_context& context() { return context_; }
 
-  /// Runs handlers until `done()`; false when the deadline came first. Pumps meanwhile. Raises Aborted.
+  /// Runs handlers until `done()`, pumping meanwhile; false when the deadline passed first. Raises Aborted.
   template <class Done>
   bool runUntil(Done done, Deadline deadline) {
     for (;;) {
@@ -83,25 +83,25 @@ class PumpedIo {
     }
   }
 
-  /// Calls the pump if it has not been called for half the interval. Raises Aborted.
+  /// Calls the pump if the last call was at least half the interval ago. Raises Aborted.
   void pumpIfDue(Deadline now = std::chrono::steady_clock::now()) {
     if (now - lastPump_ >= kSlice) {
       lastPump_ = now;
       if (pump_) pump_();
     }
-    if (abortRequested_ && !shielded_) throw Aborted{};
+    if (abortRequested_ && !abortGuarded_) throw Aborted{};
   }
 
   void requestAbort() { abortRequested_ = true; }
   void clearAbort() { abortRequested_ = false; }
 
-  /// While one of these lives an abort is remembered but not raised: for the farewell to an aborted transfer.
-  class Shield {
+  /// While one exists, an abort is recorded but not raised: for ending an aborted transfer cleanly.
+  class AbortGuard {
    public:
-    explicit Shield(PumpedIo& io) : io_(io), before_(std::exchange(io.shielded_, true)) {}
-    ~Shield() { io_.shielded_ = before_; }
-    Shield(const Shield&) = delete;
-    Shield& operator=(const Shield&) = delete;
+    explicit AbortGuard(PumpedIo& io) : io_(io), before_(std::exchange(io.abortGuarded_, true)) {}
+    ~AbortGuard() { io_.abortGuarded_ = before_; }
+    AbortGuard(const AbortGuard&) = delete;
+    AbortGuard& operator=(const AbortGuard&) = delete;
 
    private:
     PumpedIo& io_;
@@ -115,11 +115,11 @@ class PumpedIo {
   asio::io_context context_{ASIO_CONCURRENCY_HINT_UNSAFE};
   Deadline lastPump_{};
   bool abortRequested_ = false;
-  bool shielded_ = false;
+  bool abortGuarded_ = false;
 };
 
-/// A socket or an acceptor whose readiness can be waited for beside others. `arm` starts watching, `ready`
-/// tells that something has come since; reading is the owner's business.
+/// A socket or an acceptor whose readiness can be awaited together with others. `arm` starts watching,
+/// `ready` reports that something has arrived since; the owner reads it.
 template <class Socket>
 class Channel {
  public:
@@ -141,7 +141,7 @@ class Channel {
   void close() {
     asio::error_code ignored;
     socket.close(ignored);
-    // The cancelled handler points here, so it must run before this object can go or be used again.
+    // The cancelled handler refers to this object, so it must run before the object is destroyed or reused.
     while (armed_) {
       io_.context().restart();
       io_.context().poll();
@@ -149,7 +149,7 @@ class Channel {
     ready_ = false;
   }
 
-  /// Memory for a handler other than the readiness one (a connect).
+  /// Memory for the pending handler: the readiness one, or a connect.
   HandlerSlot slot;
 
  private:
@@ -173,8 +173,8 @@ using TcpAcceptor = asio::basic_socket_acceptor<asio::ip::tcp, PumpedIo::Executo
 using TcpChannel = Channel<TcpSocket>;
 using ListenChannel = Channel<TcpAcceptor>;
 
-/// Runs one asynchronous operation of a channel's socket to its end. `initiate` starts it with the handler it
-/// is given. Returns the operation's error; asio::error::timed_out at the deadline, when it is cancelled.
+/// Runs one asynchronous operation of a channel's socket to completion. `initiate` starts it with the handler
+/// passed. Returns the operation's error; asio::error::timed_out when the deadline cancelled it.
 template <class Socket, class Initiate>
 asio::error_code runToEnd(PumpedIo& io, Channel<Socket>& channel, Deadline deadline, Initiate initiate) {
   struct Outcome {
@@ -188,12 +188,12 @@ asio::error_code runToEnd(PumpedIo& io, Channel<Socket>& channel, Deadline deadl
     allocator_type get_allocator() const { return allocator_type(*slot); }
     void operator()(const asio::error_code& error) const { *outcome = {true, error}; }
   };
-  // The handler writes into this frame, so it has to have run before the frame is left in whatever way.
-  struct Settle {
+  // The handler writes into this stack frame, so it must have run before the frame is left in any way.
+  struct Drain {
     PumpedIo& io;
     Channel<Socket>& channel;
     const Outcome& outcome;
-    ~Settle() {
+    ~Drain() {
       asio::error_code ignored;
       if (!outcome.done) channel.socket.cancel(ignored);
       while (!outcome.done) {
@@ -202,27 +202,28 @@ asio::error_code runToEnd(PumpedIo& io, Channel<Socket>& channel, Deadline deadl
       }
     }
   };
-  const Settle settle{io, channel, outcome};
+  const Drain drain{io, channel, outcome};
   initiate(Handler{&channel.slot, &outcome});
   if (!io.runUntil([&] { return outcome.done; }, deadline)) return asio::error::timed_out;
   return outcome.error;
 }
 
-/// Addresses of a host, in the system's order of preference. Runs the system's resolver aside, so that an
-/// answer that never comes costs no more than the deadline; the thread left behind ends by itself.
+/// Addresses of a host, in the system's order of preference. Runs the system's resolver on a thread of its
+/// own, so that a missing answer costs no more than the deadline; a thread still waiting then ends by itself.
 /// Raises std::system_error; asio::error::timed_out at the deadline.
 std::vector<asio::ip::tcp::endpoint> resolveHost(PumpedIo& io, const std::string& host, std::uint16_t port,
                                                  Deadline deadline);
 
-/// Connects, non-blocking afterwards. The error tells why not; asio::error::timed_out at the deadline.
+/// Connects; the socket is non-blocking afterwards. Returns the error; asio::error::timed_out at the
+/// deadline.
 asio::error_code connectTo(PumpedIo& io, TcpChannel& channel, const asio::ip::tcp::endpoint& endpoint,
                            Deadline deadline);
 
-/// Sends all of the bytes. The error tells why not; asio::error::timed_out at the deadline.
+/// Sends all bytes. Returns the error; asio::error::timed_out at the deadline.
 asio::error_code writeAll(PumpedIo& io, TcpChannel& channel, std::string_view bytes, Deadline deadline);
 
-/// Waits until something has come and reads at most `most` bytes of it into `bytes`; `size` tells how many.
-/// The error tells why none came: asio::error::eof at the end, asio::error::timed_out at the deadline.
+/// Waits for data and reads at most `most` bytes of it into `bytes`; `size` returns how many. Returns the
+/// error: asio::error::eof at the end, asio::error::timed_out at the deadline.
 asio::error_code readSome(PumpedIo& io, TcpChannel& channel, char* bytes, std::size_t most, std::size_t& size,
                           Deadline deadline);
 

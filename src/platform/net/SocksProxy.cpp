@@ -14,12 +14,12 @@ enum class AddressType : std::uint8_t { ipv4 = 1, name = 3, ipv6 = 4 };
 
 struct Meaning {
   std::uint8_t code;
-  const char* words;  // "the proxy says that ..."
+  const char* words;  // follows "the proxy says that"
 };
 constexpr std::uint8_t kGranted4 = 0x5A;
 constexpr std::array<Meaning, 3> kRefusals4 = {{
     {0x5B, "it rejects the request or could not fulfil it"},
-    {0x5C, "it cannot ask this computer who its user is (ident)"},
+    {0x5C, "it cannot ask this computer for its user (ident)"},
     {0x5D, "this computer names another user than the profile (ident)"},
 }};
 constexpr std::array<Meaning, 8> kRefusals5 = {{
@@ -28,9 +28,9 @@ constexpr std::array<Meaning, 8> kRefusals5 = {{
     {3, "the network cannot be reached"},
     {4, "the host cannot be reached or is not known"},
     {5, "the host refuses the connection"},
-    {6, "the way to the host is too long (TTL expired)"},
-    {7, "it does not know this kind of request"},
-    {8, "it does not know this kind of address"},
+    {6, "the route to the host is too long (TTL expired)"},
+    {7, "it does not support this kind of request"},
+    {8, "it does not support this kind of address"},
 }};
 
 template <std::size_t N>
@@ -82,20 +82,20 @@ void appendCounted(std::string& message, const std::string& text, const char* wh
 
 void appendTerminated(std::string& message, const std::string& text, const char* what) {
   if (text.find('\0') != std::string::npos) {
-    throw NetError(NetFailure::badArgument, std::string("the ") + what + " holds a zero byte");
+    throw NetError(NetFailure::badArgument, std::string("the ") + what + " contains a zero byte");
   }
   message += checked(text, what);
   message += '\0';
 }
 
-/// 4a: an address 0.0.0.x that cannot be says that the name stands behind the user.
+/// SOCKS 4a: the invalid address 0.0.0.x means that the host name follows the user name.
 std::string request4(SocksCommand command, const SocksLogin& login, const SocksAddress& target) {
   std::string message = {'\x04', static_cast<char>(command)};
   appendPort(message, target.port);
   asio::error_code isName;
   const auto address = asio::ip::make_address(target.host, isName);
   if (!isName && address.is_v6()) {
-    throw NetError(NetFailure::badArgument, "a SOCKS 4 proxy knows no IPv6 addresses");
+    throw NetError(NetFailure::badArgument, "a SOCKS 4 proxy does not support IPv6 addresses");
   }
   appendBytes(message, isName ? asio::ip::address_v4::bytes_type{{0, 0, 0, 1}} : address.to_v4().to_bytes());
   appendTerminated(message, login.userName, "proxy's user name");
@@ -124,10 +124,10 @@ std::string request5(SocksCommand command, const SocksAddress& target) {
 
 [[noreturn]] void raiseNoProxy(SocksVersion version) {
   throw NetError(NetFailure::badReply,
-                 "what answers is no SOCKS " + std::to_string(static_cast<int>(version)) + " proxy");
+                 "the other end is not a SOCKS " + std::to_string(static_cast<int>(version)) + " proxy");
 }
 
-// Lengths of what stands before and behind the address of a reply.
+// Lengths of the parts before and after the address of a reply.
 constexpr std::size_t kReply4 = 8, kHead5 = 4, kPort = 2;
 
 }  // namespace
@@ -156,7 +156,7 @@ std::size_t socksReplyLength(SocksVersion version, std::string_view begun) {
   }
   if (!begun.empty() && begun[0] != '\x05') raiseNoProxy(version);
   if (begun.size() < 2) return 2;
-  if (begun[1] != 0) return begun.size();  // some proxies close behind the code of a refusal
+  if (begun[1] != 0) return begun.size();  // some proxies close the connection after a refusal's code
   if (begun.size() <= kHead5) return kHead5 + 1;
   switch (static_cast<AddressType>(begun[3])) {
     case AddressType::ipv4:
@@ -193,15 +193,15 @@ SocksAddress socksReplyAddress(SocksVersion version, std::string_view reply) {
 
 namespace {
 
-/// One conversation: what is said is sent whole, what is answered is read to the byte and no further.
+/// One dialogue: messages are sent whole, replies read up to their last byte and no further.
 class Conversation {
  public:
   Conversation(PumpedIo& io, TcpChannel& channel, Deadline deadline)
       : io_(io), channel_(channel), deadline_(deadline) {}
 
-  void say(const std::string& message) { check(writeAll(io_, channel_, message, deadline_)); }
+  void send(const std::string& message) { check(writeAll(io_, channel_, message, deadline_)); }
 
-  /// Two bytes, of which the first has to be `first`; returns the second.
+  /// Reads two bytes, the first of which must be `first`; returns the second.
   char shortAnswer(char first) {
     const std::string answer = read([=](std::string_view begun) {
       if (!begun.empty() && begun[0] != first) raiseNoProxy(SocksVersion::v5);
@@ -246,16 +246,17 @@ class Conversation {
 /// RFC 1928 §3, RFC 1929 §2.
 void logInAtProxy(Conversation& proxy, const SocksLogin& login) {
   if (login.version == SocksVersion::v4) return;
-  proxy.say(socksGreeting(login));
+  proxy.send(socksGreeting(login));
   const char method = proxy.shortAnswer('\x05');
   if (method == kNoLogin) return;
   if (method != kUserAndPassword || login.userName.empty()) {
     throw NetError(NetFailure::refused,
                    login.userName.empty()
-                       ? "the proxy says that it wants a login, and the profile has no user name for it"
-                       : "the proxy says that it takes neither a user name and password nor no login");
+                       ? "the proxy says that it requires a login, and the profile has no user name for it"
+                       : "the proxy says that it accepts neither a user name and password nor a connection "
+                         "without them");
   }
-  proxy.say(socksPassword(login));
+  proxy.send(socksPassword(login));
   if (proxy.shortAnswer('\x01') != 0) {
     throw NetError(NetFailure::refused, "the proxy says that its user name or password is wrong");
   }
@@ -268,7 +269,7 @@ void socksConnect(PumpedIo& io, TcpChannel& channel, const SocksLogin& login, co
   const std::string request = socksRequest(SocksCommand::connect, login, target);
   Conversation proxy(io, channel, deadline);
   logInAtProxy(proxy, login);
-  proxy.say(request);
+  proxy.send(request);
   proxy.reply(login.version);
 }
 
@@ -277,12 +278,12 @@ SocksAddress socksBind(PumpedIo& io, TcpChannel& channel, const SocksLogin& logi
   const std::string request = socksRequest(SocksCommand::bind, login, peer);
   Conversation proxy(io, channel, deadline);
   logInAtProxy(proxy, login);
-  proxy.say(request);
+  proxy.send(request);
   SocksAddress waiting = proxy.reply(login.version);
   asio::error_code isName;
   const auto address = asio::ip::make_address(waiting.host, isName);
   if (isName || waiting.port == 0) {
-    throw NetError(NetFailure::badReply, "the proxy does not tell where it waits for the server");
+    throw NetError(NetFailure::badReply, "the proxy does not say where it waits for the server");
   }
   if (address.is_unspecified()) {
     asio::error_code ignored;

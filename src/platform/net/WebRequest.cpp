@@ -24,7 +24,7 @@ using Easy = std::unique_ptr<CURL, Free<&CurlFunctions::easyCleanup>>;
 using Multi = std::unique_ptr<CURLM, Free<&CurlFunctions::multiCleanup>>;
 using Address = std::unique_ptr<CURLU, Free<&CurlFunctions::cleanUpUrl>>;
 
-/// The transfer takes part in the multi handle for as long as this lives.
+/// Adds the transfer to the multi handle for its own lifetime.
 class Joined {
  public:
   Joined(CURLM* multi, CURL* easy) : multi_(multi), easy_(easy) { Curl().addHandle(multi_, easy_); }
@@ -37,7 +37,7 @@ class Joined {
   CURL* easy_;
 };
 
-/// What has come of the answer. It is dropped at once, and refused where it goes beyond the bounds.
+/// Counts the response, whose contents are discarded; rejects one that exceeds the limits.
 struct Answer {
   std::int64_t headerBytes = 0;
   std::int64_t bodyBytes = 0;
@@ -47,7 +47,7 @@ struct Answer {
     auto& self = *static_cast<Answer*>(answer);
     const std::string_view text(line, size * count);
     self.headerBytes += static_cast<std::int64_t>(text.size());
-    // An informational answer ends like the final one and is followed by it.
+    // An informational response ends like the final one, which follows it.
     self.headerComplete =
         text == "\r\n" || text == "\n" || (self.headerComplete && !text.starts_with("HTTP/"));
     return self.headerBytes <= HttpRequest::kMaxHeaderBytes ? text.size() : 0;
@@ -65,7 +65,7 @@ bool hasScheme(std::string_view address) {
   return separator != std::string_view::npos && address.find_first_of("/?#") == separator + 1;
 }
 
-/// Nothing for a text that is no address.
+/// Null when the text is not an address.
 Address parsed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
   const auto first = text.find_first_not_of(kBlanks);
@@ -78,7 +78,7 @@ Address parsed(std::string_view text) {
   return code == CURLUE_OK ? std::move(address) : nullptr;
 }
 
-/// For as long as this lives the request is busy.
+/// Marks the request as busy for its own lifetime.
 class Busy {
  public:
   Busy(bool& busy, bool& aborted) : busy_(busy), aborted_(aborted) {
@@ -99,7 +99,7 @@ void applyOptions(CURL* easy, const WebRequest& request, CURLU* address, Answer&
   const std::int32_t timeoutMs = request.timeoutMs > 0 ? request.timeoutMs : WebRequest::kDefaultTimeoutMs;
   const auto set = Curl().setOption;
   set(easy, CURLOPT_CURLU, address);
-  // Not only what the address may say: a file of this machine is no answer.
+  // Only web protocols: a local file is not a valid target.
   set(easy, CURLOPT_PROTOCOLS_STR, "http,https");
   set(easy, CURLOPT_FOLLOWLOCATION, 0L);
   set(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(timeoutMs));
@@ -113,11 +113,10 @@ void applyOptions(CURL* easy, const WebRequest& request, CURLU* address, Answer&
   set(easy, CURLOPT_HEADERDATA, &answer);
   set(easy, CURLOPT_WRITEFUNCTION, Answer::takeBody);
   set(easy, CURLOPT_WRITEDATA, &answer);
-  // A name server that does not answer must not hold the end of the request up: the thread that asks it is
-  // left to itself.
+  // A name server that does not answer must not delay the end of the request: the resolver's thread is
+  // abandoned.
   set(easy, CURLOPT_QUICK_EXIT, 1L);
-  // Windows would fetch lists of revoked certificates in the midst of a step, which then has no end that
-  // could be foretold.
+  // Windows would download certificate revocation lists during a step, for an unpredictable time.
   set(easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NO_REVOKE));
 }
 
@@ -147,7 +146,7 @@ void HttpRequest::perform() {
   }
   int waiting = 0;
   const CURLMsg* const message = Curl().readInfo(multi.get(), &waiting);
-  // An answer that takes too long is none, whatever it began with.
+  // A response that times out does not count, whatever it began with.
   if (!message || message->data.result == CURLE_OPERATION_TIMEDOUT || !answer.headerComplete) return;
   long status = 0;
   Curl().getInfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);

@@ -102,7 +102,7 @@ TEST_F(FtpTransferTest, TurnsAwayAnotherMachineThanTheServerAndSaysSo) {
   client.timeoutMs = kEnoughMs;
   const FtpError error = errorOf([&] { client.list(); });
   EXPECT_EQ(error.number(), number(FtpErrorNumber::timedOut));
-  EXPECT_THAT(error.what(), HasSubstr("Another machine, 127.0.0.2, came and was turned away."));
+  EXPECT_THAT(error.what(), HasSubstr("A connection from another machine, 127.0.0.2, was rejected."));
 }
 
 // --- files
@@ -341,24 +341,17 @@ TEST_F(FtpTransferTest, AsksAboutAFileThatIsNotAsLongAsListed) {
   } cases[] = {
       {"as listed", "TYPE I", 5, "150 Here.", "", "", "", ""},
       {"not known, nor told", "TYPE I", {}, "150 Here.", "", "500 What?", kSize, ""},
-      {"not known, cut off",
-       "TYPE I",
-       {},
-       "150 Here.",
-       "",
-       "213 9",
-       kSize,
-       "the server says now that there are 9."},
+      {"not known, cut off", "TYPE I", {}, "150 Here.", "", "213 9", kSize, "the server now reports 9."},
       {"not known, but announced", "TYPE I", {}, "150 Here (5 bytes).", "", "", "", ""},
       {"cut off", "TYPE I", 9, "150 Here.", "", "213 9", kSize,
-       "5 bytes have come, but the server lists 9 and says now that there are 9."},
+       "5 bytes were received, but the server lists 9 and now reports 9."},
       {"has shrunk since", "TYPE I", 9, "150 Here.", "", "213 5", kSize, ""},
       {"has grown from nothing", "TYPE I", 0, "150 Here (5 bytes).", "", "213 5", kSize, ""},
       {"goes on growing", "TYPE I", 4, "150 Here.", "", "213 6", kSize, "are 6."},
-      {"SIZE unknown", "TYPE I", 9, "150 Here (5 bytes).", "", "500 What?", kSize, "does not tell the size."},
-      {"SIZE refused", "TYPE I", 9, "150 Here.", "", "550 No.", kSize, "does not tell the size."},
-      {"no number", "TYPE I", 9, "150 Here.", "", "213 5,000", kSize, "does not tell the size."},
-      {"announced longer", "TYPE I", {}, "150 (9 bytes)", "", "213 9", kSize, "announces 9 and says now"},
+      {"SIZE unknown", "TYPE I", 9, "150 Here (5 bytes).", "", "500 What?", kSize, "reports no size."},
+      {"SIZE refused", "TYPE I", 9, "150 Here.", "", "550 No.", kSize, "reports no size."},
+      {"no number", "TYPE I", 9, "150 Here.", "", "213 5,000", kSize, "reports no size."},
+      {"announced longer", "TYPE I", {}, "150 (9 bytes)", "", "213 9", kSize, "announces 9 and now reports"},
       {"a name like a size", "TYPE I", 5, kLies, "", "213 5", kSize, ""},
       {"a name like a size, before it", "TYPE I", 5, "150 x (9 bytes).txt (5 bytes).", "", "", "", ""},
       {"text, longer", "TYPE A", 3, kLies, "", "", "", ""},
@@ -366,7 +359,7 @@ TEST_F(FtpTransferTest, AsksAboutAFileThatIsNotAsLongAsListed) {
       {"text, cut off", "TYPE A", 9, "150 Here.", "213 10", "", kSize, "are 10."},
       {"text, shrunk, told in binary", "TYPE A", 9, "150 Here.", "550 No.", "213 4", kInBoth, ""},
       {"text, cut off, told in binary", "TYPE A", 9, "150 Here.", "550 No.", "213 6", kInBoth, "are 6."},
-      {"text, not told", "TYPE A", 9, "150 Here.", "500 No.", "500 No.", kInBoth, "does not tell the size."},
+      {"text, not told", "TYPE A", 9, "150 Here.", "500 No.", "500 No.", kInBoth, "reports no size."},
   };
   login();
   bool ascii = true;

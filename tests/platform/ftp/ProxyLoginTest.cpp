@@ -108,7 +108,7 @@ TEST_F(ProxyLoginTest, TakesTheAnswersThatProxiesGiveAndTellsWhoRefused) {
       {"dropped", FtpProxyType::siteHostname, "SITE", drops(), number(FtpErrorNumber::connectionLost),
        "The proxy closed the connection"},
       {"no FTP", FtpProxyType::userNoLogon, "", replies("HTTP/1.1 400 Bad Request"),
-       number(FtpErrorNumber::badReply), "The proxy sent something that is no FTP reply"},
+       number(FtpErrorNumber::badReply), "The proxy sent something that is not an FTP reply"},
       {"lost behind OPEN", FtpProxyType::open, "USER joe", replies("425 No route after all."), 425,
        "The server, or the proxy before it, refused the user name: 425 No route after all."},
       {"connects at the password", FtpProxyType::userNoLogon, "PASS", replies("550 No such host."), 550,
@@ -119,7 +119,7 @@ TEST_F(ProxyLoginTest, TakesTheAnswersThatProxiesGiveAndTellsWhoRefused) {
       {"server closed", FtpProxyType::userLogon, "PASS hunter22", replies("421 Full."), 421,
        "The server closed the session: 421 Full."},
       {"pipe", FtpProxyType::pipe, "", replies("421 Full."), 421,
-       "The server does not want to talk: 421 Full."},
+       "The server refused the connection: 421 Full."},
       // Greetings without end are no way to hold a login up.
       {"greetings only", FtpProxyType::siteHostname, "USER joe",
        [](Session& s) {

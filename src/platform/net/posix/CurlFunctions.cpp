@@ -8,10 +8,10 @@
 namespace quillmoor {
 namespace {
 
-/// The same functions with this or that library for TLS.
+/// Builds of libcurl with different TLS libraries.
 constexpr const char* kLibraries[] = {"libcurl.so.4", "libcurl-gnutls.so.4"};
 
-/// Never given back: what it has started would have to be ended first.
+/// Never unloaded: that would need everything it has started to be stopped first.
 void* open() {
   std::string why;
   for (const char* const name : kLibraries) {
