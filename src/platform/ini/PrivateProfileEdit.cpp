@@ -1,4 +1,4 @@
-// Several changes to the profile file in one step: they are made to a copy, which then takes its place.
+// Changes the profile file in one step: edits a copy, which then replaces the file.
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -16,7 +16,7 @@
 namespace quillmoor {
 namespace {
 
-// No profile file comes near this; something else that bears its name is not read into memory.
+// Far more than any profile file; a larger file of that name is not read into memory.
 constexpr std::uintmax_t kLargestFile = std::uintmax_t{64} << 20;
 
 }  // namespace
@@ -36,7 +36,7 @@ bool WriteProfileFile(const std::string& file, std::string_view before, std::str
                       WholeFile::Survives survives) {
   if (before == after) return LocalFileIsWritable(file) || after.empty();
   try {
-    // A file that the user may not write stays, although its folder would let it be replaced.
+    // A read-only file is kept, although the folder's permissions would allow replacing it.
     if (LocalPathExists(file) && !LocalFileIsWritable(file)) return false;
     RemoveStaleTemporaries(LocalPathText(LocalPath(file).parent_path()));
     WritePrivateFile(LocalPath(file), after, survives);
@@ -47,7 +47,7 @@ bool WriteProfileFile(const std::string& file, std::string_view before, std::str
 }
 
 bool EditPrivateProfile(const std::string& file, const std::function<bool(const std::string& copy)>& edit) {
-  std::optional<FolderLock> lock;  // another program's edit would end with its own idea of the other profiles
+  std::optional<FolderLock> lock;  // else another program's edit could undo this one
   try {
     lock.emplace(LocalPath(file).parent_path());
   } catch (const std::system_error&) {
@@ -59,7 +59,7 @@ bool EditPrivateProfile(const std::string& file, const std::function<bool(const 
     std::string path;
     ~Copy() { RemoveLocalFile(path); }
   } const copy{file + ".edit"};
-  RemoveLocalFile(copy.path);  // of a program that was killed
+  RemoveLocalFile(copy.path);  // left by a killed program
   if (!before->empty() && !WriteProfileFile(copy.path, "", *before)) return false;
   if (!edit(copy.path)) return false;
   const auto after = ReadProfileFile(copy.path);

@@ -1,4 +1,4 @@
-// The profile file as a whole: read at once, replaced at once.
+// Reads and replaces the profile file as a whole.
 #pragma once
 
 #include <optional>
@@ -9,11 +9,11 @@
 
 namespace quillmoor {
 
-/// The bytes of the file; "" for a missing one, nothing for one that cannot be read or is larger than 64 MiB.
+/// The bytes of the file; "" when it is missing, nullopt when it cannot be read or is larger than 64 MiB.
 std::optional<std::string> ReadProfileFile(const std::string& file);
 
-/// Replaces the file, which holds `before`, by `after`, readable by the user alone (see PrivateFile.h);
-/// writes nothing when they are the same. False when the user may not write it; it is then as before.
+/// Replaces the file's contents `before` by `after`, readable by the user only (see PrivateFile.h); writes
+/// nothing when they are equal. False when it cannot be written; it is then unchanged.
 bool WriteProfileFile(const std::string& file, std::string_view before, std::string_view after,
                       WholeFile::Survives survives = WholeFile::Survives::process);
 

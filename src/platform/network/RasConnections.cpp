@@ -13,14 +13,14 @@ constexpr std::uint32_t kSuccess = 0;
 constexpr std::uint32_t kBufferTooSmall = 603;  // ERROR_BUFFER_TOO_SMALL: the record's size is accepted
 constexpr std::uint32_t kMostConnections = 1000;
 
-/// Fields of one record, in their order, for as far as the record goes.
+/// Reads the fields of one record in order, up to the record's end.
 class RecordReader {
  public:
   RecordReader(const std::byte* record, std::size_t size) : at_(record), left_(size) {}
 
   std::uint64_t number(std::size_t bytes) {
     std::uint64_t value = 0;
-    std::memcpy(&value, at_, bytes);  // little-endian, as every machine that has these functions
+    std::memcpy(&value, at_, bytes);  // little-endian, like every machine with these functions
     skip(bytes);
     return value;
   }
@@ -72,7 +72,7 @@ std::vector<ActiveConnection> EnumerateRasConnections(const RasEnumerate& ask, s
     };
     std::uint32_t result = askFor(1);
     if (result != kSuccess && result != kBufferTooSmall) continue;
-    // Again for as long as new ones come up in between.
+    // Retries while new connections appear in between.
     for (int attempt = 0; attempt < 4 && count != 0; ++attempt) {
       result = askFor(std::min(count, kMostConnections));
       if (result != kBufferTooSmall) break;

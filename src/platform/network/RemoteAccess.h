@@ -1,4 +1,4 @@
-// Connections that are dialled: the system's phonebook, dialling from it, and what is up already.
+// Dial-up connections: the system's phonebook, dialling, and the active connections.
 #pragma once
 
 #include <cstdint>
@@ -10,54 +10,54 @@
 
 namespace quillmoor {
 
-/// The two state numbers (RASCONNSTATE of Windows) that decide something; the others are only shown.
+/// The two states (RASCONNSTATE of Windows) with a meaning here; the others are only shown.
 inline constexpr std::int32_t kDialUpConnected = 8192;
 inline constexpr std::int32_t kDialUpDisconnected = 8193;
-/// No RASCONNSTATE, but why a dial is about to be disconnected.
+/// Not a RASCONNSTATE: the reason why a dial is about to be disconnected.
 inline constexpr std::int32_t kDialUpPasswordExpired = 20648;
 
-/// A connection that is up or coming up, whoever made it.
+/// A connection that is up or being established, by any program.
 struct ActiveConnection {
-  std::uint64_t handle = 0;  // the system's, for as long as the connection lives
+  std::uint64_t handle = 0;  // the system's; valid while the connection exists
   std::string entryName;
   std::string deviceType;
   std::string deviceName;
   std::string phonebook;
 };
 
-/// What the system offers. All on one thread: what comes in on others waits until it is asked for. Where an
-/// answer takes longer than a moment the pump is called meanwhile; what is called from inside it gets the
-/// answer that was known before.
+/// The system's remote access. Single-threaded: reports from other threads are kept until they are fetched.
+/// The pump is called during longer waits; a call from inside it returns the previous answer.
 class RemoteAccess {
  public:
-  /// Ends a dial in progress; a connection that is up stays.
+  /// Cancels a dial in progress; an established connection stays.
   virtual ~RemoteAccess() = default;
 
-  /// Names of the entries of the phonebook, each once.
+  /// Names of the phonebook's entries, without duplicates.
   virtual std::vector<std::string> entries() = 0;
 
-  /// Starts to dial and returns; one connection at a time. Raises std::runtime_error when there is no such
-  /// entry or it could not be started.
+  /// Starts dialling and returns; one connection at a time. Raises std::runtime_error when the entry does not
+  /// exist or dialling cannot be started.
   virtual void dial(const std::string& entry) = 0;
 
-  /// Begins to end what `dial` has begun, in whatever state it is.
+  /// Starts to end what `dial` has started, in any state.
   virtual void close() = 0;
 
-  /// The states that what `dial` has begun went through since this was last asked, oldest first.
-  /// kDialUpDisconnected comes once, as the last: closed, failed, or the line has dropped.
+  /// The states of the dialled connection since the last call, oldest first. kDialUpDisconnected comes once,
+  /// as the last: closed, failed, or the line has dropped.
   virtual std::vector<std::int32_t> takeStates() = 0;
 
   virtual std::vector<ActiveConnection> activeConnections() = 0;
-  /// kDialUpDisconnected when it is gone.
+  /// kDialUpDisconnected when the connection is gone.
   virtual std::int32_t stateOf(const ActiveConnection& connection) = 0;
-  /// Ends it and waits a few seconds until it is down. The system's error number, 0 when it went well.
+  /// Ends the connection and waits a few seconds until it is down. Returns the system's error code, 0 for
+  /// success.
   virtual std::uint32_t hangUp(const ActiveConnection& connection) = 0;
 };
 
-/// This machine's: the remote-access functions of Windows (rasapi32.dll), NetworkManager on Linux. On a
-/// machine without them there are no entries and no connections. Asks nothing of the system until it is used.
-/// Without a pump nobody waits to learn of a connection or an entry: what is not known yet is told of when it
-/// is asked for again, and an entry that turns out not to be there may end its dial instead of being refused.
+/// This machine's remote access: rasapi32.dll on Windows, NetworkManager on Linux. Without these there are no
+/// entries and no connections. Does not call the system before it is used. Without a pump nothing waits for
+/// an answer from the system: news is returned by a later call, and dialling a missing entry may end in
+/// kDialUpDisconnected instead of being refused.
 std::unique_ptr<RemoteAccess> MakeRemoteAccess(Pump pump);
 
 }  // namespace quillmoor

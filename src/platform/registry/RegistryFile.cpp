@@ -13,7 +13,7 @@ namespace quillmoor {
 namespace {
 
 constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00";
-constexpr std::string_view kUtf16Mark = "\xFF\xFE";
+constexpr std::string_view kUtf16ByteOrderMark = "\xFF\xFE";
 constexpr std::size_t kLineLength = 77;  // of hex lines, without the backslash that continues them
 
 /// Unpaired surrogates become U+FFFD.
@@ -78,7 +78,7 @@ class Parser {
       } else if (current_) {
         parseValue();
       } else {
-        fail("a value stands before the first key");
+        fail("there is a value before the first key");
       }
     }
     return std::move(keys_);
@@ -99,7 +99,7 @@ class Parser {
     at_ += token.size();
   }
 
-  /// The rest of the line without blanks at its end; goes to the next line.
+  /// The rest of the line without trailing whitespace; moves to the next line.
   std::string_view restOfLine() {
     const std::size_t end = std::min(text_.find('\n', at_), text_.size());
     std::string_view line = text_.substr(at_, end - at_);
@@ -132,7 +132,7 @@ class Parser {
     auto found = std::find_if(keys_.begin(), keys_.end(), [&](const RegistryFileKey& key) {
       return key.path.size() == path.size() && ::strncasecmp(key.path.data(), path.data(), path.size()) == 0;
     });
-    if (removed) {  // with all below it
+    if (removed) {  // with its subkeys
       std::erase_if(keys_, [&](const RegistryFileKey& key) {
         const bool within = key.path.size() == path.size() ||
                             (key.path.size() > path.size() && key.path[path.size()] == '\\');
@@ -165,7 +165,7 @@ class Parser {
       values.push_back(std::move(value));
     }
     const std::size_t number = line_;
-    if (!restOfLine().empty()) throw RegistryFileError(number, "something stands behind the value");
+    if (!restOfLine().empty()) throw RegistryFileError(number, "unexpected text after the value");
   }
 
   std::string quotedText() {
@@ -178,7 +178,7 @@ class Parser {
     }
   }
 
-  /// The editor leaves line breaks as they are; others that write its format escape them.
+  /// The registry editor writes line breaks unescaped; other programs escape them.
   static char escaped(char c) { return c == 'n' ? '\n' : c == 'r' ? '\r' : c; }
 
   RegistryData parseData() {
@@ -220,9 +220,9 @@ class Parser {
     std::string bytes;
     for (;;) {
       while (peek() == ' ' || peek() == '\t') next();
-      if (peek() == '\\') {  // goes on in the next line
+      if (peek() == '\\') {  // continues on the next line
         next();
-        if (!restOfLine().empty()) fail("something stands behind the backslash");
+        if (!restOfLine().empty()) fail("unexpected text after the backslash");
       } else if (peek() == '\r' || peek() == '\n' || atEnd()) {
         return bytes;
       } else {
@@ -244,7 +244,7 @@ bool isAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// Text that stands between quotes as it is; a line break, say, does not in every editor.
+/// Whether text can be written in quotes; not every editor keeps a line break in them, for example.
 bool isQuotable(std::string_view text) {
   return std::none_of(text.begin(), text.end(), [](char c) {
     const auto byte = static_cast<unsigned char>(c);
@@ -269,7 +269,7 @@ std::string quoted(std::string_view text) {
   return result + "\"";
 }
 
-/// Bytes behind `start`, wrapped as the registry editor does it.
+/// Appends bytes to `start`, wrapped like the registry editor does.
 std::string hexLines(std::string start, std::string_view bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string result;
@@ -307,13 +307,13 @@ std::string formatData(std::string name, const RegistryData& data) {
 }  // namespace
 
 std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes) {
-  if (bytes.starts_with(kUtf16Mark)) {
-    const std::string text = fromUtf16(bytes.substr(kUtf16Mark.size()));
+  if (bytes.starts_with(kUtf16ByteOrderMark)) {
+    const std::string text = fromUtf16(bytes.substr(kUtf16ByteOrderMark.size()));
     return Parser(text).parse();
   }
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-  // Bytes that are no UTF-8 get their characters here: as they are they would change with the first
-  // rewriting.
+  // Bytes that are not UTF-8 are converted here: unconverted, they would change when the file is next
+  // written.
   const std::string text = ToUtf8(bytes);
   return Parser(text).parse();
 }
@@ -328,7 +328,7 @@ std::string formatRegistryFile(const std::vector<RegistryFileKey>& keys) {
       text += formatData(value.name.empty() ? "@" : quoted(value.name), value.data) + "\r\n";
     }
   }
-  return inUtf16 || !isAscii(text) ? std::string(kUtf16Mark) + toUtf16(text) : text;
+  return inUtf16 || !isAscii(text) ? std::string(kUtf16ByteOrderMark) + toUtf16(text) : text;
 }
 
 }  // namespace quillmoor

@@ -1,10 +1,10 @@
-// The registry editor's export format, "Windows Registry Editor Version 5.00": text to keys and back.
+// The registry editor's export format, "Windows Registry Editor Version 5.00": parsing and formatting.
 //
 //   [HKEY_LOCAL_MACHINE\Software\Name]
 //   "value"="text with \\ and \" escaped"
 //   @="the default value"
 //   "number"=dword:0000002a
-//   "bytes"=hex:01,02,03                  (a long line goes on behind a backslash)
+//   "bytes"=hex:01,02,03                  (a backslash continues a long line)
 //   "expandable"=hex(2):25,00,...        (UTF-16LE with its terminating zero)
 #pragma once
 
@@ -28,7 +28,7 @@ struct RegistryFileKey {
   std::vector<RegistryFileValue> values;
 };
 
-/// Raised for text that is not in the format.
+/// Raised for text that does not follow the format.
 class RegistryFileError : public std::runtime_error {
  public:
   RegistryFileError(std::size_t line, const std::string& what) : std::runtime_error(what), line_(line) {}
@@ -38,14 +38,13 @@ class RegistryFileError : public std::runtime_error {
   std::size_t line_;
 };
 
-/// Keys in the order of the file; one that occurs twice is one key. Reads UTF-8, and UTF-16LE with a byte
-/// order mark, which is what the registry editor writes; what is neither is read in the ANSI code page. ""
-/// has no keys.
+/// Keys in file order; duplicates are merged. Reads UTF-8, and UTF-16LE with a byte order mark, which the
+/// registry editor writes; other bytes are read in the ANSI code page. "" has no keys.
 std::vector<RegistryFileKey> parseRegistryFile(std::string_view bytes);
 
-/// The file's bytes, which parseRegistryFile reads back as the same keys: plain ASCII as long as that holds
-/// everything, else UTF-16LE with a byte order mark. A file without one is ANSI to the registry editor, also
-/// where it has text as hex.
+/// The file's bytes, from which parseRegistryFile reads the same keys: plain ASCII where possible, else
+/// UTF-16LE with a byte order mark. A file without one is ANSI to the registry editor, even for text stored
+/// as hex.
 std::string formatRegistryFile(const std::vector<RegistryFileKey>& keys);
 
 }  // namespace quillmoor

@@ -24,14 +24,13 @@ std::string_view unquoted(std::string_view value) {
   return value.substr(1, value.size() - 2);
 }
 
-/// A line of the file without its end. Those of other programs may end in LF alone; they keep it.
+/// A line of the file without its line end. Lines of other programs may end in LF alone and keep it.
 struct Line {
   std::size_t begin = 0;  // in the file's text
-  std::size_t end = 0;    // behind the line's end
+  std::size_t end = 0;    // after the line end
   std::string_view text;
 
-  /// Name of the section that begins here. Text behind the last bracket does not count, nor must there be
-  /// one.
+  /// Name of the section that begins here. Text after the last bracket is ignored.
   std::optional<std::string_view> section() const {
     const std::string_view line = trimmed(text);
     if (!line.starts_with('[')) return std::nullopt;
@@ -60,7 +59,7 @@ std::vector<Line> linesOf(std::string_view text) {
   return lines;
 }
 
-/// The lines of a section: its header and the first line behind it. Both `lines.size()` when there is none.
+/// The lines of a section: its header and the first line after it. Both `lines.size()` when it is missing.
 struct SectionRange {
   std::size_t header, end;
 };
@@ -95,7 +94,7 @@ std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file) 
   std::vector<std::string> names;
   const auto text = ReadProfileFile(file);
   if (!text) return names;
-  std::size_t left = kPrivateProfileBuffer - 2;  // each name with its terminator, and one at the end
+  std::size_t left = kPrivateProfileBuffer - 2;  // each name has a terminator, the list another
   for (const Line& line : linesOf(*text)) {
     const auto name = line.section();
     if (!name) continue;
@@ -108,13 +107,13 @@ std::vector<std::string> GetPrivateProfileSectionNames(const std::string& file) 
 
 bool WritePrivateProfileString(std::string_view section, std::string_view key, std::string_view value,
                                const std::string& file) {
-  // A line break would begin a line of its own, which could be anything.
+  // A line break would start a new line with arbitrary content.
   for (const std::string_view part : {section, key, value}) {
     if (part.find_first_of("\r\n") != std::string_view::npos) return false;
   }
   const auto text = ReadProfileFile(file);
   if (!text) return false;
-  // Blanks behind the value are written, those before it are not.
+  // Trailing whitespace of the value is written, leading whitespace is not.
   value.remove_prefix(std::min(value.find_first_not_of(kBlanks), value.size()));
   std::string entry(trimmed(key));
   entry.append("=").append(value).append("\r\n");
@@ -127,21 +126,21 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key, s
     changed.append("[").append(trimmed(section)).append("]\r\n").append(entry);
     return WriteProfileFile(file, *text, changed);
   }
-  std::size_t behind = lines[range.header].end;
+  std::size_t insertAt = lines[range.header].end;
   for (std::size_t i = range.header + 1; i < range.end; ++i) {
     const auto name = lines[i].key();
     if (name && SameAnsiName(*name, trimmed(key))) {
       if (lines[i].written() == value) return true;
       std::string changed = text->substr(0, lines[i].begin);
-      changed.append(*name).append("=").append(value).append("\r\n");  // the name as it stands there
+      changed.append(*name).append("=").append(value).append("\r\n");  // keeps the spelling of the key
       return WriteProfileFile(file, *text, changed.append(*text, lines[i].end));
     }
-    // Blank lines at the end of a section stay between it and the next.
-    if (!trimmed(lines[i].text).empty()) behind = lines[i].end;
+    // Blank lines at the end of a section stay before the next one.
+    if (!trimmed(lines[i].text).empty()) insertAt = lines[i].end;
   }
-  std::string changed = text->substr(0, behind);
+  std::string changed = text->substr(0, insertAt);
   if (changed.back() != '\n') changed += "\r\n";
-  return WriteProfileFile(file, *text, changed.append(entry).append(*text, behind));
+  return WriteProfileFile(file, *text, changed.append(entry).append(*text, insertAt));
 }
 
 bool DeletePrivateProfileSection(std::string_view section, const std::string& file) {

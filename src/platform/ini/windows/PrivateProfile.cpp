@@ -1,5 +1,5 @@
-// The system's own functions. Their wide forms, with the text converted here, so that the file may lie in a
-// folder that the code page cannot name; the file itself is ANSI either way.
+// Uses the system's functions. Their wide forms, with the text converted here, allow a path that the code
+// page cannot represent; the file itself is ANSI either way.
 #include "platform/ini/PrivateProfile.h"
 
 #include <algorithm>
@@ -21,14 +21,13 @@ std::string ansiOf(std::wstring_view wide) {
   return ToAnsi(Narrow(wide));
 }
 
-/// A bare name would be looked for in the system's folder.
+/// The functions would look for a bare name in the Windows folder.
 std::wstring fileName(const std::string& file) {
   return std::filesystem::absolute(LocalPath(file)).native();
 }
 
-/// The functions hold on to what they have read; so that the file says what it holds now, as other programs
-/// see it, this is dropped.
-void forget(const std::wstring& file) {
+/// The functions cache what they have read; drops the cache, so that changes by other programs are seen.
+void dropCache(const std::wstring& file) {
   ::WritePrivateProfileStringW(nullptr, nullptr, nullptr, file.c_str());
 }
 
@@ -38,7 +37,7 @@ bool holdsLineBreak(std::string_view text) {
 
 std::wstring read(const wchar_t* section, const wchar_t* key, const std::string& file) {
   const std::wstring name = fileName(file);
-  forget(name);
+  dropCache(name);
   std::wstring buffer(kPrivateProfileBuffer, L'\0');
   const DWORD length = ::GetPrivateProfileStringW(section, key, L"", buffer.data(),
                                                   static_cast<DWORD>(buffer.size()), name.c_str());

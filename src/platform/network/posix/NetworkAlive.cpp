@@ -15,11 +15,11 @@ namespace {
 bool isRoutable(const sockaddr& address) {
   if (address.sa_family == AF_INET) {
     const auto host = ntohl(reinterpret_cast<const sockaddr_in&>(address).sin_addr.s_addr);
-    return (host >> 16) != 0xA9FE;  // 169.254.x.x: what a machine gives itself when nobody answers
+    return (host >> 16) != 0xA9FE;  // 169.254.x.x: self-assigned without DHCP
   }
   if (address.sa_family != AF_INET6) return false;
   const auto& ipv6 = reinterpret_cast<const sockaddr_in6&>(address).sin6_addr;
-  // Every interface gives itself a link-local address, cable or not.
+  // Every interface has a link-local address, connected or not.
   return !IN6_IS_ADDR_LINKLOCAL(&ipv6);
 }
 

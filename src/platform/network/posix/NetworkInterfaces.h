@@ -1,4 +1,4 @@
-// What one network interface says about the networks this machine is on.
+// Classifies a network interface.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,11 @@ namespace quillmoor {
 
 struct NetworkInterface {
   unsigned flags = 0;  // IFF_...
-  /// An IPv4 address, or an IPv6 address with which one gets further than the next machine.
+  /// Has an IPv4 or IPv6 address that is not link-local.
   bool routableAddress = false;
 };
 
-/// 0: none. 1: a local area network. 2: a wide area network.
+/// The kind of network behind it. 0: none. 1: a local area network. 2: a wide area network.
 std::uint32_t networkKind(const NetworkInterface& interface);
 
 }  // namespace quillmoor

@@ -12,24 +12,24 @@ namespace {
 
 constexpr std::int64_t kAnswerLastsMs = 1'000;
 constexpr std::int64_t kNothingToDialLastsMs = 30'000;
-constexpr std::int64_t kStillGoodMs = 2'000;        // past that; then one waits for the next answer
-constexpr std::int64_t kFollowUpMs = 2'000;         // from one look at the entries to the next
-constexpr std::int64_t kPatienceMs = 3'000;         // of one who waits
-constexpr std::int64_t kQueryTimeoutMs = 10'000;    // an nmcli that hangs is ended
-constexpr std::int64_t kHangUpPatienceMs = 12'000;  // more than nmcli is given below
+constexpr std::int64_t kStillGoodMs = 2'000;       // usable beyond that; older, callers wait
+constexpr std::int64_t kFollowUpMs = 2'000;        // between calls that belong together
+constexpr std::int64_t kWaitTimeoutMs = 3'000;     // of a waiting caller
+constexpr std::int64_t kQueryTimeoutMs = 10'000;   // a hanging nmcli is killed
+constexpr std::int64_t kHangUpTimeoutMs = 12'000;  // longer than nmcli's own timeout
 constexpr std::chrono::milliseconds kRest{10};
 
 constexpr std::int32_t kConnecting = 2;
 constexpr std::int32_t kClosing = 8198;
 
-/// Kinds of profiles that dial (`connection.type`).
+/// Types of profiles that dial (`connection.type`).
 constexpr std::string_view kDiallingTypes[] = {"gsm", "cdma", "pppoe", "adsl", "bluetooth"};
 
 std::vector<std::string> downCommand(const std::string& uuid) {
   return {"nmcli", "--wait", "10", "connection", "down", "uuid", uuid};
 }
 
-/// True for as long as this lives.
+/// Sets the flag for its own lifetime.
 class Waiting {
  public:
   explicit Waiting(bool& flag) : flag_(flag) { flag_ = true; }
@@ -72,21 +72,21 @@ NetworkManager::~NetworkManager() {
   pump_ = nullptr;
   try {
     if (up_ && !(up_->poll() && up_->exitStatus() == 0)) beginDown();
-    if (down_) waitFor(*down_, kPatienceMs);
+    if (down_) waitFor(*down_, kWaitTimeoutMs);
   } catch (const std::exception&) {
-    // There is nobody left to tell.
+    // Nobody left to report it to.
   }
 }
 
 std::vector<std::string> NetworkManager::entries() {
-  // Who asks again and again follows up the question that the first time has asked.
+  // Without a pump, a repeated call returns the answer to the first one's query instead of starting another.
   const std::int64_t now = TickCountMs();
-  const bool followsUp = entriesAskedAt_ && now - *entriesAskedAt_ < kFollowUpMs;
+  const bool repeated = entriesAskedAt_ && now - *entriesAskedAt_ < kFollowUpMs;
   entriesAskedAt_ = now;
-  refresh(!pump_ && followsUp ? Answer::known : Answer::fresh);
+  refresh(!pump_ && repeated ? Answer::known : Answer::fresh);
   std::vector<std::string> names;
   for (const Profile& profile : profiles_) {
-    // NetworkManager allows several profiles of one name; a name dials the first.
+    // NetworkManager allows several profiles of one name; the first one is dialled.
     if (std::find(names.begin(), names.end(), profile.name) == names.end()) names.push_back(profile.name);
   }
   return names;
@@ -99,7 +99,7 @@ void NetworkManager::dial(const std::string& entry) {
     profile = find(&Profile::name, entry);
   }
   if (!profile && (pump_ || !query_)) throw std::runtime_error("There is no dial-up entry " + entry + ".");
-  connected_ = toldActivating_ = over_ = false;
+  connected_ = reportedActivating_ = over_ = false;
   toDial_.reset();
   if (profile) return beginUp(*profile);
   toDial_ = entry;
@@ -122,8 +122,8 @@ void NetworkManager::beginUp(const Profile& profile) {
   up_.emplace(std::vector<std::string>{"nmcli", "--wait", "170", "connection", "up", "uuid", uuid_});
 }
 
-/// Once the answer is there that may name the entry.
-void NetworkManager::dialWhatWaits() {
+/// Dials when the answer that may contain the entry has arrived.
+void NetworkManager::dialPending() {
   refresh(Answer::known);
   if (query_) return;
   const Profile* const profile = find(&Profile::name, *toDial_);
@@ -136,7 +136,7 @@ void NetworkManager::dialWhatWaits() {
   }
 }
 
-/// Ending the nmcli that dials does not end the dial.
+/// Ending the dialling nmcli does not end the dial.
 void NetworkManager::beginDown() {
   up_.reset();
   down_.emplace(downCommand(uuid_));
@@ -144,25 +144,25 @@ void NetworkManager::beginDown() {
 
 std::vector<std::int32_t> NetworkManager::takeStates() {
   std::vector<std::int32_t> states;
-  if (toDial_) dialWhatWaits();
+  if (toDial_) dialPending();
   if (over_ || (down_ && down_->poll())) {
     down_.reset();
     over_ = false;
-    askAgain();
+    invalidate();
     states.push_back(kDialUpDisconnected);
   } else if (up_ && up_->poll()) {
     connected_ = up_->exitStatus() == 0;
     up_.reset();
-    askAgain();
+    invalidate();
     states.push_back(connected_ ? kDialUpConnected : kDialUpDisconnected);
   } else if (up_ || connected_) {
     refresh(Answer::known);
     const Profile* const profile = find(&Profile::uuid, uuid_);
-    if (up_ && !toldActivating_ && profile && profile->state == "activating") {
-      toldActivating_ = true;
+    if (up_ && !reportedActivating_ && profile && profile->state == "activating") {
+      reportedActivating_ = true;
       states.push_back(kConnecting);
     }
-    // Only an answer from after the connection came up can tell that it is gone.
+    // Only an answer from after the connection came up can show that it is gone.
     if (connected_ && answeredAt_ && (!profile || profile->state != "activated")) {
       connected_ = false;
       states.push_back(kDialUpDisconnected);
@@ -195,8 +195,8 @@ std::uint32_t NetworkManager::hangUp(const ActiveConnection& connection) {
   if (connection.handle == 0 || connection.handle > handles_.size()) return kFailed;
   try {
     ChildProcess down(downCommand(handles_[connection.handle - 1]));
-    const bool ended = waitFor(down, kHangUpPatienceMs);
-    askAgain();
+    const bool ended = waitFor(down, kHangUpTimeoutMs);
+    invalidate();
     return ended && down.exitStatus() >= 0 ? static_cast<std::uint32_t>(down.exitStatus()) : kFailed;
   } catch (const std::system_error&) {
     return kFailed;
@@ -217,15 +217,15 @@ std::uint64_t NetworkManager::handleOf(const std::string& uuid) {
   return place + 1;
 }
 
-/// What is known has been overtaken, and so has a question on its way. Somebody may be waiting for that one:
-/// it is not ended here.
-void NetworkManager::askAgain() {
+/// Invalidates the known answer and a running query. The query is not ended here, as a caller may be waiting
+/// for it.
+void NetworkManager::invalidate() {
   overtaken_ = query_.has_value();
   answeredAt_.reset();
 }
 
 void NetworkManager::refresh(Answer wanted) {
-  if (waiting_) return;  // asked from inside the pump
+  if (waiting_) return;  // called from inside the pump
   if (std::exchange(overtaken_, false)) query_.reset();
   takeAnswer();
   const std::int64_t lasts = profiles_.empty() && uuid_.empty() ? kNothingToDialLastsMs : kAnswerLastsMs;
@@ -245,7 +245,7 @@ void NetworkManager::refresh(Answer wanted) {
   if (!pump_ || (wanted == Answer::known && age < lasts + kStillGoodMs)) return;
   {
     const Waiting waiting(waiting_);
-    waitFor(*query_, kPatienceMs);
+    waitFor(*query_, kWaitTimeoutMs);
   }
   takeAnswer();
 }

@@ -1,4 +1,4 @@
-// Dial-up connections through NetworkManager, as its program nmcli tells them.
+// Dial-up connections through NetworkManager's program nmcli.
 #pragma once
 
 #include <memory>
@@ -13,14 +13,14 @@
 
 namespace quillmoor {
 
-/// The fields of each line of nmcli's terse output (nmcli(1), --terse and --escape): colons part them, and a
-/// backslash stands before a colon or backslash that belongs to a field.
+/// The fields of each line of nmcli's terse output (nmcli(1), --terse and --escape): separated by colons; a
+/// backslash escapes a colon or backslash in a field.
 std::vector<std::vector<std::string>> ParseTerseOutput(std::string_view output);
 
-/// Asks by one `nmcli connection show` for entries and connections alike. It runs in the background; what it
-/// said last is the answer for a second, and for half a minute where there is nothing to dial at all. Only
-/// one who has not asked for longer, or wants to know the entries, waits for the new answer; without a pump
-/// nobody does, and a dial of an entry that is not known yet begins when the answer is there.
+/// One background `nmcli connection show` serves for entries and connections alike. Its answer is valid for a
+/// second, or for half a minute when there is nothing to dial. A caller waits for a new answer only when the
+/// last one is too old or when it asks for the entries; without a pump nobody waits, and dialling an unknown
+/// entry starts when the answer has arrived.
 class NetworkManager final : public RemoteAccess {
  public:
   explicit NetworkManager(Pump pump) : pump_(std::move(pump)) {}
@@ -35,7 +35,7 @@ class NetworkManager final : public RemoteAccess {
   std::uint32_t hangUp(const ActiveConnection& connection) override;
 
  private:
-  /// A connection profile of a kind that dials.
+  /// A connection profile of a type that dials.
   struct Profile {
     std::string name, uuid, type;
     std::string device;
@@ -44,32 +44,32 @@ class NetworkManager final : public RemoteAccess {
   enum class Answer { known, fresh };
 
   void refresh(Answer wanted);
-  void askAgain();
+  void invalidate();
   void takeAnswer();
   bool waitFor(ChildProcess& child, std::int64_t mostMs);
   void beginUp(const Profile& profile);
   void beginDown();
-  void dialWhatWaits();
+  void dialPending();
   const Profile* find(std::string Profile::*field, const std::string& value) const;
   std::uint64_t handleOf(const std::string& uuid);
 
   Pump pump_;
   std::vector<Profile> profiles_;
-  std::vector<std::string> handles_;  // UUIDs; a handle is a place in here, counted from 1
+  std::vector<std::string> handles_;  // UUIDs; a handle is an index, from 1
   std::optional<ChildProcess> query_;
   std::int64_t askedAt_ = 0;                // ms, TickCountMs
-  std::optional<std::int64_t> answeredAt_;  // none: what is known is no longer true
-  bool waiting_ = false;                    // for query_, inside the pump perhaps
-  bool overtaken_ = false;                  // query_ began before what it asks for changed
+  std::optional<std::int64_t> answeredAt_;  // nullopt: the known answer is outdated
+  bool waiting_ = false;                    // for query_, possibly inside the pump
+  bool overtaken_ = false;                  // query_ started before a change
 
   std::optional<std::int64_t> entriesAskedAt_;  // ms, TickCountMs
 
-  std::optional<std::string> toDial_;  // the entry that an answer has yet to name
+  std::optional<std::string> toDial_;  // the entry to dial once an answer has it
   std::string uuid_;                   // being dialled, connected or closed
   std::optional<ChildProcess> up_, down_;
   bool connected_ = false;
-  bool toldActivating_ = false;
-  bool over_ = false;  // nothing goes on any more, and nobody has been told
+  bool reportedActivating_ = false;
+  bool over_ = false;  // ended, but not reported yet
 };
 
 }  // namespace quillmoor

@@ -7,7 +7,7 @@ namespace {
 
 using AskSystem = BOOL(WINAPI*)(LPDWORD flags);
 
-/// Loaded when first asked and kept: a program that links it would not start on a machine without it.
+/// Loaded on first use and kept: a program linked to it would not start on a machine without it.
 AskSystem systemFunction() {
   static const AskSystem found = [] {
     const HMODULE library = ::LoadLibraryExW(L"sensapi.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);

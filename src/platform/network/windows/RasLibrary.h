@@ -1,8 +1,8 @@
-// The remote-access functions of Windows, found when the program runs.
+// The remote-access functions of Windows, loaded at run time.
 #pragma once
 
 #include "platform/system/windows/WindowsApi.h"
-// Needs the one above.
+// Needs the header above.
 #include <ras.h>
 
 namespace quillmoor {
@@ -15,7 +15,7 @@ struct RasLibrary {
   decltype(&::RasGetConnectStatusA) getConnectStatus = nullptr;
   decltype(&::RasHangUpA) hangUp = nullptr;
 
-  /// A library with a function missing is as good as none.
+  /// A library that lacks a function is not used.
   bool complete() const {
     return enumEntries && getEntryDialParams && dial && enumConnections && getConnectStatus && hangUp;
   }

@@ -18,7 +18,7 @@
 namespace quillmoor {
 namespace {
 
-constexpr std::int64_t kHangUpPatienceMs = 3'000;  // what the system needs to reset a modem
+constexpr std::int64_t kHangUpTimeoutMs = 3'000;  // the time in which the system resets a modem
 constexpr std::chrono::milliseconds kRest{10};
 
 template <class Function>
@@ -48,7 +48,7 @@ std::unique_ptr<RemoteAccess> MakeRemoteAccess(Pump pump) {
   return std::make_unique<RasRemoteAccess>(SystemRasLibrary(), std::move(pump));
 }
 
-/// Reports of one dial. The system is given its number and not its address: a report may come late.
+/// Reports of one dial. The system gets its number instead of its address, as a report may come late.
 class RasRemoteAccess::Mailbox {
  public:
   struct Report {
@@ -74,7 +74,7 @@ class RasRemoteAccess::Mailbox {
     return std::exchange(reports_, {});
   }
 
-  /// RasDialFunc2, on the system's thread. 0 would end the reports.
+  /// RasDialFunc2, called on a thread of the system. Returning 0 ends the reports.
   static DWORD WINAPI report(ULONG_PTR number, DWORD, HRASCONN, UINT, RASCONNSTATE state, DWORD error,
                              DWORD) {
     const std::lock_guard lock(mutex());
@@ -85,7 +85,7 @@ class RasRemoteAccess::Mailbox {
   }
 
  private:
-  // Never destroyed: a report may come when the program is ending.
+  // Never destroyed: a report may arrive while the program ends.
   static std::mutex& mutex() {
     static std::mutex& one = *new std::mutex;
     return one;
@@ -108,11 +108,11 @@ RasRemoteAccess::RasRemoteAccess(const RasLibrary& library, Pump pump)
 
 RasRemoteAccess::~RasRemoteAccess() {
   if (!connection_ || connected_) return;
-  // Up, with the news of it still in the mailbox or on its way there.
+  // Connected, but the report is still in the mailbox or on its way.
   if (!closing_ && stateOf(connection_) == kDialUpConnected) return;
   pump_ = nullptr;
   if (closing_) {
-    waitUntilGone(connection_);  // to hang up twice is an error, which would cut the wait short
+    waitUntilGone(connection_);  // hanging up twice fails, and would skip the wait
   } else {
     hangUpAndWait(connection_);
   }
@@ -123,7 +123,7 @@ std::vector<std::string> RasRemoteAccess::entries() {
   std::vector<RASENTRYNAMEW> records(1);
   DWORD count = 0;
   DWORD result = ERROR_BUFFER_TOO_SMALL;
-  // Again for as long as entries are added in between.
+  // Retries while entries are added in between.
   for (int attempt = 0; attempt < 4 && result == ERROR_BUFFER_TOO_SMALL; ++attempt) {
     for (RASENTRYNAMEW& record : records) record.dwSize = sizeof record;
     auto bytes = static_cast<DWORD>(records.size() * sizeof records[0]);
@@ -136,7 +136,7 @@ std::vector<std::string> RasRemoteAccess::entries() {
   for (std::size_t i = 0; i < std::min<std::size_t>(count, records.size()); ++i) {
     records[i].szEntryName[RAS_MaxEntryName] = L'\0';
     std::string name = Narrow(records[i].szEntryName);
-    // The same entry may stand in the phonebook of the user and in that of all users.
+    // An entry may be in both the user's phonebook and that of all users.
     if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
   }
   return names;
@@ -162,7 +162,7 @@ void RasRemoteAccess::dial(const std::string& entry) {
                                     reinterpret_cast<LPVOID>(&Mailbox::report), &connection_);
   ::SecureZeroMemory(&parameters, sizeof parameters);
   if (error == ERROR_SUCCESS) return;
-  // Even then there may be a connection that has to be given back.
+  // Even after a failure there may be a connection that must be released.
   if (connection_) library_.hangUp(std::exchange(connection_, nullptr));
   mailbox_.reset();
   throw std::runtime_error("The dial-up entry " + entry + " cannot be dialled: error " +
@@ -191,9 +191,9 @@ std::vector<std::int32_t> RasRemoteAccess::takeStates() {
     }
   }
   if (connected_ && stateOf(connection_) != kDialUpConnected) close();  // the line has dropped
-  // A connection must not be left before the system has let go of it.
+  // A connection must be kept until the system has released it.
   const bool gone = closing_ && (stateOf(connection_) == kDialUpDisconnected ||
-                                 TickCountMs() - closingSince_ > kHangUpPatienceMs);
+                                 TickCountMs() - closingSince_ > kHangUpTimeoutMs);
   if (gone) {
     states.push_back(kDialUpDisconnected);
     connection_ = nullptr;
@@ -239,7 +239,7 @@ std::uint32_t RasRemoteAccess::hangUpAndWait(HRASCONN connection) {
 }
 
 void RasRemoteAccess::waitUntilGone(HRASCONN connection) {
-  const std::int64_t end = TickCountMs() + kHangUpPatienceMs;
+  const std::int64_t end = TickCountMs() + kHangUpTimeoutMs;
   while (stateOf(connection) != kDialUpDisconnected && TickCountMs() < end) {
     if (pump_) pump_();
     std::this_thread::sleep_for(kRest);

@@ -11,8 +11,8 @@
 
 namespace quillmoor {
 
-/// The system reports the progress of a dial on a thread of its own. Its reports go into a mailbox that
-/// takeStates empties; a report that comes when its dial is over finds no mailbox and is dropped.
+/// The system reports the progress of a dial on a thread of its own. The reports go into a mailbox that
+/// takeStates empties; a report that arrives after its dial has ended finds no mailbox and is dropped.
 class RasRemoteAccess final : public RemoteAccess {
  public:
   RasRemoteAccess(const RasLibrary& library, Pump pump);
@@ -35,7 +35,7 @@ class RasRemoteAccess final : public RemoteAccess {
 
   const RasLibrary& library_;
   Pump pump_;
-  std::unique_ptr<Mailbox> mailbox_;  // of the dial in progress or the connection that came of it
+  std::unique_ptr<Mailbox> mailbox_;  // of the dial in progress or the resulting connection
   HRASCONN connection_ = nullptr;
   bool connected_ = false;
   bool closing_ = false;

@@ -18,8 +18,8 @@ std::filesystem::path entryFile(const std::string& name) {
   return UserConfigurationFolder() / "autostart" / (name + ".desktop");
 }
 
-/// An argument of an Exec line (Desktop Entry standard, "The Exec key"): quoted, and escaped once for the
-/// quotes and once more for a string value.
+/// An argument of an Exec line (Desktop Entry standard, "The Exec key"): quoted, escaped once for the quotes
+/// and once more for a string value.
 std::string execArgument(std::string_view path) {
   std::string quoted = "\"";
   for (const char c : path) {

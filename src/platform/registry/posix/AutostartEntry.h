@@ -1,4 +1,4 @@
-// What the desktop starts when the user logs in (XDG autostart).
+// Entries that the desktop starts when the user logs in (XDG autostart).
 #pragma once
 
 #include <string>
@@ -6,10 +6,10 @@
 namespace quillmoor {
 
 /// Writes autostart/NAME.desktop in the user's configuration folder, for a program given by its path, unless
-/// it is there as it is to be. Raises std::exception when it cannot be written.
+/// it is already up to date. Raises std::exception when it cannot be written.
 void WriteAutostartEntry(const std::string& name, const std::string& program);
 
-/// A missing entry is no failure. Raises std::exception when it cannot be removed.
+/// A missing entry is no error. Raises std::exception when it cannot be removed.
 void RemoveAutostartEntry(const std::string& name);
 
 }  // namespace quillmoor

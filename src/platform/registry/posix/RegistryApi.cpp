@@ -20,7 +20,7 @@
 namespace quillmoor {
 namespace {
 
-// Far beyond any settings; something else under the file's name is not read into memory.
+// Far more than any settings; a larger file of that name is not read into memory.
 constexpr std::uintmax_t kLargestFile = std::uintmax_t{16} << 20;
 constexpr const char* kRunKey = "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
@@ -38,7 +38,7 @@ std::filesystem::path storeFile() {
   }
 }
 
-/// Keeps what was found beside the file, once, so that whoever mends or replaces it can look back.
+/// Saves a copy of the damaged file beside it, once, for whoever repairs or replaces it.
 void keepDamaged(const std::filesystem::path& file) {
   std::error_code ignored;
   auto copy = file;
@@ -65,17 +65,17 @@ Keys load() {
     keepDamaged(file);
     throw RegistryStoreError("The settings file " + file.string() + " is damaged in line " +
                              std::to_string(damage.line()) + ": " + damage.what() +
-                             ". It is left as it is; mend it, or move it away to begin anew.");
+                             ". It was not changed; repair it, or move it away to start with the defaults.");
   }
 }
 
-/// Loads, lets `change` work on the keys, and writes them if it says that they have changed.
+/// Loads the keys, calls `change`, and writes them if it returns true.
 template <class Change>
 void modify(Change change) {
   const std::filesystem::path file = storeFile();
   try {
     MakePrivateFolder(file.parent_path());
-    const FolderLock lock(file.parent_path());  // from reading the file to having replaced it
+    const FolderLock lock(file.parent_path());  // held from reading the file until it is replaced
     Keys keys = load();
     if (!change(keys)) return;
     RemoveStaleTemporaries(file.parent_path());
@@ -108,19 +108,20 @@ bool isBelow(const std::string& path, const std::string& full) {
          ::strncasecmp(path.c_str(), full.c_str(), full.size()) == 0;
 }
 
-/// A key exists when the file names it or one below it: the editor leaves the empty ones out.
+/// A key exists when the file has it or a subkey: the registry editor omits empty ones.
 bool exists(const Keys& keys, const std::string& full) {
   return std::any_of(keys.begin(), keys.end(),
                      [&](const auto& key) { return sameName(key.path, full) || isBelow(key.path, full); });
 }
 
 template <class Change>
-void tellDesktop(Change change) {
+void updateDesktop(Change change) {
   try {
     change();
   } catch (const std::exception& error) {
-    throw RegistryStoreError(std::string("The registry is as it is to be, but the desktop cannot be told: ") +
-                             error.what() + ".");
+    throw RegistryStoreError(
+        std::string("The registry was updated, but the desktop's autostart entry was not: ") + error.what() +
+        ".");
   }
 }
 
@@ -188,7 +189,7 @@ void setValue(std::uint32_t root, const std::string& path, const std::string& na
   }
   const bool expands = data.type == RegistryType::expandText;
   if (!sameName(full, kRunKey) || (!expands && data.type != RegistryType::text)) return;
-  tellDesktop([&] { WriteAutostartEntry(name, expands ? expandEnvironment(data.bytes) : data.bytes); });
+  updateDesktop([&] { WriteAutostartEntry(name, expands ? expandEnvironment(data.bytes) : data.bytes); });
 }
 
 bool deleteValue(std::uint32_t root, const std::string& path, const std::string& name) {
@@ -203,7 +204,7 @@ bool deleteValue(std::uint32_t root, const std::string& path, const std::string&
       return true;
     });
   }
-  if (sameName(full, kRunKey)) tellDesktop([&] { RemoveAutostartEntry(name); });
+  if (sameName(full, kRunKey)) updateDesktop([&] { RemoveAutostartEntry(name); });
   return keyExists(root, path);
 }
 

@@ -11,18 +11,18 @@
 namespace quillmoor {
 namespace {
 
-// Names of keys have at most 255 characters, names of values 16,383 (Registry Element Size Limits).
+// Maximum length of a value name; key names have at most 255 characters (Registry Element Size Limits).
 constexpr std::size_t kLongestName = 16'383;
 
 HKEY rootKey(std::uint32_t root) {
   if (RegistryRootName(root).empty()) {
     throw RegistryStoreError("There is no registry root " + std::to_string(root) + ".");
   }
-  // Predefined handles are 32-bit numbers with their sign spread.
+  // Predefined handles are sign-extended 32-bit numbers.
   return reinterpret_cast<HKEY>(static_cast<LONG_PTR>(static_cast<std::int32_t>(root)));
 }
 
-/// Nothing was found there: an answer, not a failure.
+/// The key or value does not exist: a result, not a failure.
 bool isMissing(LSTATUS status) {
   return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND || status == ERROR_BAD_PATHNAME;
 }
@@ -52,7 +52,7 @@ std::string shownKey(std::uint32_t root, const std::string& path) {
   return RegistryRootName(root) + "\\" + path;
 }
 
-/// No key when it is missing.
+/// An empty Key when it is missing.
 Key open(std::uint32_t root, const std::string& path, REGSAM access) {
   Key key;
   const LSTATUS status = ::RegOpenKeyExW(rootKey(root), Widen(path).c_str(), 0, access, key.put());
@@ -74,7 +74,7 @@ bool isText(RegistryType type) {
   return type == RegistryType::text || type == RegistryType::expandText;
 }
 
-/// Names are fetched one by one until the system says that there are no more.
+/// Fetches names one by one until the system reports that there are no more.
 template <class Next>
 std::vector<std::string> enumerate(const Key& key, Next next) {
   std::vector<std::string> names;
@@ -127,12 +127,12 @@ std::optional<RegistryData> queryValue(std::uint32_t root, const std::string& pa
     const LSTATUS status = ::RegQueryValueExW(key.get(), wideName.c_str(), nullptr, &type,
                                               reinterpret_cast<BYTE*>(bytes.data()), &size);
     if (isMissing(status)) return std::nullopt;
-    if (status == ERROR_MORE_DATA) continue;  // `size` is now what it takes
+    if (status == ERROR_MORE_DATA) continue;  // `size` is now the size needed
     if (status != ERROR_SUCCESS) fail(shown, status);
     bytes.resize(size);
     const auto kind = static_cast<RegistryType>(type);
     if (!isText(kind)) return RegistryData{kind, std::move(bytes)};
-    // The terminating zero may be missing, or stand in the middle.
+    // The terminating zero may be missing, or be in the middle.
     std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
     std::copy_n(bytes.data(), text.size() * sizeof(wchar_t), reinterpret_cast<char*>(text.data()));
     return RegistryData{kind, Narrow(std::wstring_view(text).substr(0, text.find(L'\0')))};
@@ -156,7 +156,7 @@ void setValue(std::uint32_t root, const std::string& path, const std::string& na
 }
 
 bool deleteValue(std::uint32_t root, const std::string& path, const std::string& name) {
-  // Who has no right to change the key may well find that there is nothing to delete.
+  // Without the right to change the key, a missing value is still no error.
   if (!queryValue(root, path, name)) return keyExists(root, path);
   const Key key = open(root, path, KEY_SET_VALUE);
   if (!key) return false;
