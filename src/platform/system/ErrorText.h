@@ -1,4 +1,4 @@
-// The system's own words for its errors, as UTF-8.
+// The system's error messages as UTF-8.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace quillmoor {
 
-/// What `error.message()` says. On Windows that is ANSI text in the user's language.
+/// `error.message()` as UTF-8. On Windows the original is ANSI text in the user's language.
 std::string ErrorText(const std::error_code& error);
 
 }  // namespace quillmoor

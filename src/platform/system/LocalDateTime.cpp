@@ -1,4 +1,4 @@
-// What is the same on every system: the calendar, the clocks.
+// The calendar and clocks, the same on every system.
 #include "platform/system/LocalTime.h"
 
 namespace quillmoor {

@@ -1,4 +1,4 @@
-// Local date-times, as listings, logs and the scheduler use them, and their way to and from UTC.
+// Local date-times, as used by listings, logs and the scheduler, and their conversion to and from UTC.
 #pragma once
 
 #include <chrono>
@@ -8,7 +8,7 @@
 
 namespace quillmoor {
 
-/// A date and time of day on the machine's own clock, to the second. No time zone travels with it.
+/// A date and time of day in the machine's time zone, to the second. Carries no time zone.
 using LocalDateTime = std::chrono::local_seconds;
 
 /// Parts of a local date-time. `weekday` 1 = Sunday .. 7 = Saturday.
@@ -16,24 +16,23 @@ struct LocalDateTimeParts {
   int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, weekday = 0;
 };
 
-/// The clock now.
+/// The current local time.
 LocalDateTime LocalNow();
 
 LocalDateTimeParts SplitLocalDateTime(LocalDateTime time);
 
-/// nullopt when the parts are no date of the Gregorian calendar or no time of day (weekday is ignored).
+/// Nullopt when the parts are not a Gregorian date or a time of day (weekday is ignored).
 std::optional<LocalDateTime> MakeLocalDateTime(const LocalDateTimeParts& parts);
 
-/// By the time zone rules of the machine. A local time that was skipped by a clock change is read as the
-/// moment that a clock not yet changed would show; of two moments that share a local time either may come.
+/// Converts by the machine's time zone rules. A local time skipped by a clock change is read by the clock
+/// before the change; of two moments with the same local time either may be returned.
 std::chrono::sys_seconds LocalToUtc(LocalDateTime time);
 LocalDateTime UtcToLocal(std::chrono::sys_seconds time);
 
-/// What the user's locale calls the hours before noon, or those after it; "AM" and "PM" where it has no word
-/// for them.
+/// The user's locale's name for the hours before or after noon; "AM" and "PM" where it has none.
 std::string DayHalfText(bool afternoon);
 
-/// Milliseconds of a clock that never goes back; its zero is arbitrary.
+/// Milliseconds of a monotonic clock; its zero is arbitrary.
 std::int64_t TickCountMs();
 
 }  // namespace quillmoor

@@ -1,5 +1,5 @@
-// Lines for the user from code that has nothing to show them with: something was put right, or could not be,
-// and what was asked for goes on.
+// Notices to the user from code without an output of its own: something was corrected, or could not be, and
+// the operation continues.
 #pragma once
 
 #include <functional>
@@ -9,8 +9,8 @@ namespace quillmoor {
 
 using NoticeSink = std::function<void(const std::string& line)>;
 
-/// Where the lines go from now on, without a line end, from whatever thread is at work; one at a time. An
-/// empty sink is the default: standard error, with the program's name before the line.
+/// Sets where notices go from now on. Lines come without a line end, from any thread, one at a time. An empty
+/// sink restores the default: standard error, with the program's name before the line.
 void SetNoticeSink(NoticeSink sink);
 
 void Notice(const std::string& line);

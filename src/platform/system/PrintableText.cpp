@@ -15,8 +15,8 @@ bool isPlain(char c) {
 void appendUtf8(std::string& shown, std::string_view text, std::string_view kept) {
   while (!text.empty()) {
     const Utf8Character next = DecodeUtf8(text);
-    const bool obeyed = IsControlCharacter(next.character) && kept.find(text[0]) == std::string_view::npos;
-    obeyed ? shown.append(1, '?') : shown.append(text, 0, next.length);
+    const bool control = IsControlCharacter(next.character) && kept.find(text[0]) == std::string_view::npos;
+    control ? shown.append(1, '?') : shown.append(text, 0, next.length);
     text.remove_prefix(next.length);
   }
 }
@@ -31,7 +31,7 @@ std::string PrintableText(std::string_view text, std::string_view kept) {
   std::string shown;
   shown.reserve(text.size());
   while (!text.empty()) {
-    // Nearly all that is said is ASCII, and a log is long.
+    // Nearly all text is ASCII, and a log is long.
     const auto plain = std::find_if_not(text.begin(), text.end(), isPlain);
     shown.append(text.begin(), plain);
     text.remove_prefix(static_cast<std::size_t>(plain - text.begin()));

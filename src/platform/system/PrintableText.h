@@ -1,5 +1,4 @@
-// Text from elsewhere, such as a server's words and file names, with nothing in it that a terminal or a text
-// control obeys.
+// Makes foreign text, such as server replies and file names, safe for a terminal or a text control.
 #pragma once
 
 #include <string>
@@ -7,14 +6,13 @@
 
 namespace quillmoor {
 
-/// Whether a character is obeyed instead of shown: the control characters of ASCII and Latin-1 (C0, DEL, C1),
-/// and those that reverse the direction of the text after them (U+202A..U+202E, U+2066..U+2069), which make
-/// a name look like another.
+/// Whether a character is a control character: those of ASCII and Latin-1 (C0, DEL, C1), and those that
+/// reverse the direction of the following text (U+202A..U+202E, U+2066..U+2069), which make a name look like
+/// another.
 bool IsControlCharacter(char32_t character);
 
-/// The text with "?" for each control character, except for those of ASCII that `kept` lists. Bytes that are
-/// no UTF-8 stay as they are. The exception is 0x9B where it is no half of a character: in Latin-1 it begins
-/// a command to the terminal.
+/// Replaces each control character by "?", except those of ASCII in `kept`. Invalid UTF-8 bytes stay
+/// unchanged, except 0x9B outside of a double-byte character: in Latin-1 it begins a terminal command.
 std::string PrintableText(std::string_view text, std::string_view kept = {});
 
 }  // namespace quillmoor

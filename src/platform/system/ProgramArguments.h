@@ -1,4 +1,4 @@
-// The arguments a program was started with.
+// The program's arguments.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace quillmoor {
 
-/// All of them behind the program's name, as UTF-8; what main was given, which on Windows has lost what the
-/// code page lacks.
+/// The arguments after the program's name, as UTF-8. Pass main's own; on Windows they are replaced, as they
+/// lack characters outside the code page.
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 
 }  // namespace quillmoor

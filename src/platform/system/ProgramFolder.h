@@ -1,11 +1,11 @@
-// Where this program lies and what it is called.
+// The path and name of this program.
 #pragma once
 
 #include <string>
 
 namespace quillmoor {
 
-/// Folder of the executable, with a separator at its end.
+/// Folder of the executable, with a trailing separator.
 std::string ProgramFolder();
 
 /// The executable's file name without ".exe".

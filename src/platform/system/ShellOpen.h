@@ -1,23 +1,21 @@
-// The shell's "Open": a program is started, a document or an address goes to the program that it belongs to.
+// The shell's "Open": starts a program, or opens a document or an address in its associated program.
 #pragma once
 
 #include <string>
 
 namespace quillmoor {
 
-/// A result of ShellOpen above this is success.
+/// Results of ShellOpen above this mean success.
 inline constexpr int kShellOpenFailed = 32;
 
-/// Opens `target` (UTF-8) without parameters and without a window of its own, and returns at once: what is
-/// started is not waited for and outlives this program. The whole text is the name of the target; there are
-/// no quotes or parameters in it. Raises nothing; a result up to kShellOpenFailed tells what went wrong: 2
-/// there is nothing of that name, 5 it may not be started, 8 the system has no room for it, 11 it is no
-/// program, 31 there is nothing to open it with.
+/// Opens `target` (UTF-8) without parameters or a window of its own, and returns at once: the program started
+/// is not waited for and outlives this one. The whole text is the target's name, without quotes or
+/// parameters. Raises nothing; a result up to kShellOpenFailed is an error: 2 not found, 5 access denied, 8
+/// out of resources, 11 not a program, 31 no associated program.
 ///
-/// On Windows this is ShellExecute. On Linux a file that may be executed is started, also one that PATH has
-/// when the target is a plain name; anything else is handed to xdg-open, and that has success whatever
-/// xdg-open makes of it. What is started there runs in a session of its own, reads nothing and has nowhere to
-/// write to.
+/// On Windows this is ShellExecute. On Linux an executable file is started, also one found in PATH when the
+/// target is a plain name; anything else is passed to xdg-open, which counts as success whatever xdg-open
+/// does. The program started runs in a session of its own, with /dev/null as its input and output.
 int ShellOpen(const std::string& target);
 
 }  // namespace quillmoor

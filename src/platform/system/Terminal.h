@@ -1,35 +1,35 @@
-// The terminal a console program talks to, and the user's wish to stop it.
+// The terminal of a console program, and requests to stop it.
 #pragma once
 
 #include <string>
 
 namespace quillmoor {
 
-/// Is standard output a terminal that understands colours (not a file, not a pipe, not a "dumb" one)? On
-/// Windows this also switches the console to ANSI sequences and UTF-8.
+/// Whether standard output is a terminal with colours (not a file, a pipe, or a "dumb" terminal). On Windows
+/// also switches the console to ANSI sequences and UTF-8.
 bool prepareTerminal();
 
-/// Does somebody sit at standard input?
+/// Whether standard input is a terminal.
 bool inputIsTerminal();
 
-/// The window goes away with this program: one that the system has opened for it alone, by a double click.
+/// Whether the window closes with this program, as the system has opened it for it alone (a double click).
 bool terminalClosesAtEnd();
 
-/// Columns of the terminal at standard output now; 80 when it cannot be told.
+/// Current width in columns of the terminal at standard output; 80 when it is unknown.
 int terminalWidth();
 
-/// From now on Ctrl-C (and the system's request to terminate) is counted instead of ending the program; the
-/// second one ends it at once with status 130. A reader that goes away (a closed pipe) no longer ends it.
+/// Makes Ctrl-C (and the system's request to terminate) count instead of ending the program; the second one
+/// ends it at once with status 130. A closed pipe no longer ends it.
 void catchStopSignals();
 
-/// How many requests to stop have come.
+/// The number of requests to stop so far.
 int stopSignals();
 
-/// One line of standard input without its end. Raises as `ReadSecretLine` does.
+/// One line of standard input without its line end. Raises as `ReadSecretLine` does.
 std::string ReadLine();
 
-/// One line of standard input without its end, not shown while it is typed. Raises std::runtime_error when
-/// there is none or it is longer than 1,000 bytes.
+/// One line of standard input without its line end, not echoed. Raises std::runtime_error when there is none
+/// or it is longer than 1,000 bytes.
 std::string ReadSecretLine();
 
 }  // namespace quillmoor

@@ -144,7 +144,7 @@ void DeflateWorkers::wait(Job& job) {
 }
 
 void DeflateWorkers::work() {
-  StepBack();
+  LowerThreadPriority();
   std::optional<Tools> tools;
   std::unique_lock lock(mutex_);
   for (;;) {

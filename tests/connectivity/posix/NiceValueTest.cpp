@@ -85,7 +85,7 @@ int niceOfWorker(bool steppedBack, std::int32_t priorityClass) {
   };
   int seen = -1;
   std::thread worker([&] {
-    if (steppedBack) StepBack();
+    if (steppedBack) LowerThreadPriority();
     take(1);
     step.wait(1);
     seen = ::getpriority(PRIO_PROCESS, 0);

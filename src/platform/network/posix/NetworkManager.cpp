@@ -273,7 +273,7 @@ bool NetworkManager::waitFor(ChildProcess& child, std::int64_t mostMs) {
   while (!child.poll()) {
     if (TickCountMs() >= end) return false;
     if (pump_) pump_();
-    child.rest(kRest);
+    child.waitForOutput(kRest);
   }
   return true;
 }

@@ -33,9 +33,8 @@ std::vector<std::string> plainEnvironment() {
   return variables;
 }
 
-/// Whoever started this program may have had it ignore the ends of its children, of which the system then
-/// keeps no exit status.
-void heedEndsOfChildren() {
+/// This program may have been started with SIGCHLD ignored; then the system keeps no exit status.
+void keepExitStatuses() {
   struct sigaction action {};
   if (::sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) ::signal(SIGCHLD, SIG_DFL);
 }
@@ -56,7 +55,7 @@ struct Attributes {
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments, std::size_t mostOutput)
     : mostOutput_(mostOutput) {
-  heedEndsOfChildren();
+  keepExitStatuses();
   int ends[2];
   if (::pipe2(ends, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
   pipe_ = ends[0];
@@ -71,7 +70,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, std::size_
   sigset_t signals;
   ::sigemptyset(&signals);
   ::posix_spawnattr_setsigmask(&attributes.value, &signals);
-  ::sigaddset(&signals, SIGPIPE);  // which this program ignores
+  ::sigaddset(&signals, SIGPIPE);  // ignored by this program
   ::posix_spawnattr_setsigdefault(&attributes.value, &signals);
   ::posix_spawnattr_setpgroup(&attributes.value, 0);
   ::posix_spawnattr_setflags(&attributes.value,
@@ -97,11 +96,11 @@ bool ChildProcess::poll() {
   read();
   if (process_ <= 0) return true;
   if (!hasEnded(WNOHANG)) return false;
-  read();  // what it wrote last
+  read();  // its last output
   return true;
 }
 
-void ChildProcess::rest(std::chrono::milliseconds time) const {
+void ChildProcess::waitForOutput(std::chrono::milliseconds time) const {
   if (process_ <= 0) return;
   if (pipe_ < 0) return std::this_thread::sleep_for(time);
   pollfd waiting{pipe_, POLLIN, 0};
@@ -127,7 +126,7 @@ void ChildProcess::read() {
   }
 }
 
-/// When somebody else has waited for it there is no status, and its number may be that of another program.
+/// If other code has already waited for the process, there is no status, and its id may have been reused.
 bool ChildProcess::hasEnded(int options) {
   int status = 0;
   pid_t waited = 0;

@@ -1,4 +1,4 @@
-// A program that runs beside this one and whose output is read.
+// A child process whose output is read.
 #pragma once
 
 #include <sys/types.h>
@@ -10,24 +10,24 @@
 
 namespace quillmoor {
 
-/// Started without a shell, found on the PATH, in a process group of its own (Ctrl-C is not for it), with
-/// nothing to read, its messages thrown away, and texts in no language but UTF-8.
+/// Started without a shell, found in PATH, in its own process group (Ctrl-C does not reach it), without
+/// input, with standard error discarded, and with untranslated UTF-8 output.
 class ChildProcess {
  public:
-  /// `arguments` begin with the program. Raises std::system_error when it cannot be started. A program that
-  /// writes more than `mostOutput` bytes is ended.
+  /// `arguments` begin with the program. Raises std::system_error when it cannot be started. Killed when it
+  /// writes more than `mostOutput` bytes.
   explicit ChildProcess(const std::vector<std::string>& arguments, std::size_t mostOutput = 1 << 20);
-  /// Ends it if it still runs, and waits for that.
+  /// Kills it if it is still running, and waits for its end.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  /// Reads what is there, without waiting. True when the program has ended.
+  /// Reads the available output without waiting. True when the program has ended.
   bool poll();
-  /// Rests until there is something to read or the time is over.
-  void rest(std::chrono::milliseconds time) const;
+  /// Waits until there is output or the time is over.
+  void waitForOutput(std::chrono::milliseconds time) const;
 
-  /// Once it has ended: its exit status, -1 when it was ended by a signal or nobody knows.
+  /// After its end: its exit status, -1 when it was ended by a signal or the status is unknown.
   int exitStatus() const { return exitStatus_; }
   const std::string& output() const { return output_; }
 

@@ -16,13 +16,13 @@ char ansiOf(char32_t character) {
   return '?';
 }
 
-/// The capital letter for a small one; any other character as it is.
+/// The upper-case form of a letter; any other character unchanged.
 char32_t upper(char c) {
   const auto byte = static_cast<unsigned char>(c);
   if ((byte >= 'a' && byte <= 'z') || (byte >= 0xE0 && byte <= 0xFE && byte != 0xF7)) return byte - 0x20U;
   if (byte == 0x9A || byte == 0x9C || byte == 0x9E)
-    return FromWindows1252(static_cast<unsigned char>(byte - 0x10));  // s, oe and z with marks
-  return FromWindows1252(byte == 0xFF ? 0x9F : byte);                 // y with dots
+    return FromWindows1252(static_cast<unsigned char>(byte - 0x10));  // s and z with caron, oe
+  return FromWindows1252(byte == 0xFF ? 0x9F : byte);                 // y with diaeresis
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ std::chrono::sys_seconds LocalToUtc(LocalDateTime time) {
 }
 
 LocalDateTime UtcToLocal(std::chrono::sys_seconds time) {
-  ::tzset();  // localtime_r need not: a machine that travels would keep the zone the program began in
+  ::tzset();  // localtime_r need not do it: the zone may have changed since the start
   const std::time_t seconds = time.time_since_epoch().count();
   std::tm broken{};
   if (!::localtime_r(&seconds, &broken)) return LocalDateTime(time.time_since_epoch());
@@ -29,7 +29,7 @@ LocalDateTime UtcToLocal(std::chrono::sys_seconds time) {
 }
 
 std::string DayHalfText(bool afternoon) {
-  // The user's own, whatever locale the program runs in.
+  // The user's locale, whatever locale the program runs in.
   static const locale_t locale = ::newlocale(LC_TIME_MASK, "", nullptr);
   const std::string text = locale ? ::nl_langinfo_l(afternoon ? PM_STR : AM_STR, locale) : "";
   return !text.empty() ? text : afternoon ? "PM" : "AM";

@@ -56,10 +56,10 @@ std::vector<Thread> threadsOf(std::uint32_t process) {
   return threads;
 }
 
-/// Linux keeps a nice value for each thread; new ones inherit that of the thread that makes them. One that
-/// has stepped back stays as far behind.
+/// Linux has a nice value per thread; new threads inherit their creator's. A thread with lowered priority
+/// keeps its distance.
 void setNice(std::uint32_t process, int nice) {
-  const std::vector<Thread> threads = threadsOf(process);  // as long as none has inherited the new value
+  const std::vector<Thread> threads = threadsOf(process);  // before any inherits the new value
   const auto before = niceOf(process);
   ::setpriority(PRIO_PROCESS, process, nice);
   const auto inForce = niceOf(process);
@@ -82,7 +82,7 @@ std::uint32_t ProcessOfWindow(std::uintptr_t) {
 }
 
 std::int32_t ApplyProcessPriority(std::uint32_t processId, std::int32_t priorityClass) {
-  // To the system 0 is the process that asks.
+  // 0 means the calling process to the system.
   if (processId == 0 || !niceOf(processId)) return 0;
   for (const ClassNice& known : kClasses) {
     if (known.priorityClass == priorityClass) setNice(processId, known.nice);
@@ -91,8 +91,8 @@ std::int32_t ApplyProcessPriority(std::uint32_t processId, std::int32_t priority
   return inForce ? nearestClass(*inForce) : 0;
 }
 
-void StepBack() {
-  // On Linux a nice value is the thread's.
+void LowerThreadPriority() {
+  // On Linux the nice value is per thread.
   ::setpriority(PRIO_PROCESS, 0, ::getpriority(PRIO_PROCESS, 0) + 5);
 }
 

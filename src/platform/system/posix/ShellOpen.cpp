@@ -46,8 +46,7 @@ bool isProgram(const std::string& path) {
          ::faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
 }
 
-/// The program that a plain name stands for. Empty parts of PATH, which mean the current folder, are passed
-/// over.
+/// Finds a plain name in PATH. Skips empty parts of PATH, which mean the current folder.
 std::optional<std::string> programInPath(const std::string& name) {
   const char* const path = std::getenv("PATH");
   std::istringstream folders(path ? path : "/usr/local/bin:/usr/bin:/bin");
@@ -59,20 +58,19 @@ std::optional<std::string> programInPath(const std::string& name) {
   return std::nullopt;
 }
 
-// --- in the child: nothing but calls that are safe there while other threads of the program hold locks
+// --- in the child: only async-signal-safe calls, as other threads of the program may hold locks
 
-/// Only a descriptor marked so now survives nothing; those of this program are none of the started one's
-/// business.
+/// Keeps the started program from inheriting this one's descriptors.
 void closeOnExecFrom(int first) {
   if (::close_range(static_cast<unsigned>(first), ~0U, CLOSE_RANGE_CLOEXEC) == 0) return;
-  const long limit = ::sysconf(_SC_OPEN_MAX);  // a kernel without that call
+  const long limit = ::sysconf(_SC_OPEN_MAX);  // for a kernel without close_range
   for (int number = first; number < (limit > 0 ? limit : 1024); ++number) {
     const int flags = ::fcntl(number, F_GETFD);
     if (flags >= 0) ::fcntl(number, F_SETFD, flags | FD_CLOEXEC);
   }
 }
 
-/// An ignored signal stays ignored across exec, and so does the mask.
+/// Ignored signals and the signal mask survive exec.
 void restoreSignals() {
   struct sigaction usual {};
   usual.sa_handler = SIG_DFL;
@@ -96,14 +94,15 @@ void restoreSignals() {
 
 // --- in this program
 
-/// The error of starting the program, 0 when it runs. Forks twice: the program's parent is then init, so that
-/// nothing is left here to be reaped and no other child of this program is touched.
+/// Starts the program; returns the error, 0 when it runs. Forks twice, so that the program's parent is init:
+/// nothing needs to be reaped here, and no other child of this program is affected.
 int start(const std::string& program, const std::string* argument) {
   char* const arguments[] = {const_cast<char*>(program.c_str()),
                              argument ? const_cast<char*>(argument->c_str()) : nullptr, nullptr};
   int ends[2];
   if (::pipe2(ends, O_CLOEXEC) != 0) return errno;
-  // Above the standard descriptors, which the child replaces; exec closes it, and so tells of success.
+  // Above the standard descriptors, which the child replaces. Closed by a successful exec, which so reports
+  // success.
   const int report = ::fcntl(ends[1], F_DUPFD_CLOEXEC, 3);
   ::close(ends[1]);
   const pid_t child = report < 0 ? -1 : ::fork();
@@ -143,7 +142,7 @@ int ShellOpen(const std::string& target) {
   }
   const auto opener = programInPath("xdg-open");
   if (!opener) return kNothingToOpenItWith;
-  // A name that looks like a switch must not be taken for one.
+  // Keeps xdg-open from taking the name for an option.
   const std::string argument = target.starts_with('-') ? "./" + target : target;
   return resultOf(start(*opener, &argument));
 }

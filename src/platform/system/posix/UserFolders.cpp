@@ -9,7 +9,7 @@
 namespace quillmoor {
 
 std::filesystem::path UserConfigurationFolder() {
-  // A relative path is to be ignored there, says the standard.
+  // XDG Base Directory: a relative path must be ignored.
   const char* const configured = std::getenv("XDG_CONFIG_HOME");
   if (configured && configured[0] == '/') return configured;
   const char* home = std::getenv("HOME");

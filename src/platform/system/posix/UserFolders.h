@@ -1,11 +1,11 @@
-// The folders in which a user's programs keep what is theirs (XDG Base Directory).
+// The user's folders for program data (XDG Base Directory).
 #pragma once
 
 #include <filesystem>
 
 namespace quillmoor {
 
-/// $XDG_CONFIG_HOME, else ~/.config. Raises std::runtime_error when neither is known.
+/// $XDG_CONFIG_HOME, else ~/.config. Raises std::runtime_error when neither exists.
 std::filesystem::path UserConfigurationFolder();
 
 }  // namespace quillmoor

@@ -5,10 +5,10 @@
 
 namespace quillmoor {
 
-// The system's conversions take lengths of 32 bits; no text here comes near.
+// The system's conversions take 32-bit lengths; all text here is far shorter.
 
 std::string ToAnsi(std::string_view utf8) {
-  // Bytes that are no UTF-8 were widened by the code page, and so come back as they were.
+  // Invalid UTF-8 bytes were widened by the code page, so they come back unchanged.
   const std::wstring wide = Widen(utf8);
   const int length = static_cast<int>(wide.size());
   const int size = ::WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);

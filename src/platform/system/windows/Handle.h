@@ -1,4 +1,4 @@
-// A handle of the system that is closed with its owner.
+// A system handle, closed with its owner.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@ namespace quillmoor {
 class Handle {
  public:
   Handle() = default;
-  /// Takes what CreateFile and the like return: INVALID_HANDLE_VALUE and null are no handles.
+  /// Owns the result of CreateFile and the like: INVALID_HANDLE_VALUE and null are empty.
   explicit Handle(HANDLE handle) : handle_(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
   ~Handle() {
     if (handle_) ::CloseHandle(handle_);

@@ -14,9 +14,9 @@ using std::chrono::sys_seconds;
 using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
 constexpr std::chrono::seconds kFrom1601To1970{11'644'473'600};
 
-/// The rules that hold in the year; a zone may have changed them from one to the next. They are read from the
-/// registry, which takes long for something that is asked several times a file, so they are kept for a
-/// second: after that the machine may be in another zone.
+/// The time zone rules of a year; a zone may have changed them. Reading them from the registry is slow and
+/// they are needed several times per file, so they are cached, but only for a second, as the machine's zone
+/// may change.
 const TIME_ZONE_INFORMATION& rulesOf(int year) {
   constexpr std::int64_t kLastMs = 1000;
   thread_local std::map<int, TIME_ZONE_INFORMATION> known;
@@ -65,8 +65,8 @@ LocalDateTime UtcToLocal(sys_seconds time, const TIME_ZONE_INFORMATION& rules) {
 }
 
 sys_seconds LocalToUtc(LocalDateTime time, const TIME_ZONE_INFORMATION& rules) {
-  // A zone's clock is at most a day and a half away from UTC and changes by hours, so of the offsets that
-  // hold a while before and after, one is right, but for a time that was skipped: then the one before.
+  // A zone is at most a day and a half away from UTC and changes by hours, so either the offset before or the
+  // one after is right. For a skipped time neither is: then the one before.
   const sys_seconds asUtc(time.time_since_epoch());
   const auto offsetAt = [&](sys_seconds moment) {
     return UtcToLocal(moment, rules).time_since_epoch() - moment.time_since_epoch();

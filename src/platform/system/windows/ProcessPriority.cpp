@@ -27,7 +27,7 @@ std::int32_t ApplyProcessPriority(std::uint32_t processId, std::int32_t priority
   return inForce;
 }
 
-void StepBack() {
+void LowerThreadPriority() {
   ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
 }
 

@@ -1,7 +1,7 @@
 #include "platform/system/ShellOpen.h"
 
 #include "platform/system/windows/WindowsApi.h"
-// These want the one above.
+// These need the header above.
 #include <objbase.h>
 #include <shellapi.h>
 
@@ -13,8 +13,7 @@
 namespace quillmoor {
 namespace {
 
-/// What answers "Open" may be a COM server, so the thread has to be in an apartment. One that is already is
-/// left as it is.
+/// "Open" may call a COM server, so the thread must be in an apartment. An existing one is kept.
 class Apartment {
  public:
   Apartment()
@@ -37,7 +36,7 @@ int ShellOpen(const std::string& target) {
   const std::wstring file = Widen(target);
   const auto result =
       reinterpret_cast<INT_PTR>(::ShellExecuteW(nullptr, L"Open", file.c_str(), nullptr, nullptr, SW_HIDE));
-  // A number in the clothes of a handle.
+  // A number cast to a handle.
   return static_cast<int>(std::min<INT_PTR>(result, std::numeric_limits<int>::max()));
 }
 

@@ -1,4 +1,4 @@
-// Errors of the system, told in UTF-8.
+// System errors with UTF-8 messages.
 #pragma once
 
 #include <filesystem>
@@ -7,13 +7,13 @@
 
 namespace quillmoor {
 
-/// The numbers of std::system_category, with messages that may be put together with the program's own text.
+/// The codes of std::system_category, with messages in UTF-8 like the program's own text.
 const std::error_category& SystemErrors();
 
-/// The system's words for an error number, without a line end.
+/// The system's message for an error code, without a line end.
 std::string SystemErrorText(unsigned long number);
 
-/// Raises std::system_error for the last error: "WHAT PATH: the system's own words".
+/// Raises std::system_error for the last error: "WHAT PATH: the system's message".
 [[noreturn]] void RaiseLastError(const char* what, const std::filesystem::path& path);
 
 }  // namespace quillmoor

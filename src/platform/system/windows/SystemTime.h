@@ -1,4 +1,4 @@
-// The system's times: FILETIME counts 100 ns from 1601 on, and a zone's rules turn UTC into local time.
+// The system's time types: FILETIME counts 100 ns units from 1601; a zone's rules convert UTC to local time.
 #pragma once
 
 #include <windows.h>
@@ -9,11 +9,11 @@
 
 namespace quillmoor {
 
-/// To the second. Times before 1601 become its first moment.
+/// To the second. Times before 1601 become its start.
 FILETIME ToFileTime(std::chrono::sys_seconds time);
 std::chrono::sys_seconds FromFileTime(const FILETIME& time);
 
-/// As the functions of platform/system/LocalTime.h, by the rules given in place of the machine's own.
+/// As the functions of platform/system/LocalTime.h, with the given rules instead of the machine's.
 std::chrono::sys_seconds LocalToUtc(LocalDateTime time, const TIME_ZONE_INFORMATION& rules);
 LocalDateTime UtcToLocal(std::chrono::sys_seconds time, const TIME_ZONE_INFORMATION& rules);
 

@@ -16,15 +16,15 @@ namespace {
 
 std::atomic<int> stopCount = 0;
 
-/// The console as it was, given back at the end of the program: it outlives us.
+/// The console's original state, restored when the program ends: the console outlives it.
 struct ConsoleBefore {
-  HANDLE output = nullptr;  // null when standard output is no console
+  HANDLE output = nullptr;  // null when standard output is not a console
   DWORD mode = 0;
-  UINT codePage = 0;  // 0: there is no console
+  UINT codePage = 0;  // 0: no console
 };
 ConsoleBefore before;
 
-void giveConsoleBack() {
+void restoreConsole() {
   if (before.output) ::SetConsoleMode(before.output, before.mode);
   if (before.codePage != 0) ::SetConsoleOutputCP(before.codePage);
 }
@@ -33,10 +33,10 @@ void giveConsoleBack() {
 BOOL WINAPI countStop(DWORD event) {
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
   if (++stopCount >= 2) {
-    giveConsoleBack();
+    restoreConsole();
     ::ExitProcess(130);
   }
-  // When the window is closed the system ends the process as soon as this returns, or after some seconds.
+  // When the window is closed, the system ends the process as soon as this returns, or after some seconds.
   if (event == CTRL_CLOSE_EVENT) ::Sleep(INFINITE);
   return TRUE;
 }
@@ -58,7 +58,7 @@ std::string readBytes() {
   return line;
 }
 
-/// From the keyboard, in the system's own text, so that every character can be typed.
+/// Reads from the keyboard in UTF-16, so that every character can be typed.
 std::string readConsole(HANDLE console) {
   wchar_t typed[kLongestLine + 2];
   DWORD length = 0;
@@ -98,10 +98,10 @@ std::string readInput(bool secret) {
 }  // namespace
 
 bool prepareTerminal() {
-  // Messages go to the console also when the log is written into a file.
+  // Messages go to the console even when the log is redirected to a file.
   if (before.codePage == 0) {
     before.codePage = ::GetConsoleOutputCP();
-    if (before.codePage != 0) std::atexit(giveConsoleBack);
+    if (before.codePage != 0) std::atexit(restoreConsole);
   }
   ::SetConsoleOutputCP(CP_UTF8);
   const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);

@@ -9,7 +9,7 @@
 namespace quillmoor {
 namespace {
 
-// A folder's name must leave room for a file "8.3" in it: 260 - 12.
+// A folder's path must leave room for an 8.3 file name in it: 260 - 12.
 constexpr std::size_t kPlainLength = 240;
 constexpr std::wstring_view kUnlimited = L"\\\\?\\";
 

@@ -1,4 +1,4 @@
-// The system's header, without the macros that would rename functions of this program.
+// windows.h without the macros that would rename functions of this program.
 #pragma once
 
 #include <windows.h>

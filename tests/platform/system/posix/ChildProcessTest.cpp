@@ -14,7 +14,7 @@ bool ends(ChildProcess& child) {
   const std::int64_t end = TickCountMs() + 20'000;
   while (!child.poll()) {
     if (TickCountMs() > end) return false;
-    child.rest(std::chrono::milliseconds(2));
+    child.waitForOutput(std::chrono::milliseconds(2));
   }
   return true;
 }
