@@ -34,7 +34,7 @@ std::size_t Segments::read(Place& place, std::span<std::uint8_t> bytes) {
       place.offset += static_cast<std::int64_t>(got);
       return got;
     }
-    if (place.offset != size_) return 0;  // a place that does not exist
+    if (place.offset != size_) return 0;  // an invalid position
     ++place.disk;
     place.offset = 0;
   }

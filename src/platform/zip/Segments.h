@@ -1,4 +1,4 @@
-// The files of an archive as one: read from any place, on into the next segment where one ends.
+// The segments of an archive read as one file, continuing in the next segment at the end of one.
 #pragma once
 
 #include <cstddef>
@@ -19,16 +19,14 @@ struct Place {
 
 class Segments {
  public:
-  /// The files need not be there yet: each is opened when it is read, and std::system_error raised when it
-  /// cannot be.
+  /// The files need not exist yet: each is opened when it is read; raises std::system_error when that fails.
   explicit Segments(std::vector<std::string> paths) : paths_(std::move(paths)) {}
 
   std::uint32_t count() const { return static_cast<std::uint32_t>(paths_.size()); }
   const std::string& path(std::uint32_t disk) const { return paths_[disk]; }
   std::int64_t size(std::uint32_t disk);
 
-  /// Up to as many bytes as `bytes` holds, 0 only at the end of the last segment or beyond it. Moves the
-  /// place on.
+  /// Reads up to `bytes.size()` bytes, 0 only at or after the end of the last segment. Advances `place`.
   std::size_t read(Place& place, std::span<std::uint8_t> bytes);
 
  private:
@@ -40,14 +38,14 @@ class Segments {
   std::int64_t size_ = 0;
 };
 
-/// Reads small things one after the other without a system call for each.
+/// Buffered sequential reading of small items.
 class Cursor {
  public:
   Cursor(Segments& segments, Place place) : segments_(segments), next_(place) {}
 
-  /// False when the end comes first.
+  /// False when the end is reached first.
   bool take(std::span<std::uint8_t> bytes);
-  /// As many as are at hand, at most `most` and at least one; empty at the end.
+  /// The bytes at hand, at least one and at most `most`; empty at the end.
   std::span<std::uint8_t> some(std::size_t most);
   bool skip(std::size_t count);
 

@@ -20,11 +20,11 @@ namespace quillmoor {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-/// Short, since the processors are busy with packing and this thread may have to wait its turn.
+/// Short, as this thread may have to wait for a processor while packing keeps them busy.
 constexpr std::chrono::milliseconds kSlice = kPumpInterval / 4;
 
-/// The way from the packing thread to the caller's: events in their order, and the end. It holds only so
-/// much, so that the packing never runs far ahead of what the caller has heard of.
+/// Passes events in order from the packing thread to the caller's, and its end. Bounded, so that packing
+/// never runs far ahead of the events handled.
 class EventQueue final : public zip::PackEvents {
  public:
   using Event = std::variant<ZipProgress, std::string>;
@@ -40,11 +40,11 @@ class EventQueue final : public zip::PackEvents {
     if (aborted_) throw ZipError(ZipErrorNumber::aborted, "the packing was stopped");
   }
 
-  void settle() override {
+  void drain() override {
     std::unique_lock lock(mutex_);
-    settling_ = true;
+    draining_ = true;
     changed_.notify_all();
-    while (!settled_) {
+    while (!drained_) {
       changed_.wait_for(lock, kSlice);
       checkAborted();
     }
@@ -57,15 +57,15 @@ class EventQueue final : public zip::PackEvents {
     changed_.notify_all();
   }
 
-  /// Waits a little for events. False when there are none and there will be none.
+  /// Waits briefly for events. False when there are none and will be none.
   bool take(std::vector<Event>& events) {
     events.clear();
     std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, kSlice, [&] { return finished_ || settling_ || weight_ >= kMost / 2; });
-    // Who asks for more has given out all that was taken before.
-    if (settling_ && events_.empty()) {
-      settled_ = true;
-      settling_ = false;
+    changed_.wait_for(lock, kSlice, [&] { return finished_ || draining_ || weight_ >= kMost / 2; });
+    // A caller that asks for more has handled all events taken before.
+    if (draining_ && events_.empty()) {
+      drained_ = true;
+      draining_ = false;
     }
     events.swap(events_);
     weight_ = 0;
@@ -74,13 +74,13 @@ class EventQueue final : public zip::PackEvents {
   }
 
  private:
-  /// In files; a block of a large one weighs more, for it stands for more bytes.
+  /// Weight in files; a block of a large file weighs more, as it has more bytes.
   static constexpr int kMost = 512, kLargeWeight = 32;
 
   void push(Event event, int weight) {
     std::unique_lock lock(mutex_);
     while (weight_ >= kMost) {
-      // An abort is asked for without a call here, by whoever holds up the taking of events.
+      // An abort is only a flag, set by the thread that is not taking events: poll it.
       changed_.wait_for(lock, kSlice);
       checkAborted();
     }
@@ -94,7 +94,7 @@ class EventQueue final : public zip::PackEvents {
   std::condition_variable changed_;
   std::vector<Event> events_;
   int weight_ = 0;
-  bool settling_ = false, settled_ = false;
+  bool draining_ = false, drained_ = false;
   bool finished_ = false;
 };
 
@@ -106,7 +106,7 @@ class ZipArchive::Impl {
   std::atomic<bool> aborted = false;
   bool busy = false;
 
-  /// Packs on a thread of its own, and gives events and pumps on this one until it is through.
+  /// Packs on a thread of its own; raises the events and pumps on this one until it is done.
   ZipResult run(const ZipArchive& archive, const zip::PackRequest& request) {
     EventQueue queue(aborted);
     ZipResult result;
@@ -125,7 +125,7 @@ class ZipArchive::Impl {
     } catch (const std::system_error& error) {
       throw ZipError(ZipErrorNumber::internal, std::string("cannot pack: ") + error.what());
     }
-    // An event or the pump may raise; the packing is ended first.
+    // An event handler or the pump may raise; end the packing first.
     struct Join {
       std::thread& thread;
       std::atomic<bool>& aborted;
@@ -168,10 +168,10 @@ void ZipArchive::addFiles(const std::string& pattern, bool recurse,
                           const std::optional<std::string>& password) {
   if (impl_->busy) fail(ZipErrorNumber::busy, "an archive is being written");
   if (!zip::splitWildcardPath(pattern))
-    fail(ZipErrorNumber::badArgument, "not a folder with a name pattern behind it: " + pattern);
+    fail(ZipErrorNumber::badArgument, "not a folder followed by a name pattern: " + pattern);
   constexpr std::size_t kLongestPassword = 1000;
   if (password && (password->empty() || password->size() > kLongestPassword))
-    fail(ZipErrorNumber::badArgument, "a password has from 1 to 1,000 bytes");
+    fail(ZipErrorNumber::badArgument, "a password must have 1 to 1,000 bytes");
   impl_->sources.push_back({pattern, recurse, password});
 }
 
@@ -190,13 +190,13 @@ ZipResult ZipArchive::write(const std::string& path, const std::optional<std::st
   zip::PackRequest request{path, stubPath, std::nullopt, std::exchange(impl_->sources, {})};
   const zip::SegmentNames names(path, stubPath.has_value());
   if (path.size() == names.folder().size() || path.find('\0') != std::string::npos)
-    fail(ZipErrorNumber::badArgument, "not a file's name: " + path);
+    fail(ZipErrorNumber::badArgument, "not a file name: " + path);
   if (segments) {
     if (segments->segmentBytes < ZipSegmentOptions::kMinimum)
-      fail(ZipErrorNumber::badArgument, "segments of less than 65,536 bytes: " + path);
+      fail(ZipErrorNumber::badArgument, "segments smaller than 65,536 bytes: " + path);
     if (!names.mayHaveSegments())
       fail(ZipErrorNumber::badArgument,
-           "an archive in segments is called ." + std::string(stubPath ? "exe" : "zip") + ": " + path);
+           "an archive in segments must end in ." + std::string(stubPath ? "exe" : "zip") + ": " + path);
     request.segmentBytes = segments->segmentBytes;
   }
   impl_->aborted = false;

@@ -21,7 +21,7 @@ struct AesEntry::State {
 };
 
 Salt freshSalt() {
-  std::random_device random;  // the system's own source
+  std::random_device random;  // the system's random source
   Salt salt;
   for (std::size_t i = 0; i < salt.size(); i += 4) {
     const std::uint32_t four = random();
@@ -31,7 +31,7 @@ Salt freshSalt() {
 }
 
 AesEntry::AesEntry(std::string_view password, const Salt& salt) : state_(std::make_unique<State>()) {
-  // Cipher key, key of the code, verifier.
+  // Cipher key, authentication key, verifier.
   std::array<std::uint8_t, 2 * kKeySize + kVerifierSize> keys{};
   pbkdf2_hmac_sha1(password.size(), reinterpret_cast<const std::uint8_t*>(password.data()), kRounds,
                    salt.size(), salt.data(), keys.size(), keys.data());
@@ -45,7 +45,7 @@ AesEntry::~AesEntry() = default;
 void AesEntry::applyKeyStream(std::span<std::uint8_t> bytes) {
   while (!bytes.empty()) {
     if (streamUsed_ == stream_.size()) {
-      // The library's counter mode counts the other way round, so the counter blocks are made here.
+      // The library's counter mode is big-endian, so the counter blocks are made here.
       for (std::size_t block = 0; block < stream_.size(); block += AES_BLOCK_SIZE, ++counter_) {
         for (std::size_t i = 0; i < AES_BLOCK_SIZE; ++i)
           stream_[block + i] = static_cast<std::uint8_t>(i < 8 ? counter_ >> (8 * i) : 0);

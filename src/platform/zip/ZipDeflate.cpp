@@ -12,12 +12,12 @@
 namespace quillmoor::zip {
 namespace {
 
-constexpr unsigned kMostThreads = 8;  // more would ask for more memory than a backup should take
+constexpr unsigned kMostThreads = 8;  // more would need more memory than a backup should use
 constexpr int kLevel = 6, kQuickLevel = 1;
 constexpr std::size_t kSample = 8192;
 constexpr std::size_t kLongestStoredBlock = 65'535;
 
-/// A raw deflate stream that is used again and again.
+/// A reusable raw deflate stream.
 class Deflater {
  public:
   explicit Deflater(int level) {
@@ -28,8 +28,8 @@ class Deflater {
   Deflater(const Deflater&) = delete;
   Deflater& operator=(const Deflater&) = delete;
 
-  /// Appends to `out`; `flush` is Z_FINISH or Z_SYNC_FLUSH. Gives up and returns false when more than `limit`
-  /// bytes would come of it.
+  /// Appends to `out`; `flush` is Z_FINISH or Z_SYNC_FLUSH. Returns false and appends nothing when the result
+  /// would exceed `limit` bytes.
   bool run(std::span<const std::uint8_t> dictionary, std::span<const std::uint8_t> in, int flush,
            std::vector<std::uint8_t>& out, std::size_t limit) {
     deflateReset(&stream_);
@@ -51,8 +51,8 @@ class Deflater {
   z_stream stream_{};
 };
 
-/// RFC 1951 §3.2.4: the bytes as they are, in a stream of deflate. The stream stands at a byte border before
-/// and after.
+/// RFC 1951 §3.2.4: appends the bytes uncompressed to a deflate stream that is at a byte border before and
+/// after.
 void appendStoredBlocks(std::span<const std::uint8_t> in, bool last, std::vector<std::uint8_t>& out) {
   do {
     const std::size_t size = std::min(in.size(), kLongestStoredBlock);
@@ -69,10 +69,10 @@ std::uint32_t crcOf(std::span<const std::uint8_t> bytes) {
   return static_cast<std::uint32_t>(crc32_z(0, bytes.data(), bytes.size()));
 }
 
-/// What one thread keeps from job to job.
+/// A thread's tools, reused for each job.
 struct Tools {
   Deflater deflater{kLevel};
-  Judge judge;
+  CompressibilityProbe probe;
 };
 
 void pack(Tools& tools, Piece& piece, std::span<std::uint8_t> input, std::vector<std::uint8_t>& output) {
@@ -82,9 +82,9 @@ void pack(Tools& tools, Piece& piece, std::span<std::uint8_t> input, std::vector
   piece.deflated = false;
   if (piece.deflate) {
     const std::size_t before = output.size();
-    const bool promising = !tools.judge.incompressible(bytes);
+    const bool promising = !tools.probe.incompressible(bytes);
     if (piece.part == Piece::Part::whole) {
-      // It pays only when it comes out shorter.
+      // Deflates only when the result is shorter.
       piece.deflated =
           promising && piece.size > 1 && tools.deflater.run({}, bytes, Z_FINISH, output, piece.size - 1);
     } else {
@@ -114,7 +114,7 @@ DeflateWorkers::DeflateWorkers() {
   try {
     for (unsigned i = 0; i < count; ++i) threads_.emplace_back([this] { work(); });
   } catch (const std::system_error&) {
-    if (threads_.empty()) throw;  // fewer will do
+    if (threads_.empty()) throw;  // fewer are enough
   }
 }
 
@@ -156,7 +156,7 @@ void DeflateWorkers::work() {
     try {
       if (!tools) tools.emplace();
       job.output_.clear();
-      // The pieces' outcomes point into it, so it must not move. Each is given room for its size and the
+      // The pieces' results point into it, so it must not be reallocated. Reserves each piece's size and the
       // little that deflate may add.
       job.output_.reserve(job.input.size() + 64 * (job.pieces.size() + 1));
       for (Piece& piece : job.pieces) pack(*tools, piece, job.input, job.output_);
@@ -169,23 +169,23 @@ void DeflateWorkers::work() {
   }
 }
 
-struct Judge::Stream {
+struct CompressibilityProbe::Stream {
   Deflater deflater{kQuickLevel};
   std::vector<std::uint8_t> out;
 };
 
-Judge::Judge() : stream_(std::make_unique<Stream>()) {}
-Judge::~Judge() = default;
+CompressibilityProbe::CompressibilityProbe() : stream_(std::make_unique<Stream>()) {}
+CompressibilityProbe::~CompressibilityProbe() = default;
 
-bool Judge::sampleCompresses(std::span<const std::uint8_t> sample) {
+bool CompressibilityProbe::sampleCompresses(std::span<const std::uint8_t> sample) {
   stream_->out.clear();
   return stream_->deflater.run({}, sample, Z_FINISH, stream_->out, sample.size() - sample.size() / 50);
 }
 
-bool Judge::incompressible(std::span<const std::uint8_t> bytes) {
+bool CompressibilityProbe::incompressible(std::span<const std::uint8_t> bytes) {
   if (bytes.size() < 4 * kSample) return false;
   for (int i = 0; i < 3; ++i) {
-    // Between the quarters: what stands at the very front is often a head unlike the rest.
+    // Samples at the quarters: the beginning often has a header unlike the rest.
     const std::size_t at = bytes.size() / 4 * static_cast<std::size_t>(i + 1) - kSample / 2;
     if (sampleCompresses(bytes.subspan(at, kSample))) return false;
   }

@@ -1,9 +1,8 @@
-// Compression on worker threads: jobs go in, and come out when the caller asks for them, in whatever order it
-// likes.
+// Compression on worker threads: jobs are submitted, and collected in any order.
 //
-// A large file is cut into blocks that are deflated apart from each other. Each is primed with the 32 KiB in
-// front of it (RFC 1951 allows references across blocks) and ends on a byte border, so that the pieces put
-// together are one stream.
+// A large file is split into blocks that are deflated independently. Each is primed with the 32 KiB before it
+// (RFC 1951 allows references across blocks) and ends at a byte border, so that their concatenation is one
+// stream.
 #pragma once
 
 #include <array>
@@ -22,30 +21,29 @@
 
 namespace quillmoor::zip {
 
-/// How far back deflate refers.
+/// Maximum distance of deflate's references.
 inline constexpr std::size_t kDictionary = std::size_t{32} << 10;
-/// Longest piece.
+/// Maximum size of a piece.
 inline constexpr std::size_t kBlock = std::size_t{256} << 10;
 
-/// What shall become of some bytes: of a whole file, or of a block of one.
+/// What to do with some bytes: a whole file, or a block of one.
 struct Piece {
   enum class Part { whole, block, lastBlock };
 
   Part part = Part::whole;
-  /// `whole`: the shorter of deflated and stored is taken in any case, and `deflate` only allows it.
+  /// `whole`: the shorter of deflated and stored is used anyway; `deflate` only permits deflating.
   bool deflate = true;
   std::size_t begin = 0;  ///< in the job's input
   std::size_t size = 0;
-  std::size_t dictionary = 0;  ///< bytes in front of `begin` that precede these in the file
-  /// Encrypts a whole file; the blocks of a larger one are encrypted in their order, not here. Must outlive
-  /// the job.
+  std::size_t dictionary = 0;  ///< bytes before `begin` that precede these in the file
+  /// Encrypts a whole file; blocks of a larger one are encrypted later, in order. Must outlive the job.
   std::optional<std::string_view> password;
 
-  // The outcome.
+  // Results.
   bool deflated = false;
-  std::uint32_t crc = 0;           ///< of the bytes as they came
-  std::span<std::uint8_t> packed;  ///< lies in the job
-  Salt salt{};                     ///< these three when encrypted
+  std::uint32_t crc = 0;           ///< of the uncompressed bytes
+  std::span<std::uint8_t> packed;  ///< points into the job
+  Salt salt{};                     ///< these three only when encrypted
   std::array<std::uint8_t, kVerifierSize> verifier{};
   std::array<std::uint8_t, kCodeSize> code{};
 };
@@ -64,16 +62,16 @@ struct Job {
 class DeflateWorkers {
  public:
   DeflateWorkers();
-  /// Jobs not begun are dropped; those under way are waited for.
+  /// Drops jobs that have not started; waits for those in progress.
   ~DeflateWorkers();
   DeflateWorkers(const DeflateWorkers&) = delete;
   DeflateWorkers& operator=(const DeflateWorkers&) = delete;
 
   std::size_t threads() const { return threads_.size(); }
 
-  /// Takes the job on. It must stay where it is, untouched, until `wait` has returned or this object is gone.
+  /// Queues the job. It must not be moved or touched until `wait` has returned or this object is destroyed.
   void submit(Job& job);
-  /// Blocks until the job is done, and raises what has gone wrong in it.
+  /// Blocks until the job is done; raises the job's exception, if any.
   void wait(Job& job);
 
  private:
@@ -86,13 +84,13 @@ class DeflateWorkers {
   std::vector<std::thread> threads_;
 };
 
-/// Would deflate gain next to nothing on these bytes? Judged by samples, in a hundredth of the time.
-class Judge {
+/// Checks by samples whether deflate would gain next to nothing, in a hundredth of its time.
+class CompressibilityProbe {
  public:
-  Judge();
-  ~Judge();
-  Judge(const Judge&) = delete;
-  Judge& operator=(const Judge&) = delete;
+  CompressibilityProbe();
+  ~CompressibilityProbe();
+  CompressibilityProbe(const CompressibilityProbe&) = delete;
+  CompressibilityProbe& operator=(const CompressibilityProbe&) = delete;
 
   bool incompressible(std::span<const std::uint8_t> bytes);
 
@@ -102,7 +100,7 @@ class Judge {
   std::unique_ptr<Stream> stream_;
 };
 
-/// CRC-32 of two runs of bytes put together; `size` is that of the second, a piece's at most.
+/// CRC-32 of two concatenated byte sequences; `size` is that of the second, at most a piece's.
 std::uint32_t combineCrc(std::uint32_t first, std::uint32_t second, std::size_t size);
 
 }  // namespace quillmoor::zip

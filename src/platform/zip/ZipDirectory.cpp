@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kPiece = std::size_t{256} << 10;
 
-/// Length of the header at the front of `bytes`; 0 when its fixed part is not all there.
+/// Length of the header at the start of `bytes`; 0 when its fixed part is incomplete.
 std::size_t headerLength(std::string_view bytes) {
   if (bytes.size() < kCentralHeaderSize) return 0;
   const auto u16 = [&](std::size_t at) {
@@ -43,7 +43,7 @@ void Directory::add(std::string_view centralHeader) {
 void Directory::forEach(const std::function<void(std::string_view)>& header) {
   std::int64_t readTo = 0;
   std::string bytes;
-  const auto giveOut = [&] {
+  const auto passOn = [&] {
     std::string_view rest = bytes;
     for (std::size_t length; (length = headerLength(rest)) != 0 && length <= rest.size();
          rest.remove_prefix(length))
@@ -58,10 +58,10 @@ void Directory::forEach(const std::function<void(std::string_view)>& header) {
     bytes.resize(before + got);
     readTo += static_cast<std::int64_t>(got);
     if (got == 0) break;
-    giveOut();
+    passOn();
   }
   bytes += memory_;
-  giveOut();
+  passOn();
 }
 
 }  // namespace quillmoor::zip

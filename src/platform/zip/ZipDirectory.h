@@ -1,5 +1,4 @@
-// The central directory of an archive while its entries are written: a list of headers that may outgrow
-// memory.
+// The central directory while an archive is written: a list of headers that may not fit into memory.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +11,10 @@
 
 namespace quillmoor::zip {
 
-/// Keeps the headers in memory up to a bound, and beyond it in a file. Errors are raised as
-/// std::system_error.
+/// Keeps the headers in memory up to a limit, and the rest in a file. Raises std::system_error.
 class Directory {
  public:
-  /// `spoolPath`: the file that is made when memory is not to suffice, and removed at the end.
+  /// `spoolPath`: the file created when `mostInMemory` bytes are exceeded, removed at the end.
   Directory(std::string spoolPath, std::size_t mostInMemory);
   ~Directory();
   Directory(const Directory&) = delete;
@@ -25,7 +23,7 @@ class Directory {
   void add(std::string_view centralHeader);
   std::uint64_t entries() const { return entries_; }
 
-  /// Gives the headers back, one by one, in the order in which they came. Nothing may be added afterwards.
+  /// Calls `header` for each header in the order added. Nothing may be added afterwards.
   void forEach(const std::function<void(std::string_view centralHeader)>& header);
 
  private:

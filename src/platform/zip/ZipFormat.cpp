@@ -10,7 +10,7 @@
 namespace quillmoor::zip {
 namespace {
 
-/// Little-endian numbers, one behind the other.
+/// Appends little-endian numbers.
 class Bytes {
  public:
   Bytes& u8(std::uint8_t value) { return number(value, 1); }
@@ -21,7 +21,7 @@ class Bytes {
     bytes_ += value;
     return *this;
   }
-  /// An extra field with its head.
+  /// An extra field with its header.
   Bytes& field(std::uint16_t id, const Bytes& content) {
     return u16(id).u16(static_cast<std::uint16_t>(content.bytes_.size())).text(content.bytes_);
   }
@@ -64,9 +64,9 @@ bool isUtf8(std::string_view text) {
   return true;
 }
 
-/// Extra fields that both headers bear.
+/// Extra fields of both headers.
 void commonFields(Bytes& extra, const Entry& entry) {
-  // The field holds 32 bits with a sign; a time beyond is left to the DOS one.
+  // The field has a signed 32-bit time; times beyond it are only in the DOS fields.
   if (entry.modified >= std::numeric_limits<std::int32_t>::min() &&
       entry.modified <= std::numeric_limits<std::int32_t>::max()) {
     extra.field(kTimestampField, Bytes().u8(1).u32(static_cast<std::uint32_t>(entry.modified)));
@@ -74,10 +74,10 @@ void commonFields(Bytes& extra, const Entry& entry) {
   if (entry.encrypted) extra.field(kAesField, Bytes().u16(2).text("AE").u8(3).u16(entry.method));
 }
 
-/// From the version needed to the CRC: the fields that both headers share.
+/// The fields from the version needed to the CRC, common to both headers.
 void commonStart(Bytes& header, const Entry& entry, bool zip64) {
   std::uint16_t flags = entry.encrypted ? kFlagEncrypted : 0;
-  // Names in no known encoding go without the flag, as the bytes they are.
+  // A name in an unknown encoding is written unchanged, without the flag.
   if (!isAscii(entry.name) && isUtf8(entry.name)) flags |= kFlagUtf8;
   header.u16(versionNeeded(entry, zip64))
       .u16(flags)
@@ -114,7 +114,7 @@ std::string localHeader(const Entry& entry) {
 }
 
 std::string centralHeader(const Entry& entry) {
-  // Only what does not fit its 4 bytes (2 for the disk), in this order.
+  // Only values that do not fit their 4 bytes (2 for the disk), in this order.
   Bytes zip64;
   if (entry.size >= kNone32) zip64.u64(entry.size);
   if (entry.packedSize >= kNone32) zip64.u64(entry.packedSize);

@@ -16,7 +16,7 @@ inline constexpr std::uint32_t kCentralHeader = 0x02014b50;
 inline constexpr std::uint32_t kEndRecord = 0x06054b50;
 inline constexpr std::uint32_t kZip64EndRecord = 0x06064b50;
 inline constexpr std::uint32_t kZip64Locator = 0x07064b50;
-/// First bytes of an archive in segments (§8.5.3), and of one that came to a single segment (§8.5.4).
+/// First bytes of an archive in segments (§8.5.3), and of one that fitted into a single segment (§8.5.4).
 inline constexpr std::uint32_t kSpanned = 0x08074b50;
 inline constexpr std::uint32_t kSpannedInOne = 0x30304b50;
 
@@ -25,7 +25,7 @@ inline constexpr std::size_t kCentralHeaderSize = 46;
 inline constexpr std::size_t kEndRecordSize = 22;
 inline constexpr std::size_t kZip64EndRecordSize = 56;
 inline constexpr std::size_t kZip64LocatorSize = 20;
-/// Longest name that is packed, in bytes; with it every header fits a segment of any size that is allowed.
+/// Maximum length of a name in bytes; with it every header fits into a segment of the minimum size.
 inline constexpr std::size_t kLongestName = 60'000;
 
 inline constexpr std::uint16_t kZip64Field = 0x0001;
@@ -42,15 +42,15 @@ inline constexpr std::uint16_t kAes = 99;
 inline constexpr std::uint16_t kNone16 = 0xFFFF;
 inline constexpr std::uint32_t kNone32 = 0xFFFFFFFF;
 
-/// One entry, as its headers tell it.
+/// One entry, as described by its headers.
 struct Entry {
-  std::string name;  ///< "/" between folders, and at the end of a folder's
+  std::string name;  ///< with "/" between folders, and at the end of a folder's name
   bool encrypted = false;
-  std::uint16_t method = kStored;  ///< kStored or kDeflated, also behind encryption
-  std::uint32_t crc = 0;           ///< not written for an encrypted entry, whose code tells more
+  std::uint16_t method = kStored;  ///< kStored or kDeflated, also when encrypted
+  std::uint32_t crc = 0;  ///< not written for an encrypted entry, whose authentication code replaces it
   std::uint64_t size = 0;
-  std::uint64_t packedSize = 0;  ///< with salt, verifier and code of an encrypted entry
-  /// The local header has 8-byte sizes. Settled when it is first written, since its length must stay.
+  std::uint64_t packedSize = 0;  ///< includes salt, verifier and code of an encrypted entry
+  /// The local header has 8-byte sizes. Fixed when it is first written, as its length must not change.
   bool zip64Local = false;
   std::int64_t modified = 0;  ///< seconds since 1970, UTC
   LocalDateTime modifiedLocal;
@@ -60,14 +60,14 @@ struct Entry {
   std::uint64_t offset = 0;  ///< of the local header in its segment
 };
 
-/// Date and time as MS-DOS keeps them, the date in the upper half: steps of 2 s, from 1980 to 2107, nearest
-/// beyond.
+/// Date and time in MS-DOS format, the date in the upper half: 2 s steps from 1980 to 2107; times outside are
+/// clamped.
 std::uint32_t dosTime(LocalDateTime time);
 
 std::string localHeader(const Entry& entry);
 std::string centralHeader(const Entry& entry);
 
-/// Where the central directory lies, and where its end records.
+/// The position of the central directory and of the end records.
 struct End {
   std::uint32_t disk = 0;  ///< of the end records themselves
   std::uint32_t directoryDisk = 0;
@@ -78,10 +78,10 @@ struct End {
   std::uint64_t endOffset = 0;  ///< of the first end record in its segment
 };
 
-/// The end record, behind the zip64 ones when a value asks for them.
+/// The end record, after the zip64 ones if a value needs them.
 std::string endRecords(const End& end);
 
-/// Upper bound of what `endRecords` gives.
+/// Maximum length of `endRecords`.
 inline constexpr std::size_t kLongestEnd = kZip64EndRecordSize + kZip64LocatorSize + kEndRecordSize;
 
 }  // namespace quillmoor::zip

@@ -25,7 +25,7 @@ std::array<std::uint8_t, 4> littleEndian(std::uint32_t value) {
           static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 24)};
 }
 
-/// Is the file the last segment of several? Its end record, found from its tail, says so.
+/// Whether the file is the last segment of several, by the end record in its tail.
 bool endsSet(const std::string& path) {
   try {
     InputFile file(path, false);
@@ -85,11 +85,11 @@ void SegmentNames::removeSurplus(std::uint32_t count) const {
   if (!mayHaveSegments_) return;
   const std::string last = stem_ + ".zip";
   if (selfExtracting_ && count == 1) {
-    // Only the rest of a self-extracting set: it has no .z01, and its .zip ends a set.
+    // Only the rest of a self-extracting set: that has no .z01, and its .zip ends a set.
     if (pathKind(numbered(0)) || !endsSet(last)) return;
     removeFile(last);
   } else if (selfExtracting_) {
-    removeFile(numbered(0));  // of a plain set whose .zip has just been written over
+    removeFile(numbered(0));  // of a plain set whose .zip was just replaced
   }
   const std::uint32_t firstSurplus = std::max(count - 1, selfExtracting_ ? 1U : 0U);
   if (firstSurplus == 0) removeFile(numbered(0));
@@ -136,7 +136,7 @@ void Output::start() {
   const std::int64_t stub = size_;
   const auto bytes = littleEndian(kSpanned);
   const std::optional<std::int64_t> limit = std::exchange(limit_, std::nullopt);
-  write(bytes);  // in the stub's segment even where the stub has filled it
+  write(bytes);  // in the stub's segment even if that is full
   limit_ = limit;
   if (stub > 0 && size_ > *limit_) nextSegment();
 }
@@ -185,7 +185,7 @@ std::vector<std::string> Output::finish() {
   std::vector<std::string> paths;
   for (std::uint32_t disk = 0; disk < count; ++disk) paths.push_back(names_.final(disk, count));
   const std::uint32_t main = selfExtracting_ ? 0 : count - 1;
-  // A former archive is given up only for one that is on the disk.
+  // A previous archive is replaced only by one that has reached the disk.
   const bool replaces =
       std::any_of(paths.begin(), paths.end(), [](const auto& path) { return pathKind(path); });
   for (std::uint32_t disk = 0; replaces && disk < count; ++disk) {

@@ -19,9 +19,9 @@
 namespace quillmoor::zip {
 namespace {
 
-/// Small files and folders that travel in one job, at most.
+/// Maximum number of small files and folders in one job.
 constexpr std::size_t kMostItems = 64;
-/// Jobs in flight for each worker; with it the memory that packing takes is bounded.
+/// Jobs in progress per worker; limits the memory used.
 constexpr std::size_t kJobsPerWorker = 3;
 constexpr std::size_t kDirectoryInMemory = std::size_t{8} << 20;
 
@@ -29,27 +29,27 @@ std::string inBytes(std::int64_t count) {
   return std::to_string(count) + (count == 1 ? " byte" : " bytes");
 }
 
-/// A file under packing.
+/// A file being packed.
 struct Source {
   Entry entry;
   std::string path;
-  FileState state;  ///< as it was opened
+  FileState state;  ///< when it was opened
   std::optional<std::string_view> password;
   std::int64_t read = 0;
   std::string readError;
 };
 
-/// What is wrong with a file that has been read to its end, or to where that was; "" when nothing.
+/// What went wrong with a file that was read to its end or to a read error; "" when nothing did.
 std::string changeOf(const Source& source, const FileState& after) {
   const std::string part = "; the archive has its first " + inBytes(source.read);
   if (!source.readError.empty()) return source.readError + part;
-  if (source.read < source.state.size) return "has shrunk while it was packed: " + source.path + part;
-  if (after.size > source.state.size) return "has grown while it was packed: " + source.path + part;
+  if (source.read < source.state.size) return "shrank while it was packed: " + source.path + part;
+  if (after.size > source.state.size) return "grew while it was packed: " + source.path + part;
   if (after != source.state) return "was changed while it was packed: " + source.path;
   return "";
 }
 
-/// A file of more than one block, from the side that reads it.
+/// The reading side of a file of more than one block.
 struct LargeFile {
   std::shared_ptr<Source> source;
   InputFile file;
@@ -57,19 +57,19 @@ struct LargeFile {
   std::vector<std::uint8_t> tail;  ///< the last bytes read, at most kDictionary
 };
 
-/// A job with what its pieces are.
+/// A job and the items that its pieces belong to.
 struct Batch {
   struct Item {
     std::shared_ptr<Source> source;
     bool folder = false;
-    bool first = false;  ///< block of a large file: its first
-    std::string error;   ///< to be told when the item is through
+    bool first = false;  ///< the first block of a large file
+    std::string error;   ///< to be reported when the item is finished
   };
   Job job;
-  std::vector<Item> items;  ///< a folder has no piece, every other item one
+  std::vector<Item> items;  ///< a folder has no piece, every other item has one
 };
 
-/// One pass through the sources, giving batches.
+/// Reads the sources once and fills batches.
 class Reader {
  public:
   Reader(const PackRequest& request, const SegmentNames& names, PackEvents& events, ZipResult& result)
@@ -116,14 +116,14 @@ class Reader {
     entry.hostSystem = kArchiveHostSystem;
   }
 
-  /// Sees to it that names are not used twice. One walk cannot, so that it costs nothing then.
+  /// Rejects duplicate names. A single walk has none, so the check is skipped then.
   bool isNew(const Walk::Item& item) {
     if (request_.sources.size() < 2 || seen_.insert(item.name).second) return true;
-    if (!item.folder) error("not packed, since the archive has a file of this name: " + item.path);
+    if (!item.folder) error("not packed, since the archive already has a file of this name: " + item.path);
     return false;
   }
 
-  /// The next file to `waiting_`, or the next folder into the batch. False when there is neither.
+  /// Puts the next file into `waiting_`, or the next folder into the batch. False when there is neither.
   bool openNext(Batch& batch) {
     for (;;) {
       events_.checkAborted();
@@ -176,7 +176,7 @@ class Reader {
     return true;
   }
 
-  /// Reads up to `bytes.size()`; an error ends the file here, and is kept for the end of it.
+  /// Reads up to `bytes.size()` bytes. A read error ends the file here and is reported at its end.
   std::size_t read(InputFile& file, Source& source, std::span<std::uint8_t> bytes) {
     std::size_t got = 0;
     try {
@@ -221,12 +221,12 @@ class Reader {
     Source& source = *large_->source;
     large_->deflate = !looksIncompressible(large_->file, source.state.size);
     source.entry.method = large_->deflate ? kDeflated : kStored;
-    // Nothing comes out longer than this: 5 bytes for every 64 KiB at worst, and what encryption adds.
+    // Upper bound of the packed size: 5 bytes per 64 KiB at worst, and the encryption overhead.
     const auto longest = static_cast<std::uint64_t>(source.state.size + source.state.size / 4096 + 1024);
     source.entry.zip64Local = longest >= kNone32;
   }
 
-  /// Looks at places all over the file.
+  /// Samples the whole file.
   bool looksIncompressible(const InputFile& file, std::int64_t size) {
     constexpr std::int64_t kPlaces = 6;
     constexpr std::size_t kProbe = std::size_t{32} << 10;
@@ -234,9 +234,9 @@ class Reader {
     for (std::int64_t i = 0; i < kPlaces; ++i) {
       const std::int64_t at = (size - static_cast<std::int64_t>(kProbe)) / (kPlaces - 1) * i;
       try {
-        if (file.readAt(at, probe) < kProbe || !judge_.incompressible(probe)) return false;
+        if (file.readAt(at, probe) < kProbe || !probe_.incompressible(probe)) return false;
       } catch (const std::system_error&) {
-        return false;  // reading it in its turn will tell
+        return false;  // reading the file will report it
       }
     }
     return true;
@@ -278,10 +278,10 @@ class Reader {
   std::optional<Opened> waiting_;
   std::unique_ptr<LargeFile> large_;
   std::unordered_set<std::string> seen_;
-  Judge judge_;
+  CompressibilityProbe probe_;
 };
 
-/// Writes batches in the order in which they were read.
+/// Writes batches in reading order.
 class Writer {
  public:
   Writer(Output& output, PackEvents& events, ZipResult& result)
@@ -303,7 +303,7 @@ class Writer {
     }
   }
 
-  /// The central directory and the end records.
+  /// Writes the central directory and the end records.
   void end() {
     End end;
     bool begun = false;
@@ -337,7 +337,7 @@ class Writer {
   }
 
  private:
-  /// The local header. Sizes that are not known yet are written over later.
+  /// Writes the local header. Unknown sizes are patched in later.
   void begin(Entry& entry) {
     const std::string header = localHeader(entry);
     output_.keepTogether(header.size());
@@ -410,7 +410,7 @@ class Writer {
   PackEvents& events_;
   ZipResult& result_;
   Directory directory_;
-  std::unique_ptr<AesEntry> largeAes_;  ///< of the large file that is being written
+  std::unique_ptr<AesEntry> largeAes_;  ///< of the large file being written
 };
 
 void packAll(const PackRequest& request, PackEvents& events, ZipResult& result, Output& output) {
@@ -426,7 +426,7 @@ void packAll(const PackRequest& request, PackEvents& events, ZipResult& result, 
   output.start();
   Writer writer(output, events, result);
   Reader reader(request, output.names(), events, result);
-  // Below the batches: what is still under way is ended before they go.
+  // Declared after the batches: it must end their jobs before they are destroyed.
   std::deque<std::unique_ptr<Batch>> underWay;
   std::vector<std::unique_ptr<Batch>> spare;
   DeflateWorkers workers;
@@ -463,7 +463,7 @@ ZipResult pack(const PackRequest& request, PackEvents& events) {
     Output output(SegmentNames(request.path, request.stubPath.has_value()), request.segmentBytes,
                   request.stubPath.has_value());
     packAll(request, events, result, output);
-    events.settle();
+    events.drain();
     result.paths = output.finish();
     result.outputBytes = output.totalBytes();
   } catch (const std::system_error& failure) {

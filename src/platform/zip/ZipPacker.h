@@ -1,5 +1,5 @@
-// Packing an archive from its first byte to its last: reads files ahead, has them compressed, writes what
-// comes out in order. Runs on a thread of its own, so that a slow disk holds up nobody else.
+// Packs an archive: reads files ahead, compresses them on worker threads, and writes the results in order.
+// Runs on a thread of its own, so that a slow disk blocks nobody else.
 #pragma once
 
 #include <optional>
@@ -23,20 +23,19 @@ struct PackRequest {
   std::vector<PackSource> sources;
 };
 
-/// Where the packer's events go, and what stops it.
+/// Receives the packer's events, and stops it.
 class PackEvents {
  public:
   virtual ~PackEvents() = default;
   virtual void progress(ZipProgress progress) = 0;
   virtual void error(const std::string& description) = 0;
-  /// Raises ZipError when the operation is to end.
+  /// Raises ZipError when the operation was aborted.
   virtual void checkAborted() = 0;
-  /// Waits until every event has been heard of: the last chance to be told to end. Raises as `checkAborted`
-  /// does.
-  virtual void settle() = 0;
+  /// Waits until every event has been handled: the last chance to abort. Raises as `checkAborted` does.
+  virtual void drain() = 0;
 };
 
-/// Raises ZipError, leaving nothing.
+/// Raises ZipError and leaves no files.
 ZipResult pack(const PackRequest& request, PackEvents& events);
 
 }  // namespace quillmoor::zip

@@ -30,7 +30,7 @@ std::uint32_t u32(std::span<const std::uint8_t> bytes, std::size_t at) {
   return static_cast<std::uint32_t>(number(bytes, at, 4));
 }
 
-/// The content of an extra field; empty when it is not there or does not fit.
+/// The content of an extra field; empty when it is missing or truncated.
 std::span<const std::uint8_t> fieldOf(std::span<const std::uint8_t> extra, std::uint16_t id) {
   while (extra.size() >= 4) {
     const std::size_t size = u16(extra, 2);
@@ -49,7 +49,7 @@ std::int64_t timeOf(std::uint32_t dos, std::span<const std::uint8_t> stamp) {
   return local ? LocalToUtc(*local).time_since_epoch().count() : 315'532'800;  // 1980
 }
 
-/// A raw deflate stream being read.
+/// Reads a raw deflate stream.
 class Inflater {
  public:
   Inflater() {
@@ -59,7 +59,7 @@ class Inflater {
   Inflater(const Inflater&) = delete;
   Inflater& operator=(const Inflater&) = delete;
 
-  /// Gives what comes of `in` to `sink`. False when the data is no deflate, or goes on behind its end.
+  /// Passes the inflated `in` to `sink`. False when the data is not deflate, or continues after its end.
   template <class Sink>
   bool run(std::span<std::uint8_t> in, std::span<std::uint8_t> room, Sink sink) {
     stream_.next_in = in.data();
@@ -94,7 +94,7 @@ bool ArchiveEntry::special() const {
   return hostSystem == 3 && kind != 0 && kind != kFile && kind != kFolder;
 }
 
-/// The end records, put together.
+/// The end records combined.
 struct ZipReader::End {
   std::uint64_t disk = 0, directoryDisk = 0, entries = 0, directorySize = 0, directoryOffset = 0;
   std::int64_t offset = 0;  ///< of the first of them
@@ -121,7 +121,7 @@ std::optional<ZipReader::End> ZipReader::findEnd(Segments& segments, std::uint32
                       end.directorySize == kNone32 || end.directoryOffset == kNone32;
     if (wide && at >= zip::kZip64LocatorSize &&
         u32(bytes, at - zip::kZip64LocatorSize) == zip::kZip64Locator) {
-      // Right in front of the locator, whatever offset that gives: so it is found behind a prefix too.
+      // Directly before the locator, whatever offset that has: this works after a prefix, too.
       end.offset -= static_cast<std::int64_t>(zip::kZip64LocatorSize + zip::kZip64EndRecordSize);
       std::array<std::uint8_t, zip::kZip64EndRecordSize> record{};
       Cursor front(segments, {disk, end.offset});
@@ -180,12 +180,12 @@ ZipReader::ZipReader(const std::string& programPath) : name_(fileNameOf(programP
   if (last == 0) {
     const auto most = static_cast<std::uint64_t>(end->offset);
     if (end->directorySize > most || end->directoryOffset > most - end->directorySize)
-      damaged("its directory lies outside of it");
+      damaged("its directory is outside the archive");
     shift_ = end->offset - static_cast<std::int64_t>(end->directorySize + end->directoryOffset);
   }
   if (end->directoryOffset >
       static_cast<std::uint64_t>(segments_->size(static_cast<std::uint32_t>(end->directoryDisk))))
-    damaged("its directory lies outside of it");
+    damaged("its directory is outside the archive");
   if (end->entries > end->directorySize / zip::kCentralHeaderSize) damaged("its directory is too short");
   entries_ = end->entries;
   directory_ = {static_cast<std::uint32_t>(end->directoryDisk),
@@ -209,8 +209,8 @@ ArchiveEntry ZipReader::readCentral(Cursor& cursor) const {
   entry.size = u32(fixed, 24);
   std::uint64_t disk = u16(fixed, 34), offset = u32(fixed, 42);
   std::span<const std::uint8_t> wide = fieldOf(extra, zip::kZip64Field);
-  const auto widen = [&](std::uint64_t& value, std::uint64_t mark, std::size_t size) {
-    if (value != mark) return;
+  const auto widen = [&](std::uint64_t& value, std::uint64_t placeholder, std::size_t size) {
+    if (value != placeholder) return;
     if (wide.size() < size) damaged("a size in its directory is missing");
     value = number(wide, 0, size);
     wide = wide.subspan(size);
@@ -221,7 +221,7 @@ ArchiveEntry ZipReader::readCentral(Cursor& cursor) const {
   widen(disk, kNone16, 4);
   constexpr std::uint64_t kFar = std::uint64_t{1} << 62;
   if (disk >= segments_->count() || offset > kFar || entry.size > kFar || entry.packedSize > kFar)
-    damaged("its directory points outside of it");
+    damaged("its directory points outside the archive");
   entry.place = {static_cast<std::uint32_t>(disk), static_cast<std::int64_t>(offset) + shift_};
   entry.state = {static_cast<std::int64_t>(entry.size),
                  timeOf(u32(fixed, 12), fieldOf(extra, zip::kTimestampField)), 0, u32(fixed, 38)};
@@ -230,7 +230,7 @@ ArchiveEntry ZipReader::readCentral(Cursor& cursor) const {
     constexpr unsigned kAes256 = 3;
     if (aes.size() < 7 || aes[4] != kAes256) {
       throw ArchiveError(ArchiveFault::unsupported,
-                         name_ + " is encrypted in a way that this program does not know");
+                         name_ + " is encrypted by a method that this program does not support");
     }
     entry.aesVersion = u16(aes, 0);
     entry.method = u16(aes, 5);
@@ -238,7 +238,7 @@ ArchiveEntry ZipReader::readCentral(Cursor& cursor) const {
   if ((entry.method != zip::kStored && entry.method != zip::kDeflated) ||
       entry.encrypted != (entry.aesVersion != 0)) {
     throw ArchiveError(ArchiveFault::unsupported,
-                       name_ + " is packed or encrypted in a way that this program does not know");
+                       name_ + " is packed or encrypted by a method that this program does not support");
   }
   return entry;
 }
@@ -250,32 +250,33 @@ void ZipReader::forEach(const std::function<void(const ArchiveEntry&)>& entry) {
 
 void ZipReader::contents(const ArchiveEntry& entry, std::string_view password,
                          const std::function<void(std::span<const std::uint8_t>)>& sink) {
-  const auto broken = [&](const char* what) { damaged(entry.name + what); };
+  const auto damagedEntry = [&](const char* what) { damaged(entry.name + what); };
   Cursor cursor(*segments_, entry.place);
   std::array<std::uint8_t, zip::kLocalHeaderSize> fixed{};
-  if (!cursor.take(fixed) || u32(fixed, 0) != zip::kLocalHeader) broken(" is not where it should be");
+  if (!cursor.take(fixed) || u32(fixed, 0) != zip::kLocalHeader) damagedEntry(" is not where it should be");
   std::string name(u16(fixed, 26), '\0');
   if (!cursor.take({reinterpret_cast<std::uint8_t*>(name.data()), name.size()}) || name != entry.name)
-    broken(" has another name in its place");
-  if (!cursor.skip(u16(fixed, 28))) broken(" ends too early");
+    damagedEntry(" has a different name in its local header");
+  if (!cursor.skip(u16(fixed, 28))) damagedEntry(" ends too early");
 
   std::uint64_t left = entry.packedSize;
   std::unique_ptr<zip::AesEntry> aes;
   if (entry.encrypted) {
     zip::Salt salt{};
     std::array<std::uint8_t, zip::kVerifierSize> verifier{};
-    if (left < zip::kAesOverhead || !cursor.take(salt) || !cursor.take(verifier)) broken(" ends too early");
+    if (left < zip::kAesOverhead || !cursor.take(salt) || !cursor.take(verifier))
+      damagedEntry(" ends too early");
     aes = std::make_unique<zip::AesEntry>(password, salt);
     if (aes->verifier() != verifier) throw ArchiveError(ArchiveFault::wrongPassword, "the password is wrong");
     left -= zip::kAesOverhead;
   }
-  if (entry.method == zip::kStored && left != entry.size) broken(" has two sizes");
+  if (entry.method == zip::kStored && left != entry.size) damagedEntry(" has contradicting sizes");
 
-  std::uint64_t given = 0;
+  std::uint64_t delivered = 0;
   uLong crc = 0;
-  const auto give = [&](std::span<const std::uint8_t> bytes) {
-    if (bytes.size() > entry.size - given) return false;
-    given += bytes.size();
+  const auto deliver = [&](std::span<const std::uint8_t> bytes) {
+    if (bytes.size() > entry.size - delivered) return false;
+    delivered += bytes.size();
     crc = crc32_z(crc, bytes.data(), bytes.size());
     if (!bytes.empty()) sink(bytes);
     return true;
@@ -289,18 +290,19 @@ void ZipReader::contents(const ArchiveEntry& entry, std::string_view password,
   while (left > 0) {
     const std::span<std::uint8_t> bytes =
         cursor.some(static_cast<std::size_t>(std::min<std::uint64_t>(left, std::size_t{1} << 20)));
-    if (bytes.empty()) broken(" ends too early");
+    if (bytes.empty()) damagedEntry(" ends too early");
     left -= bytes.size();
     if (aes) aes->decrypt(bytes);
-    if (inflater ? !inflater->run(bytes, room, give) : !give(bytes)) broken(" cannot be unpacked");
+    if (inflater ? !inflater->run(bytes, room, deliver) : !deliver(bytes))
+      damagedEntry(" cannot be unpacked");
   }
-  if (given != entry.size || (inflater && !inflater->ended())) broken(" ends too early");
+  if (delivered != entry.size || (inflater && !inflater->ended())) damagedEntry(" ends too early");
   if (aes) {
     std::array<std::uint8_t, zip::kCodeSize> code{};
-    if (!cursor.take(code) || code != aes->code()) broken(" does not match its authentication code");
+    if (!cursor.take(code) || code != aes->code()) damagedEntry(" does not match its authentication code");
   }
   constexpr unsigned kAe2 = 2;
-  if (entry.aesVersion != kAe2 && crc != entry.crc) broken(" does not match its check sum");
+  if (entry.aesVersion != kAe2 && crc != entry.crc) damagedEntry(" does not match its checksum");
 }
 
 }  // namespace quillmoor::sfx

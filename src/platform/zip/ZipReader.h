@@ -1,5 +1,5 @@
-// Reads the archive behind the self-extractor: finds its end, lists its entries, gives their contents.
-// Whatever the bytes are, it reads within bounds and takes no more memory than for a header.
+// Reads the archive appended to the self-extractor: finds its end, lists its entries, extracts their
+// contents. Reads within bounds and limits its memory, whatever the bytes are.
 //
 // Source: zip application note §4.3 (records), §4.5.3 (zip64), §8 (split archives); AE-2 as in
 // platform/zip/ZipCrypto.h.
@@ -21,7 +21,7 @@ namespace quillmoor::sfx {
 
 enum class ArchiveFault { damaged, incomplete, unsupported, wrongPassword };
 
-/// `what()` is one line for a person.
+/// `what()` is one line for the user.
 class ArchiveError : public std::runtime_error {
  public:
   ArchiveError(ArchiveFault fault, const std::string& description)
@@ -32,7 +32,7 @@ class ArchiveError : public std::runtime_error {
   ArchiveFault fault_;
 };
 
-/// One entry as the central directory tells it. Its name is whatever stands there: see EntryName.h.
+/// One entry of the central directory. Its name is unchecked: see EntryName.h.
 struct ArchiveEntry {
   std::string name;
   bool encrypted = false;
@@ -46,23 +46,23 @@ struct ArchiveEntry {
   FileState state;
 
   bool folder() const { return name.ends_with('/'); }
-  /// A symbolic link, a device, a pipe: by its Unix mode.
+  /// Whether its Unix mode is that of a symbolic link, a device or a pipe.
   bool special() const;
 };
 
 class ZipReader {
  public:
   /// Opens the archive at the end of the program, or the set that the program is the first segment of:
-  /// PROGRAM, then its name with .z02, .z03, ... and .zip in place of its ending. Raises ArchiveError.
+  /// PROGRAM, then its name with the extensions .z02, .z03, ... and .zip. Raises ArchiveError.
   explicit ZipReader(const std::string& programPath);
 
   std::uint64_t entries() const { return entries_; }
 
-  /// Calls `entry` for each in the order of the directory. Raises ArchiveError.
+  /// Calls `entry` for each entry in directory order. Raises ArchiveError.
   void forEach(const std::function<void(const ArchiveEntry& entry)>& entry);
 
-  /// Gives the contents to `sink` piece by piece, and checks them: only when it returns are they what was
-  /// packed. Raises ArchiveError, wrongPassword before anything was given.
+  /// Passes the contents to `sink` piece by piece and verifies them: they are valid only when it returns.
+  /// Raises ArchiveError; wrongPassword before anything was passed on.
   void contents(const ArchiveEntry& entry, std::string_view password,
                 const std::function<void(std::span<const std::uint8_t>)>& sink);
 
@@ -77,7 +77,7 @@ class ZipReader {
   std::string name_;
   std::uint64_t entries_ = 0;
   Place directory_;
-  /// What a tool that has put another program in front forgot to add to every offset.
+  /// The length of a prefix that another tool has put in front without adjusting the offsets.
   std::int64_t shift_ = 0;
 };
 

@@ -35,7 +35,7 @@ std::optional<WildcardPath> splitWildcardPath(std::string_view pattern) {
 
 bool matchesWildcard(std::string_view pattern, std::string_view name) {
   std::size_t p = 0, n = 0;
-  // Where to go on when what follows the last "*" does not fit: one character further.
+  // Where to resume when the rest after the last "*" does not match: one character further.
   std::size_t star = std::string_view::npos, resume = 0;
   while (n < name.size()) {
     if (p < pattern.size() && pattern[p] == '*') {
@@ -106,10 +106,10 @@ std::optional<Walk::Item> Walk::next() {
     if (kind == FileKind::link) {
       onError_("not packed, since it is a link: " + item.path);
     } else if (kind == FileKind::special) {
-      onError_("not packed, since it is no ordinary file: " + item.path);
+      onError_("not packed, since it is a special file: " + item.path);
     } else if (kind == FileKind::folder) {
       item.name += '/';
-      // `level` may move when the next one is added.
+      // Adding a level may invalidate `level`.
       enter(item.path, item.path + kLocalSeparator, item.name, false);
       return item;
     } else {

@@ -1,5 +1,5 @@
-// Which files and folders an archive shall hold, one after the other, always in the same order: byte by byte
-// by name, a folder before what it holds.
+// Finds the files and folders to pack, always in the same order: sorted bytewise by name, a folder before its
+// contents.
 #pragma once
 
 #include <cstdint>
@@ -13,18 +13,17 @@
 
 namespace quillmoor::zip {
 
-/// A folder (with its separator at the end) and a pattern for names in it.
+/// A folder (with a trailing separator) and a pattern for names in it.
 struct WildcardPath {
   std::string folder;
   std::string names;
 };
 
-/// Takes "folder/*" apart; nothing when there is no folder or no pattern in it. A path without separator is a
-/// pattern in the present folder.
+/// Splits "folder/*"; nullopt without a pattern. A path without separator is a pattern in the current folder.
 std::optional<WildcardPath> splitWildcardPath(std::string_view pattern);
 
-/// "*" any text, "?" any one character (byte of a name that is not ASCII: any of its bytes). Without regard
-/// to case where the platform's names have none (ASCII letters only).
+/// "*" matches any text, "?" any one byte. Ignores the case of ASCII letters where the platform's file names
+/// do.
 bool matchesWildcard(std::string_view pattern, std::string_view name);
 
 class Walk {
@@ -37,17 +36,17 @@ class Walk {
   using Excluded = std::function<bool(const std::string& folder, std::string_view name)>;
   using OnError = std::function<void(const std::string& description)>;
 
-  /// Reads the folder itself; raises std::system_error when it cannot. `excluded` is asked for every file,
-  /// `onError` told what is left out: links, special files, sub-folders that cannot be read. What bears a
-  /// reserved name (see IsReservedLocalName) is left out without a word.
+  /// Reads the folder itself; raises std::system_error when that fails. Calls `excluded` for every file, and
+  /// `onError` for what is skipped: links, special files, sub-folders that cannot be read. Reserved names
+  /// (see IsReservedLocalName) are skipped silently.
   Walk(WildcardPath what, bool recurse, Excluded excluded, OnError onError);
 
-  /// Nothing at the end.
+  /// The next item; nullopt at the end.
   std::optional<Item> next();
 
  private:
-  /// A folder whose items are being given out. A large one is kept in few pieces of memory: the names in one
-  /// text.
+  /// A folder whose items are being returned. The names share one string, so that a large folder needs few
+  /// allocations.
   struct Level {
     std::string folder;  ///< with separator
     std::string prefix;  ///< of names in the archive
