@@ -35,7 +35,7 @@ constexpr std::array<Style, 8> kStyles = {{
     {FtpProxyType::pipe, kServer, {Step::login}},
 }};
 
-// A server's greeting may arrive after the proxy's reply; at most so many.
+// A server's greeting may arrive after the proxy's reply; the maximum number of them.
 constexpr int kMostGreetings = 3;
 constexpr std::uint16_t kFtpPort = 21;
 

@@ -56,7 +56,7 @@ class RemoteAccess {
 
 /// This machine's remote access: rasapi32.dll on Windows, NetworkManager on Linux. Without these there are no
 /// entries and no connections. Does not call the system before it is used. Without a pump nothing waits for
-/// an answer from the system: news is returned by a later call, and dialling a missing entry may end in
+/// an answer from the system: changes are returned by a later call, and dialling a missing entry may end in
 /// kDialUpDisconnected instead of being refused.
 std::unique_ptr<RemoteAccess> MakeRemoteAccess(Pump pump);
 
