@@ -70,12 +70,12 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: BrowserBench FOLDER\n");
     return 2;
   }
-  BrowsedSite site;
-  site.host = given("FTP_HOST");
-  site.port = given("FTP_PORT");
-  site.userId = given("FTP_USER");
-  site.password = given("FTP_PASSWORD");
-  site.defaultDir = argv[1];
+  SiteProfile site;
+  site.Host = given("FTP_HOST");
+  site.Port = given("FTP_PORT");
+  site.UserID = given("FTP_USER");
+  site.Password = given("FTP_PASSWORD");
+  site.DefaultDir = argv[1];
   const ApplicationSettings settings;
   NoView view;
   NoPrompts prompts;

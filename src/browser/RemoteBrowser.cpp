@@ -12,7 +12,7 @@
 
 namespace quillmoor {
 
-RemoteBrowser::RemoteBrowser(const BrowsedSite& site, const ApplicationSettings& settings, bool foldersOnly,
+RemoteBrowser::RemoteBrowser(const SiteProfile& site, const ApplicationSettings& settings, bool foldersOnly,
                              BrowserView& view, UserPrompts& prompts, AddFolders addFolders)
     : settings_(settings),
       view_(view),

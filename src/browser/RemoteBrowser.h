@@ -16,7 +16,7 @@
 #include "browser/RowIcon.h"
 #include "engine/LogText.h"
 #include "profiles/ApplicationSettings.h"
-#include "profiles/SiteProfileEditor.h"
+#include "profiles/SiteProfile.h"
 #include "profiles/UserPrompts.h"
 
 namespace quillmoor {
@@ -42,9 +42,9 @@ class RemoteBrowser final : private BrowserEvents {
   /// many were new.
   using AddFolders = std::function<std::size_t(const std::vector<std::string>& folders)>;
 
-  /// The references must outlive this. `settings` are the program's own: a delay that is changed there
-  /// applies to the next wait. `foldersOnly` is the stored value. Does not connect.
-  RemoteBrowser(const BrowsedSite& site, const ApplicationSettings& settings, bool foldersOnly,
+  /// The references must outlive this. `settings` is what the program goes by: a delay that is changed there
+  /// holds for the next wait. `foldersOnly`: as it was stored. Connects to nothing yet.
+  RemoteBrowser(const SiteProfile& site, const ApplicationSettings& settings, bool foldersOnly,
                 BrowserView& view, UserPrompts& prompts, AddFolders addFolders);
   /// Aborts any operation without calling the view. Does not log out; aborting a transfer cleanly takes up to
   /// 2 s.

@@ -9,7 +9,6 @@
 
 #include "base/BusyFlag.h"
 #include "base/ErrorGuard.h"
-#include "base/LenientNumber.h"
 #include "base/Utf8.h"
 #include "engine/FtpAdvice.h"
 #include "engine/FtpConnection.h"
@@ -17,38 +16,9 @@
 #include "engine/ShownText.h"
 
 namespace quillmoor {
-namespace {
 
-/// A number that is too large becomes the largest one, which the client rejects.
-std::int32_t numberOf(const std::string& text) {
-  try {
-    return ToLong(text);
-  } catch (const std::overflow_error&) {
-    return std::numeric_limits<std::int32_t>::max();
-  }
-}
-
-RunProfileFields fieldsOf(const BrowsedSite& site) {
-  RunProfileFields fields;
-  fields.Host = site.host;
-  fields.UserID = site.userId;
-  fields.Password = site.password;
-  fields.Account = site.account;
-  fields.Port = site.port;
-  fields.DefaultDir = site.defaultDir;
-  fields.PASV = site.passive;
-  fields.ProxyType = site.proxyType;
-  fields.ProxyHost = site.proxyHost;
-  fields.ProxyPort = numberOf(site.proxyPort);
-  fields.ProxyUsername = site.proxyUsername;
-  fields.ProxyPassword = site.proxyPassword;
-  return fields;
-}
-
-}  // namespace
-
-RemoteSession::RemoteSession(const BrowsedSite& site, BrowserEvents& events)
-    : events_(events), profile_(fieldsOf(site)) {
+RemoteSession::RemoteSession(SiteProfile site, BrowserEvents& events)
+    : events_(events), profile_(std::move(site)) {
   client_.maxListingBytes = kMostListingBytes;
   client_.pump = [this] { pump(); };
   client_.onState = [this](FtpState state) { events_.logLine(ConnectionStateLine(state, profile_.Host)); };
@@ -88,11 +58,10 @@ void RemoteSession::waitSeconds(std::int32_t seconds) {
 
 void RemoteSession::tryLogin() {
   constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max() / 1000;
-  profile_.Timeout = std::clamp(timeout.load(), std::int32_t{0}, kLongest);
+  profile_.Timeout = std::to_string(std::clamp(timeout.load(), std::int32_t{0}, kLongest));
   try {
     SetFtpProperties(client_, profile_);
-    client_.login(profile_.Host, profile_.UserID, profile_.Password, profile_.Account,
-                  numberOf(profile_.Port));
+    LogIn(client_, profile_);
   } catch (const FtpError& error) {
     if (stopping()) return;
     events_.logLine("Login error: " + std::to_string(error.number()) + "," + error.what() + "\r\n");

@@ -12,10 +12,9 @@
 #include <vector>
 
 #include "browser/BrowserEvents.h"
-#include "engine/RunProfileFields.h"
 #include "engine/mCreatePath.h"
 #include "platform/ftp/FtpClient.h"
-#include "profiles/SiteProfileEditor.h"
+#include "profiles/SiteProfile.h"
 
 namespace quillmoor {
 
@@ -29,7 +28,7 @@ class RemoteSession {
   static constexpr std::int32_t kLogoutGraceMs = 2000;
 
   /// `events` must outlive this.
-  RemoteSession(const BrowsedSite& site, BrowserEvents& events);
+  RemoteSession(SiteProfile site, BrowserEvents& events);
   RemoteSession(const RemoteSession&) = delete;
   RemoteSession& operator=(const RemoteSession&) = delete;
 
@@ -80,7 +79,7 @@ class RemoteSession {
   bool testLinks(const std::vector<std::size_t>& rows, const std::vector<std::string>& paths);
 
   BrowserEvents& events_;
-  RunProfileFields profile_;
+  SiteProfile profile_;
   bool loggedIn_ = false;
   bool errorsSuppressed_ = false;
   std::optional<std::chrono::steady_clock::time_point> graceEnds_;

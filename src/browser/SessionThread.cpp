@@ -5,7 +5,7 @@
 
 namespace quillmoor {
 
-SessionThread::SessionThread(const BrowsedSite& site) : session_(site, *this), thread_([this] { work(); }) {}
+SessionThread::SessionThread(const SiteProfile& site) : session_(site, *this), thread_([this] { work(); }) {}
 
 SessionThread::~SessionThread() {
   session_.kill();

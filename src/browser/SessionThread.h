@@ -20,9 +20,9 @@ class SessionThread final : private BrowserEvents {
  public:
   using Operation = std::function<void(RemoteSession&)>;
 
-  explicit SessionThread(const BrowsedSite& site);
-  /// Aborts the current operation and does not log out. Blocks up to 2 s while a transfer is aborted cleanly,
-  /// otherwise only briefly.
+  explicit SessionThread(const SiteProfile& site);
+  /// Ends whatever is in progress and says no goodbye to the server. Waits for that: 2 s where a transfer has
+  /// to be ended in order, else no time worth the name.
   ~SessionThread() override;
   SessionThread(const SessionThread&) = delete;
   SessionThread& operator=(const SessionThread&) = delete;

@@ -37,7 +37,7 @@ bool canBeReached(const wxRect& window, int grip) {
 
 }  // namespace
 
-frmFtpBrowse::frmFtpBrowse(wxWindow* parent, const BrowsedSite& site, const ApplicationSettings& settings,
+frmFtpBrowse::frmFtpBrowse(wxWindow* parent, const SiteProfile& site, const ApplicationSettings& settings,
                            RemoteBrowser::AddFolders addFolders)
     : wxFrame(parent, wxID_ANY, "Browse FTP Site", wxDefaultPosition, wxDefaultSize,
               wxDEFAULT_FRAME_STYLE | wxFRAME_FLOAT_ON_PARENT, "frmFtpBrowse"),

@@ -20,8 +20,8 @@ namespace quillmoor {
 
 class frmFtpBrowse : public wxFrame, private BrowserView {
  public:
-  /// `settings` must outlive the window. `addFolders` may be called until `unload`.
-  frmFtpBrowse(wxWindow* parent, const BrowsedSite& site, const ApplicationSettings& settings,
+  /// `settings` must outlive the window, and so must what `addFolders` changes until `unload`.
+  frmFtpBrowse(wxWindow* parent, const SiteProfile& site, const ApplicationSettings& settings,
                RemoteBrowser::AddFolders addFolders);
   ~frmFtpBrowse() override;
 

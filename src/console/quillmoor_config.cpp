@@ -37,30 +37,31 @@ constexpr const char* kHelp =
     "       quillmoor-config dialup list\n"
     "       quillmoor-config --help | --version\n"
     "\n"
-    "Site profiles are in Profiles.ini in this program's folder. Keys: Status Host UserID Password Port "
-    "Account\n"
-    "SaveTo RunURL RunProgram Timeout PASV ManualPort MinData MaxData ProxyType ProxyHost ProxyPort "
-    "ProxyUsername\n"
-    "ProxyPassword DefaultDir, and Folder, which may be given several times and replaces the list of remote\n"
-    "folders. Password=- and ProxyPassword=- read a line from standard input; so does the setting "
-    "ZipPassword. \"dialup list\" lists the entries that AutoDialUpConnection can name.\n";
+    "Site profiles are in Profiles.ini in this program's folder. Keys:";
+constexpr const char* kHelpAfterKeys =
+    " Folder\n"
+    "Folder may be given several times and replaces the list of remote folders. Password=- and "
+    "ProxyPassword=-\n"
+    "read a line of standard input; so does the setting ZipPassword. \"dialup list\" names the entries that\n"
+    "AutoDialUpConnection can be.\n";
+
+std::string helpText() {
+  constexpr std::size_t kWidth = 105;
+  std::string help = kHelp;
+  for (const ProfileField& field : kProfileFields) {
+    const std::size_t begin = help.rfind('\n') + 1;
+    help += help.size() + field.key.size() - begin < kWidth ? ' ' : '\n';
+    help += field.key;
+  }
+  return help + kHelpAfterKeys;
+}
 
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-struct NumberField {
-  std::string_view key;
-  std::int16_t SiteProfile::*field;
-  std::int16_t largest;
-};
-constexpr NumberField kNumberFields[] = {{"Status", &SiteProfile::Status, 1},
-                                         {"PASV", &SiteProfile::PASV, 1},
-                                         {"ManualPort", &SiteProfile::ManualPort, 1},
-                                         {"ProxyType", &SiteProfile::ProxyType, 7}};
-
-/// Returns the text; raises UsageError when the profile file cannot store it.
+/// The text itself; raises UsageError for one that the profile file cannot keep.
 std::string storable(const std::string& what, const std::string& text) {
   const std::string why = WhyNotStorable(what, text);
   if (!why.empty()) throw UsageError(why);
@@ -68,25 +69,19 @@ std::string storable(const std::string& what, const std::string& text) {
 }
 
 void setField(SiteProfile& profile, std::string_view key, const std::string& value) {
-  for (const ProfileText& known : kProfileTexts) {
-    if (known.key != key) continue;
+  const ProfileField* const field = FieldOf(key);
+  if (!field) throw UsageError("A profile has no key " + std::string(key) + ". Try quillmoor-config --help.");
+  if (field->text()) {
     const bool typed = value == "-" && IsSecret(key);
-    profile.*known.field = storable(std::string(key), typed ? ReadSecretLine() : value);
+    profile.*field->text() = storable(std::string(key), typed ? ReadSecretLine() : value);
     if (key == "Password") profile.passwordUnreadable = false;
     return;
   }
-  for (const NumberField& known : kNumberFields) {
-    if (known.key != key) continue;
-    const std::int16_t number = value.size() == 1 && value[0] >= '0' && value[0] <= '9'
-                                    ? static_cast<std::int16_t>(value[0] - '0')
-                                    : static_cast<std::int16_t>(-1);
-    if (number < 0 || number > known.largest) {
-      throw UsageError(std::string(key) + " takes a number from 0 to " + std::to_string(known.largest) + ".");
-    }
-    profile.*known.field = number;
-    return;
-  }
-  throw UsageError("A profile has no key " + std::string(key) + ". Try quillmoor-config --help.");
+  std::int32_t number = -1;
+  std::from_chars(value.data(), value.data() + value.size(), number);
+  if (number < 0 || number > field->largest || std::to_string(number) != value)
+    throw UsageError(std::string(key) + " takes a number from 0 to " + std::to_string(field->largest) + ".");
+  profile.*field->number() = number;
 }
 
 /// Raises when something that a run needs is missing or cannot be stored; corrects invalid numbers.
@@ -124,13 +119,14 @@ void requireProfile(const std::string& name) {
 int showProfile(const std::string& name) {
   requireProfile(name);
   SiteProfile profile = LoadSiteProfile(name, ProfilesFilePath());
-  for (const ProfileText& field : kProfileTexts) {
-    const std::string& value = profile.*field.field;
+  for (const ProfileField& field : kProfileFields) {
+    if (!field.text()) continue;
+    const std::string& value = profile.*field.text();
     const bool hidden = IsSecret(field.key) && !value.empty();
     std::printf("%s=%s\n", std::string(field.key).c_str(), hidden ? "(hidden)" : value.c_str());
   }
-  for (const NumberField& field : kNumberFields) {
-    std::printf("%s=%d\n", std::string(field.key).c_str(), profile.*field.field);
+  for (const ProfileField& field : kProfileFields) {
+    if (field.number()) std::printf("%s=%d\n", std::string(field.key).c_str(), profile.*field.number());
   }
   for (const std::string& folder : profile.Folders) std::printf("Folder=%s\n", folder.c_str());
   return kDone;
@@ -229,7 +225,8 @@ int execute(const std::vector<std::string>& arguments) {
   const auto is = [&](std::size_t count, std::string_view noun, std::string_view verb) {
     return arguments.size() >= 2 && arguments.size() == count && arguments[0] == noun && arguments[1] == verb;
   };
-  if (arguments == std::vector<std::string>{"--help"}) return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
+  if (arguments == std::vector<std::string>{"--help"})
+    return std::fputs(helpText().c_str(), stdout) < 0 ? kFailed : kDone;
   if (arguments == std::vector<std::string>{"--version"}) {
     return std::puts("quillmoor-config " QUILLMOOR_VERSION) < 0 ? kFailed : kDone;
   }

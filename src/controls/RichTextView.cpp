@@ -14,7 +14,7 @@
 #include "controls/AccessibleName.h"
 #include "controls/TextMargin.h"
 #include "controls/WxColours.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/Files.h"
 
 namespace quillmoor {
 namespace {
@@ -118,7 +118,7 @@ void RichTextView::OnInternalIdle() {
 bool RichTextView::LoadFile(const std::string& path) {
   RtfDocument document;
   bool shown = false;
-  if (LocalPathExists(path)) {
+  if (pathExists(path)) {
     try {
       document = LoadRtf(path);
       shown = true;

@@ -6,6 +6,7 @@
 
 #include "base/ErrorGuard.h"
 #include "base/LenientNumber.h"
+#include "base/SplitText.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
 #include "engine/mGeneral.h"
@@ -66,13 +67,9 @@ std::string withSeparator(std::string folder) {
 }  // namespace
 
 std::vector<std::string> CopyDestinations(const std::string& ZipCopies) {
-  std::vector<std::string> destinations;
-  for (std::size_t at = 0; at <= ZipCopies.size();) {
-    const std::size_t end = std::min(ZipCopies.find('|', at), ZipCopies.size());
-    // With a separator appended, an empty part would name the root folder.
-    if (end > at) destinations.push_back(ZipCopies.substr(at, end - at));
-    at = end + 1;
-  }
+  std::vector<std::string> destinations = SplitText(ZipCopies, "|");
+  // An empty part names no folder; with a separator it would be the root of them all.
+  std::erase(destinations, "");
   SortNames(destinations);
   return destinations;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "base/Ascii.h"
+
 namespace quillmoor {
 namespace {
 
@@ -13,8 +15,7 @@ bool isOneOf(int number, std::initializer_list<int> numbers) {
 /// Lower case, with one blank around and between words: " 530 max clients reached ".
 std::string plainWords(std::string_view text) {
   std::string plain = " ";
-  for (char c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  for (const char c : AsciiLower(text)) {
     const bool ofWord = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
     if (ofWord || plain.back() != ' ') plain += ofWord ? c : ' ';
   }

@@ -1,18 +1,54 @@
 #include "engine/FtpConnection.h"
 
+#include <limits>
+#include <stdexcept>
+
 #include "base/LenientNumber.h"
+#include "profiles/SiteProfileStore.h"
 
 namespace quillmoor {
 
-void SetFtpProperties(FtpClient& client, const RunProfileFields& profile) {
-  client.timeoutMs = MultiplyLong(profile.Timeout, 1000);
+namespace {
+
+/// A number that is too large is as wrong as the largest one, and the client says so.
+std::int32_t numberOf(const std::string& text) {
+  try {
+    return ToLong(text);
+  } catch (const std::overflow_error&) {
+    return std::numeric_limits<std::int32_t>::max();
+  }
+}
+
+}  // namespace
+
+void SetFtpProperties(FtpClient& client, const SiteProfile& profile) {
+  client.timeoutMs = MultiplyLong(numberOf(profile.Timeout), 1000);
   client.proxyType = profile.ProxyType;
   client.proxyUserName = profile.ProxyUsername;
   client.proxyPassword = profile.ProxyPassword;
   client.proxyHost = profile.ProxyHost;
-  client.proxyPort = profile.ProxyPort;
-  if (client.state() != FtpState::connected && client.passive() != profile.PASV)
-    client.setPassive(profile.PASV);
+  client.proxyPort = numberOf(profile.ProxyPort);
+  const bool passive = profile.PASV != 0;
+  if (client.state() != FtpState::connected && client.passive() != passive) client.setPassive(passive);
+}
+
+std::string WhyNoLogin(const SiteProfile& profile) {
+  if (!profile.numberTooLarge.empty())
+    return "The number " + std::string(profile.numberTooLarge) + " is too large";
+  if (profile.passwordUnreadable) return "The stored password cannot be deciphered; enter it anew";
+  if (profile.Host.empty()) return "The host is missing";
+  const std::int32_t port = numberOf(profile.Port), proxyPort = numberOf(profile.ProxyPort);
+  if (!IsPort(port)) return std::to_string(port) + " is no port number";
+  if (profile.ProxyType == 0) return "";
+  if (profile.ProxyType < 0 || static_cast<std::size_t>(profile.ProxyType) >= kProxyTypes.size())
+    return "There is no proxy type " + std::to_string(profile.ProxyType);
+  if (profile.ProxyHost.empty()) return "The proxy's host is missing";
+  if (!IsPort(proxyPort)) return std::to_string(proxyPort) + " is no port number of a proxy";
+  return "";
+}
+
+void LogIn(FtpClient& client, const SiteProfile& profile) {
+  client.login(profile.Host, profile.UserID, profile.Password, profile.Account, numberOf(profile.Port));
 }
 
 std::string ConnectionStateLine(FtpState state, const std::string& host) {

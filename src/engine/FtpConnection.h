@@ -7,14 +7,21 @@
 #include <vector>
 
 #include "base/ErrorGuard.h"
-#include "engine/RunProfileFields.h"
 #include "platform/ftp/FtpClient.h"
+#include "profiles/SiteProfile.h"
 
 namespace quillmoor {
 
-/// Applies the profile's connection settings to the client. An open session keeps its passive mode. Raises
-/// std::overflow_error, with nothing set, when the time-out is too large.
-void SetFtpProperties(FtpClient& client, const RunProfileFields& profile);
+/// Puts the profile's connection settings on the client. A session keeps the passive mode that it was opened
+/// with. Raises std::overflow_error, with nothing set, when the time-out is too large.
+void SetFtpProperties(FtpClient& client, const SiteProfile& profile);
+
+/// Why every login with the profile would fail before a byte is sent, and so be tried without end: a sentence
+/// without its full stop, "" when none would.
+std::string WhyNoLogin(const SiteProfile& profile);
+
+/// Logs in with what the profile says. Raises FtpError.
+void LogIn(FtpClient& client, const SiteProfile& profile);
 
 /// The log line, including its line break, for a new state of the connection to `host`.
 std::string ConnectionStateLine(FtpState state, const std::string& host);

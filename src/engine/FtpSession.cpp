@@ -5,7 +5,6 @@
 
 #include "base/BusyFlag.h"
 #include "base/ErrorGuard.h"
-#include "base/LenientNumber.h"
 #include "engine/FtpAdvice.h"
 #include "engine/FtpConnection.h"
 #include "engine/LogColours.h"
@@ -87,14 +86,14 @@ void FtpSession::loginOverDialUp() {
 
 void FtpSession::TryLogin() {
   state_.LoggedIn = false;
-  const RunProfileFields& profile = state_.profile;
+  const SiteProfile& profile = state_.profile;
   errorNumber_ = 0;
   Guarded([&] {
     SetFtpProperties();
-    // Deliberate: the profile's own port range is not used; a manual range means any port, too.
-    client_.dataPortRange = profile.ManualPort ? "0:0" : "0";
+    // The profile's own port range is not used, on purpose: a manual range is any port as well.
+    client_.dataPortRange = profile.ManualPort != 0 ? "0:0" : "0";
     expect(FtpMethod::login);
-    client_.login(profile.Host, profile.UserID, profile.Password, profile.Account, ToLong(profile.Port));
+    LogIn(client_, profile);
     state_.LoggedIn = true;
   });
   if (!state_.LoggedIn) return noteRefusedLogin();

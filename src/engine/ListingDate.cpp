@@ -1,10 +1,11 @@
 #include "engine/ListingDate.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
 #include <vector>
+
+#include "base/Ascii.h"
 
 namespace quillmoor {
 namespace {
@@ -33,14 +34,7 @@ constexpr std::array<std::string_view, 12> kOtherNames = {
 
 constexpr std::size_t kLongestMonthName = 16;  // bytes
 
-std::string lowered(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return lower;
-}
-
-/// Three letters as one number, ignoring their case.
+/// Three letters as one number, whatever their case.
 constexpr std::uint32_t caselessKey(std::string_view letters) {
   std::uint32_t key = 0;
   for (const char c : letters) key = key << 8 | static_cast<unsigned char>(c | 0x20);
@@ -112,7 +106,7 @@ const char* EnglishMonth(int month) {
 std::optional<int> MonthOfName(std::string_view name) {
   if (name.size() > kLongestMonthName) return std::nullopt;
   if (const auto month = englishMonth(name)) return month;
-  std::string lower = lowered(name);
+  std::string lower = AsciiLower(name);
   if (lower.ends_with('.')) lower.pop_back();
   if (const auto month = englishMonth(lower)) return month;
   const std::string listed = ' ' + lower + ' ';

@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "engine/mCreatePath.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/Files.h"
 #include "platform/files/LocalPath.h"
 
 namespace quillmoor {
@@ -27,7 +27,7 @@ std::string keyOf(const std::string& folder) {
 }  // namespace
 
 bool LockedTarget::acquire(const std::string& folder) {
-  for (std::filesystem::path level = LocalPath(folder); !LocalPathExists(LocalPathText(level));) {
+  for (std::filesystem::path level = LocalPath(folder); !pathExists(LocalPathText(level));) {
     if (level.has_filename()) created_.push_back(LocalPathText(level));
     const std::filesystem::path parent = level.parent_path();
     if (parent.empty() || parent == level) break;
@@ -51,7 +51,7 @@ bool LockedTarget::contains(const LockedTarget& other) const {
 
 void LockedTarget::releaseUnused() {
   lock_.reset();
-  for (const std::string& folder : created_) RemoveLocalFile(folder);
+  for (const std::string& folder : created_) removeFolder(folder);
 }
 
 }  // namespace quillmoor

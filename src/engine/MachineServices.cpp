@@ -52,7 +52,7 @@ bool MachineServices::reserveRun() {
 /// Null when another process holds it.
 std::shared_ptr<void> MachineServices::acquireRunLock() {
   if (reserved_) return std::exchange(reserved_, nullptr);
-  const auto lock = std::make_shared<SingleInstance>(SingleInstance::Mark::run);
+  const auto lock = std::make_shared<SingleInstance>(SingleInstance::Lock::run);
   if (lock->anotherIsRunning()) return nullptr;
   held_ = lock;
   return lock;

@@ -29,7 +29,7 @@ void ConfiguredActions::RunAfterActions(RunLog& log) {
   if (!settings_.ConnectAfter.empty()) callAddress(settings_.ConnectAfter, kGlobalSubject, log);
 }
 
-void ConfiguredActions::RunProfileActions(const RunProfileFields& profile, RunLog& log) {
+void ConfiguredActions::RunProfileActions(const SiteProfile& profile, RunLog& log) {
   if (!profile.RunProgram.empty()) startProgram(profile.RunProgram, log);
   if (!profile.RunURL.empty()) callAddress(profile.RunURL, kProfileSubject, log);
 }

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "engine/RunLog.h"
-#include "engine/RunProfileFields.h"
 #include "platform/net/WebRequest.h"
 #include "platform/system/ShellOpen.h"
 #include "profiles/ApplicationSettings.h"
+#include "profiles/SiteProfile.h"
 
 namespace quillmoor {
 
@@ -21,8 +21,8 @@ class RunActions {
   virtual void RunBeforeActions(RunLog& log) = 0;
   /// Called once per run, after the last profile, even after a Stop.
   virtual void RunAfterActions(RunLog& log) = 0;
-  /// Called for each enabled profile before it connects.
-  virtual void RunProfileActions(const RunProfileFields& profile, RunLog& log) = 0;
+  /// For each enabled profile, before it connects.
+  virtual void RunProfileActions(const SiteProfile& profile, RunLog& log) = 0;
 };
 
 /// Performs the actions of the settings and of each profile, the program before the address; an empty text
@@ -37,7 +37,7 @@ class ConfiguredActions final : public RunActions {
 
   void RunBeforeActions(RunLog& log) override;
   void RunAfterActions(RunLog& log) override;
-  void RunProfileActions(const RunProfileFields& profile, RunLog& log) override;
+  void RunProfileActions(const SiteProfile& profile, RunLog& log) override;
 
  private:
   void startProgram(const std::string& program, RunLog& log);

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "base/ErrorGuard.h"
+#include "engine/BackupRunning.h"
+#include "engine/FtpConnection.h"
 #include "engine/LogColours.h"
 #include "engine/SafeName.h"
 #include "engine/mCreatePath.h"
@@ -227,7 +229,8 @@ void RunController::logFrameHeader(const std::string& profileId) {
 
 /// Determines the profile's local folder. Returns why the profile cannot be run, or "".
 std::string RunController::prepareTarget(const std::string& profileId) {
-  if (!state_.profile.unreadable.empty()) return state_.profile.unreadable;
+  const std::string problem = WhyNoLogin(state_.profile);
+  if (!problem.empty()) return problem;
   const FolderNames names = state_.names;
   if (names == FolderNames::cut && IsNetworkPath(state_.profile.SaveTo)) {
     return "SaveTo is a network path, and one of its two leading backslashes would be cut off: map " +

@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "engine/RunFailures.h"
-#include "engine/RunProfileFields.h"
 #include "engine/mCreatePath.h"
 #include "platform/ftp/FtpClient.h"
+#include "profiles/SiteProfile.h"
 
 namespace quillmoor {
 
@@ -33,7 +33,7 @@ struct RunState {
 
   /// Section name of the profile being run; never its `ID` key.
   std::string currentProfileId;
-  RunProfileFields profile;
+  SiteProfile profile;
   std::size_t reportRow = 0;
 
   // For the current profile.

@@ -1,10 +1,10 @@
 #include "engine/TreeWalk.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "base/Utf8.h"
 #include "engine/FtpConnection.h"
 #include "engine/ListingDate.h"
@@ -15,8 +15,7 @@
 #include "engine/mCreatePath.h"
 #include "engine/mFileLib.h"
 #include "engine/mGeneral.h"
-#include "platform/files/ArchiveFiles.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/Files.h"
 #include "platform/files/LocalPath.h"
 #include "platform/files/ReservedNames.h"
 #include "platform/files/WorkFolder.h"
@@ -33,12 +32,6 @@ bool holdsFiles(const std::string& localDir) {
                [&](const std::string& name, FileKind) { any = any || !IsReservedLocalName(name); });
   });
   return any;
-}
-
-std::string lowerAscii(std::string name) {
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return name;
 }
 
 bool isType(const RemoteEntry& entry, char lower) {
@@ -219,7 +212,7 @@ bool TreeWalk::mayWalk(const std::string& currentDir) {
 }
 
 bool TreeWalk::prepareLocalFolder(const std::string& localDir, LocalDateTime folderDate) {
-  if (LocalFolderExists(localDir)) {
+  if (folderExists(localDir)) {
     RemoveStaleTemporaries(localDir);
   } else if (!CreatePath(localDir)) {
     log_.AppendLog("Error: Unable to create directory: " + PrintableName(localDir), log_colour::kError, true);
@@ -244,7 +237,7 @@ bool TreeWalk::isFree(const RemoteEntry& entry, const std::string& localDir,
                       std::map<std::string, std::string>& taken) {
   const bool windows = kLocalNameRules == LocalNameRules::windows;
   const auto [first, isNew] =
-      taken.emplace(windows ? LocalNameKey(entry.name) : lowerAscii(entry.name), entry.name);
+      taken.emplace(windows ? LocalNameKey(entry.name) : AsciiLower(entry.name), entry.name);
   if (isNew) return true;
   std::error_code failed;
   if (!windows &&

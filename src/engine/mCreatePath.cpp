@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/files/LocalFiles.h"
+#include "platform/files/Files.h"
 
 namespace quillmoor {
 namespace {
@@ -57,7 +57,8 @@ std::string LocalFolderFor(const std::string& target, const std::string& current
 bool CreatePath(const std::string& path) {
   // On Windows the user may have typed slashes.
   const std::string native = LocalPathText(LocalPath(path).make_preferred());
-  return CreatePath(native, kLocalSeparator, {LocalPathExists, CreateLocalFolder});
+  const auto create = [](const std::string& folder) { return !createFolder(folder); };
+  return CreatePath(native, kLocalSeparator, {pathExists, create});
 }
 
 bool CreatePath(const std::string& path, char separator, const FolderSystem& system) {

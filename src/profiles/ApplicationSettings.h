@@ -21,7 +21,7 @@ inline constexpr std::array<const char*, 8> kScheduleDayKeys = {"",
 /// The process-wide values, named after their keys; the defaults are those of a machine that has stored
 /// nothing. Passwords stay enciphered here.
 struct ApplicationSettings {
-  double MainLeft = 1000;  // twips, as the three below
+  double MainLeft = 1000;  // twips, like the next three
   double MainTop = 1000;
   double MainWidth = 11685;
   double MainHeight = 8085;
@@ -57,10 +57,10 @@ struct ApplicationSettings {
 
 inline constexpr std::int32_t kMostLoginAttempts = 99;
 
-/// Reads every key but `AsciiExts`. A number is what leads the stored text; where that is no number, or one
-/// that the setting cannot have, the default holds and `notes`, if given, gets a sentence that names the key,
-/// the stored text and the default. Raises RegistryStoreError when the store itself cannot be read (damaged
-/// file; the text names it).
+/// Reads every key but `AsciiExts`. A number is read from the beginning of the stored text. Where there is
+/// none, or one outside the setting's range, the default is used and a sentence with the key, the stored text
+/// and the default is added to `notes`, if given. Raises RegistryStoreError when the store itself cannot be
+/// read (damaged file; the message names it).
 ApplicationSettings LoadApplicationSettings(std::vector<std::string>* notes = nullptr);
 
 /// The `AsciiExts` value, the default list when it is missing; joined with "|".

@@ -69,7 +69,7 @@ void DialUpPanel::RefreshStatus() {
     lblRasStatus = "Not Connected";
     showButtons(true, false);
   }
-  // Asked once more and not used, on purpose: it keeps the system's answer fresh.
+  // The answer is deliberately not used: asking makes the system refresh it.
   dialUp_.IsDialUpConnected();
 }
 

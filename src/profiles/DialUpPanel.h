@@ -11,12 +11,12 @@
 
 namespace quillmoor {
 
-/// The form calls a member for each of its events and then shows what the public fields say. Nothing is
-/// raised for a dial that fails: the label tells. What is stored raises RegistryError when it cannot be, and
-/// holds all the same: an entry until `LoadEntries`, the rest until the program ends.
+/// The form calls a member for each of its events and then shows what the public fields say. A dial that
+/// fails raises nothing; the label shows it. RegistryError is raised when a value cannot be stored; the value
+/// is used all the same: an entry until `LoadEntries`, the others until the program ends.
 class DialUpPanel {
  public:
-  /// Both must outlive this. Takes the component's state-change event.
+  /// Both must outlive this. Sets the component's state-change handler.
   DialUpPanel(DialUp& dialUp, ApplicationSettings& settings);
   ~DialUpPanel();
   DialUpPanel(const DialUpPanel&) = delete;
@@ -26,8 +26,8 @@ class DialUpPanel {
   bool cmdHangUpEnabled = false;
   std::string lblRasStatus;
 
-  /// What cboConnections gets when the form is loaded, and which of it is selected: the entry with exactly
-  /// the stored name. An entry that has left the phonebook stays stored and is merely not selected.
+  /// The items of cboConnections when the form is loaded, and the selected one: the entry with exactly the
+  /// stored name. A stored entry that is no longer in the phonebook stays stored but is not selected.
   struct EntryList {
     std::vector<std::string> names;
     std::optional<std::size_t> selected;

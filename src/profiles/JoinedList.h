@@ -5,31 +5,19 @@
 #include <string_view>
 #include <vector>
 
+#include "base/SplitText.h"
+
 namespace quillmoor {
 
-inline constexpr char kListSeparator = '|';
+inline constexpr std::string_view kListSeparator = "|";
 
 /// In their order; "" has none.
 inline std::vector<std::string> SplitList(std::string_view stored) {
-  std::vector<std::string> items;
-  while (!stored.empty()) {
-    const std::size_t end = stored.find(kListSeparator);
-    items.emplace_back(stored.substr(0, end));
-    if (end == std::string_view::npos) break;
-    stored.remove_prefix(end + 1);
-    if (stored.empty()) items.emplace_back();
-  }
-  return items;
+  return stored.empty() ? std::vector<std::string>() : SplitText(stored, kListSeparator);
 }
 
-/// No separator before the first.
 inline std::string JoinList(const std::vector<std::string>& items) {
-  std::string stored;
-  for (const std::string& item : items) {
-    if (&item != &items.front()) stored += kListSeparator;
-    stored += item;
-  }
-  return stored;
+  return JoinText(items, kListSeparator);
 }
 
 }  // namespace quillmoor

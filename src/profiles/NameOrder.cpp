@@ -4,7 +4,7 @@
 
 #include "platform/system/CodePage.h"
 
-// Names are ANSI text in their file, so the letters of the code page are the letters there are.
+// Names are ANSI text in their file, so only the letters of the code page count.
 
 namespace quillmoor {
 

@@ -14,26 +14,27 @@
 namespace quillmoor {
 namespace {
 
-// In KB. The bytes of a larger segment are no 32-bit number, and the archive stage makes no archive then.
+// In KB. The size of a larger segment in bytes does not fit in 32 bits, and the archive stage makes no
+// archive.
 constexpr std::int32_t kLargestSpan = std::numeric_limits<std::int32_t>::max() / 1024;
 
 std::string noteOnSpan(std::int32_t span) {
   return span <= kLargestSpan
              ? ""
-             : "More than " + std::to_string(kLargestSpan) + " KB is too much: no archive is made.";
+             : "More than " + std::to_string(kLargestSpan) + " KB is too large: no archive is made.";
 }
 
 std::string noteOnSpan(const std::string& text, std::int32_t span) {
-  return Val(text) < 1 ? "A number of KB, 1 or more, is wanted; as it is, 1 is taken." : noteOnSpan(span);
+  return Val(text) < 1 ? "Must be a number of KB, 1 or more; 1 will be used." : noteOnSpan(span);
 }
 
 std::string whatHolds(const std::string& enciphered) {
-  if (enciphered.empty()) return "Archives get no password.";
+  if (enciphered.empty()) return "Archives have no password.";
   try {
     mRC4::Decipher(enciphered);
-    return "The one before still holds.";
+    return "The previous one is still in use.";
   } catch (const mBase64::DecodeError&) {
-    return "The one before cannot be read: no archive is made.";
+    return "The previous one cannot be read: no archive is made.";
   }
 }
 
@@ -87,11 +88,11 @@ void OptionsEditor::chooseMode(bool full) {
   writer_.Write("BackupMode", full ? "1" : "2");
 }
 
-/// The box keeps its value while it is disabled, and runs go by it in either mode.
+/// The box keeps its value while it is disabled, and runs use it in both modes.
 void OptionsEditor::noteOnUniqueBackup() {
   uniqueBackupNote =
       chkUniqueBackup && !chkUniqueBackupEnabled
-          ? "Holds for the incremental backup, too: in the folder of a new day everything is missing."
+          ? "Also applies to the incremental backup: it fetches everything into the new folder of each day."
           : "";
 }
 
@@ -136,10 +137,10 @@ void OptionsEditor::SetZipSelfExtract(bool checked) {
 
 void OptionsEditor::SetZipPassword(const std::string& text) {
   txtZipPassword = text;
-  // Enciphered it would become another password, and nobody could open the archive with this one.
+  // Enciphering would change the password, and nobody could open the archive with the one that was typed.
   if (!FitsAnsi(text)) {
-    passwordNote = "This password holds a character that cannot be kept. " + whatHolds(formerPassword_);
-    // Nobody has chosen what was typed of it so far.
+    passwordNote = "This password contains a character that cannot be stored. " + whatHolds(formerPassword_);
+    // The part typed before that character is not a password that the user has chosen.
     if (settings_.ZipPassword != formerPassword_) storePassword(formerPassword_);
     return;
   }
@@ -174,7 +175,7 @@ void OptionsEditor::AddCopy() {
   if (!folder) return;
   if (folder->find(kListSeparator) != std::string::npos) {
     prompts_.ShowMessage(
-        ErrorMessage("\"" + *folder + "\" cannot be kept: \"|\" is what separates the folders of the list."));
+        ErrorMessage("\"" + *folder + "\" cannot be stored: \"|\" separates the folders of the list."));
     return;
   }
   if (std::find(lstZipCopies.begin(), lstZipCopies.end(), *folder) == lstZipCopies.end())

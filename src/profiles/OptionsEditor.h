@@ -14,7 +14,7 @@
 
 namespace quillmoor {
 
-/// What is started or called around a run: key and running value of the four boxes.
+/// The programs and addresses around a run: key and value in use of the four boxes.
 struct RunText {
   std::string_view key;
   std::string ApplicationSettings::*value;
@@ -26,10 +26,10 @@ inline constexpr std::array<RunText, 4> kRunTexts = {{{"RunBefore", &Application
 
 /// The form fills its controls from the public fields when it is loaded, calls a member with the new value
 /// for each control that changes, and then shows what the fields say. Every value is stored at once. A value
-/// that cannot be stored is told of once, and counts as if it had been.
+/// that cannot be stored is reported once and is used all the same.
 class OptionsEditor {
  public:
-  /// Both must outlive this. `settings` is what runs go by.
+  /// Both must outlive this. Runs use `settings`.
   OptionsEditor(ApplicationSettings& settings, UserPrompts& prompts);
 
   bool optFull = true;  // else the incremental option is the selected one
@@ -46,14 +46,13 @@ class OptionsEditor {
   std::array<std::string, kRunTexts.size()> txtRun;  // as in kRunTexts
   bool chkNamesAsListed = false;
 
-  /// Lines beside unique backup, the span size, the password and the addresses, "" when there is nothing to
-  /// say.
+  /// Notes beside unique backup, the span size, the password and the addresses; "" when there is none.
   std::string uniqueBackupNote;
   std::string spanSizeNote;
   std::string passwordNote;
   std::array<std::string, kRunTexts.size()> runNote;
 
-  // Mode and unique backup are stored only: runs go by what was read at start-up, on purpose.
+  // Mode and unique backup are only stored; runs deliberately use what was read at start-up.
   void ChooseFull();
   void ChooseIncremental();
   void SetUniqueBackup(bool checked);
@@ -62,13 +61,13 @@ class OptionsEditor {
 
   void SetCreateZip(bool checked);
   void SetSplitZip(bool checked);
-  /// In KB. The text stays as it was typed, whatever becomes of it.
+  /// In KB. The box keeps the text as typed, whatever number is stored.
   void SetZipSpanSize(const std::string& text);
   void SetZipSelfExtract(bool checked);
-  /// The box gets the focus: what holds now is what a password that cannot be kept gives way to.
+  /// The box gets the focus: the current password is restored if the new one cannot be stored.
   void BeginZipPassword();
-  /// A password that the cipher cannot hold is not stored, nor the part of it that was typed before: the note
-  /// says so.
+  /// A password that cannot be enciphered is not stored, nor is the part of it typed before; the note says
+  /// so.
   void SetZipPassword(const std::string& text);
 
   /// `box` is a position in kRunTexts.

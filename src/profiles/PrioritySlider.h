@@ -8,9 +8,9 @@
 
 namespace quillmoor {
 
-/// SliderlPriority, of 1 to 6, has been moved there: this process takes the class, and it is stored. Returns
-/// what lblPriority shows. A class that the system refuses is stored all the same: it is what the user chose.
-/// When the form is loaded slider and label come from modProcessPriority's ClassToPosition and ClassName.
+/// Handles a move of SliderlPriority to 1..6: applies the priority class to this process and stores it, even
+/// if the system refuses it. Returns the text of lblPriority. When the form is loaded, modProcessPriority's
+/// ClassToPosition and ClassName set slider and label.
 std::string PrioritySliderMoved(std::int32_t position, ApplicationSettings& settings);
 
 }  // namespace quillmoor

@@ -4,61 +4,33 @@
 
 #include "base/LenientNumber.h"
 #include "platform/files/LocalPath.h"
-#include "profiles/ProfileText.h"
 #include "profiles/SiteProfileStore.h"
 
 namespace quillmoor {
 namespace {
 
-struct Hint {
-  std::string_view key, text;
-};
-constexpr Hint kHints[] = {
-    {"name", "A name of your own for the site. The backup goes into a folder of that name."},
-    {"Status", "Backup runs take the profile. Without the tick it is left out, and nothing is lost."},
-    {"Host", "The server's name or address, such as ftp.example.org, without ftp:// and without a folder."},
-    {"Port", "A number from 1 to 65535, as a rule 21."},
-    {"UserID", "The name you log in with at the server."},
-    {"Password", "The password you log in with at the server. It is stored enciphered."},
-    {"Account", "Only for servers that ask for an account beside the user; otherwise empty."},
-    {"SaveTo", "The folder on this computer that keeps the backups."},
-    {"Timeout", "Seconds that one step of the connection may take: a number from 1 to 9999, as a rule 60."},
-    {"PASV", "This computer opens every connection, which gets through nearly all firewalls."},
-    {"DefaultDir", "The server's folder to go to after the login. Empty: the one that the login leads to."},
-    {"ManualPort", "The range is kept with the profile, but data connections use any free port."},
-    {"MinData", "The lowest port: a number from 1 to 65535."},
-    {"MaxData", "The highest port: a number from the lowest to 65535."},
-    {"ProxyType", "How FTP leaves your network. None: the server is reached directly."},
-    {"ProxyHost", "The proxy's name or address."},
-    {"ProxyPort", "A number from 1 to 65535: who runs the proxy knows it."},
-    {"ProxyUsername", "The name at the proxy. Empty if it asks for none."},
-    {"ProxyPassword", "The password at the proxy. It is stored as you type it, not enciphered."},
-    {"RunProgram", "A program or document that is opened before the run connects to the site."},
-    {"RunURL", "A web address that is called before the run connects to the site."},
-    {"Folders", "A folder of the server, such as /www. Everything below it is backed up too."}};
-
-/// A box for a number.
+/// The range of a number.
 struct NumberRange {
   std::string_view key;
   int highest;  // the lowest is 1
   const char* note;
 };
 constexpr NumberRange kNumbers[] = {
-    {"Port", 65535, "A number from 1 to 65535 is wanted; as it is, 21 will be saved."},
-    {"Timeout", 9999, "Seconds, a number from 1 to 9999, are wanted; as it is, 60 will be saved."},
-    {"MinData", 65535, "A number from 1 to 65535 is wanted; as it is, 1 will be saved."},
-    {"ProxyPort", 65535, "A number from 1 to 65535 is wanted."}};
+    {"Port", 65535, "Must be a number from 1 to 65535; 21 will be saved."},
+    {"Timeout", 9999, "Must be a number of seconds from 1 to 9999; 60 will be saved."},
+    {"MinData", 65535, "Must be a number from 1 to 65535; 1 will be saved."},
+    {"ProxyPort", 65535, "Must be a number from 1 to 65535."}};
 
 bool holdsAny(const std::string& text, const char* characters) {
   return text.find_first_of(characters) != std::string::npos;
 }
 
 std::string hostNote(const std::string& host) {
-  if (host.empty()) return "The proxy's name or address is wanted.";  // a save tells of another's
-  // A single colon stands before a port; more of them are an address of IPv6.
+  if (host.empty()) return "Enter the proxy's name or address.";  // a save reports a missing host
+  // A single colon precedes a port; several are part of an IPv6 address.
   const bool port = std::count(host.begin(), host.end(), ':') == 1;
   return port || holdsAny(host, "/\\@ \t")
-             ? "Only the server's name or address is wanted: no ftp://, no user, no port, no folder."
+             ? "Enter only the server's name or address, without ftp://, user, port and folder."
              : "";
 }
 
@@ -66,7 +38,7 @@ std::string highestPortNote(const SiteProfile& profile) {
   const double typed = Val(profile.MinData), highest = Val(profile.MaxData);
   const double lowest = IsPort(typed) ? typed : 1;  // as it will be saved
   return highest < lowest || !IsPort(highest)
-             ? "A number from the lowest port to 65535 is wanted; as it is, the lowest will be saved."
+             ? "Must be a number from the lowest port to 65535; the lowest port will be saved."
              : "";
 }
 
@@ -75,16 +47,16 @@ bool inUse(const SiteProfile& profile, std::string_view key) {
   return !key.starts_with("Proxy") || profile.ProxyType != 0;
 }
 
-/// A run cuts one backslash off a network path, unless folder names are kept: files and archive would then
-/// lie in different places.
+/// Unless folder names are kept as listed, a run cuts one backslash off a network path, so that files and
+/// archive would be in different places.
 std::string saveToNote(const std::string& path, bool namesAsListed, LocalNameRules rules) {
   if (IsNetworkPath(path, rules)) {
     return namesAsListed
                ? ""
-               : "No backup is made to a network path. Give it a drive letter and enter that, or tick in "
-                 "the options that names of folders are kept as the server lists them.";
+               : "No backup is made to a network path. Map it to a drive letter and enter that, or tick in "
+                 "the options that folder names are kept as the server lists them.";
   }
-  return LocalPath(path).is_absolute() ? "" : "The whole path of a folder of this computer is wanted.";
+  return LocalPath(path).is_absolute() ? "" : "Enter the full path of a folder on this computer.";
 }
 
 std::string noteOf(const SiteProfile& profile, std::string_view key, const std::string& text) {
@@ -100,28 +72,27 @@ std::string noteOf(const SiteProfile& profile, std::string_view key, const std::
 }  // namespace
 
 std::string_view FieldHint(std::string_view key) {
-  const auto* const found =
-      std::find_if(std::begin(kHints), std::end(kHints), [&](const Hint& hint) { return hint.key == key; });
-  return found == std::end(kHints) ? "" : found->text;
+  if (key == "name") return "A name of your own for the site. The backup goes into a folder of that name.";
+  if (key == "Folders") return "A folder of the server, such as /www. Everything below it is backed up too.";
+  const ProfileField* const field = FieldOf(key);
+  return field ? field->hint : "";
 }
 
 std::string AddressNote(const std::string& address) {
   const auto scheme = address.find("://");
   const bool web =
       scheme == std::string::npos || address.starts_with("http://") || address.starts_with("https://");
-  return web && !holdsAny(address, " \t") ? "" : "An address with http:// or https:// is wanted.";
+  return web && !holdsAny(address, " \t") ? "" : "Enter an address that begins with http:// or https://.";
 }
 
 std::string FieldNote(const SiteProfile& profile, std::string_view key, bool namesAsListed,
                       LocalNameRules rules) {
-  for (const ProfileText& field : kProfileTexts) {
-    if (field.key != key) continue;
-    const std::string text = TrimmedText(profile.*field.field);
-    const bool needed = profile.ProxyType != 0 && (key == "ProxyHost" || key == "ProxyPort");
-    if ((text.empty() && !needed) || !inUse(profile, key)) return "";
-    return key == "SaveTo" ? saveToNote(text, namesAsListed, rules) : noteOf(profile, key, text);
-  }
-  return "";
+  const ProfileField* const field = FieldOf(key);
+  if (!field || !field->text()) return "";
+  const std::string text = TrimmedText(profile.*field->text());
+  const bool needed = profile.ProxyType != 0 && (key == "ProxyHost" || key == "ProxyPort");
+  if ((text.empty() && !needed) || !inUse(profile, key)) return "";
+  return key == "SaveTo" ? saveToNote(text, namesAsListed, rules) : noteOf(profile, key, text);
 }
 
 }  // namespace quillmoor

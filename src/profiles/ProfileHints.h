@@ -1,4 +1,4 @@
-// What the fields of a site profile want: told before anything is wrong, and beside a text that will not do.
+// Hints on the fields of a site profile, and notes on values that are not valid.
 #pragma once
 
 #include <string>
@@ -9,18 +9,17 @@
 
 namespace quillmoor {
 
-/// What belongs into the field of this key ("name", "Folders" or a key of the profile file), as a sentence or
-/// two; "" where the caption says it all.
+/// What belongs in the field of this key ("name", "Folders" or a key of kProfileFields), as a sentence or
+/// two; "" where the caption says enough.
 std::string_view FieldHint(std::string_view key);
 
-/// What is wrong with what the field holds, as a sentence or two, "" when nothing is. It forbids nothing: a
-/// save refuses and corrects by rules of its own. A field that is empty, or that nothing looks at, is passed
-/// over; but not the host and the port of a proxy that is to be used. `namesAsListed`: the setting
-/// NamesAsListed is 1.
+/// What is wrong with the value of the field, as a sentence or two; "" when nothing is. This is only a note:
+/// a save refuses and corrects by its own rules. Empty and unused fields have no note, except the host and
+/// the port of a proxy that is in use. `namesAsListed`: the setting NamesAsListed is 1.
 std::string FieldNote(const SiteProfile& profile, std::string_view key, bool namesAsListed = false,
                       LocalNameRules rules = kLocalNameRules);
 
-/// The same for a web address that is to be called; blanks around it count here.
+/// The same for a web address; blanks around it are an error here.
 std::string AddressNote(const std::string& address);
 
 }  // namespace quillmoor

@@ -1,17 +1,17 @@
 #include "profiles/ProfileText.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "platform/ini/PrivateProfile.h"
 #include "platform/system/CodePage.h"
 #include "profiles/SiteProfileStore.h"
-#include "profiles/mRC4.h"
 
 namespace quillmoor {
 namespace {
 
-/// The buffer of a read holds a terminating zero, and a value may need a pair of quotes.
+/// A read needs room for a terminating zero, and a value may need a pair of quotes.
 constexpr std::size_t kLongestValue = kPrivateProfileBuffer - 3;
 
 }  // namespace
@@ -44,12 +44,12 @@ std::string WhyNoFolder(const std::string& what, const std::string& folder) {
 UnstorableField FindUnstorable(const SiteProfile& profile) {
   std::string why = WhyNotStorable("The name", profile.name);
   if (!why.empty()) return {"name", why};
-  for (const ProfileText& text : kProfileTexts) {
-    const std::string& value = profile.*text.field;
-    why = WhyNotStorable(std::string(text.key), value);
-    if (why.empty() && text.field == &SiteProfile::Password)
-      why = WhyNotStorable(std::string(text.key), mRC4::Encipher(value));
-    if (!why.empty()) return {text.key, why};
+  for (const ProfileField& field : kProfileFields) {
+    const auto stored = field.text() ? StoredText(profile, field) : std::nullopt;
+    if (!stored) continue;
+    why = WhyNotStorable(std::string(field.key), profile.*field.text());
+    if (why.empty()) why = WhyNotStorable(std::string(field.key), *stored);
+    if (!why.empty()) return {field.key, why};
   }
   for (const std::string& folder : profile.Folders) {
     why = WhyNoFolder("A folder", folder);

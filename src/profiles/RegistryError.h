@@ -20,9 +20,9 @@ class RegistryError : public std::runtime_error {
   int number() const { return kNumber; }
   /// The program's name followed by ".cRegistry".
   const std::string& source() const { return source_; }
-  /// The key or value concerned, as a user finds it: root, key and value name joined with backslashes.
+  /// The full path of the key or value: root, key and value name joined with backslashes.
   const std::string& place() const { return place_; }
-  /// Why it failed, where that is known, else "". It is part of `what()`.
+  /// Why it failed, "" when unknown. Part of `what()`.
   const std::string& reason() const { return reason_; }
 
  private:

@@ -1,4 +1,4 @@
-// Storing what the controls of a form have changed, and telling the user when that fails.
+// Stores what the controls of a form change, and reports failures to the user.
 #pragma once
 
 #include <exception>
@@ -11,11 +11,11 @@
 
 namespace quillmoor {
 
-/// What a user is to read of an error from storing: what it was about, and below that why it failed.
+/// The text for the user about an error from storing: what failed and, on the next line, why.
 std::string StorageFailure(const std::exception& error);
 
-/// A control stores its value with every change, so one that cannot be stored would be complained of with
-/// every letter: the user is told once of each setting, and again only when it could be stored meanwhile.
+/// A control stores its value with every change, so a failure would be reported with every letter typed. It
+/// is therefore reported once for each setting, and again only after the setting could be stored.
 class SettingWriter {
  public:
   /// `prompts` must outlive this.
@@ -24,13 +24,13 @@ class SettingWriter {
   void Write(const std::string& key, const std::string& text);
   void WriteFlag(const std::string& key, bool checked) { Write(key, checked ? "1" : "0"); }
 
-  /// Runs what stores the setting `key` and may raise RegistryError or RegistryStoreError.
+  /// Calls `store`, which stores the setting `key` and may raise RegistryError or RegistryStoreError.
   void Attempt(const std::string& key, const std::function<void()>& store);
 
-  /// Runs `changes`, which store several settings; of all that fail the user is told in one message.
+  /// Runs `changes`, which store several settings; all failures are reported in one message.
   void Together(const std::function<void()>& changes);
 
-  /// Runs `changes` without a word about what fails.
+  /// Runs `changes` without reporting failures.
   void Quietly(const std::function<void()>& changes);
 
  private:
@@ -41,7 +41,7 @@ class SettingWriter {
 
   UserPrompts& prompts_;
   std::set<std::string> told_;
-  std::vector<std::string> failures_;  // still to be told of
+  std::vector<std::string> failures_;  // not reported yet
   Telling telling_ = Telling::atOnce;
 };
 

@@ -4,6 +4,7 @@
 #include <exception>
 #include <limits>
 
+#include "base/Ascii.h"
 #include "base/LenientNumber.h"
 #include "connectivity/modProcessPriority.h"
 #include "profiles/JoinedList.h"
@@ -14,25 +15,22 @@
 namespace quillmoor {
 namespace {
 
-// A walk counts one round more than there are attempts.
+// A walk counts one round more than the attempts.
 constexpr std::int32_t kMostRetries = std::numeric_limits<std::int32_t>::max() - 1;
-// Seconds whose milliseconds are a 32-bit number: a run could not wait longer.
+// In seconds. A run waits in milliseconds, which are a 32-bit number.
 constexpr std::int32_t kLongestDelay = std::numeric_limits<std::int32_t>::max() / 1000;
 
-/// Everything but a number in the range is stored as some number, too, though not as the one that was meant.
+/// For a text that is not a number in the range: another number was stored.
 std::string noteOn(const std::string& text, std::int32_t stored, std::int32_t largest) {
   const std::string typed = TrimmedText(text);
   const bool digits = !typed.empty() && typed.find_first_not_of("0123456789") == std::string::npos;
   if (digits && Val(typed) <= largest) return "";
-  return (digits ? "That is too much: " : "A whole number is wanted: as it is, ") + std::to_string(stored) +
+  return (digits ? "This is too large; " : "Must be a whole number; ") + std::to_string(stored) +
          " is stored.";
 }
 
 std::string extensionOf(std::string text) {
-  text = TrimmedText(text);
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
+  text = AsciiLower(TrimmedText(text));
   return text.empty() || text[0] == '.' ? text : "." + text;
 }
 

@@ -1,5 +1,5 @@
-// What the settings form shows and does, without the form: all of it but the dial-up part's own buttons and
-// labels (profiles/DialUpPanel.h) and the clock (profiles/ScheduleText.h).
+// What the settings form shows and does, without the form, except the dial-up part's own buttons and labels
+// (profiles/DialUpPanel.h) and the clock (profiles/ScheduleText.h).
 #pragma once
 
 #include <array>
@@ -18,32 +18,32 @@ namespace quillmoor {
 
 /// The form fills its controls from the public fields when it is loaded, calls a member with the new value
 /// for each control that changes, and then shows what the fields say. Every value is stored at once. A value
-/// that cannot be stored is told of once, and counts as if it had been.
+/// that cannot be stored is reported once and is used all the same.
 class SettingsEditor {
  public:
-  /// All must outlive this. `settings` is what the program goes by. Raises RegistryStoreError when the store
-  /// cannot be read.
+  /// All must outlive this. The program uses `settings`. Raises RegistryStoreError when the store cannot be
+  /// read.
   SettingsEditor(ApplicationSettings& settings, DialUpPanel& dialUp, UserPrompts& prompts);
 
   std::int32_t startHour = 0;    // 0..23
   std::int32_t startMinute = 0;  // 0..59
-  /// The check boxes, 1 = Sunday .. 7 = Saturday. Nothing reads them but the form: the schedule in force
-  /// takes a newly ticked day at the next start of the program.
+  /// The check boxes, 1 = Sunday .. 7 = Saturday. Only the form reads them: a change takes effect at the next
+  /// start of the program.
   std::array<bool, 8> days{};
   bool chkAutoDial = true;
   bool chkAutoHangUp = true;
   bool chkAutoStartUp = true;
-  /// Why the program's start with the session could not be set as the box says, "" when it could.
+  /// Why the autostart entry could not be set as the box says, "" when it could.
   std::string autoStartUpNote;
   std::string txtRetryCount;
   std::string txtConnectionDelay;  // seconds
   std::string txtLoginAttempts;    // 0: no limit
-  /// Lines beside the three, "" when there is nothing to say.
+  /// Notes beside the three boxes; "" when there is none.
   std::string retryCountNote, connectionDelayNote, loginAttemptsNote;
   std::vector<std::string> lstExtensions;
   /// The add-extension box.
   std::string txtExtension;
-  std::int32_t priorityPosition = 0;  // of the slider; 7, one past its end, for a class that it does not have
+  std::int32_t priorityPosition = 0;  // of the slider; 7, one past its end, for a class that is not on it
   std::string lblPriority;
 
   /// The start-time picker. Takes effect at the next tick of the scheduler.
@@ -54,25 +54,25 @@ class SettingsEditor {
   void SetAutoHangUp(bool checked);
   void ChooseDialUpEntry(const std::string& text);
 
-  /// Also sets or removes the entry that starts the program with the session, and writes the note anew.
+  /// Also sets or removes the autostart entry and updates the note.
   void SetAutoStartUp(bool checked);
 
-  /// The texts stay as they were typed; what leads them as a number counts, nothing below 0.
+  /// The boxes keep the texts as typed; the leading number is stored, at least 0.
   void SetRetryCount(const std::string& text);
   void SetConnectionDelay(const std::string& text);
   void SetLoginAttempts(const std::string& text);
 
-  /// Puts what the add-extension box holds into the list. Names are compared in small letters and with their
-  /// dot, so that is how it is kept: " TXT" becomes ".txt".
+  /// Adds the text of the add-extension box to the list, in lower case and with a dot, as names are compared:
+  /// " TXT" becomes ".txt".
   void AddExtension();
   void RemoveExtension(std::optional<std::size_t> selected);
   void RestoreExtensions();
 
-  /// The slider has been moved.
+  /// Handles a move of the slider.
   void MovePriority(std::int32_t position);
 
   /// The form's save step, when it is unloaded: writes start time, days, priority and extensions as the form
-  /// shows them. What fails is not told of: each value was stored, or told of, when it changed.
+  /// shows them. Failures are not reported: that was done when each value changed.
   void Save();
 
  private:

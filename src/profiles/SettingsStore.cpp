@@ -71,7 +71,7 @@ cRegistry settingValue(const std::string& application, const std::string& sectio
   return registry;
 }
 
-// A damaged text can be of any length, and so can the line that tells of it.
+// A damaged text can have any length; the message about it shows no more than this.
 constexpr std::size_t kShownBytes = 200;
 
 }  // namespace
@@ -110,7 +110,7 @@ std::string ReadSetting(const std::string& application, const std::string& secti
   registry.Default = defaultText;
   const RegistryValue value = registry.Value();
   if (const auto* text = std::get_if<std::string>(&value)) return *text;
-  // Someone has stored a number as one.
+  // Somebody has stored it as a number.
   if (const auto* number = std::get_if<std::int32_t>(&value)) return std::to_string(*number);
   return defaultText;
 }

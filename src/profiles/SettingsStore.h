@@ -10,7 +10,7 @@
 
 namespace quillmoor {
 
-/// Application and section under which all settings of this program lie.
+/// Application and section of all settings of this program.
 inline constexpr const char* kSettingsApplication = "Tarnick\\Quillmoor";
 inline constexpr const char* kSettingsSection = "Settings";
 
@@ -30,20 +30,20 @@ struct SettingDefinition {
   std::string_view key;
   enum class Kind { number, text } kind;
   std::string_view defaultText;
-  /// Of a number. The older settings take every number and make the best of it.
+  /// Range of a number. The older settings accept every number.
   std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
   std::int32_t highest = std::numeric_limits<std::int32_t>::max();
 };
 
-/// Every setting, in the order in which they are read at start-up; `AsciiExts` is read by those who need it.
-/// The odd spellings of some keys are those of the stored settings.
+/// Every setting, in the order in which they are read at start-up; `AsciiExts` is read where it is needed.
+/// The misspelt keys are those of stored settings.
 extern const std::array<SettingDefinition, 39> kSettings;
 
 /// Raises std::logic_error for a key that kSettings does not have.
 const SettingDefinition& DefinitionOf(std::string_view key);
 
-/// The number that a setting's stored text begins with, as ToLong rounds it. Nothing when it begins with
-/// none, or with one outside the setting's range.
+/// The number that a setting's stored text begins with, as ToLong rounds it. std::nullopt when it begins with
+/// none or is outside the setting's range.
 std::optional<std::int32_t> SettingNumber(const SettingDefinition& setting, std::string_view stored);
 
 /// Why a stored text cannot be used for its setting and what is used instead, as one sentence; "" when it

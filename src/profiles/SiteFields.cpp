@@ -6,24 +6,16 @@
 #include "controls/AccessibleName.h"
 #include "controls/Pictures.h"
 #include "profiles/ProfileHints.h"
-#include "profiles/ProfileText.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr int kNumberDigits = 7;
-constexpr int kTextDigits = 14;    // that a box is wide at least
+constexpr int kTextDigits = 14;    // minimum width of a box
 constexpr int kFolderLines = 120;  // height of the folder list, device-independent pixels
 
 wxString fromUtf8(std::string_view text) {
   return wxString::FromUTF8(text.data(), text.size());
-}
-
-std::string SiteProfile::*valueOf(std::string_view key) {
-  for (const ProfileText& text : kProfileTexts) {
-    if (text.key == key) return text.field;
-  }
-  return &SiteProfile::name;
 }
 
 }  // namespace
@@ -40,7 +32,7 @@ SiteFields::SiteFields(wxWindow* parent, SiteProfileEditor& editor, const Applic
 }
 
 void SiteFields::addText(std::string_view key, const char* captionText, Size size, long style,
-                         const std::function<wxWindow*()>& behind) {
+                         const std::function<wxWindow*()>& after) {
   const wxString tip = fromUtf8(FieldHint(key));
   const bool number = size == Size::number;
   wxStaticText* const label = caption(captionText);
@@ -48,22 +40,24 @@ void SiteFields::addText(std::string_view key, const char* captionText, Size siz
   wxTextCtrl* const text = textBox(number ? kNumberDigits : kTextDigits, name, tip, style);
   SetLabelFor(*label, *text);
   const Width width = number ? Width::own : Width::rest;
-  if (behind) {
-    addRow(label, text, width, {behind()});
+  if (after) {
+    addRow(label, text, width, {after()});
   } else {
     addRow(label, text, width);
   }
-  texts_.push_back({key, valueOf(key), label, text, addNote("")});
-  text->Bind(wxEVT_TEXT, [this, text, value = valueOf(key)](wxCommandEvent&) {
+  const auto value = key == "name" ? &SiteProfile::name : FieldOf(key)->text();
+  texts_.push_back({key, value, label, text, addNote("")});
+  text->Bind(wxEVT_TEXT, [this, text, value](wxCommandEvent&) {
     change([&] { editor_.shown.*value = text->GetValue().utf8_string(); });
   });
   selectsAll(text);
 }
 
-wxCheckBox* SiteFields::addCheck(std::string_view key, const char* captionText,
-                                 std::int16_t SiteProfile::*flag) {
+wxCheckBox* SiteFields::addCheck(std::string_view key, const char* captionText) {
   wxCheckBox* const check = checkBox(captionText, "chk" + fromUtf8(key), fromUtf8(FieldHint(key)));
   add(check);
+  const auto flag = FieldOf(key)->number();
+  checks_.push_back({flag, check});
   check->Bind(wxEVT_CHECKBOX, [this, check, flag](wxCommandEvent&) {
     change([&] { editor_.shown.*flag = check->GetValue() ? 1 : 0; });
   });
@@ -85,7 +79,7 @@ void SiteFields::layOutSite() {
   addText("Port", "&Port:", Size::number);
   addText("UserID", "&User ID:", Size::rest);
   addText("Password", "Pass&word:", Size::rest, wxTE_PASSWORD);
-  chkStatus = addCheck("Status", "Acti&ve: backup runs take this profile", &SiteProfile::Status);
+  chkStatus = addCheck("Status", "Acti&ve: backup runs take this profile");
   box("Host")->SetHint("ftp.example.org");
 }
 
@@ -104,9 +98,9 @@ void SiteFields::layOutFolders() {
   txtAddFolder = textBox(kNumberDigits, "txtAddFolder", fromUtf8(FieldHint("Folders")), wxTE_PROCESS_ENTER);
   txtAddFolder->SetHint("/www");
   SetAccessibleName(*txtAddFolder, "Folder of the server to add");
-  cmdAddFolder = button("Add &Folder", "cmdAddFolder", "Puts what stands in the box into the list");
-  cmdRemoveFolders = button("&Remove", "cmdRemoveFolders", "Takes the selected folders out of the list");
-  cmdClearFolders = button("&Clear", "cmdClearFolders", "Takes all folders out of the list");
+  cmdAddFolder = button("Add &Folder", "cmdAddFolder", "Adds the text of the box to the list");
+  cmdRemoveFolders = button("&Remove", "cmdRemoveFolders", "Removes the selected folders from the list");
+  cmdClearFolders = button("&Clear", "cmdClearFolders", "Removes all folders from the list");
   auto* const list = new wxBoxSizer(wxHORIZONTAL);
   list->Add(lvwFolders, wxSizerFlags(1).Expand());
   add(list);
@@ -144,8 +138,8 @@ void SiteFields::layOutConnection() {
   addText("Account", "Account:", Size::rest);
   addText("DefaultDir", "Defau&lt folder:", Size::rest);
   addText("Timeout", "Ti&meout:", Size::number, 0, [this] { return label("seconds"); });
-  chkPASV = addCheck("PASV", "Pass&ive mode", &SiteProfile::PASV);
-  chkManualPort = addCheck("ManualPort", "Port ran&ge for active mode:", &SiteProfile::ManualPort);
+  chkPASV = addCheck("PASV", "Pass&ive mode");
+  chkManualPort = addCheck("ManualPort", "Port ran&ge for active mode:");
   addText("MinData", "Lowest port:", Size::number);
   addText("MaxData", "Highest port:", Size::number);
 }
@@ -160,7 +154,7 @@ void SiteFields::layOutProxy() {
   SetLabelFor(*type, *cboProxyType);
   addRow(type, cboProxyType, Width::own);
   cboProxyType->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) {
-    change([&] { editor_.shown.ProxyType = static_cast<std::int16_t>(cboProxyType->GetSelection()); });
+    change([&] { editor_.shown.ProxyType = cboProxyType->GetSelection(); });
   });
   addText("ProxyHost", "Proxy host:", Size::rest);
   addText("ProxyPort", "Proxy port:", Size::number);
@@ -178,8 +172,8 @@ void SiteFields::layOutActions() {
   box("RunURL")->SetHint("http://www.example.org/export");
 }
 
-/// Once the click that brought the focus has put its caret where it likes. Whoever types meanwhile, as a
-/// password manager does, keeps what he has typed.
+/// After the click that brought the focus has set the caret. Text typed meanwhile, as by a password manager,
+/// is kept.
 void SiteFields::selectsAll(wxTextCtrl* text) {
   text->Bind(wxEVT_SET_FOCUS, [text](wxFocusEvent& event) {
     event.Skip();
@@ -200,9 +194,7 @@ void SiteFields::change(const std::function<void()>& command) {
 
 void SiteFields::show() {
   for (const Text& text : texts_) ShowText(text.box, fromUtf8(editor_.shown.*text.value));
-  chkStatus->SetValue(editor_.shown.Status == 1);
-  chkPASV->SetValue(editor_.shown.PASV == 1);
-  chkManualPort->SetValue(editor_.shown.ManualPort == 1);
+  for (const auto& [flag, check] : checks_) check->SetValue(editor_.shown.*flag == 1);
   cboProxyType->SetSelection(editor_.shown.ProxyType);
   showFolders();
   showNotes();
@@ -222,7 +214,7 @@ void SiteFields::showFolders() {
   if (folders == shownFolders_) return;
   const auto place = static_cast<std::size_t>(
       std::mismatch(shownFolders_.begin(), shownFolders_.end(), folders.begin(), folders.end()).first -
-      shownFolders_.begin());  // of the first change
+      shownFolders_.begin());  // of the first difference
   const bool grown = !shownFolders_.empty() && place == shownFolders_.size();
   const wxBitmapBundle folder = Picture("browser/FolderClose");
   if (!grown) lvwFolders->clear();
@@ -232,7 +224,7 @@ void SiteFields::showFolders() {
     lvwFolders->setItemPicture(row, 0, folder);
   }
   lvwFolders->populate(grown);
-  // A list that is filled anew stands at its top; what has been taken out of it was somewhere else.
+  // A refilled list is scrolled to its top: go back to where the rows were removed.
   const bool shrunk = folders.size() < shownFolders_.size();
   if (shrunk && !folders.empty())
     lvwFolders->EnsureVisible(lvwFolders->itemAt(std::min(place, folders.size() - 1)));

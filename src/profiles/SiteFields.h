@@ -1,5 +1,5 @@
-// The fields of a site profile, with its folder list: every control writes into the editor and shows what has
-// become of it.
+// The fields of a site profile, with its folder list: every control writes into the editor and then shows the
+// editor's value.
 #pragma once
 
 #include <wx/choice.h>
@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "controls/ReportControl.h"
@@ -18,12 +19,12 @@ namespace quillmoor {
 
 class SiteFields : public ScrolledForm {
  public:
-  /// Both must outlive this; `settings` decides on what is said of network paths.
+  /// Both must outlive this; the note on network paths depends on `settings`.
   SiteFields(wxWindow* parent, SiteProfileEditor& editor, const ApplicationSettings& settings);
 
   /// Shows all fields as the editor has them.
   void show();
-  /// Brings what is said below the boxes up to date: it depends on a setting, too.
+  /// Updates the notes below the boxes, which also depend on a setting.
   void showNotes();
   /// The connect button was clicked.
   std::function<void()> onConnect;
@@ -31,10 +32,10 @@ class SiteFields : public ScrolledForm {
   /// Puts the focus on the field of that key and brings it into view.
   void putFocusOn(std::string_view key);
 
-  /// The box of a text: "name" or a key of kProfileTexts. Its window name is "txt" and the key.
+  /// The box of a text: "name" or a key of kProfileFields. Its window name is "txt" and the key.
   wxTextCtrl* box(std::string_view key) const { return textOf(key).box; }
   wxStaticText* captionOf(std::string_view key) const { return textOf(key).caption; }
-  /// What is said below that box; not shown while there is nothing to say.
+  /// The note below that box; hidden while it is empty.
   wxStaticText* noteOf(std::string_view key) const { return textOf(key).note; }
 
   wxCheckBox* chkStatus;
@@ -61,10 +62,10 @@ class SiteFields : public ScrolledForm {
   const Text& textOf(std::string_view key) const;
 
   enum class Size { number, rest };
-  /// `behind` makes what stands behind the box.
+  /// `after` makes the control to the right of the box.
   void addText(std::string_view key, const char* caption, Size size, long style = 0,
-               const std::function<wxWindow*()>& behind = {});
-  wxCheckBox* addCheck(std::string_view key, const char* caption, std::int16_t SiteProfile::*flag);
+               const std::function<wxWindow*()>& after = {});
+  wxCheckBox* addCheck(std::string_view key, const char* caption);
   wxButton* browseButton(const char* caption, const char* name, const char* accessibleName,
                          std::function<void()> browse);
   void layOutSite();
@@ -73,9 +74,9 @@ class SiteFields : public ScrolledForm {
   void layOutProxy();
   void layOutActions();
 
-  /// Selects the whole text with every focus.
+  /// Selects the whole text whenever the box gets the focus.
   void selectsAll(wxTextCtrl* text);
-  /// Changes the editor and shows what has become of it.
+  /// Changes the editor and shows the result.
   void change(const std::function<void()>& command);
   void showFolders();
   void enableControls();
@@ -83,6 +84,7 @@ class SiteFields : public ScrolledForm {
   SiteProfileEditor& editor_;
   const ApplicationSettings& settings_;
   std::vector<Text> texts_;
+  std::vector<std::pair<std::int32_t SiteProfile::*, wxCheckBox*>> checks_;
   std::vector<std::string> shownFolders_;
 };
 

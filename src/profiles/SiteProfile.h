@@ -1,9 +1,13 @@
-// A site profile: one FTP site to back up, as the editor shows it and the profile file keeps it.
+// A site profile: one FTP site to back up. What the profile file keeps of it, the form shows, the command
+// line sets and a run and the remote browser log in with.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <string>
+#include <string_view>
+#include <variant>
 #include <vector>
 
 #include "platform/system/ProgramFolder.h"
@@ -17,23 +21,23 @@ inline constexpr std::array<const char*, 8> kProxyTypes = {
 /// Fields named after their keys, with the defaults of a new profile. What is text here although it holds a
 /// number is the text of an edit box.
 struct SiteProfile {
-  std::string name;  // of the section; unique without regard to case
-  std::string ID;    // "yyyyMMddhhmmss" of the first save, for ever
-  std::int16_t Status = 1;
+  std::string name;         // of the section; unique without regard to case
+  std::string ID;           // "yyyyMMddhhmmss" of the first save; never changes
+  std::int32_t Status = 1;  // only 1 is enabled
   std::string Host;
   std::string UserID;
   std::string Password;  // in clear
   std::string Port = "21";
   std::string Account;
-  std::string SaveTo = ProgramFolder();
+  std::string SaveTo = ProgramFolder();  // ends with a separator once a run has begun on the profile
   std::string RunURL;
   std::string RunProgram;
   std::string Timeout = "60";  // seconds
-  std::int16_t PASV = 1;
-  std::int16_t ManualPort = 0;
-  std::string MinData;
+  std::int32_t PASV = 1;
+  std::int32_t ManualPort = 0;
+  std::string MinData;  // no data connection ever uses these two
   std::string MaxData;
-  std::int16_t ProxyType = 0;  // a position in kProxyTypes
+  std::int32_t ProxyType = 0;  // a position in kProxyTypes
   std::string ProxyHost;
   std::string ProxyPort;
   std::string ProxyUsername;
@@ -43,6 +47,85 @@ struct SiteProfile {
 
   /// The stored password could not be deciphered and shows as "": it must be typed anew before a save.
   bool passwordUnreadable = false;
+  /// Key of the last stored number that is too large for a run; "" when there is none.
+  std::string_view numberTooLarge = "";
 };
+
+/// How the profile file, the form, the command line and a run treat a field.
+struct ProfileField {
+  enum class Kind {
+    text,
+    trimmed,   // saved without the blanks around it
+    password,  // stored enciphered
+    number     // a run needs a number that is not too large
+  };
+  enum class Since {
+    first,  // a missing key means an empty text or 0
+    later   // a missing key means the default, and the default is not written
+  };
+  using Text = std::string SiteProfile::*;
+  using Number = std::int32_t SiteProfile::*;
+
+  std::string_view key;
+  std::variant<Text, Number> member;
+  Kind kind;
+  std::string_view hint;  // what belongs in the field, as a sentence or two
+  /// The largest number that a user may choose or, where the member is text, that a run can use.
+  std::int32_t largest = std::numeric_limits<std::int32_t>::max();
+  Since since = Since::first;
+
+  /// The member; nullptr when it is of the other type.
+  constexpr Text text() const { return member.index() == 0 ? std::get<0>(member) : nullptr; }
+  constexpr Number number() const { return member.index() == 1 ? std::get<1>(member) : nullptr; }
+};
+
+/// Every field but name, ID and Folders, in the order in which the profile file has them. A new field is a
+/// member of SiteProfile with its default, a row here with Since::later, and a control of the form.
+inline constexpr std::array kProfileFields = [] {
+  using enum ProfileField::Kind;
+  using P = SiteProfile;
+  return std::to_array<ProfileField>({
+      {"Status", &P::Status, number,
+       "Backup runs take the profile. Without the tick it is left out, and nothing is lost.", 1},
+      {"Host", &P::Host, trimmed,
+       "The server's name or address, such as ftp.example.org, without ftp:// and without a folder."},
+      {"UserID", &P::UserID, text, "The name you log in with at the server."},
+      {"Password", &P::Password, password,
+       "The password you log in with at the server. It is stored enciphered."},
+      {"Port", &P::Port, number, "A number from 1 to 65535, usually 21."},
+      {"Account", &P::Account, text,
+       "Only for servers that ask for an account besides the user; otherwise empty."},
+      {"SaveTo", &P::SaveTo, text, "The folder on this computer that keeps the backups."},
+      {"RunURL", &P::RunURL, trimmed, "A web address that is called before the run connects to the site."},
+      {"RunProgram", &P::RunProgram, trimmed,
+       "A program or document that is opened before the run connects to the site."},
+      {"Timeout", &P::Timeout, number,
+       "Seconds that one step of the connection may take: a number from 1 to 9999, usually 60.",
+       std::numeric_limits<std::int32_t>::max() / 1000},  // the client takes milliseconds
+      {"PASV", &P::PASV, number,
+       "This computer opens every connection, which gets through nearly all firewalls.", 1},
+      {"ManualPort", &P::ManualPort, number,
+       "The range is kept with the profile, but data connections use any free port.", 1},
+      {"MinData", &P::MinData, text, "The lowest port: a number from 1 to 65535."},
+      {"MaxData", &P::MaxData, text, "The highest port: a number from the lowest to 65535."},
+      {"ProxyType", &P::ProxyType, number,
+       "How FTP leaves your network. None: the server is reached directly.", kProxyTypes.size() - 1},
+      {"ProxyHost", &P::ProxyHost, trimmed, "The proxy's name or address."},
+      {"ProxyPort", &P::ProxyPort, number, "A number from 1 to 65535; whoever runs the proxy knows it."},
+      {"ProxyUsername", &P::ProxyUsername, text, "The name at the proxy. Empty if it asks for none."},
+      {"ProxyPassword", &P::ProxyPassword, text,
+       "The password at the proxy. It is stored as you type it, not enciphered."},
+      {"DefaultDir", &P::DefaultDir, trimmed,
+       "The server's folder to go to after the login. Empty: the one that the login leads to."},
+  });
+}();
+
+/// The row of that key, nullptr when there is none.
+constexpr const ProfileField* FieldOf(std::string_view key) {
+  for (const ProfileField& field : kProfileFields) {
+    if (field.key == key) return &field;
+  }
+  return nullptr;
+}
 
 }  // namespace quillmoor

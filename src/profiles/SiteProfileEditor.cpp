@@ -23,16 +23,14 @@ constexpr std::array<ProxyBoxes, kProxyTypes.size()> kProxyBoxes = {{{},
 
 struct RequiredText {
   std::string_view key;
-  std::string SiteProfile::*field;
   const char* message;
 };
-/// In the order in which they are asked for, behind the name. "post" is how the message reads.
-constexpr RequiredText kRequired[] = {
-    {"Host", &SiteProfile::Host, "Please enter the ftp host name or IP address"},
-    {"UserID", &SiteProfile::UserID, "Please enter the ftp account User ID"},
-    {"Password", &SiteProfile::Password, "Please enter the FTP account Password"},
-    {"Port", &SiteProfile::Port, "Please enter the FTP post, the default is 21"},
-    {"SaveTo", &SiteProfile::SaveTo, "Please select a directory to save to."}};
+/// In the order of the checks, after the name. The spelling "post" is part of the message.
+constexpr RequiredText kRequired[] = {{"Host", "Please enter the ftp host name or IP address"},
+                                      {"UserID", "Please enter the ftp account User ID"},
+                                      {"Password", "Please enter the FTP account Password"},
+                                      {"Port", "Please enter the FTP post, the default is 21"},
+                                      {"SaveTo", "Please select a directory to save to."}};
 
 bool isBlank(const std::string& text) {
   return TrimmedText(text).empty();
@@ -67,7 +65,7 @@ void SiteProfileEditor::ItemClicked(int id) {
 void SiteProfileEditor::reset(const std::string& name) {
   SiteProfile defaults;
   defaults.name = name;
-  // These three are left as they are, on purpose.
+  // These three deliberately keep their values.
   defaults.RunURL = shown.RunURL;
   defaults.RunProgram = shown.RunProgram;
   defaults.DefaultDir = shown.DefaultDir;
@@ -91,12 +89,11 @@ void SiteProfileEditor::LoadSiteProfile(const std::string& name) {
   reset(name);
   if (name.empty()) return;
   shown = quillmoor::LoadSiteProfile(name, file_);
-  for (std::int16_t SiteProfile::*flag :
-       {&SiteProfile::Status, &SiteProfile::PASV, &SiteProfile::ManualPort}) {
-    if (shown.*flag != 1) shown.*flag = 0;
+  for (const ProfileField& field : kProfileFields) {
+    if (!field.number()) continue;
+    std::int32_t& number = shown.*field.number();
+    if (number < 0 || number > field.largest) number = 0;
   }
-  if (shown.ProxyType < 0 || static_cast<std::size_t>(shown.ProxyType) >= kProxyTypes.size())
-    shown.ProxyType = 0;
 }
 
 bool SiteProfileEditor::refuse(std::string_view key, std::string text) {
@@ -107,13 +104,13 @@ bool SiteProfileEditor::refuse(std::string_view key, std::string text) {
 
 bool SiteProfileEditor::passesChecks() {
   if (isBlank(shown.name)) return refuse("name", "Please enter a name for this profile");
-  // Not asked of a profile that was opened: it may be written under a new name, and the section of the old
-  // one stays. One that began as a new profile may be saved again only as what it has been saved as.
+  // Not checked for an opened profile: it may be written under any name, and the section of the old name
+  // stays. One that began as a new profile may only replace itself.
   const bool asked = !opened_ && !(editMode_ && SameName(TrimmedText(shown.name), currentName_));
   if (asked && ProfileExists(shown.name, file_))
     return refuse("name", "Profile name already exists, please enter a different name");
   for (const RequiredText& required : kRequired) {
-    if (isBlank(shown.*required.field)) return refuse(required.key, required.message);
+    if (isBlank(shown.*FieldOf(required.key)->text())) return refuse(required.key, required.message);
   }
   if (shown.Folders.empty()) return refuse("Folders", "Please select the folders to backup");
   UnstorableField unstorable = FindUnstorable(shown);
@@ -125,7 +122,7 @@ bool SiteProfileEditor::SaveSiteProfile() {
   if (!passesChecks()) return false;
   CorrectNumbers(shown);
   SiteProfile saved = shown;
-  saved.name = TrimmedText(shown.name);  // blanks around it are no part of a section's name
+  saved.name = TrimmedText(shown.name);  // a section's name has no blanks around it
   if (!quillmoor::SaveSiteProfile(saved, file_, now_())) {
     return refuse("", "The profile could not be written to " + file_ +
                           ". What you entered stays in the form and is not saved.");
@@ -133,7 +130,7 @@ bool SiteProfileEditor::SaveSiteProfile() {
   saved.passwordUnreadable = false;
   shown = std::move(saved);
   currentName_ = shown.name;
-  editMode_ = true;  // saving once more is no new profile
+  editMode_ = true;  // saving it again is not a new profile
   return true;
 }
 
@@ -198,25 +195,14 @@ void SiteProfileEditor::BrowseRunProgram() {
     shown.RunProgram = *program;
 }
 
-std::optional<BrowsedSite> SiteProfileEditor::Connect() {
+std::optional<SiteProfile> SiteProfileEditor::Connect() {
   focus = "";
-  if (isBlank(shown.Host)) {
-    refuse("Host", "Please enter the FTP host address or IP");
-    return std::nullopt;
-  }
-  return BrowsedSite{TrimmedText(shown.Host),
-                     shown.UserID,
-                     shown.Password,
-                     TrimmedText(shown.Port),
-                     shown.Timeout,
-                     shown.Account,
-                     shown.DefaultDir,
-                     shown.PASV == 1,
-                     shown.ProxyType,
-                     TrimmedText(shown.ProxyHost),
-                     TrimmedText(shown.ProxyPort),
-                     shown.ProxyUsername,
-                     shown.ProxyPassword};
+  SiteProfile site = shown;
+  site.Host = TrimmedText(shown.Host);
+  site.ProxyHost = TrimmedText(shown.ProxyHost);
+  if (!site.Host.empty()) return site;
+  refuse("Host", "Please enter the FTP host address or IP");
+  return std::nullopt;
 }
 
 ProxyBoxes SiteProfileEditor::proxyBoxesEnabled() const {

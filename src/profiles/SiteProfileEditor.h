@@ -31,7 +31,7 @@ struct CommandItem {
 inline constexpr int kAddItem = 30001, kDeleteItem = 30002, kSaveItem = 30003, kExitItem = 30005;
 inline constexpr std::array<CommandItem, 4> kCommandItems = {
     {{kAddItem, "Add"}, {kDeleteItem, "Delete"}, {kSaveItem, "Save"}, {kExitItem, "Exit"}}};
-/// The profile items count on from here.
+/// ID of the first profile item.
 inline constexpr int kFirstProfileItem = 30101;
 
 /// The lines of the folder list while it is empty.
@@ -39,25 +39,18 @@ inline constexpr std::array<std::string_view, 4> kNoFolders = {
     "No folders selected to backup", " Click the Connect button to connect",
     " to the FTP site and select the directories", "  to backup."};
 
-/// Which of the proxy's boxes, each with its label, can be used.
+/// Which of the proxy's boxes are enabled, each with its label.
 struct ProxyBoxes {
   bool host = false, port = false, username = false, password = false;
   bool operator==(const ProxyBoxes&) const = default;
 };
 
-/// What the remote browser is opened with: the profile as it stands in the form, saved or not.
-struct BrowsedSite {
-  std::string host, userId, password, port, timeout, account, defaultDir;
-  bool passive = true;
-  std::int16_t proxyType = 0;
-  std::string proxyHost, proxyPort, proxyUsername, proxyPassword;
-};
-
 /// The form writes into `shown` what the user types and ticks, calls a member for each command and then shows
-/// what the public fields say. The profile file belongs to this editor.
+/// what the public fields say. Only this editor writes the profile file.
 class SiteProfileEditor {
  public:
-  /// Shows an empty profile and lists the stored ones. `prompts` must outlive this; `now` dates a first save.
+  /// Shows an empty profile and lists the stored ones. `prompts` must outlive this; `now` is the time of a
+  /// first save.
   SiteProfileEditor(std::string profilesFile, UserPrompts& prompts,
                     std::function<LocalDateTime()> now = LocalNow);
 
@@ -67,16 +60,16 @@ class SiteProfileEditor {
   std::string txtAddFolder;
   /// The items of the group "Current Profiles".
   std::vector<TaskItem> profileItems;
-  /// Key of the field (a key of kProfileTexts, "name" or "Folders") that the last command puts the focus on;
+  /// Key of the field (a key of kProfileFields, "name" or "Folders") that the last command puts the focus on;
   /// "" leaves the focus where it is.
   std::string_view focus;
-  /// The user has confirmed that the application is to be left.
+  /// Called when the user has confirmed the exit.
   std::function<void()> onExit;
 
   /// Click on an item of the task panel.
   void ItemClicked(int id);
 
-  /// A new profile. RunURL, RunProgram and DefaultDir keep what they show, on purpose.
+  /// A new profile. RunURL, RunProgram and DefaultDir deliberately keep their values.
   void Add();
   /// Opens a stored profile.
   void EditSiteProfile(const std::string& name);
@@ -89,28 +82,29 @@ class SiteProfileEditor {
   void LoadSitesInfo();
   void Exit();
 
-  /// Puts what the add-folder box holds into the folder list.
+  /// Adds the text of the add-folder box to the folder list.
   void AddFolder();
-  /// Folders ticked in the remote browser; those already in the list are passed over. How many are new.
+  /// Adds folders ticked in the remote browser that are not in the list yet. Returns how many.
   std::size_t AddFolders(const std::vector<std::string>& folders);
-  /// Takes the selected rows out of the list.
+  /// Removes the selected rows from the list.
   void RemoveFolders(const std::vector<std::size_t>& rows);
   void ClearFolders();
 
   void BrowseSaveTo();
   void BrowseRunProgram();
 
-  /// The connect button: what to open the remote browser with, nothing when the user has been told why not.
-  std::optional<BrowsedSite> Connect();
+  /// The connect button: the profile as the form shows it, saved or not, to open the remote browser with;
+  /// std::nullopt when the user has been told why not.
+  std::optional<SiteProfile> Connect();
 
   ProxyBoxes proxyBoxesEnabled() const;
   /// MinData and MaxData with their labels.
   bool portRangeEnabled() const { return shown.ManualPort == 1 && shown.PASV != 1; }
   bool connectEnabled() const { return !shown.Host.empty(); }
-  /// A line beside the password box, "" when there is nothing to say.
+  /// A note beside the password box; "" when there is none.
   std::string passwordNote() const;
 
-  /// "" while a new profile is being made.
+  /// "" for a new profile that has not been saved.
   const std::string& currentName() const { return currentName_; }
   bool editMode() const { return editMode_; }
 
@@ -124,7 +118,7 @@ class SiteProfileEditor {
   const std::function<LocalDateTime()> now_;
   std::string currentName_;
   bool editMode_ = false;
-  bool opened_ = false;  // from the stored ones, and not begun as a new one
+  bool opened_ = false;  // a stored profile, not one that began as a new one
 };
 
 }  // namespace quillmoor

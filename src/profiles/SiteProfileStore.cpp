@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "base/LenientNumber.h"
+#include "base/SplitText.h"
 #include "profiles/NameOrder.h"
 #include "profiles/mBase64.h"
 #include "profiles/mIni.h"
@@ -24,16 +26,8 @@ std::string idOf(LocalDateTime time) {
   return text;
 }
 
-std::int16_t flagOf(const std::string& text) {
-  try {
-    return ToInteger(Val(text));
-  } catch (const std::overflow_error&) {
-    return 0;  // no flag is that large
-  }
-}
-
-/// The name under which the file has the profile: systems differ in which letters they take for the same when
-/// they look a section up. Nothing when it has none.
+/// The section name of the profile, as spelt in the file: systems differ in how they fold case when they look
+/// up a section. std::nullopt when there is none.
 std::optional<std::string> storedName(const std::string& name, const std::string& file) {
   const std::string wanted = TrimmedText(name);
   for (std::string& stored : mIni::ListSections(file)) {
@@ -42,7 +36,7 @@ std::optional<std::string> storedName(const std::string& name, const std::string
   return std::nullopt;
 }
 
-/// Of several sections of one name only the first is ever seen, but each would come to light in its turn.
+/// Only the first of several sections of a name is read; deleting it alone would reveal the next.
 bool deleteSections(const std::string& name, const std::string& file) {
   for (std::size_t most = mIni::ListSections(file).size(); most > 0; --most) {
     const auto stored = storedName(name, file);
@@ -52,33 +46,22 @@ bool deleteSections(const std::string& name, const std::string& file) {
   return true;
 }
 
+std::string textOf(const SiteProfile& profile, const ProfileField& field) {
+  if (field.number()) return std::to_string(profile.*field.number());
+  const std::string& text = profile.*field.text();
+  return field.kind == ProfileField::Kind::password ? mRC4::Encipher(text) : text;
+}
+
 bool writeSection(const SiteProfile& profile, const std::string& file) {
   if (!deleteSections(profile.name, file)) return false;
   bool written = true;
-  const auto write = [&](const char* key, const std::string& value) {
-    written = written && mIni::WriteValue(profile.name, key, value, file);
+  const auto write = [&](std::string_view key, const std::string& value) {
+    written = written && mIni::WriteValue(profile.name, std::string(key), value, file);
   };
   write("ID", profile.ID);
-  write("Status", std::to_string(profile.Status));
-  write("Host", profile.Host);
-  write("UserID", profile.UserID);
-  write("Password", mRC4::Encipher(profile.Password));
-  write("Port", profile.Port);
-  write("Account", profile.Account);
-  write("SaveTo", profile.SaveTo);
-  write("RunURL", profile.RunURL);
-  write("RunProgram", profile.RunProgram);
-  write("Timeout", profile.Timeout);
-  write("PASV", std::to_string(profile.PASV));
-  write("ManualPort", std::to_string(profile.ManualPort));
-  write("MinData", profile.MinData);
-  write("MaxData", profile.MaxData);
-  write("ProxyType", std::to_string(profile.ProxyType));
-  write("ProxyHost", profile.ProxyHost);
-  write("ProxyPort", profile.ProxyPort);
-  write("ProxyUsername", profile.ProxyUsername);
-  write("ProxyPassword", profile.ProxyPassword);
-  write("DefaultDir", profile.DefaultDir);
+  for (const ProfileField& field : kProfileFields) {
+    if (const auto stored = StoredText(profile, field)) write(field.key, *stored);
+  }
   write("Folders", JoinFolders(profile.Folders));
   return written;
 }
@@ -110,53 +93,66 @@ bool ProfileExists(const std::string& name, const std::string& file) {
   return storedName(name, file).has_value();
 }
 
-SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
-  SiteProfile profile;
-  if (name.empty()) return profile;
-  const std::string section = storedName(name, file).value_or(name);
-  const auto text = [&](const char* key) { return mIni::ReadValue(section, key, file); };
-  const auto flag = [&](const char* key) { return flagOf(text(key)); };
-  profile.name = name;
-  profile.ID = text("ID");
-  profile.Status = flag("Status");
-  profile.Host = text("Host");
-  profile.UserID = text("UserID");
-  try {
-    profile.Password = mRC4::Decipher(text("Password"));
-  } catch (const mBase64::DecodeError&) {
-    profile.passwordUnreadable = true;
+std::optional<std::string> StoredText(const SiteProfile& profile, const ProfileField& field) {
+  std::string text = textOf(profile, field);
+  if (field.since == ProfileField::Since::later && text == textOf(SiteProfile(), field)) return std::nullopt;
+  return text;
+}
+
+void TakeStored(SiteProfile& profile, const ProfileField& field, const std::string& stored) {
+  if (field.since == ProfileField::Since::later && stored.empty()) return;
+  std::int32_t number = 0;
+  if (field.kind == ProfileField::Kind::number) {
+    try {
+      number = ToLong(stored);
+      if (field.text() && number > field.largest) profile.numberTooLarge = field.key;
+    } catch (const std::overflow_error&) {
+      profile.numberTooLarge = field.key;
+    }
   }
-  profile.Port = text("Port");
-  profile.Account = text("Account");
-  profile.SaveTo = text("SaveTo");
-  profile.RunURL = text("RunURL");
-  profile.RunProgram = text("RunProgram");
-  profile.Timeout = text("Timeout");
-  profile.PASV = flag("PASV");
-  profile.ManualPort = flag("ManualPort");
-  profile.MinData = text("MinData");
-  profile.MaxData = text("MaxData");
-  profile.ProxyType = flag("ProxyType");
-  profile.ProxyHost = text("ProxyHost");
-  profile.ProxyPort = text("ProxyPort");
-  profile.ProxyUsername = text("ProxyUsername");
-  profile.ProxyPassword = text("ProxyPassword");
-  profile.DefaultDir = text("DefaultDir");
-  for (std::string& folder : SplitFolders(text("Folders"))) {
-    const bool known =
-        std::find(profile.Folders.begin(), profile.Folders.end(), folder) != profile.Folders.end();
-    if (!known) profile.Folders.push_back(std::move(folder));
+  if (field.number()) {
+    profile.*field.number() = number;
+  } else if (field.kind == ProfileField::Kind::password) {
+    try {
+      profile.*field.text() = mRC4::Decipher(stored);
+    } catch (const mBase64::DecodeError&) {
+      profile.*field.text() = "";
+      profile.passwordUnreadable = true;
+    }
+  } else {
+    profile.*field.text() = stored;
+  }
+}
+
+SiteProfile LoadProfileForRun(const std::string& section, const std::string& file) {
+  SiteProfile profile;
+  const auto stored = [&](std::string_view key) { return mIni::ReadValue(section, std::string(key), file); };
+  profile.name = section;
+  profile.ID = stored("ID");
+  for (const ProfileField& field : kProfileFields) TakeStored(profile, field, stored(field.key));
+  profile.Folders = SplitFolders(stored("Folders"));
+  return profile;
+}
+
+SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
+  if (name.empty()) return {};
+  SiteProfile profile = LoadProfileForRun(storedName(name, file).value_or(name), file);
+  profile.name = name;
+  for (const ProfileField& field : kProfileFields) {
+    if (!field.number()) continue;
+    std::int32_t& number = profile.*field.number();
+    if (number != static_cast<std::int16_t>(number)) number = 0;  // no valid value is that large
   }
   return profile;
 }
 
 bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now) {
   if (profile.ID.empty()) profile.ID = idOf(now);
-  for (const auto text : {&SiteProfile::Host, &SiteProfile::ProxyHost, &SiteProfile::DefaultDir,
-                          &SiteProfile::RunURL, &SiteProfile::RunProgram})
-    profile.*text = TrimmedText(profile.*text);
-  // The section is taken out and written anew, at the end of the file; a program that is killed meanwhile
-  // must not cost the user his profile.
+  for (const ProfileField& field : kProfileFields) {
+    if (field.kind == ProfileField::Kind::trimmed) profile.*field.text() = TrimmedText(profile.*field.text());
+  }
+  // The section is removed and written again at the end of the file; a program killed in between must not
+  // lose the profile.
   return mIni::EditWhole(file, [&](const std::string& copy) { return writeSection(profile, copy); });
 }
 
@@ -176,24 +172,17 @@ bool DeleteSiteProfile(const std::string& name, const std::string& file) {
 }
 
 std::string JoinFolders(const std::vector<std::string>& folders) {
-  std::string stored;
-  for (const std::string& folder : folders) {
-    if (&folder != &folders.front()) stored += kFolderSeparator;
-    stored += folder;
-  }
-  return stored;
+  return JoinText(folders, kFolderSeparator);
 }
 
 std::vector<std::string> SplitFolders(std::string_view stored) {
   std::vector<std::string> folders;
   if (stored.empty()) return folders;
-  for (;;) {
-    const std::size_t end = stored.find(kFolderSeparator);
-    const std::string_view folder = stored.substr(0, end);
-    if (std::find(folders.begin(), folders.end(), folder) == folders.end()) folders.emplace_back(folder);
-    if (end == std::string_view::npos) return folders;
-    stored.remove_prefix(end + kFolderSeparator.size());
+  for (std::string& folder : SplitText(stored, kFolderSeparator)) {
+    if (std::find(folders.begin(), folders.end(), folder) == folders.end())
+      folders.push_back(std::move(folder));
   }
+  return folders;
 }
 
 }  // namespace quillmoor

@@ -1,6 +1,7 @@
 // The profile file: one section for each site profile.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,31 +17,39 @@ std::string ProfilesFilePath();
 /// Names of the profiles, sorted without regard to case.
 std::vector<std::string> LoadSitesInfo(const std::string& file);
 
-/// Without the blanks around it, which are no part of a section's name, nor of a host's.
+/// The text without the blanks and tabs around it.
 std::string TrimmedText(const std::string& text);
 
-/// A port's number: 1 to 65535.
+/// True for 1 to 65535.
 bool IsPort(double number);
 
 bool ProfileExists(const std::string& name, const std::string& file);
 
-/// The profile of that name; the defaults for "". A key that is missing reads as "" or 0.
+/// The text to store for a field; std::nullopt when its key is not written.
+std::optional<std::string> StoredText(const SiteProfile& profile, const ProfileField& field);
+/// Sets the field from its stored text; "" for a missing key.
+void TakeStored(SiteProfile& profile, const ProfileField& field, const std::string& stored);
+
+/// Reads the section of exactly that name. A number beyond 32 bits is 0. Raises nothing: damaged values are
+/// noted in the profile.
+SiteProfile LoadProfileForRun(const std::string& section, const std::string& file);
+
+/// The profile of that name, without regard to case; the defaults for "". A number beyond 16 bits is 0.
 SiteProfile LoadSiteProfile(const std::string& name, const std::string& file);
 
-/// Writes the profile in place of the section of its name, and gives it an ID if it has none. False when the
-/// file could not be written.
+/// Replaces the section of the profile's name, and sets an ID if it has none. False when the file could not
+/// be written.
 bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now = LocalNow());
 
-/// Puts right what only looks like a number: a Port outside 1..65535 becomes "21", a Timeout outside 1..9999
-/// "60"; with ManualPort a MinData outside 1..65535 becomes "1", and a MaxData below it or above 65535
-/// becomes MinData.
+/// Corrects the numbers: a Port outside 1..65535 becomes "21", a Timeout outside 1..9999 "60"; with
+/// ManualPort a MinData outside 1..65535 becomes "1", and a MaxData below it or above 65535 becomes MinData.
 void CorrectNumbers(SiteProfile& profile);
 
 bool DeleteSiteProfile(const std::string& name, const std::string& file);
 
 /// Remote folders in one value, joined with "~|~".
 std::string JoinFolders(const std::vector<std::string>& folders);
-/// "" has none; one that occurs twice is taken once.
+/// "" has none; duplicates are dropped.
 std::vector<std::string> SplitFolders(std::string_view stored);
 
 }  // namespace quillmoor

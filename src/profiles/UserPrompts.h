@@ -1,4 +1,4 @@
-// What an editor asks the user: message boxes and choosers, without the windows that show them.
+// Message boxes and choosers as the editors use them, without the windows that show them.
 #pragma once
 
 #include <optional>
@@ -19,7 +19,7 @@ struct Message {
   int defaultButton = 1;  // counted from 1 in the order of the name of `buttons`
 };
 
-/// An error of the user's, or one that only he can mend.
+/// An error that the user has to correct.
 inline Message ErrorMessage(std::string text) {
   return {"Error", std::move(text), Message::Buttons::ok, Message::Icon::critical, 1};
 }
@@ -34,11 +34,11 @@ class UserPrompts {
 
   virtual ~UserPrompts() = default;
 
-  /// Shows a message box and returns when it is closed; one that is closed by no button gives `cancel`, or
-  /// `no` where there is no such button.
+  /// Shows a message box and returns when it is closed; returns `cancel` when it was closed without a button,
+  /// or `no` where there is no Cancel.
   virtual Answer ShowMessage(const Message& message) = 0;
-  /// An existing file; nothing when the user thinks better of it. `filter` is pairs of a name and a pattern,
-  /// all joined with "|". `chosen`: what has been chosen so far, where the user starts if that is there.
+  /// An existing file; std::nullopt when the user cancels. `filter`: pairs of a name and a pattern, joined
+  /// with "|". `chosen`: the current choice, where the chooser starts if it exists.
   virtual std::optional<std::string> ChooseFile(std::string_view title, std::string_view filter,
                                                 const std::string& chosen) = 0;
   virtual std::optional<std::string> ChooseFolder(std::string_view title, const std::string& chosen) = 0;

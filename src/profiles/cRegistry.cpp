@@ -85,7 +85,7 @@ void cRegistry::SetValue(const RegistryValue& value) {
       if (std::holds_alternative<std::vector<std::uint8_t>>(value))
         raise(failed, "type mismatch: text is expected");
       const std::string text = shown(value);  // a number is stored as its decimal text
-      // What an ANSI text with its terminating zero cannot hold is cut there.
+      // Stored texts end with a zero: the rest is cut off.
       data.bytes = text.substr(0, text.find('\0'));
       data.type = holdsEnvironmentReference(data.bytes) ? RegistryType::expandText : RegistryType::text;
       break;

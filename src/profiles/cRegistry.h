@@ -22,20 +22,20 @@ class cRegistry {
   std::string SectionKey;       // path below the root, separated by backslashes
   std::string ValueKey;         // name of the value
   std::uint32_t ValueType = 1;  // 1 REG_SZ, 2 REG_EXPAND_SZ, 3 REG_BINARY, 4 REG_DWORD
-  RegistryValue Default;        // what reading a missing value gives
+  RegistryValue Default;        // the result of reading a missing value
 
   /// Reads the value: text (environment references expanded where it was stored as expandable), bytes, or a
   /// 32-bit number. `Default` when key or value is missing.
   RegistryValue Value() const;
 
   /// Writes the value, creating the key. Text that holds an environment reference is stored as REG_EXPAND_SZ,
-  /// other text as REG_SZ, whichever of the two ValueType says. REG_BINARY takes bytes, REG_DWORD a number.
+  /// other text as REG_SZ, whichever of the two ValueType names. REG_BINARY takes bytes, REG_DWORD a number.
   void SetValue(const RegistryValue& value);
 
   bool KeyExists() const;
   void CreateKey();
   void DeleteKey();
-  /// Deletes the value ValueKey. A value that is not there is no failure, a key that is not is one.
+  /// Deletes the value ValueKey. A missing value is no failure, a missing key is one.
   void DeleteValue();
   std::vector<std::string> EnumerateValues() const;
   std::vector<std::string> EnumerateSections() const;

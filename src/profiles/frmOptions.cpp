@@ -23,8 +23,8 @@ constexpr std::array<RunBox, kRunTexts.size()> kRunBoxes = {
      {"Address after the bac&kup:", "txtConnectAfter", nullptr}}};
 
 constexpr const char* kProgramTip =
-    "A program or document that is opened as if by a double click, without parameters. Nobody waits for its "
-    "end. Empty: none";
+    "A program or document that is opened as if by a double click, without parameters. The run does not wait "
+    "for its end. Empty: none";
 constexpr const char* kAddressTip =
     "A web address that is called once, http://www.example.org/done for instance. Only an answer with status "
     "200 is a success. Empty: none";
@@ -64,7 +64,7 @@ void frmOptions::layOutMode() {
       indent());
   add(chkUniqueBackup);
   lblUniqueBackupNote = addNote("", indent());
-  addNote("What is changed here counts from the next start of the program.");
+  addNote("Changes take effect at the next start of the program.");
 }
 
 void frmOptions::layOutNames() {
@@ -74,7 +74,7 @@ void frmOptions::layOutNames() {
                               "network path under \"Save to\"");
   add(chkNamesAsListed);
   addNote(
-      "Without the tick the path of a folder loses what stands between \"[\" and \"]\", the blanks around "
+      "Without the tick the path of a folder loses the text between \"[\" and \"]\", the blanks around "
       "it, "
       "and the first of the two backslashes of a network path.",
       indent());
@@ -84,8 +84,7 @@ void frmOptions::layOutArchive() {
   beginGroup("Archive");
   chkCreateZip = checkBox("C&reate an archive after the download", "chkCreateZip",
                           "Packs every profile's backup into one file beside its folder");
-  chkSplitZip =
-      checkBox("Sp&lit it into parts", "chkSplitZip", "To unpack, all parts must lie in one folder");
+  chkSplitZip = checkBox("Sp&lit it into parts", "chkSplitZip", "To unpack, all parts must be in one folder");
   lblZipSpanSize = caption("Si&ze of a part:");
   txtZipSpanSize = textBox(12, "txtZipSpanSize",
                            "A number of KB, 350 or more: smaller ones count as 350. 1024 KB are one MB");
@@ -93,11 +92,10 @@ void frmOptions::layOutArchive() {
   chkZipSelfExtract = checkBox("Make it a program that &unpacks itself", "chkZipSelfExtract",
                                "A program for the kind of system that this one is");
   lblZipPassword = caption("Pass&word:");
-  txtZipPassword =
-      textBox(24, "txtZipPassword",
-              "Enciphers what the files hold, not their names. Whoever unpacks has to type it, and "
-              "there is no way back without it. Empty: none",
-              wxTE_PASSWORD);
+  txtZipPassword = textBox(24, "txtZipPassword",
+                           "Encrypts the contents of the files, not their names. It is needed to unpack, and "
+                           "nothing can be unpacked without it. Empty: none",
+                           wxTE_PASSWORD);
   SetLabelFor(*lblZipSpanSize, *txtZipSpanSize);
   SetAccessibleName(*txtZipSpanSize, "Size of a part, in KB");
   SetLabelFor(*lblZipPassword, *txtZipPassword);
@@ -116,8 +114,8 @@ void frmOptions::layOutCopies() {
                                wxLB_SINGLE | wxLB_HSCROLL, wxDefaultValidator, "lstZipCopies");
   lstZipCopies->SetMinSize(FromDIP(wxSize(120, 90)));
   SetAccessibleName(*lstZipCopies, "Folders for copies of the archive");
-  cmdAddCopy = button("&Add...", "cmdAddCopy", "A folder that is there: none is made, it may be a disk");
-  cmdRemoveCopy = button("Re&move", "cmdRemoveCopy", "Takes the selected folder out of the list");
+  cmdAddCopy = button("&Add...", "cmdAddCopy", "An existing folder: none is created, since it may be a disk");
+  cmdRemoveCopy = button("Re&move", "cmdRemoveCopy", "Removes the selected folder from the list");
   auto* const buttons = new wxBoxSizer(wxVERTICAL);
   buttons->Add(cmdAddCopy, wxSizerFlags().Expand());
   buttons->Add(cmdRemoveCopy, wxSizerFlags().Expand().Border(wxTOP, gap()));
@@ -187,7 +185,7 @@ void frmOptions::addCopy() {
 void frmOptions::removeCopy() {
   editor_.RemoveCopy(SelectionOf(*lstZipCopies));
   showCopies();
-  // The button is about to be disabled: the next key must not meet the box behind it.
+  // The button is about to be disabled: the next key must not reach the box after it.
   if (lstZipCopies->IsEmpty()) cmdAddCopy->SetFocus();
 }
 

@@ -1,4 +1,4 @@
-// The backup options: what a run fetches, what becomes of it, and what is started and called around it.
+// The form of the backup options.
 #pragma once
 
 #include <wx/listbox.h>
@@ -16,7 +16,7 @@ namespace quillmoor {
 
 class frmOptions : public ScrolledForm {
  public:
-  /// `settings` is what runs go by; it must outlive this. Without `prompts` windows of the form's own ask.
+  /// Runs use `settings`, which must outlive this. Without `prompts` the form shows its own windows.
   frmOptions(wxWindow* parent, ApplicationSettings& settings, std::unique_ptr<UserPrompts> prompts = nullptr);
 
   wxRadioButton* optFull;
@@ -49,7 +49,7 @@ class frmOptions : public ScrolledForm {
   void layOutCopies();
   void layOutRunTexts();
   void connect();
-  /// Lets a control's event change the editor, and shows what has become of it.
+  /// Changes the editor for a control's event, and shows the result.
   template <class Event>
   void on(wxWindow* control, const wxEventTypeTag<Event>& event, std::function<void()> change);
   void addCopy();

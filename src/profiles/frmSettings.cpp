@@ -43,7 +43,7 @@ UserPrompts& frmSettings::prompts() {
   return *sources_.prompts;
 }
 
-/// A text that the program writes, in a room that it neither leaves nor changes.
+/// A label that the program updates, of fixed size.
 wxStaticText* frmSettings::status(const char* name) {
   wxStaticText* const made = label(" ", wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END, name);
   made->SetMinSize({GetTextExtent("0").x * 12, -1});
@@ -54,7 +54,7 @@ void frmSettings::layOutSchedule() {
   beginGroup("Schedule");
   wxStaticText* const start = caption("&Start at:");
   dtpStartTime = new TimePicker(group(), "dtpStartTime");
-  dtpStartTime->SetToolTip("The hour and the minute at which a backup starts; the seconds do not count");
+  dtpStartTime->SetToolTip("The hour and the minute at which a backup starts; the seconds are ignored");
   SetLabelFor(*start, *dtpStartTime);
   addRow(start, dtpStartTime, Width::own);
   wxStaticText* const now = caption("Time now:");
@@ -64,7 +64,7 @@ void frmSettings::layOutSchedule() {
     chkDay[day] = checkBox(kWeekdayNames.at(day), wxString("chk") + kWeekdayNames.at(day));
   addColumns({chkDay.begin() + 1, chkDay.end()});
   lblSchedule = addNote("");
-  addNote("A day that is ticked or cleared counts from the next start of the program, a new time at once.");
+  addNote("A change of the days takes effect at the next start of the program, a new time at once.");
 }
 
 void frmSettings::layOutConnection() {
@@ -74,7 +74,7 @@ void frmSettings::layOutConnection() {
   addRow(lan, lblLANstatus, Width::rest);
   wxStaticText* const attempts = caption("A&ttempts:");
   txtRetryCount = textBox(8, "txtRetryCount",
-                          "A number: how often each step on the server is tried before it is passed over");
+                          "A number: how often each step on the server is tried before it is skipped");
   SetLabelFor(*attempts, *txtRetryCount);
   addRow(attempts, txtRetryCount, Width::own);
   lblRetryCountNote = addNote("", indent());
@@ -131,9 +131,8 @@ void frmSettings::layOutExtensions() {
   SetLabelFor(*extension, *txtExtension);
   cmdAddExtension = button("&Add", "cmdAddExtension");
   cmdRemoveExtension =
-      button("&Remove", "cmdRemoveExtension", "Takes the selected extension out of the list");
-  cmdRestoreExtensions = button("Restore Defau&lt", "cmdRestoreExtensions",
-                                "Puts the list back as it is when the program is new");
+      button("&Remove", "cmdRemoveExtension", "Removes the selected extension from the list");
+  cmdRestoreExtensions = button("Restore Defau&lt", "cmdRestoreExtensions", "Restores the default list");
   auto* const side = new wxBoxSizer(wxVERTICAL);
   side->Add(extension);
   for (wxWindow* const control : std::initializer_list<wxWindow*>{txtExtension, cmdAddExtension,
@@ -144,8 +143,8 @@ void frmSettings::layOutExtensions() {
   row->Add(side, wxSizerFlags().Border(wxLEFT, gap()));
   add(row);
   addNote(
-      "Their lines come to end as is usual on this computer. All other files are transferred byte by byte. "
-      "A change of the list counts from the next start of the program.");
+      "Their line ends become those of this computer. All other files are transferred byte by byte. "
+      "A change of the list takes effect at the next start of the program.");
 }
 
 void frmSettings::layOutProgram() {
@@ -212,7 +211,7 @@ void frmSettings::connect() {
     showExtensions();
   });
   on(chkAutoStartUp, wxEVT_CHECKBOX, [this] { editor_.SetAutoStartUp(chkAutoStartUp->GetValue()); });
-  // Once a drag has come to its end: on its way the slider must not make the program a realtime one.
+  // Only at the end of a drag: on its way the slider must not set the realtime class.
   on(SliderlPriority, wxEVT_SCROLL_CHANGED, [this] { editor_.MovePriority(SliderlPriority->GetValue()); });
   on(cmdResetLayout, wxEVT_BUTTON, [this] {
     if (onResetLayout) onResetLayout();
@@ -220,7 +219,7 @@ void frmSettings::connect() {
 }
 
 void frmSettings::startTimers() {
-  // What the component is told of while it dials it takes in when it is asked.
+  // The component handles events of a dial only when it is asked for its state.
   tmrOnlineStatus.begin(
       this, kTmrOnlineStatus, [this] { tmrOnlineStatus_Timer(); },
       [this] { return sources_.dialUp->Busy(); });
@@ -248,7 +247,7 @@ void frmSettings::addExtension() {
 void frmSettings::removeExtension() {
   editor_.RemoveExtension(SelectionOf(*lstExtensions));
   showExtensions();
-  // The button is about to be disabled: the next key must not meet the one behind it.
+  // The button is about to be disabled: the next key must not reach the one after it.
   if (lstExtensions->IsEmpty()) txtExtension->SetFocus();
 }
 
@@ -275,7 +274,7 @@ void frmSettings::show() {
   showDialUp();
 }
 
-/// A picker that shows that time already is left alone: somebody may be typing in it.
+/// A picker that shows this time already is not set: the user may be typing in it.
 void frmSettings::showStartTime() {
   int hour = 0, minute = 0, second = 0;
   if (dtpStartTime->GetTime(&hour, &minute, &second) && hour == editor_.startHour &&
@@ -284,7 +283,7 @@ void frmSettings::showStartTime() {
   dtpStartTime->SetTime(editor_.startHour, editor_.startMinute, 0);
 }
 
-/// A class that the slider does not have leaves it where it is.
+/// The slider is not moved for a class that is not on it.
 void frmSettings::showPriority() {
   if (editor_.priorityPosition <= kLastPosition) SliderlPriority->SetValue(editor_.priorityPosition);
   ShowText(lblPriority, wxString::FromUTF8(editor_.lblPriority));
@@ -319,7 +318,7 @@ void frmSettings::tmrTimeNow_Timer() {
   setNote(lblSchedule, wxString::FromUTF8("In force: " + inForce));
 }
 
-/// The system may not have named its connections yet when the form was loaded: the form does not wait for it.
+/// The system may not have listed its connections when the form was loaded, which does not wait for them.
 void frmSettings::refillConnections() {
   if (cboConnections->GetCount() != 0) return;
   Guarded([&] {

@@ -25,24 +25,24 @@ namespace quillmoor {
 
 class frmSettings : public ScrolledForm {
  public:
-  /// What the form changes and asks; all that is referred to must outlive it.
+  /// What the form works with; everything referred to must outlive it.
   struct Sources {
     ApplicationSettings& settings;
     const NetworkSource& network;
     std::function<LocalDateTime()> now;
-    std::array<std::int32_t, 8> ScheduleDays;  // in force since the start
+    std::array<std::int32_t, 8> ScheduleDays;  // as read at start-up
     std::unique_ptr<DialUp> dialUp;            // the form's own component; the run has another
-    std::unique_ptr<UserPrompts> prompts{};    // without, windows of the form's own ask
+    std::unique_ptr<UserPrompts> prompts{};    // without, the form shows its own windows
   };
   /// Raises RegistryStoreError when the store cannot be read.
   frmSettings(wxWindow* parent, Sources sources);
 
-  /// Why the entry that starts the program with the user's session could not be set; "" when it was.
+  /// Why the autostart entry could not be set; "" when it was.
   void showAutostartProblem(const std::string& problem);
 
   /// The window is shown again.
   void wake();
-  /// Stops the timers and takes the editor's save step.
+  /// Stops the timers and runs the editor's save step.
   void unload();
 
   std::function<void()> onResetLayout;
@@ -95,7 +95,7 @@ class frmSettings : public ScrolledForm {
   void refillConnections();
   void connect();
   void startTimers();
-  /// Lets a control's event change the editor, and shows what has become of it.
+  /// Changes the editor for a control's event, and shows the result.
   template <class Event>
   void on(wxWindow* control, const wxEventTypeTag<Event>& event, std::function<void()> change);
   void setStartTime();

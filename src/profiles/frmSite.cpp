@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kLookEvery = 1000;  // milliseconds
 constexpr std::size_t kLargestFile = std::size_t{64} << 20;
-// A time in a file system may have no finer steps than two seconds.
+// File times may have steps of two seconds.
 constexpr std::chrono::seconds kRest{3};
 constexpr int kTaskPanelWidth = 170;  // device-independent pixels, for the usual font
 
@@ -74,7 +74,7 @@ void frmSite::itemClicked(int id) {
   } catch (const std::exception& error) {
     prompts_.ShowMessage(ErrorMessage(profilesFile_ + ": " + error.what()));
   }
-  // What the browser still shows belongs to the profile it was opened for.
+  // The open browser belongs to the former profile.
   const bool opened = id != kSaveItem && id != kExitItem && id != kDeleteItem;
   const bool deleted = wasStored && editor_.currentName().empty();
   if (opened || deleted) closeBrowser();
@@ -83,9 +83,9 @@ void frmSite::itemClicked(int id) {
   fields->putFocusOn(editor_.focus);
 }
 
-/// Anew with every click: the fields may have changed since.
+/// Opens a new browser with every click: the fields may have changed.
 void frmSite::connect() {
-  const std::optional<BrowsedSite> site = editor_.Connect();
+  const std::optional<SiteProfile> site = editor_.Connect();
   fields->putFocusOn(editor_.focus);
   if (!site) return;
   closeBrowser();
@@ -119,8 +119,8 @@ void frmSite::showProfiles() {
   wndTaskPanel->markItem(current);
 }
 
-/// By what the file holds; it is not read where its size and its time say that nothing can have changed. A
-/// missing file holds nothing.
+/// Compares the contents; the file is not read while its size and time show that nothing has changed. A
+/// missing file is empty.
 void frmSite::lookForChange() {
   std::error_code size, time;
   const std::filesystem::path file = LocalPath(profilesFile_);

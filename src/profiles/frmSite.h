@@ -22,15 +22,15 @@ namespace quillmoor {
 
 class frmSite : public wxPanel {
  public:
-  /// `settings` is what the remote browser and the notes below the fields go by; it must outlive the form.
+  /// The remote browser and the notes below the fields use `settings`, which must outlive the form.
   frmSite(wxWindow* parent, const ApplicationSettings& settings, std::string profilesFile);
 
   /// The window is shown again.
   void wake() { tmrProfiles_.wake(); }
-  /// Form unload: the remote browser disappears with it.
+  /// Form unload: also closes the remote browser.
   void unload();
 
-  /// The exit item was chosen and confirmed.
+  /// Called when the exit item was chosen and confirmed.
   std::function<void()> onExit;
 
   TaskPanel* wndTaskPanel;
@@ -45,7 +45,7 @@ class frmSite : public wxPanel {
   void showProfiles();
   void lookForChange();
 
-  /// What can be known of a file without reading it.
+  /// Size and time of the file.
   struct Stamp {
     std::uintmax_t size = 0;
     std::filesystem::file_time_type time;
@@ -59,7 +59,7 @@ class frmSite : public wxPanel {
   wxWeakRef<frmFtpBrowse> browser_;
   SeenTimer tmrProfiles_;
   std::optional<std::string> contents_;  // of the file, as it was read last
-  std::optional<Stamp> rested_;          // of the file then, if it had not changed for a while
+  std::optional<Stamp> rested_;          // at that time, if the file had not changed for a while
 };
 
 }  // namespace quillmoor

@@ -20,10 +20,9 @@ cRegistry entryIn(const char* section) {
 
 void remove(const char* section) {
   try {
-    entryIn(section)
-        .DeleteValue();  // asked for in any case: the desktop's entry may be there without the key
+    entryIn(section).DeleteValue();  // always: the desktop's entry may exist without the key
   } catch (const RegistryError& error) {
-    if (!error.reason().empty()) throw;  // without one the key is missing, and nothing is to be deleted
+    if (!error.reason().empty()) throw;  // without a reason the key is missing: nothing to delete
   }
 }
 

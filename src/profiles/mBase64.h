@@ -15,7 +15,7 @@ class DecodeError : public std::runtime_error {
 
 std::string Encode(std::string_view bytes);
 
-/// Characters behind the last whole group of four are ignored.
+/// Characters after the last whole group of four are ignored.
 std::string Decode(std::string_view text);
 
 }  // namespace quillmoor::mBase64

@@ -10,7 +10,7 @@ bool isBlank(char c) {
   return c == ' ' || c == '\t';
 }
 
-/// Reading takes blanks and one pair of quotes off a value: one that would lose its own gets a pair to lose.
+/// Reading removes blanks and one pair of quotes around a value: one that has its own gets an extra pair.
 std::string guarded(const std::string& value) {
   if (value.empty()) return value;
   const bool quoted =

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view kKey = "q7!x~2Lm^w9%d_r";
 
-/// RC4 is its own inverse. The state begins anew with every call.
+/// RC4 is its own inverse. Each call starts with a fresh state.
 std::string applyKeystream(std::string bytes) {
   std::array<std::uint8_t, 256> s{};
   std::iota(s.begin(), s.end(), std::uint8_t{0});

@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "engine/SafeName.h"
-#include "platform/files/ArchiveFiles.h"
-#include "platform/files/LocalFiles.h"
-#include "platform/files/TemporaryFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/Files.h"
 #include "platform/files/WorkFolder.h"
 #include "sfx/EntryName.h"
 
@@ -73,24 +72,23 @@ class Unpacker {
 
   void createTarget() {
     for (std::size_t i = 1; i < folder_.size(); ++i) {
-      if (isSeparator(folder_[i]) && !LocalFolderExists(folder_.substr(0, i)))
-        CreateLocalFolder(folder_.substr(0, i));
+      if (isSeparator(folder_[i]) && !folderExists(folder_.substr(0, i))) createFolder(folder_.substr(0, i));
     }
-    if (!LocalFolderExists(folder_))
+    if (!folderExists(folder_))
       throw std::system_error(std::make_error_code(std::errc::not_a_directory),
                               "cannot create the folder " + folder_);
   }
 
   /// Creates the entry's folder and returns its path with a separator; nullopt when a part below the target
   /// folder is a link or not a folder.
-  std::optional<std::string> createFolder(const std::vector<std::string>& parts, std::size_t count) {
+  std::optional<std::string> entryFolder(const std::vector<std::string>& parts, std::size_t count) {
     std::string path = folder_;
     for (std::size_t i = 0; i < count; ++i) {
       path += parts[i];
       if (path.size() >= lastCreated_.size() || !lastCreated_.starts_with(path + kLocalSeparator)) {
         std::optional<FileKind> kind = pathKind(path);
         const bool wasThere = kind.has_value();
-        if (!kind && CreateLocalFolder(path)) kind = FileKind::folder;
+        if (!kind && !createFolder(path)) kind = FileKind::folder;
         if (kind != FileKind::folder) return std::nullopt;
         if (wasThere && swept_.insert(path).second) RemoveStaleTemporaries(path);
       }
@@ -106,7 +104,7 @@ class Unpacker {
     if (!parts) return refuse("refused, since its name is not allowed here: " + shown);
     if (entry.special()) return refuse("refused, since it is a link or a special file: " + shown);
     const std::size_t folders = parts->size() - (entry.folder() ? 0 : 1);
-    const std::optional<std::string> folder = createFolder(*parts, folders);
+    const std::optional<std::string> folder = entryFolder(*parts, folders);
     if (!folder) return refuse("cannot create the folder of " + shown);
     if (entry.folder()) {
       folders_.push_back({folder->substr(0, folder->size() - 1), shown, entry.state, entry.hostSystem});
@@ -118,9 +116,9 @@ class Unpacker {
     if (there && !(events_.replace && events_.replace(shown)))
       return refuse("not unpacked, since it already exists: " + shown);
 
-    std::optional<TemporaryFile> file;
+    std::optional<AtomicFile> file;
     try {
-      file.emplace(*folder);
+      file.emplace(target);
     } catch (const std::system_error& error) {
       return refuse(error.what());
     }
@@ -133,9 +131,9 @@ class Unpacker {
     result_.bytes = done;
     try {
       file->finishWriting();
-      const auto error = restoreStateError(file->path(), entry.state, entry.hostSystem);
-      file->renameTo(target, {});
-      if (error) note(*error, shown);
+      const auto lacks = restoreStateError(file->temporaryPath(), entry.state, entry.hostSystem);
+      file->commit();
+      if (lacks) note(*lacks, shown);
     } catch (const std::system_error& error) {
       return refuse(error.what());
     }

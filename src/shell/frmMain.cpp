@@ -75,7 +75,7 @@ frmMain::~frmMain() {
 }
 
 bool frmMain::Initialise() {
-  instance_ = std::make_unique<SingleInstance>(SingleInstance::Mark::desktop);
+  instance_ = std::make_unique<SingleInstance>(SingleInstance::Lock::desktop);
   if (!instance_->anotherIsRunning()) return true;
   wxMessageBox("Program already running, Click the program icon in the Taskbar. ", kTitle,
                wxOK | wxICON_EXCLAMATION);

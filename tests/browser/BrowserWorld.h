@@ -1,4 +1,4 @@
-// A whole world for the remote browser: a server, a profile editor, and a window that remembers.
+// All that a remote browser works with: a server, a profile editor, and a window that records its calls.
 #pragma once
 
 #include <future>
@@ -9,16 +9,17 @@
 #include "TestPlatform.h"
 #include "browser/RemoteBrowser.h"
 #include "profiles/ScriptedPrompts.h"
+#include "profiles/SiteProfileEditor.h"
 #include "support/ScriptedFtpServer.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
 
-/// The calls that a window gets, as words.
+/// A window that records the calls it receives.
 class RecordingView final : public BrowserView {
  public:
   std::vector<std::string> calls;
-  std::vector<std::string> folders;  // as `cmbRemoteDir` was told; "+" before a new one
+  std::vector<std::string> folders;  // of showFolder; "+" before a new one
   bool isClosed = false;
 
   void rowsCleared() override { calls.emplace_back("cleared"); }
@@ -34,7 +35,7 @@ class RecordingView final : public BrowserView {
   void closed() override { isClosed = true; }
 };
 
-/// Holds the server at a command until it is let go on; the server's answer is as usual then.
+/// Holds the server at a command until it is opened; the server then answers as usual.
 class Gate {
  public:
   testing::ScriptedFtpServer::Action action() {
@@ -56,17 +57,17 @@ class BrowserWorld {
   BrowserWorld() {
     settings.ConnectionDelay = 0;
     settings.Timeout = 10;
-    site.host = "127.0.0.1";
-    site.port = std::to_string(server.port());
-    site.userId = "joe";
-    site.password = "hunter22";
+    site.Host = "127.0.0.1";
+    site.Port = std::to_string(server.port());
+    site.UserID = "joe";
+    site.Password = "hunter22";
   }
 
-  /// The window is opened and its list shown.
+  /// Opens the window and waits for its list.
   void open() {
     make();
     browser->connect();
-    settle();
+    finish();
   }
   void make() {
     browser = std::make_unique<RemoteBrowser>(
@@ -74,21 +75,28 @@ class BrowserWorld {
         [this](const std::vector<std::string>& folders) { return editor.AddFolders(folders); });
   }
 
-  /// Takes what comes until the operation in progress is over.
-  void settle() {
-    while (browser->busy()) takeSome();
+  /// Takes events until the operation in progress is over.
+  void finish() {
+    takeUntil([this] { return !browser->busy(); });
   }
   template <class Condition>
   void takeUntil(Condition condition) {
-    while (!condition()) takeSome();
-  }
-  void takeSome() {
-    browser->waitForEvents();
-    browser->takeEvents();
+    while (!condition()) {
+      browser->waitForEvents();
+      browser->takeEvents();
+    }
   }
   void activate(const std::string& name) {
     browser->activate(rowOf(name));
-    settle();
+    finish();
+  }
+  void refresh() {
+    browser->refresh();
+    finish();
+  }
+  void changeFolder(const std::string& path) {
+    browser->changeFolder(path);
+    finish();
   }
 
   /// Icon and name of every row.
@@ -116,7 +124,7 @@ class BrowserWorld {
     return lines;
   }
 
-  /// What the server was asked, without what every session begins with.
+  /// The commands that the server has received, without the first ones.
   std::vector<std::string> commandsSince(std::size_t first) const {
     auto all = server.commands();
     all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(std::min(first, all.size())));
@@ -129,7 +137,7 @@ class BrowserWorld {
   testing::ScriptedPrompts prompts;
   SiteProfileEditor editor{(folder / "Profiles.ini").string(), prompts};
   ApplicationSettings settings;
-  BrowsedSite site;
+  SiteProfile site;
   bool foldersOnly = false;
   RecordingView view;
   std::unique_ptr<RemoteBrowser> browser;

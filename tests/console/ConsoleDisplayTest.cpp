@@ -22,18 +22,6 @@ struct Screen {
   }
 };
 
-TEST(ConsoleDisplay, WritesPlainTextWhereThereIsNoTerminal) {
-  Screen screen;
-  ConsoleDisplay display(screen.on(false));
-  display.setLogColour({255, 0, 0});
-  display.insertLogText("Started\r\n");
-  display.showCurrentFile("/a");
-  screen.now = 10'000;
-  display.refresh();
-  display.finish();
-  EXPECT_EQ(screen.written, "Started\n");
-}
-
 TEST(ConsoleDisplay, NeverPassesControlCharactersToATerminal) {
   EXPECT_EQ(terminalText("a\x1b[2J\rb\r\nc\td\x7f\xc2\x9b\x9b[\xc2\xa0\xc3\xbc\n"),
             "a?[2J?b\nc?d???[\xc2\xa0\xc3\xbc\n");
@@ -50,7 +38,7 @@ TEST(ConsoleDisplay, ChangesTheColourOnlyWithTheText) {
   EXPECT_EQ(screen.written, "\x1b[38;2;1;2;3mab\n");
 }
 
-TEST(ConsoleDisplay, ShowsTheFileUnderWayAndTakesItAwayAgain) {
+TEST(ConsoleDisplay, ShowsTheCurrentFileBetweenTheLinesOfTheLog) {
   Screen screen;
   ConsoleDisplay display(screen.on(true));
   display.insertLogText("log\r\n");
@@ -72,22 +60,24 @@ TEST(ConsoleDisplay, ShowsTheFileUnderWayAndTakesItAwayAgain) {
   screen.written.clear();
   display.showCurrentFile("");
   EXPECT_EQ(screen.written, "\r\x1b[K");
-}
-
-TEST(ConsoleDisplay, LeavesAHalfWrittenLogLineAlone) {
-  Screen screen;
-  ConsoleDisplay display(screen.on(true));
   display.showCurrentFile("/a");
   display.insertLogText("Retriving: ");
   screen.written.clear();
-  screen.now = 500;
+  screen.now = 800;
   display.refresh();
-  EXPECT_EQ(screen.written, "");
+  EXPECT_EQ(screen.written, "") << "a log line is half written";
 }
 
-TEST(ConsoleDisplay, ClosesWithTheReport) {
+TEST(ConsoleDisplay, WritesPlainTextAndAReportWhereThereIsNoTerminal) {
   Screen screen;
   ConsoleDisplay display(screen.on(false));
+  display.setLogColour({255, 0, 0});
+  display.insertLogText("Started\r\n");
+  display.showCurrentFile("/a");
+  screen.now = 10'000;
+  display.refresh();
+  display.finish();
+  EXPECT_EQ(screen.written, "Started\n");
   EXPECT_EQ(display.reportTable({}), "");
   const auto row = display.addReportRow();
   const char* const items[kReportColumns] = {

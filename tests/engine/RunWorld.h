@@ -1,4 +1,4 @@
-// A whole world for a backup run: a server, profiles, settings, clock, network, and a display that remembers.
+// All that a backup run works with: a server, profiles, settings, clock, network, and a display that records.
 #pragma once
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "connectivity/ScriptedDialUp.h"
-#include "engine/RecordingDisplay.h"
 #include "engine/RunController.h"
+#include "engine/RunDisplay.h"
 #include "engine/TransferType.h"
 #include "profiles/SiteProfileStore.h"
 #include "support/ScriptedFtpServer.h"
@@ -20,7 +20,80 @@
 
 namespace quillmoor {
 
-/// Notes in which order a run calls them; each may be told to fail.
+/// Records everything that a run shows.
+class RecordingDisplay final : public RunDisplay {
+ public:
+  struct Line {
+    std::string text;
+    Colour colour;
+    bool emphasis = false;  // appended with the colour of button faces set first
+    bool operator==(const Line&) const = default;
+  };
+  std::vector<Line> lines;
+  std::vector<std::size_t> trims;
+  std::vector<std::vector<std::string>> rows;
+  std::vector<std::vector<Colour>> rowColours;
+  std::vector<int> progress;
+  std::vector<std::string> rates;
+  std::vector<std::string> sizes;
+  std::vector<bool> hourglass;
+  std::vector<bool> running;
+
+  std::string log() const {
+    std::string all;
+    for (const Line& line : lines) all += line.text;
+    return all;
+  }
+  bool logged(const std::string& text) const { return log().find(text) != std::string::npos; }
+  int count(const std::string& text) const {
+    int found = 0;
+    const std::string all = log();
+    for (auto at = all.find(text); at != std::string::npos; at = all.find(text, at + text.size())) ++found;
+    return found;
+  }
+  /// The first line that begins with the text.
+  Line lineWith(const std::string& text) const {
+    for (const Line& line : lines)
+      if (line.text.starts_with(text)) return line;
+    return {};
+  }
+  std::string item(std::size_t row, ReportColumn column) const {
+    return rows.at(row).at(static_cast<std::size_t>(column));
+  }
+
+  std::size_t logLength() const override { return log().size(); }
+  void trimLog(std::size_t characters) override { trims.push_back(characters); }
+  void setLogColour(Colour colour) override {
+    emphasis_ = colour_ == kButtonFace;
+    colour_ = colour;
+  }
+  void insertLogText(std::string_view text) override {
+    lines.push_back({std::string(text), colour_, emphasis_});
+  }
+  void showProgress(int percent) override { progress.push_back(percent); }
+  void showRate(const std::string& text) override { rates.push_back(text); }
+  void showFileSize(const std::string& text) override { sizes.push_back(text); }
+  std::size_t addReportRow() override {
+    rows.emplace_back(kReportColumns);
+    rowColours.emplace_back(kReportColumns);
+    return rows.size() - 1;
+  }
+  void setReportItem(std::size_t row, ReportColumn column, const std::string& text) override {
+    rows.at(row).at(static_cast<std::size_t>(column)) = text;
+  }
+  void setReportColour(std::size_t row, ReportColumn column, Colour colour) override {
+    rowColours.at(row).at(static_cast<std::size_t>(column)) = colour;
+  }
+  void repopulateReport() override {}
+  void showBusyCursor(bool busy) override { hourglass.push_back(busy); }
+  void showRunning(bool now) override { running.push_back(now); }
+
+ private:
+  Colour colour_;
+  bool emphasis_ = false;
+};
+
+/// Records the order in which a run calls them; all of them fail when `fail` is set.
 class RecordingStages final : public RunActions, public ArchiveStage {
  public:
   std::vector<std::string> calls;
@@ -28,14 +101,10 @@ class RecordingStages final : public RunActions, public ArchiveStage {
 
   void RunBeforeActions(RunLog&) override { note("before"); }
   void RunAfterActions(RunLog&) override { note("after"); }
-  void RunProfileActions(const RunProfileFields& profile, RunLog&) override {
-    note("profile " + profile.RunURL);
-  }
-  void CreateArchive(const std::string& profileId, RunState& run, RunLog&, RunDisplay&) override {
-    archivedFolders.push_back(run.LocalTargetFolder);
+  void RunProfileActions(const SiteProfile&, RunLog&) override { note("profile"); }
+  void CreateArchive(const std::string& profileId, RunState&, RunLog&, RunDisplay&) override {
     note("archive " + profileId);
   }
-  std::vector<std::string> archivedFolders;
 
  private:
   void note(const std::string& call) {
@@ -81,10 +150,7 @@ class RunWorld {
 
   RunServices services() {
     return {.display = display,
-            .pump =
-                [this] {
-                  if (pump) pump();
-                },
+            .pump = [this] { pump(); },
             .settings = settings,
             .AsciiExtensions = {".txt", ".html"},
             .profilesFile = profilesFile(),
@@ -118,7 +184,7 @@ class RunWorld {
     kinds = kNetworkLan;
     return true;
   };
-  std::function<void()> pump;
+  std::function<void()> pump = [] {};
   std::unique_ptr<RunController> controller;
   std::optional<LocalDateTime> clock;  // stands still when set
   std::optional<std::int64_t> ticks;   // goes on by what is slept when set

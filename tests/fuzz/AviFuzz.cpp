@@ -1,4 +1,4 @@
-// Any bytes at all are an animation or an AviError, never anything else.
+// Any input is read as an animation or raises AviError, nothing else.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -6,16 +6,12 @@
 
 #include "controls/AviReader.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void quillmoor::tryInput(std::string_view input) {
   try {
-    const quillmoor::AviAnimation read =
-        quillmoor::ReadAvi(std::string_view(reinterpret_cast<const char*>(data), size));
+    const AviAnimation read = ReadAvi(input);
     const auto pixels = static_cast<std::size_t>(read.width) * static_cast<std::size_t>(read.height);
-    if (read.frames.empty() || read.frames.size() * pixels * 3 > quillmoor::kMaxAviPixelBytes) std::abort();
-    for (const auto& frame : read.frames) {
-      if (frame.size() != pixels * 3) std::abort();
-    }
-  } catch (const quillmoor::AviError&) {
+    require(!read.frames.empty() && read.frames.size() * pixels * 3 <= kMaxAviPixelBytes);
+    for (const auto& frame : read.frames) require(frame.size() == pixels * 3);
+  } catch (const AviError&) {
   }
-  return 0;
 }

@@ -1,20 +1,13 @@
-// A profile file of any bytes at all is read, and a value written into it and a section taken out, without
-// another line being touched. The input is the section's name, the value and the file, with a zero between.
+// Any profile file can be read, and a value written to it and a section removed, without changing another
+// line. The input is the section's name, the value and the file, separated by zero bytes.
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <string_view>
-#include <vector>
 
+#include "Fuzz.h"
 #include "platform/ini/PrivateProfile.h"
 #include "platform/system/CodePage.h"
+#include "support/TemporaryFolder.h"
 
 namespace quillmoor {
 namespace {
@@ -25,7 +18,7 @@ void require(bool holds) {
   if (!holds) std::abort();
 }
 
-/// The file of this process, gone with it.
+/// A file of this process, removed at its end.
 struct OwnFile {
   std::filesystem::path folder =
       std::filesystem::temp_directory_path() / ("fuzz-ini-" + std::to_string(::getpid()));
@@ -39,7 +32,7 @@ struct OwnFile {
   }
 };
 
-/// Without the byte order mark, which is no part of the first.
+/// Without the byte order mark.
 std::vector<std::string> linesOf(std::string_view text) {
   std::vector<std::string> lines;
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
@@ -51,7 +44,7 @@ std::vector<std::string> linesOf(std::string_view text) {
   return lines;
 }
 
-/// Lines that differ, between those at both ends that do not.
+/// Numbers of lines between the common lines at the beginning and those at the end.
 struct Difference {
   std::size_t before, after;
 };
@@ -70,45 +63,42 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
 }
 
-void check(std::string_view section, std::string_view value, std::string_view bytes, const OwnFile& file) {
-  std::ofstream(file.path, std::ios::binary) << bytes;
-  const std::string before = file.bytes();
-  const std::vector<std::string> names = GetPrivateProfileSectionNames(file.path);
-  for (const std::string& name : names) GetPrivateProfileString(name, kKey, file.path);
+void check(std::string_view section, std::string_view value, std::string_view before,
+           const std::string& file) {
+  testing::writeFile(file, before);
+  const std::vector<std::string> names = GetPrivateProfileSectionNames(file);
+  for (const std::string& name : names) GetPrivateProfileString(name, kKey, file);
 
   const bool oneLine = (std::string(section) + std::string(value)).find_first_of("\r\n") == std::string::npos;
-  require(WritePrivateProfileString(section, kKey, value, file.path) == oneLine);
-  const std::string written = file.bytes();
-  const Difference write = difference(before, written);
+  require(WritePrivateProfileString(section, kKey, value, file) == oneLine);
+  const std::string written = testing::contentsOf(file);
   if (!oneLine) return require(written == before);
-  // A line replaced or added; before it, perhaps, a header, and a line that had no end.
+  // A line is replaced or added; a new section adds a header, and a last line may get its line end.
   require(write.before <= 1 && write.after <= 3);
   std::string_view read = trimmed(value);
   if (read.size() > 1 && read.front() == read.back() && (read[0] == '"' || read[0] == '\''))
     read = read.substr(1, read.size() - 2);
-  require(GetPrivateProfileString(section, kKey, file.path) == read);
+  require(GetPrivateProfileString(section, kKey, file) == read);
 
-  require(DeletePrivateProfileSection(section, file.path));
+  require(DeletePrivateProfileSection(section, file));
   const auto has = [&](const std::vector<std::string>& all) {
     return std::count_if(all.begin(), all.end(),
                          [&](const std::string& name) { return SameAnsiName(name, trimmed(section)); });
   };
-  require(difference(written, file.bytes()).after == 0);
-  require(has(GetPrivateProfileSectionNames(file.path)) == std::max<std::ptrdiff_t>(has(names), 1) - 1);
+  require(lost(testing::contentsOf(file), written).empty());
+  require(has(GetPrivateProfileSectionNames(file)) == std::max<std::ptrdiff_t>(has(names), 1) - 1);
 }
 
 }  // namespace
 }  // namespace quillmoor
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const quillmoor::OwnFile file;
-  std::string_view rest(reinterpret_cast<const char*>(data), size);
+void quillmoor::tryInput(std::string_view input) {
+  static const testing::TemporaryFolder folder;
   const auto next = [&] {
-    const std::string_view part = rest.substr(0, rest.find('\0'));
-    rest.remove_prefix(std::min(part.size() + 1, rest.size()));
+    const std::string_view part = input.substr(0, input.find('\0'));
+    input.remove_prefix(std::min(part.size() + 1, input.size()));
     return part;
   };
   const std::string_view section = next(), value = next();
-  quillmoor::check(section, value, rest, file);
-  return 0;
+  check(section, value, input, (folder / "Profiles.ini").string());
 }

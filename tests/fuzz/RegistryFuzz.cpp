@@ -1,5 +1,5 @@
-// Any bytes at all are a registry file or a RegistryFileError with its line, never anything else; and what
-// was understood is written so that it is read back the same, once and for all.
+// Any input is read as a registry file or raises RegistryFileError with a line, nothing else; and what was
+// read, written again, reads back the same.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -9,33 +9,14 @@
 
 #include "platform/registry/RegistryFile.h"
 
-namespace quillmoor {
-namespace {
-
-bool same(const std::vector<RegistryFileKey>& a, const std::vector<RegistryFileKey>& b) {
-  const auto sameValue = [](const RegistryFileValue& x, const RegistryFileValue& y) {
-    return x.name == y.name && x.data == y.data;
-  };
-  const auto sameKey = [&](const RegistryFileKey& x, const RegistryFileKey& y) {
-    return x.path == y.path &&
-           std::equal(x.values.begin(), x.values.end(), y.values.begin(), y.values.end(), sameValue);
-  };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), sameKey);
-}
-
-}  // namespace
-}  // namespace quillmoor
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace quillmoor;
+void quillmoor::tryInput(std::string_view input) {
   std::vector<RegistryFileKey> keys;
   try {
-    keys = parseRegistryFile(std::string_view(reinterpret_cast<const char*>(data), size));
+    keys = parseRegistryFile(input);
   } catch (const RegistryFileError& error) {
-    if (error.line() == 0 || error.what()[0] == '\0') std::abort();
-    return 0;
+    return require(error.line() != 0 && error.what()[0] != '\0');
   }
-  // Outside the try: the program's own file must be one that it can read.
+  // Outside the try: a file written by the program must be readable.
   if (!same(parseRegistryFile(formatRegistryFile(keys)), keys)) std::abort();
   return 0;
 }

@@ -1,5 +1,5 @@
-// What an FTP server says, any bytes at all, is replies within their bounds or an FtpError, never anything
-// else, and the same however the bytes arrive.
+// Any input is read as FTP replies within their limits or raises FtpError, nothing else, and gives the same
+// replies in whatever pieces it arrives.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -10,9 +10,8 @@
 #include "platform/ftp/FtpReply.h"
 #include "platform/ftp/FtpWording.h"
 
+namespace quillmoor {
 namespace {
-
-using namespace quillmoor;
 
 std::vector<std::string> repliesIn(std::string_view bytes, std::size_t chunk) {
   std::vector<std::string> replies;
@@ -21,8 +20,7 @@ std::vector<std::string> repliesIn(std::string_view bytes, std::size_t chunk) {
     for (std::size_t at = 0; at < bytes.size(); at += chunk) {
       reader.append(bytes.substr(at, chunk));
       while (const auto reply = reader.next()) {
-        if (reply->code < 100 || reply->code > 599 || reply->text.size() > FtpReplyReader::kMaxReply)
-          std::abort();
+        require(reply->code >= 100 && reply->code <= 599 && reply->text.size() <= FtpReplyReader::kMaxReply);
         replies.push_back(reply->text);
       }
     }
@@ -33,19 +31,17 @@ std::vector<std::string> repliesIn(std::string_view bytes, std::size_t chunk) {
 }
 
 }  // namespace
+}  // namespace quillmoor
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  const auto replies = repliesIn(bytes, bytes.size() + 1);
-  if (replies != repliesIn(bytes, 1) || replies != repliesIn(bytes, 7)) std::abort();
+void quillmoor::tryInput(std::string_view input) {
+  const auto replies = repliesIn(input, input.size() + 1);
+  require(replies == repliesIn(input, 1) && replies == repliesIn(input, 7));
   for (const std::string& text : replies) {
-    if (epsvPort(text) == 0 || pasvPort(text) == 0) std::abort();
-    if (pwdPath(text) == "" || announcedSize(text).value_or(0) < 0) std::abort();
-    if (statedSize({213, text}).value_or(0) < 0 || listingCut(text).size() > text.size()) std::abort();
+    require(epsvPort(text) != 0 && pasvPort(text) != 0 && pwdPath(text) != "");
+    require(announcedSize(text).value_or(0) >= 0 && statedSize({213, text}).value_or(0) >= 0);
+    require(listingCut(text).size() <= text.size());
     saysFolderIsEmpty({450, text});
-    for (const char c : printableReply(text, "150")) {
-      if (static_cast<unsigned char>(c) < 0x20 && c != '\r' && c != '\n') std::abort();
-    }
+    for (const char c : printableReply(text, "150"))
+      require(static_cast<unsigned char>(c) >= 0x20 || c == '\r' || c == '\n');
   }
-  return 0;
 }

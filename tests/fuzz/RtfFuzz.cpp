@@ -1,4 +1,4 @@
-// Any bytes at all are a document in proper UTF-8 or an RtfError, never anything else.
+// Any input is read as a document in valid UTF-8 or raises RtfError, nothing else.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -7,22 +7,17 @@
 #include "base/Utf8.h"
 #include "controls/RtfReader.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void quillmoor::tryInput(std::string_view input) {
   try {
-    const quillmoor::RtfDocument read =
-        quillmoor::ReadRtf(std::string_view(reinterpret_cast<const char*>(data), size));
-    for (const quillmoor::RtfParagraph& paragraph : read.paragraphs) {
-      for (const quillmoor::RtfRun& run : paragraph.runs) {
+    const RtfDocument read = ReadRtf(input);
+    for (const RtfParagraph& paragraph : read.paragraphs) {
+      for (const RtfRun& run : paragraph.runs) {
         std::string_view text = run.text;
-        if (text.empty() || run.format.halfPoints < 2 || run.format.halfPoints > 400) std::abort();
-        while (!text.empty()) {
-          const std::size_t length = quillmoor::DecodeUtf8(text).length;
-          if (length == 0) std::abort();
-          text.remove_prefix(length);
-        }
+        require(!text.empty() && run.format.halfPoints >= 2 && run.format.halfPoints <= 400);
+        for (std::size_t length = 0; !text.empty(); text.remove_prefix(length))
+          require((length = DecodeUtf8(text).length) != 0);
       }
     }
-  } catch (const quillmoor::RtfError&) {
+  } catch (const RtfError&) {
   }
-  return 0;
 }

@@ -1,14 +1,18 @@
-// A form of settings alone in a frame, over a registry of its own, and a hand for its controls.
+// A form alone in a frame, over a registry of its own, with scripted answers to its prompts.
 #pragma once
 
+#include <wx/choice.h>
+#include <wx/dataview.h>
+#include <wx/dateevt.h>
+#include <wx/listbox.h>
+#include <wx/radiobut.h>
 #include <wx/sizer.h>
+#include <wx/slider.h>
+#include <wx/timectrl.h>
 
-#include <cstdint>
-#include <functional>
+#include <map>
 #include <memory>
 #include <set>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "GuiFixture.h"
@@ -23,19 +27,22 @@ class FormTest : public FrameTest {
  protected:
   FormTest() : FrameTest(wxSize(760, 560)), prompts(*new testing::ScriptedPrompts), prompts_(&prompts) {}
 
-  /// For the form that is made; it becomes their owner.
+  /// For the first form, which becomes their owner.
   std::unique_ptr<UserPrompts> ownPrompts() { return std::move(prompts_); }
 
+  /// Shows a form in place of the one before.
   void present(ScrolledForm* made) {
+    if (form) form->Destroy();
     form = made;
     form->Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
-      told_ = event.GetWindow();
+      focused_ = event.GetWindow();
       event.Skip();
     });
     auto* const all = new wxBoxSizer(wxVERTICAL);
     all->Add(form, wxSizerFlags(1).Expand());
     frame->SetSizer(all);
     frame->Show();
+    frame->Layout();
     frame->Raise();
     ASSERT_TRUE(
         waitUntil([&] { return frame->IsActive() && form->IsShownOnScreen() && form->GetSize().y > 100; }));
@@ -45,26 +52,58 @@ class FormTest : public FrameTest {
     ASSERT_TRUE(waitUntil([&] { return form->GetSize() == size; })) << form->GetSize().x;
   }
 
-  static void press(wxButton* button) {
-    EXPECT_TRUE(button->IsEnabled()) << button->GetName();
-    clickEvent(button);
+  /// Enters a value as a user does: a text, "1" or "0" for a box, the text of an item, a time; buttons and
+  /// options are clicked.
+  static void use(wxWindow* control, const std::string& value = "") {
+    EXPECT_TRUE(control->IsEnabled()) << control->GetName();
+    if (auto* const text = dynamic_cast<wxTextCtrl*>(control)) {
+      text->SetValue(wxString::FromUTF8(value));
+    } else if (auto* const box = dynamic_cast<wxCheckBox*>(control)) {
+      tick(box, value == "1");
+    } else if (auto* const option = dynamic_cast<wxRadioButton*>(control)) {
+      option->SetValue(true);
+      command(option, wxEVT_RADIOBUTTON);
+    } else if (auto* const list = dynamic_cast<wxControlWithItems*>(control)) {
+      list->SetStringSelection(wxString::FromUTF8(value));
+      command(list, dynamic_cast<wxChoice*>(control) ? wxEVT_CHOICE : wxEVT_LISTBOX);
+    } else if (auto* const time = dynamic_cast<wxTimePickerCtrl*>(control)) {
+      time->SetTime(std::stoi(value.substr(0, 2)), std::stoi(value.substr(3)), 0);
+      wxDateEvent event(time, time->GetValue(), wxEVT_TIME_CHANGED);
+      time->ProcessWindowEvent(event);
+    } else {
+      clickEvent(dynamic_cast<wxButton*>(control));
+    }
   }
-  /// A control that is used, and what is stored then. What the program goes by is the editors' own tests'.
+  /// What each control but the buttons shows.
+  std::map<std::string, wxString> shown() const {
+    std::map<std::string, wxString> all;
+    for (wxWindow* const input : inputs()) {
+      wxString& value = all[input->GetName().utf8_string()];
+      if (auto* const text = dynamic_cast<wxTextCtrl*>(input)) value = text->GetValue();
+      if (auto* const box = dynamic_cast<wxCheckBox*>(input)) value << box->GetValue();
+      if (auto* const option = dynamic_cast<wxRadioButton*>(input)) value << option->GetValue();
+      if (auto* const choice = dynamic_cast<wxChoice*>(input)) value = choice->GetStringSelection();
+      if (auto* const list = dynamic_cast<wxListBox*>(input)) value = wxJoin(list->GetStrings(), '|');
+      if (auto* const slider = dynamic_cast<wxSlider*>(input)) value << slider->GetValue();
+      if (auto* const time = dynamic_cast<wxTimePickerCtrl*>(input)) value = time->GetValue().FormatISOTime();
+    }
+    return all;
+  }
+  /// A control, what is entered there, and what is stored then.
   struct ControlRow {
     wxWindow* control;
-    std::function<void()> hand;
+    const char* value;
     const char* key;
     std::string stored;
   };
-  /// One after the other. Together with `others`, whose use is part of another row, they are all that there
-  /// are.
-  void expectEachDoesAsSaid(const std::vector<ControlRow>& rows, std::set<std::string> others) {
+  /// One after the other; with the `others` they are all controls of the form.
+  void expectStored(const std::vector<ControlRow>& rows, std::set<std::string> others = {}) {
     for (const auto& row : rows) {
       others.insert(row.control->GetName().utf8_string());
-      row.hand();
+      use(row.control, row.value);
       EXPECT_EQ(ReadSetting(row.key, "nothing"), row.stored) << row.control->GetName();
     }
-    EXPECT_EQ(others, inputNames()) << "a control that nothing happens to";
+    for (const auto& [name, value] : shown()) EXPECT_TRUE(others.count(name)) << name << " has no row";
   }
   static std::string text(const wxControl* label) { return label->GetLabelText().utf8_string(); }
 
@@ -74,39 +113,26 @@ class FormTest : public FrameTest {
     collect(form, found);
     return found;
   }
-  std::set<std::string> inputNames() const {
-    std::set<std::string> names;
-    for (const wxWindow* input : inputs()) names.insert(input->GetName().utf8_string());
-    return names;
-  }
-  void focus(wxWindow* control) {
-    frame->Raise();
-    control->SetFocus();
-    EXPECT_TRUE(waitUntil([&] { return hasFocus(control); })) << control->GetName();
-  }
-  wxWindow* focused() const {
-    for (wxWindow* input : inputs()) {
-      if (hasFocus(input)) return input;
-    }
-    // The focus of a part that is the toolkit's own: it knows no window for it, but has told the form.
-    return wxWindow::FindFocus() ? nullptr : told_;
-  }
 
-  /// The names that the Tab key leads through, once around from the first on.
-  std::vector<std::string> tabOrder(wxWindow* first) {
+  /// The Tab key must lead from the first control through all others, in reading order.
+  void expectTabOrder(wxWindow* first) {
     focus(first);
-    std::vector<std::string> names;
-    wxWindow* at = first;
-    do {
-      names.push_back(at->GetName().utf8_string());
-      wxWindow* const before = at;
-      // Of one that is made of several, each may be a stop, and not all of them are the toolkit's to tell of.
+    std::set<wxWindow*> reached{first};
+    for (wxWindow *before = first, *at = nullptr;; before = std::exchange(at, nullptr)) {
+      // Each part of a composite control may be a stop, and the toolkit does not report all of them.
       for (int keys = 0; (!at || at == before) && keys < 4; ++keys) {
         hand.Char(WXK_TAB);
         waitUntil([&] { return (at = focused()) && at != before; }, std::chrono::seconds(2));
       }
-    } while (at && at != first && at->GetName() != names.back());
-    return names;
+      if (!at || !reached.insert(at).second) break;
+      const wxPoint way = at->GetScreenPosition() - before->GetScreenPosition();
+      const int row = form->FromDIP(10);
+      EXPECT_TRUE(way.y > row || (way.y > -row && way.x > 0)) << before->GetName() << ", " << at->GetName();
+    }
+    for (wxWindow* const input : inputs()) {
+      if (!input->IsEnabled() || dynamic_cast<wxRadioButton*>(input)) continue;
+      EXPECT_TRUE(reached.count(input)) << input->GetName();
+    }
   }
 
   /// Whatever has a text must have the room for it, and whatever gets the focus must come into view.
@@ -119,14 +145,13 @@ class FormTest : public FrameTest {
       const bool captioned = !input->GetLabel().empty() && !dynamic_cast<wxTextCtrl*>(input);
       EXPECT_TRUE(!captioned || input->GetSize().x >= input->GetBestSize().x) << input->GetName();
       if (!input->IsEnabled()) continue;
-      input->SetFocus();
+      focus(input);
       EXPECT_TRUE(waitUntil([&] {
         const wxRect view = form->GetScreenRect(), place = input->GetScreenRect();
-        return hasFocus(input) && place.GetTop() >= view.GetTop() && place.GetLeft() < view.GetRight() &&
+        return place.GetTop() >= view.GetTop() && place.GetLeft() < view.GetRight() &&
                place.GetTop() + std::min(place.height, view.height) <= view.GetBottom() + 1;
       })) << input->GetName()
-          << " at " << input->GetScreenRect().y << " of height " << input->GetSize().y << " in a form at "
-          << form->GetScreenRect().y << (hasFocus(input) ? "" : ", not focused");
+          << " at " << input->GetScreenRect().y << " in a form at " << form->GetScreenRect().y;
     }
   }
 
@@ -136,16 +161,22 @@ class FormTest : public FrameTest {
   ScrolledForm* form = nullptr;
 
  private:
-  wxWindow* told_ = nullptr;
-
+  wxWindow* focused() const {
+    for (wxWindow* input : inputs()) {
+      if (hasFocus(input)) return input;
+    }
+    // The toolkit knows no window for a part of its own, but has reported it to the form.
+    return wxWindow::FindFocus() ? nullptr : focused_;
+  }
   static void collect(const wxWindow* window, std::vector<wxWindow*>& found) {
     for (wxWindow* const child : window->GetChildren()) {
-      const bool composite = child->GetName().StartsWith("dtp");
+      const bool composite = dynamic_cast<wxTimePickerCtrl*>(child) || dynamic_cast<wxDataViewCtrl*>(child);
       if (composite || child->AcceptsFocus()) found.push_back(child);
       if (!composite) collect(child, found);
     }
   }
 
+  wxWindow* focused_ = nullptr;
   std::unique_ptr<testing::ScriptedPrompts> prompts_;
 };
 

@@ -1,4 +1,4 @@
-// A program with its windows, a server to back up, and the user's hands.
+// The program with its windows, a server to back up, and simulated user input.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,11 +10,13 @@
 #include <wx/timer.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
+#include <wx/weakref.h>
 
 #include <chrono>
 #include <deque>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "TestPlatform.h"
 #include "engine/BackupRunning.h"
@@ -41,7 +43,7 @@ inline bool waitUntil(const std::function<bool()>& condition,
   return true;
 }
 
-/// What the toolkit sends when a control is used.
+/// Sends the event that the toolkit sends when a control is used.
 inline void command(wxWindow* control, const wxEventTypeTag<wxCommandEvent>& type) {
   wxCommandEvent event(type, control->GetId());
   event.SetEventObject(control);
@@ -54,35 +56,45 @@ inline void tick(wxCheckBox* box, bool on) {
   box->SetValue(on);
   command(box, wxEVT_CHECKBOX);
 }
-/// Of a composite control a part may have it.
+/// Whether the control, or a part of it, has the focus.
 inline bool hasFocus(const wxWindow* control) {
   for (const wxWindow* window = wxWindow::FindFocus(); window; window = window->GetParent()) {
     if (window == control) return true;
   }
   return false;
 }
+/// Puts the focus on a control of the window that is in front then.
+inline void focus(wxWindow* control) {
+  auto* const window = static_cast<wxTopLevelWindow*>(wxGetTopLevelParent(control));
+  window->Raise();
+  EXPECT_TRUE(waitUntil([&] { return window->IsActive(); })) << control->GetName();
+  control->SetFocus();
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(control); })) << control->GetName();
+}
 
-/// A frame of its own for what a test shows, gone when the test is.
+/// The texts in the first column.
+inline std::vector<std::string> rowsOf(const ReportControl& list) {
+  std::vector<std::string> rows;
+  for (std::size_t row = 0; row < list.rowCount(); ++row) rows.push_back(list.item(row, 0));
+  return rows;
+}
+
+/// A frame of its own for what a test shows; destroyed with the test.
 class FrameTest : public ::testing::Test {
  protected:
   explicit FrameTest(wxSize size = wxSize(700, 400))
       : frame(new wxFrame(nullptr, wxID_ANY, "test", wxPoint(40, 40), size)) {}
   void TearDown() override {
-    bool gone = false;
-    frame->Bind(wxEVT_DESTROY, [&](wxWindowDestroyEvent& event) {
-      gone = gone || event.GetEventObject() == frame;
-      event.Skip();
-    });
     frame->Destroy();
-    EXPECT_TRUE(waitUntil([&] { return gone; }));
+    EXPECT_TRUE(waitUntil([&] { return !frame; }));
   }
 
-  wxFrame* frame;
+  wxWeakRef<wxFrame> frame;  // null once it is destroyed
   wxUIActionSimulator hand;
 };
 
-/// What the user does while a run blocks the program and only its pump serves events: steps, each taken once
-/// its condition holds.
+/// What the user does while a run blocks the program and only the run's pump serves events: steps, each taken
+/// once its condition holds.
 class Steps {
  public:
   explicit Steps(std::function<void()> giveUp) : giveUp_(std::move(giveUp)) {
@@ -90,46 +102,39 @@ class Steps {
   }
   Steps& when(
       std::function<bool()> condition, std::function<void()> action = [] {}) {
-    steps_.push_back({std::move(condition), std::move(action)});
+    steps_.emplace_back(std::move(condition), std::move(action));
     return *this;
   }
   /// Serves events until all steps are taken.
   void take() {
     end_ = std::chrono::steady_clock::now() + kPatience;
     timer_.Start(5);
-    EXPECT_TRUE(waitUntil([this] { return steps_.empty() || gaveUp_; }));
+    EXPECT_TRUE(waitUntil([this] { return steps_.empty(); }));
     timer_.Stop();
-    EXPECT_FALSE(gaveUp_) << "step " << taken_ + 1 << " never came";
   }
 
  private:
   void look() {
-    if (acting_ || steps_.empty() || gaveUp_) return;
-    acting_ = true;
-    if (steps_.front().condition()) {
-      steps_.front().action();
+    if (steps_.empty() || std::exchange(acting_, true)) return;
+    if (steps_.front().first()) {
+      steps_.front().second();
       steps_.pop_front();
-      ++taken_;
     } else if (std::chrono::steady_clock::now() > end_) {
-      gaveUp_ = true;
+      ADD_FAILURE() << steps_.size() << " steps were never reached";
+      steps_.clear();
       giveUp_();
     }
     acting_ = false;
   }
 
-  struct Step {
-    std::function<bool()> condition;
-    std::function<void()> action;
-  };
-  std::deque<Step> steps_;
+  std::deque<std::pair<std::function<bool()>, std::function<void()>>> steps_;
   std::function<void()> giveUp_;
   wxTimer timer_;
   std::chrono::steady_clock::time_point end_;
-  int taken_ = 0;
-  bool acting_ = false, gaveUp_ = false;
+  bool acting_ = false;
 };
 
-/// Answers the one box that is expected, and checks what it says.
+/// Expects one message box, checks its text and answers it.
 class ExpectBox : public wxExpectModalBase<wxMessageDialog> {
  public:
   ExpectBox(const wxString& title, const wxString& text, long style, int answer)
@@ -167,15 +172,14 @@ class GuiTest : public ::testing::Test {
     SaveSiteProfile(profile, profilesFile());
   }
   ~GuiTest() override {
-    if (!main) return;
-    endProgram();
+    if (main) endProgram();
     backupRun = {};
   }
 
   std::string profilesFile() const { return (folder / "Profiles.ini").string(); }
   std::filesystem::path target() const { return folder / "site"; }
 
-  /// Its window stays until the test hides it.
+  /// Starts the program. Its window stays visible until the test hides it.
   void start() {
     main = new frmMain;
     main->profilesFile = profilesFile();
@@ -184,16 +188,11 @@ class GuiTest : public ::testing::Test {
       return true;
     };
     if (now) main->now = now;
-    main->Bind(wxEVT_DESTROY, [this](wxWindowDestroyEvent& event) {
-      if (event.GetEventObject() == main) main = nullptr;
-      event.Skip();
-    });
     main->Load();
     EXPECT_TRUE(main->tmrHide.IsRunning());
-    main->tmrHide.Stop();  // on a slow machine it would come before the window does
+    main->tmrHide.Stop();  // on a slow machine it would fire before the window is shown
     main->restore();
-    const auto settled = [&] { return main->IsActive() && main->GetPosition() == main->placement(); };
-    ASSERT_TRUE(waitUntil(settled)) << main->GetPosition().x << "," << main->GetPosition().y;
+    ASSERT_TRUE(waitUntil([&] { return main->IsActive() && main->GetPosition() == main->placement(); }));
   }
   /// Starts the program, with the pane of the backup in front.
   void startAtTheBackup() {
@@ -210,16 +209,18 @@ class GuiTest : public ::testing::Test {
   /// A real click into the middle of a control.
   void click(wxWindow* control) {
     EXPECT_TRUE(waitUntil([&] { return !main->tmrPlace.IsRunning(); })) << "the window may still move";
-    wxUIActionSimulator mouse;  // serves events when it is made: the control is where it will be
+    wxUIActionSimulator mouse;  // its constructor serves events: only then has the control its final place
     const wxRect place = control->GetScreenRect();
     mouse.MouseMove(place.x + place.width / 2, place.y + place.height / 2);
     mouse.MouseClick();
   }
-  std::string logged() const {
-    std::string all;
-    const LogText& log = main->process->logText();
-    for (std::size_t i = 0; i < log.lineCount(); ++i) all += log.line(i).text + "\n";
-    return all;
+  /// The Tab key must lead from each of them to the next.
+  void expectTabOrder(const std::vector<wxWindow*>& order) {
+    focus(order.front());
+    for (std::size_t i = 1; i < order.size(); ++i) {
+      hand.Char(WXK_TAB);
+      ASSERT_TRUE(waitUntil([&] { return hasFocus(order[i]); })) << order[i]->GetName();
+    }
   }
   std::string status(std::size_t row = 0) const {
     const ReportControl& report = *main->process->wndReportControl;
@@ -231,7 +232,7 @@ class GuiTest : public ::testing::Test {
   testing::ScriptedFtpServer server;
   SiteProfile profile;
   std::function<LocalDateTime()> now;
-  frmMain* main = nullptr;
+  wxWeakRef<frmMain> main;  // null once it is destroyed
   frmProcess* process = nullptr;
   wxUIActionSimulator hand;
   Steps steps{[this] { main->ExitRoutine(); }};

@@ -1,4 +1,4 @@
-// A registry of a test's own, and values in it.
+// A registry that only the test uses, and values in it.
 #pragma once
 
 #include <gtest/gtest.h>

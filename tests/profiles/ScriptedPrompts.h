@@ -1,8 +1,7 @@
-// A user whose answers a test writes down beforehand, and what he has been shown.
+// Answers the prompts as a test has set them, and records what was shown.
 #pragma once
 
 #include <optional>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,11 +14,6 @@ namespace quillmoor {
 inline bool operator==(const Message& a, const Message& b) {
   return a.title == b.title && a.text == b.text && a.buttons == b.buttons && a.icon == b.icon &&
          a.defaultButton == b.defaultButton;
-}
-
-inline void PrintTo(const Message& message, std::ostream* out) {
-  *out << message.title << ": " << message.text << " (buttons " << static_cast<int>(message.buttons)
-       << ", icon " << static_cast<int>(message.icon) << ", default " << message.defaultButton << ")";
 }
 
 namespace testing {
@@ -45,7 +39,7 @@ class ScriptedPrompts final : public UserPrompts {
     return choice;
   }
 
-  /// What has been shown since the last call.
+  /// The messages shown since the last call.
   std::vector<Message> takeMessages() { return std::exchange(messages, {}); }
 };
 

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# browse_test.sh PROGRAM SERVER MODE [PROXY TYPE]   serves the sample site, with a link to a folder in it, from a real server and has
-# PROGRAM (browse_tests) browse it. MODE passive or active.
-# With a PROXY of proxy.sh, through that as a profile of that TYPE.
+# browse_test.sh PROGRAM SERVER MODE [PROXY TYPE]   serves the sample site, with a link to a folder added, from a real server
+# and runs PROGRAM (browse_tests) on it. MODE passive or active. With a PROXY of proxy.sh: through it, with that proxy TYPE.
 set -euo pipefail
 program=$1 server=$2 mode=$3 proxy=${4:-} type=${5:-0}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)

@@ -1,10 +1,10 @@
-# daemons.sh   for the scripts that start servers for the tests; they source it.
-# unavailable WORDS...             ends the script with status 77: that server cannot be had here
-# unpack PACKAGE                   prints the folder into which the Debian package is unpacked, without being installed
-# take_port                        sets port to a free one, which no other test is given until bring_up has returned
-# bring_up STATE READY COMMAND...  starts the daemon with its log and process id in STATE, and returns when the function
+# daemons.sh   sourced by the scripts that start servers for the tests.
+# unavailable WORDS...             ends the script with status 77: the server is not available here
+# unpack PACKAGE                   unpacks the Debian package without installing it, and prints the folder
+# take_port                        sets port to a free port, reserved for this test until bring_up has returned
+# bring_up STATE READY COMMAND...  starts the daemon, with its log and process id in STATE, and returns when the function
 #                                  READY succeeds
-# take_down STATE                  ends it and waits until it is gone
+# take_down STATE                  stops it and waits for its end
 
 unavailable() { echo "${0##*/}: $*" >&2; exit 77; }
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/quillmoor/servers
@@ -17,8 +17,8 @@ unpack() {
     mkdir -p "$cache"
     fetch=$(mktemp -d "$cache/fetch.XXXXXX")
     if (cd "$fetch" && apt-get download -qq "$1" && dpkg -x ./*.deb unpacked) >/dev/null 2>&1; then
-      mv -T "$fetch/unpacked" "$folder" 2>/dev/null || true    # another test may have been faster
-    else                                          # no package lists or no network: what was fetched earlier
+      mv -T "$fetch/unpacked" "$folder" 2>/dev/null || true    # unless another test has just done it
+    else                                          # no package lists or no network: use an earlier one
       folder=$(find "$cache" -maxdepth 1 -name "$1_*" -print -quit)
     fi
     rm -rf "$fetch"
@@ -27,8 +27,8 @@ unpack() {
   echo "$folder"
 }
 
-# Below the range from which other tests' connections are given theirs meanwhile. A daemon that finds its port taken ends,
-# and READY would be answered by whoever has it, until that one's test is over.
+# Below the ephemeral ports, from which connections of other tests get theirs. A daemon whose port is taken ends, and
+# READY would then be answered by another test's server; hence the lock.
 take_port() {
   mkdir -p "$cache"
   exec {starting}>"$cache/starting"
@@ -51,7 +51,7 @@ bring_up() {
     grep "not found" "$state/libraries" >&2 || true
     unavailable "$1 lacks libraries; scripts/setup.sh installs them"
   fi
-  # The hour ends a server whose test was killed before it could.
+  # The time limit ends a server whose test was killed.
   setsid timeout 3600 "$@" >"$state/server.log" 2>&1 </dev/null {starting}>&- &
   echo $! >"$state/pid"
   for _ in $(seq 100); do
@@ -59,7 +59,7 @@ bring_up() {
     kill -0 "$(cat "$state/pid")" 2>/dev/null || break
     sleep 0.05
   done
-  echo "${0##*/}: $1 did not come up:" >&2
+  echo "${0##*/}: $1 did not start:" >&2
   tail -n 15 "$state/server.log" >&2
   take_down "$state"
   exit 1
@@ -68,7 +68,7 @@ bring_up() {
 take_down() {
   local pid
   pid=$(cat "$1/pid" 2>/dev/null) || return 0
-  kill -- "-$pid" 2>/dev/null || return 0         # its own process group, sessions included
+  kill -- "-$pid" 2>/dev/null || return 0         # its process group, including its sessions
   for _ in {1..100}; do
     kill -0 -- "-$pid" 2>/dev/null || return 0
     sleep 0.05

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# mirror_test.sh PROGRAMS SERVER MODE [PROXY TYPE]   backs the sample site up from a real server (MODE passive or active),
-# and once more incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and quillmoor-config. With a PROXY of
-# proxy.sh, through that as a profile of that TYPE, and without the packing.
+# mirror_test.sh PROGRAMS SERVER MODE [PROXY TYPE]   backs up the sample site from a real server (MODE passive or active),
+# again incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and quillmoor-config. With a PROXY of
+# proxy.sh: through it, with that proxy TYPE in the profile, and without packing.
 set -euo pipefail
 programs=$(realpath "$1") server=$2 mode=$3 proxy=${4:-} type=${5:-0}
-export TZ=UTC                                     # some servers list UTC, which is local time then
+export TZ=UTC                                     # some servers list UTC; this makes it the local time
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/../support/programs.sh"
 work=$(mktemp -d -t quillmoor-mirror.XXXXXX)
@@ -24,7 +24,7 @@ for setting in AutoDial AutoHangUp CreateZip; do "$config" setting set "$setting
 if [ -n "$proxy" ]; then
   settings=$("$here/proxy.sh" start "$proxy" "$FTP_PORT" "$work/proxy") || exit $?
   eval "$settings"
-  # Only the proxy knows the way: the server's port is no use to a pipe, nor its name to one who looked it up here.
+  # SOCKS 5 gets a name, which the proxy looks up. A pipe ignores the server's name, so here it does not exist.
   host=$FTP_HOST
   if [ "$type" = 2 ] && getent ahostsv4 localhost >/dev/null; then host=localhost; fi
   [ "$type" != 7 ] || host=server.invalid
@@ -41,10 +41,10 @@ backup
 grep -qF "$FTP_PASSWORD" "$work/log" && fail "the password is in the log"
 [ -z "$proxy" ] || [ -z "$PROXY_PASSWORD" ] || ! grep -qF "$PROXY_PASSWORD" "$work/log" || fail "the proxy's password is in the log"
 grep -q 'Completed' "$work/log" || fail "the report does not say Completed"
-# What a backup of the site is: all but the link, with the platform's line ends in what is fetched as text.
+# The expected backup: everything but the link, text files with the platform's line ends.
 cp -a "$work/site" "$work/expected"
 rm "$work/expected/www/start.html"
-# A listing that shows the time of day leaves out the year, which a backup takes to be this one, in January too.
+# A listing with a time of day has no year; a backup then assumes this year, also in January.
 touch -d "$(date +%Y)-$(date -r "$work/site/www/index.html" '+%m-%d %H:%M')" "$work/expected/www/index.html"
 if [ $windows = yes ]; then
   while read -rd '' text; do
@@ -56,7 +56,7 @@ fi
 diff -r "$work/expected" "$copy" || fail "the backup differs from the site"
 diff <(dates "$work/expected") <(dates "$copy") || fail "the dates of files differ from the site's"
 
-# A range of ports is kept with the profile and not used: of this one, the server's own port, none could be opened.
+# The profile's port range is not used: in this one, the server's own port, no port could be opened.
 "$config" profile set site ManualPort=1 MinData="$FTP_PORT" MaxData="$FTP_PORT"
 "$config" setting set BackupMode 2
 before=$(state)
@@ -66,7 +66,7 @@ files=$(find "$work/expected" -type f | wc -l)
 [ "$(grep -c '^Skipped: File upto date$' "$work/log")" = "$files" ] || fail "the second run did not skip every file"
 "$config" setting set BackupMode 1
 
-# A site that has lost nothing and a copy that has: the next run brings back just that.
+# A file is missing in the copy only: the next run fetches just that.
 rm "$copy/www/index.html"
 "$config" setting set BackupMode 2
 backup
@@ -74,15 +74,15 @@ diff -r "$work/expected" "$copy" || fail "a missing file was not fetched again"
 [ "$(grep -c '^Skipped: File upto date$' "$work/log")" = "$((files - 1))" ] || fail "more than the missing file was fetched"
 
 if [ -n "$proxy" ]; then
-  # Data connections too went through it: it notes every one, or at least every command.
+  # Data connections went through the proxy too: it logs each one, or at least each command.
   noted=$(cat "$work"/proxy/*.log | wc -l)
   [ "$noted" -gt "$files" ] || fail "the proxy has noted only $noted lines"
   echo "ok: $server, $mode, through $proxy as type $type, $files files"
   exit 0
 fi
 
-# An archive in segments, with a password, and a copy of the whole set, which another program opens; and one that
-# unpacks itself.
+# An archive in segments with a password and a copy of the set, both unpacked by another program; then a
+# self-extracting one.
 mkdir "$work/copies"
 for pair in CreateZip=1 SplitZip=1 ZipSpanSize=1 "ZipPassword=open sesame" "ZipCopies=$(native "$work/copies")"; do
   "$config" setting set "${pair%%=*}" "${pair#*=}"
@@ -92,7 +92,7 @@ grep -qF "open sesame" "$work/log" && fail "the archive's password is in the log
 for line in "Creating Zip File: $(native "$work/backup/site.zip")" "Done Zip File." "Copy files success."; do
   grep -qxF "$line" "$work/log" || fail "no line \"$line\""
 done
-unpacked() {                                      # COMMAND...: unpacks into $work/unpacked what the backup is
+unpacked() {                                      # COMMAND...: unpacks into $work/unpacked, which must equal the backup
   "$@" >"$work/said" 2>&1 </dev/null || { cat "$work/said" >&2; fail "status $?: $*"; }
   diff -r "$work/backup/site" "$work/unpacked" || fail "differs from the backup: $*"
   diff <(dates "$work/backup/site") <(dates "$work/unpacked") || fail "the dates of files differ: $*"

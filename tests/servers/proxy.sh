@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# proxy.sh start PROXY PORT STATE   starts a proxy on a free loopback port; STATE gets configuration, log and pid. PORT is
-#                                   that of the FTP server to which a proxy leads that is not told. Prints PROXY_PORT=
-#                                   PROXY_USER= PROXY_PASSWORD= lines, fit for eval.
-# proxy.sh stop STATE               ends that proxy and waits until it is gone
+# proxy.sh start PROXY PORT STATE   starts a proxy on a free loopback port; its configuration, log and pid are in the folder
+#                                   STATE. PORT is the port of the FTP server, used if the client names no server. Prints
+#                                   PROXY_PORT= PROXY_USER= PROXY_PASSWORD= lines for eval.
+# proxy.sh stop STATE               stops that proxy and waits for its end
 # PROXY: dante (SOCKS 4 and 5 with BIND, no login), microsocks (SOCKS 5 with a login), or ftp-proxy (FTP; USER user@host,
-# and a pipe where no host is named). Exit status 77 when that proxy cannot be had here.
+# and a pipe if no host is named). Exit status 77 if that proxy is not available here.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/daemons.sh"
 
@@ -50,7 +50,7 @@ microsocks)
   command=("$daemon/usr/bin/microsocks" -i 127.0.0.1 -p "$port" -u "$user" -P "$password") ;;
 ftp-proxy)
   daemon=$(unpack ftp-proxy)
-  # It connects from the first of these or not at all: a port that nobody else is given.
+  # It connects only from the first port of this range, so the range is one port that no other test uses.
   data_port=$((port - 11000))
   cat >"$state/ftp-proxy.conf" <<CONF
 ServerType standalone
@@ -66,7 +66,7 @@ PidFile $state/proxy.pid
 CONF
   command=("$daemon/usr/sbin/ftp-proxy" -d -n -f "$state/ftp-proxy.conf") ;;
 *)
-  echo "proxy.sh: what proxy is $proxy?" >&2; exit 2 ;;
+  echo "proxy.sh: unknown proxy $proxy" >&2; exit 2 ;;
 esac
 
 ready() { /usr/bin/python3 -c 'import socket, sys; socket.create_connection(("127.0.0.1", int(sys.argv[1])), 5)' "$port" 2>/dev/null; }

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# serve.sh start SERVER DIR STATE   serves DIR on a free loopback port; STATE gets configuration, log and pid.
-#                                   Prints FTP_HOST= FTP_PORT= FTP_USER= FTP_PASSWORD= FTP_ROOT= lines, fit for
-#                                   eval; FTP_ROOT is DIR as a client sees it.
-# serve.sh stop STATE               ends that server and waits until it is gone
-# SERVER: pyftpdlib, pure-ftpd, vsftpd or proftpd. Exit status 77 when that server cannot be had here.
+# serve.sh start SERVER DIR STATE   serves DIR on a free loopback port; configuration, log and pid are in the folder STATE.
+#                                   Prints FTP_HOST= FTP_PORT= FTP_USER= FTP_PASSWORD= FTP_ROOT= lines for eval;
+#                                   FTP_ROOT is DIR as a client sees it.
+# serve.sh stop STATE               stops that server and waits for its end
+# SERVER: pyftpdlib, pure-ftpd, vsftpd or proftpd. Exit status 77 if that server is not available here.
 #
-# The three daemons conflict as Debian packages, so they are fetched without being installed and started from a
-# cache outside the checkout.
+# The Debian packages of the three daemons conflict, so they are not installed but unpacked into a cache outside the
+# checkout and started from there.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/daemons.sh"
 
@@ -22,8 +22,8 @@ fi
 server=$2; dir=$(realpath "$3"); mkdir -p "$4"; state=$(realpath "$4")
 user=keeper password="correct horse" root=/
 take_port
-# As root, the daemons serve under another user and shut themselves into the site, which is world-readable. As anyone
-# else, vsftpd and proftpd serve under that user, and a client sees the site with its whole path.
+# As root, the daemons serve as another user with the site, which is world-readable, as their root folder. Otherwise
+# vsftpd and proftpd serve as the current user, and a client sees the site under its full path.
 as_user=nobody as_group=nogroup
 if [ "$(id -u)" != 0 ]; then as_user=$(id -un) as_group=$(id -gn); fi
 hash() { openssl passwd -1 -salt quillmoo "$password"; }
@@ -99,7 +99,7 @@ WtmpLog off
 CONF
   command=("$daemon/usr/sbin/proftpd" -n -c "$state/proftpd.conf") ;;
 *)
-  echo "serve.sh: what server is $server?" >&2; exit 2 ;;
+  echo "serve.sh: unknown server $server" >&2; exit 2 ;;
 esac
 
 ready() {

@@ -32,8 +32,8 @@ class SchedulerTest : public ::testing::Test {
   SchedulerTest() { backupRun = {}; }
   ~SchedulerTest() override { backupRun = {}; }
 
-  /// Opens the program at `now`.
-  void open(LocalDateTime now) {
+  /// Starts the program at `now`.
+  void startProgram(LocalDateTime now) {
     clock = now;
     scheduler = std::make_unique<Scheduler>(
         settings, [this] { return clock; },
@@ -63,21 +63,21 @@ class SchedulerTest : public ::testing::Test {
 
 using Starts = std::vector<std::string>;
 
-TEST_F(SchedulerTest, ServesEveryDayWhoseOwnFlagIsExactlyOne) {
+TEST_F(SchedulerTest, StartsOnEveryDayWhoseOwnFlagIsExactlyOne) {
   for (int day = kSunday; day <= kSaturday; ++day) {
     settings.ScheduleDays = {1, -1, 2, 256 + 1, 0, -1, 2, 256 + 1};  // index 0 is no day
     settings.ScheduleDays[static_cast<std::size_t>(day)] = 1;
     started.clear();
-    open(on(kSunday, 0, 0));
+    startProgram(on(kSunday, 0, 0));
     runUntil(on(kSunday + 7, 0, 0));
     EXPECT_EQ(started, Starts{ReportTimeText(on(day, 12, 30))});
     EXPECT_EQ(scheduler->LastScheduledWeekday(), day);
   }
 }
 
-TEST_F(SchedulerTest, MissesTheMinuteOfAnotherProgramsRunAndServesNoDay) {
+TEST_F(SchedulerTest, ReportsAMinuteMissedDuringAnotherProgramsRunAndCanStillUseTheDay) {
   settings.ScheduleDays[kMonday] = 1;
-  open(on(kSunday, 0, 0));
+  startProgram(on(kSunday, 0, 0));
   LocalDateTime otherEnds = on(kMonday, 13, 0);
   int missed = 0;
   scheduler->mayStart = [&] { return clock >= otherEnds; };
@@ -92,13 +92,13 @@ TEST_F(SchedulerTest, MissesTheMinuteOfAnotherProgramsRunAndServesNoDay) {
   EXPECT_EQ(missed, 2);
 }
 
-TEST_F(SchedulerTest, StartsInTheMinuteAndServesADayOnceUntilAnotherIsServed) {
+TEST_F(SchedulerTest, StartsWithinTheMinuteAndOnTheSameWeekdayOnlyAfterAnotherOne) {
   const LocalDateTime minute = on(kMonday, 12, 30), none{};
   const struct {
     const char* name;
-    int otherDay;  // beside Monday
+    int otherDay;  // besides Monday
     LocalDateTime opened;
-    LocalDateTime handRunEnds;  // of one that goes on when the program is opened
+    LocalDateTime handRunEnds;  // of a run started by hand before the program opens
     Starts starts;              // in two weeks
     seconds length{5};
   } cases[] = {
@@ -120,7 +120,7 @@ TEST_F(SchedulerTest, StartsInTheMinuteAndServesADayOnceUntilAnotherIsServed) {
     settings.ScheduleDays = {0, 0, 1};
     if (c.otherDay != 0) settings.ScheduleDays[static_cast<std::size_t>(c.otherDay)] = 1;
     length = c.length;
-    open(c.opened);
+    startProgram(c.opened);
     backupRun = {};
     if (c.handRunEnds != none) backupRun.begin();
     runEnds = c.handRunEnds;
@@ -129,38 +129,18 @@ TEST_F(SchedulerTest, StartsInTheMinuteAndServesADayOnceUntilAnotherIsServed) {
   }
 }
 
-TEST_F(SchedulerTest, TakesANewTimeAtOnceAndANewDayAtTheNextStart) {
+TEST_F(SchedulerTest, AppliesANewTimeAtOnceAndANewDayAtTheNextProgramStart) {
   settings.ScheduleDays[kMonday] = 1;
-  open(on(kMonday, 9, 0));
+  startProgram(on(kMonday, 9, 0));
   settings.ScheduleDays[kTuesday] = 1;
   runUntil(on(kMonday, 9, 5));
   settings.ScheduleHour = 9;
   settings.ScheduleMinute = 7;
   runUntil(on(kMonday + 2, 0, 0));
   EXPECT_EQ(started, Starts{"11-02-2026 09:07"});
-  open(on(kMonday + 7, 9, 0));
+  startProgram(on(kMonday + 7, 9, 0));
   runUntil(on(kMonday + 9, 0, 0));
   EXPECT_EQ(started, (Starts{"11-02-2026 09:07", "11-09-2026 09:07", "11-10-2026 09:07"}));
-}
-
-// A local clock that goes from 02:00 to 03:00 never shows the time between; one that goes back from 03:00 to
-// 02:00 shows it twice.
-TEST_F(SchedulerTest, FollowsTheClockThroughDaylightSaving) {
-  settings.ScheduleDays[kSunday] = 1;
-  settings.ScheduleHour = 2;
-  const LocalDateTime two = on(kSunday, 2, 0);
-
-  open(on(kSunday, 0, 0));
-  runUntil(two);
-  clock = two + hours(1);
-  runUntil(on(kMonday, 0, 0));
-  EXPECT_EQ(started, Starts{}) << "the hour was skipped";
-
-  open(on(kSunday, 0, 0));
-  runUntil(two + hours(1));
-  clock = two;
-  runUntil(on(kMonday, 0, 0));
-  EXPECT_EQ(started, Starts{"11-01-2026 02:30"}) << "the hour came twice";
 }
 
 }  // namespace

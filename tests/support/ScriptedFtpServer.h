@@ -5,18 +5,18 @@
 //   server.on("RETR", [](auto& session) { session.reply("550 Gone."); });        // every RETR
 //   server.once("PASS", [](auto& session) { session.reply("530 Not today."); });  // the first one only
 //
-// It runs on a thread of its own and serves one connection after the other. What a rule does not take over is
-// answered as a server in good order would. It takes the bytes 255 of a name as they come, as most servers
-// do, and names another machine in its answer to PASV, which a client must not heed.
+// It runs on a thread of its own and serves one connection after the other. Commands without a rule are
+// answered as a correct server would. Like most servers it takes a byte 255 in a name as it is. Its answer to
+// PASV names another machine, which a client must ignore.
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -27,7 +27,7 @@
 namespace quillmoor::testing {
 
 class ScriptedFtpServer {
-  class Sockets;
+  struct Connections;
 
  public:
   class Session;
@@ -43,8 +43,6 @@ class ScriptedFtpServer {
   // The site. Folders above a file or folder come into being with it.
   void addFolder(const std::string& path);
   void addFile(const std::string& path, std::string bytes, const std::string& date = "Jan  1  2020");
-  /// A line of the folder's listing as it stands, for links and for what is odd.
-  void addLine(const std::string& folder, const std::string& line);
   /// In place of the listing made from what the folder holds.
   void setListing(const std::string& folder, std::string text);
 
@@ -56,7 +54,6 @@ class ScriptedFtpServer {
 
   /// Throws away what arrives behind a command in the same packet, as some embedded servers do.
   void discardInputBehindCommands() { discards_ = true; }
-  std::string features = "211-Features:\r\n UTF8\r\n EPSV\r\n211 End";
 
   /// Every command line received, in order; passwords too.
   std::vector<std::string> commands() const;
@@ -98,15 +95,12 @@ class ScriptedFtpServer {
     explicit Session(ScriptedFtpServer& server);
 
     bool nextLine();
-    void listFolder();
+    std::string path() const;
     std::optional<std::string> bytesOfFile();
-    void tellSize();
     void sendFile();
-    void listenForData(bool extended);
-    void adoptPort(const std::string& text);
 
     ScriptedFtpServer& server_;
-    Sockets& sockets_;
+    Connections& sockets_;
     std::uint16_t activePort_ = 0;
     std::string input_, folder_ = "/";
     bool ascii_ = true, open_ = true;
@@ -130,12 +124,12 @@ class ScriptedFtpServer {
   mutable std::mutex mutex_;
   std::vector<Rule> rules_;
   std::map<std::string, File> files_;
-  std::map<std::string, std::vector<std::string>> folders_;  // with their extra lines
+  std::set<std::string> folders_{"/"};
   std::map<std::string, std::string> listings_;
   std::vector<std::string> commands_;
   std::size_t ahead_ = 0;
   bool discards_ = false;
-  std::unique_ptr<Sockets> sockets_;
+  std::unique_ptr<Connections> sockets_;
   std::uint16_t port_ = 0;
   std::thread thread_;
 };
@@ -143,15 +137,39 @@ class ScriptedFtpServer {
 // Actions for rules.
 
 /// One reply and nothing else.
-ScriptedFtpServer::Action replies(const std::string& text);
-/// A refusal of a transfer: the data port that was asked for is closed.
-ScriptedFtpServer::Action refusesData(const std::string& text);
+inline ScriptedFtpServer::Action replies(const std::string& text) {
+  return [=](auto& session) { session.reply(text); };
+}
+
+/// Refuses a transfer: the data port that was asked for is closed.
+inline ScriptedFtpServer::Action refusesData(const std::string& text) {
+  return [=](auto& session) {
+    session.closeDataPort();
+    session.reply(text);
+  };
+}
+
 /// A transfer: the preliminary reply (an empty one is left out), bytes, the end of the data, the final reply.
 /// Without a final reply the control connection is dropped where the data should end.
-ScriptedFtpServer::Action transfers(const std::string& preliminary, const std::string& bytes,
-                                    const std::string& final);
-ScriptedFtpServer::Action drops();
+inline ScriptedFtpServer::Action transfers(const std::string& preliminary, const std::string& bytes,
+                                           const std::string& final) {
+  return [=](auto& session) {
+    session.openData();
+    if (!preliminary.empty()) session.reply(preliminary);
+    session.sendData(bytes);
+    if (final.empty()) return session.drop();
+    session.closeData();
+    session.reply(final);
+  };
+}
+
+inline ScriptedFtpServer::Action drops() {
+  return [](auto& session) { session.drop(); };
+}
+
 /// No answer until the client does something.
-ScriptedFtpServer::Action staysSilent();
+inline ScriptedFtpServer::Action staysSilent() {
+  return [](auto& session) { session.waitForClient(); };
+}
 
 }  // namespace quillmoor::testing

@@ -1,60 +1,49 @@
 #include "support/ScriptedHttpServer.h"
 
-#include <asio.hpp>
 #include <utility>
+
+#include "support/Sockets.h"
 
 namespace quillmoor::testing {
 
-using asio::awaitable;
-using asio::use_awaitable;
-using asio::ip::tcp;
+struct ScriptedHttpServer::Connection : Sockets {
+  asio::ip::tcp::acceptor listener{context};
+  asio::ip::tcp::socket client{context};
 
-class ScriptedHttpServer::Impl {
- public:
-  explicit Impl(ScriptedHttpServer& owner) : owner_(owner) {}
-
-  asio::io_context context;
-  tcp::acceptor acceptor{context, {asio::ip::address_v4::loopback(), 0}};
-
-  awaitable<void> acceptAll() {
-    for (;;) {
-      tcp::socket client = co_await acceptor.async_accept(use_awaitable);
-      asio::co_spawn(context, serve(std::move(client)), asio::detached);
-    }
-  }
-
- private:
-  awaitable<void> serve(tcp::socket client) {
+  /// A whole request, or nothing when the client does not send one.
+  std::string request() {
     constexpr std::string_view kLength = "Content-Length: ";
-    try {
-      std::string request;
-      auto buffer = asio::dynamic_buffer(request);
-      const std::size_t head = co_await asio::async_read_until(client, buffer, "\r\n\r\n", use_awaitable);
-      const auto at = request.find(kLength);
-      const std::size_t whole = head + (at < head ? std::stoul(request.substr(at + kLength.size())) : 0);
-      const std::size_t missing = whole > request.size() ? whole - request.size() : 0;
-      co_await asio::async_read(client, buffer, asio::transfer_exactly(missing), use_awaitable);
-      const Answer answer = owner_.take(request);
-      co_await asio::async_write(client, asio::buffer(answer.bytes), use_awaitable);
-      while (answer.then == Then::repeat)
-        co_await asio::async_write(client, asio::buffer(answer.more), use_awaitable);
-      if (answer.then == Then::silence) co_await client.async_wait(tcp::socket::wait_read, use_awaitable);
-    } catch (const std::system_error&) {
-    }
+    std::string text;
+    std::size_t head;
+    while ((head = text.find("\r\n\r\n")) == std::string::npos)
+      if (!receive(client, text)) return "";
+    const auto at = text.find(kLength);
+    const std::size_t whole = head + 4 + (at < head ? std::stoul(text.substr(at + kLength.size())) : 0);
+    return text.size() >= whole || receive(client, text, whole - text.size()) ? text : "";
   }
-
-  ScriptedHttpServer& owner_;
 };
 
-ScriptedHttpServer::ScriptedHttpServer() : impl_(std::make_unique<Impl>(*this)) {
-  port_ = impl_->acceptor.local_endpoint().port();
-  asio::co_spawn(impl_->context, impl_->acceptAll(), asio::detached);
-  thread_ = std::thread([this] { impl_->context.run(); });
+ScriptedHttpServer::ScriptedHttpServer() : connection_(std::make_unique<Connection>()) {
+  port_ = connection_->listen(connection_->listener, asio::ip::address_v4::loopback());
+  thread_ = std::thread([this] { serve(); });
 }
 
 ScriptedHttpServer::~ScriptedHttpServer() {
-  impl_->context.stop();
+  connection_->end();
   thread_.join();
+}
+
+void ScriptedHttpServer::serve() {
+  Connection& connection = *connection_;
+  while (connection.accept(connection.listener, connection.client)) {
+    if (const std::string request = connection.request(); !request.empty()) {
+      const Answer answer = take(request);
+      bool open = connection.send(connection.client, answer.bytes);
+      while (open && answer.then == Then::repeat) open = connection.send(connection.client, answer.more);
+      if (open && answer.then == Then::silence) connection.waitForPeer(connection.client);
+    }
+    Sockets::close(connection.client);
+  }
 }
 
 std::string ScriptedHttpServer::address(const std::string& path) const {
@@ -76,8 +65,7 @@ ScriptedHttpServer::Answer ScriptedHttpServer::take(const std::string& request) 
   requests_.push_back(request);
   const auto path = request.find(' ') + 1;
   const auto found = answers_.find(request.substr(path, request.find(' ', path) - path));
-  if (found != answers_.end()) return found->second;
-  return {httpAnswer("500 Nothing is scripted for that"), Then::close, ""};
+  return found != answers_.end() ? found->second : Answer{httpAnswer("500 Not scripted"), Then::close, ""};
 }
 
 std::string httpAnswer(const std::string& status, const std::string& body, const std::string& headers) {

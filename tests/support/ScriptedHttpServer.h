@@ -1,9 +1,9 @@
-// An HTTP server for tests: what it sends for each path is written down beforehand, byte by byte.
+// An HTTP server for tests: what it sends for each path is defined beforehand, byte by byte.
 //
 //   ScriptedHttpServer server;
 //   server.answer("/gone", "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
 //
-// It runs on a thread of its own and serves one request on each connection.
+// It runs on a thread of its own and serves one connection after the other, one request on each.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ namespace quillmoor::testing {
 
 class ScriptedHttpServer {
  public:
-  /// What follows the bytes of an answer: the end of the connection, nothing at all while it stays open, or
+  /// What follows the bytes of an answer: the end of the connection, silence until the client closes it, or
   /// the `more` bytes again and again.
   enum class Then { close, silence, repeat };
 
@@ -30,10 +30,8 @@ class ScriptedHttpServer {
   std::uint16_t port() const { return port_; }
   /// "http://127.0.0.1:port" and the path.
   std::string address(const std::string& path) const;
-
   /// Answers requests for the path; any other gets status 500.
   void answer(const std::string& path, std::string bytes, Then then = Then::close, std::string more = "");
-
   /// Every request received so far, head and body.
   std::vector<std::string> requests() const;
 
@@ -43,14 +41,15 @@ class ScriptedHttpServer {
     Then then = Then::close;
     std::string more;
   };
-  class Impl;
+  struct Connection;
 
+  void serve();
   Answer take(const std::string& request);
 
   mutable std::mutex mutex_;
   std::map<std::string, Answer> answers_;
   std::vector<std::string> requests_;
-  std::unique_ptr<Impl> impl_;
+  std::unique_ptr<Connection> connection_;
   std::uint16_t port_ = 0;
   std::thread thread_;
 };

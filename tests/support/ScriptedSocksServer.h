@@ -1,9 +1,10 @@
-// A SOCKS proxy for tests, versions 4, 4a and 5: it leads to this machine whatever host it is asked for, and
-// any of its answers can be replaced.
+// A SOCKS proxy for tests, versions 4, 4a and 5: it connects to this machine whatever host it is asked for,
+// and any of its answers can be replaced.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -37,18 +38,23 @@ class ScriptedSocksServer {
   ScriptedSocksServer& operator=(const ScriptedSocksServer&) = delete;
 
   std::uint16_t port() const { return port_; }
-  /// For the connections that come from now on: the first so many as they should be, those behind by the
-  /// script.
+  /// For the connections from now on: the first `spare` ones get the right answers, those after them the
+  /// script's.
   void set(Script script, int spare = 0);
   std::vector<Request> requests() const;
 
  private:
-  class Impl;
-  std::unique_ptr<Impl> impl_;
+  class Connection;
+  struct Listener;
+
+  void serve();
+
   mutable std::mutex mutex_;
   Script script_;
   int spare_ = 0;
   std::vector<Request> requests_;
+  std::unique_ptr<Listener> listener_;
+  std::list<std::unique_ptr<Connection>> connections_;
   std::uint16_t port_ = 0;
   std::thread thread_;
 };

@@ -25,41 +25,45 @@ std::uint32_t numberOf(const std::string& bytes) {
   return value;
 }
 
-/// A run of bytes that are in one segment, read front to back.
-class Record {
- public:
-  Record(const std::vector<std::string>& segments, std::uint64_t disk, std::uint64_t offset)
-      : segments_(segments), disk_(disk), at_(offset) {
-    require(disk < segments.size(), "segment " + std::to_string(disk) + " does not exist");
-    require(offset <= segments[disk].size(),
-            "offset " + std::to_string(offset) + " is outside of its segment");
+/// The segments of an archive, one after the other.
+struct Archive {
+  std::string bytes;
+  std::vector<std::uint64_t> starts;  // of each segment in `bytes`, and the end of the last one
+
+  explicit Archive(const std::vector<std::string>& segments) : starts{0} {
+    for (const std::string& segment : segments) starts.push_back((bytes += segment).size());
   }
+  /// Of a place as headers name it.
+  std::uint64_t position(std::uint64_t disk, std::uint64_t offset) const {
+    require(disk + 1 < starts.size(), "segment " + std::to_string(disk) + " does not exist");
+    require(starts[disk] + offset < starts[disk + 1], "an offset is outside of its segment");
+    return starts[disk] + offset;
+  }
+};
+
+class Reader {
+ public:
+  Reader(const Archive& archive, std::uint64_t position) : archive_(archive), at_(position) {}
   std::uint32_t u16() { return numberOf(take(2)); }
   std::uint32_t u32() { return numberOf(take(4)); }
-  std::string take(std::size_t count) {
-    require(at_ + count <= segments_[disk_].size(), "a record crosses the end of its segment");
-    at_ += count;
-    return segments_[disk_].substr(at_ - count, count);
+  /// Part of a header, all of which lies in one segment.
+  std::string take(std::uint64_t count) {
+    const auto end = std::upper_bound(archive_.starts.begin(), archive_.starts.end(), at_);
+    require(count == 0 || (end != archive_.starts.end() && at_ + count <= *end),
+            "a header crosses the end of its segment");
+    return takeAcross(count);
   }
-  /// Data, which may go on in the next segments.
+  /// Data, which may continue in the next segments.
   std::string takeAcross(std::uint64_t count) {
-    std::string data;
-    while (data.size() < count) {
-      if (at_ == segments_[disk_].size()) {
-        require(++disk_ < segments_.size(), "the data goes beyond the last segment");
-        at_ = 0;
-      }
-      const std::size_t piece = std::min<std::size_t>(count - data.size(), segments_[disk_].size() - at_);
-      data += take(piece);
-    }
-    return data;
+    require(at_ + count <= archive_.bytes.size(), "the data goes beyond the last segment");
+    at_ += count;
+    return archive_.bytes.substr(at_ - count, count);
   }
-  std::uint64_t disk() const { return disk_; }
-  std::uint64_t offset() const { return at_; }
+  std::uint64_t position() const { return at_; }
 
  private:
-  const std::vector<std::string>& segments_;
-  std::uint64_t disk_, at_;
+  const Archive& archive_;
+  std::uint64_t at_;
 };
 
 std::string inflated(const std::string& data, std::uint64_t size) {
@@ -78,22 +82,18 @@ std::string inflated(const std::string& data, std::uint64_t size) {
   return out;
 }
 
-std::string decrypted(std::string data, const std::string& password) {
+std::string decrypted(const std::string& data, const std::string& password) {
   require(data.size() >= zip::kAesOverhead, "encrypted data is too short");
   zip::Salt salt;
   std::copy_n(data.begin(), salt.size(), salt.begin());
   zip::AesEntry aes(password, salt);
-  require(std::equal(aes.verifier().begin(), aes.verifier().end(), data.begin() + zip::kSaltSize,
-                     [](std::uint8_t a, char b) { return a == static_cast<std::uint8_t>(b); }),
+  const auto text = [](const auto& bytes) { return std::string(bytes.begin(), bytes.end()); };
+  require(data.substr(zip::kSaltSize, zip::kVerifierSize) == text(aes.verifier()),
           "the password's verifier differs");
-  const std::string code = data.substr(data.size() - zip::kCodeSize);
-  data = data.substr(zip::kSaltSize + zip::kVerifierSize, data.size() - zip::kAesOverhead);
-  aes.decrypt({reinterpret_cast<std::uint8_t*>(data.data()), data.size()});
-  const auto expected = aes.code();
-  require(std::equal(code.begin(), code.end(), expected.begin(),
-                     [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; }),
-          "the authentication code differs");
-  return data;
+  std::string plain = data.substr(zip::kSaltSize + zip::kVerifierSize, data.size() - zip::kAesOverhead);
+  aes.decrypt({reinterpret_cast<std::uint8_t*>(plain.data()), plain.size()});
+  require(data.substr(data.size() - zip::kCodeSize) == text(aes.code()), "the authentication code differs");
+  return plain;
 }
 
 struct Header {
@@ -102,7 +102,7 @@ struct Header {
 };
 
 /// From the version needed to the size; both headers have these.
-void readCommon(Record& record, Header& header) {
+void readCommon(Reader& record, Header& header) {
   InspectedEntry& entry = header.entry;
   header.versionNeeded = record.u16();
   entry.flags = record.u16();
@@ -118,9 +118,9 @@ void readFields(Header& header, const std::string& extra) {
   InspectedEntry& entry = header.entry;
   entry.encrypted = (entry.flags & 1) != 0;
   entry.method = header.rawMethod;
-  const std::vector<std::string> one{extra};
+  const Archive field({extra});
   std::map<unsigned, std::string> fields;
-  for (Record record(one, 0, 0); record.offset() < extra.size();) {
+  for (Reader record(field, 0); record.position() < extra.size();) {
     const unsigned id = record.u16();
     const std::size_t size = record.u16();
     require(fields.emplace(id, record.take(size)).second, "an extra field comes twice");
@@ -133,13 +133,13 @@ void readFields(Header& header, const std::string& extra) {
       require(id == 0x9901 && header.rawMethod == 99 && bytes.starts_with(std::string("\2\0AE\3", 5)),
               "an extra field that should not be there, or is not as it should be");
       entry.method = numberOf(bytes.substr(5));
-      require(header.crc == 0, "an AE-2 entry tells its CRC");
+      require(header.crc == 0, "an AE-2 entry holds a CRC");
     }
   }
   require(entry.encrypted == fields.contains(0x9901), "flag and field of the encryption differ");
 }
 
-Header readCentral(Record& record) {
+Header readCentral(Reader& record) {
   Header header;
   InspectedEntry& entry = header.entry;
   require(record.u32() == 0x02014b50, "no central header where one should be");
@@ -156,7 +156,7 @@ Header readCentral(Record& record) {
   return header;
 }
 
-void checkLocal(Record& record, Header& central, const std::string& password) {
+void checkLocal(Reader& record, Header& central, const std::string& password) {
   InspectedEntry& entry = central.entry;
   Header local;
   require(record.u32() == 0x04034b50, "no local header where one should be");
@@ -173,7 +173,7 @@ void checkLocal(Record& record, Header& central, const std::string& password) {
   require((entry.flags & 8) == 0, "a data descriptor is announced");
 
   std::string data = record.takeAcross(entry.packedSize);
-  if (entry.encrypted) data = decrypted(std::move(data), password);
+  if (entry.encrypted) data = decrypted(data, password);
   entry.contents = entry.method == 8 ? inflated(data, entry.size) : data;
   require(entry.contents.size() == entry.size, "the size differs");
   require(entry.encrypted || crc32_z(0, reinterpret_cast<const Bytef*>(entry.contents.data()),
@@ -200,59 +200,41 @@ InspectedArchive inspectArchive(const std::vector<std::string>& paths, const std
                                 std::size_t prefix) {
   std::vector<std::string> segments;
   for (const std::string& path : paths) segments.push_back(contentsOf(path));
-  InspectedArchive archive;
-  const std::uint64_t last = segments.size() - 1;
+  const Archive archive(segments);
+  const std::size_t last = segments.size() - 1;
   require(segments[last].size() >= 22, "too short for an end record");
-  const std::uint64_t endOffset = segments[last].size() - 22;
-  Record end(segments, last, endOffset);
+  const std::uint64_t endRecord = archive.bytes.size() - 22;
+  Reader end(archive, endRecord);
   require(end.u32() == 0x06054b50, "no end record at the end");
   const std::uint32_t disk = end.u16(), directoryDisk = end.u16(), onDisk = end.u16(), entries = end.u16(),
                       directorySize = end.u32(), directoryOffset = end.u32();
   require(end.u16() == 0, "a comment");
-  require(disk == last, "the end record does not know its segment");
+  require(disk == last, "the end record has the wrong number of its segment");
 
-  // The signature in front, and then one thing behind the other, with gaps only where a header begins a
-  // segment.
-  Record front(segments, 0, prefix);
-  if (segments.size() > 1) {
-    require(front.u32() == 0x08074b50, "no signature of a split archive");
-  } else if (segments[0].substr(prefix, 4) == "PK00") {
-    front.u32();
-  }
-  std::uint64_t nextDisk = 0, nextOffset = front.offset();
-  const auto follows = [&](std::uint64_t thisDisk, std::uint64_t thisOffset) {
-    require(
-        (thisDisk == nextDisk && thisOffset == nextOffset) || (thisDisk == nextDisk + 1 && thisOffset == 0),
-        "there is a gap or an overlap in front of a header");
-    require(thisDisk == nextDisk || nextOffset == segments[nextDisk].size(),
-            "a segment has something behind its end");
-  };
-  std::uint64_t centralDisk = directoryDisk, centralOffset = directoryOffset, centralSize = 0,
-                centralOnLast = 0;
-  for (std::uint64_t i = 0; i < entries; ++i) {
-    if (centralOffset == segments[centralDisk].size()) {
-      ++centralDisk;
-      centralOffset = 0;
-    }
-    Record record(segments, centralDisk, centralOffset);
-    Header header = readCentral(record);
-    if (centralDisk == last) ++centralOnLast;
-    centralSize += record.offset() - centralOffset;
-    centralOffset = record.offset();
-    follows(header.entry.disk, header.entry.offset);
-    Record local(segments, header.entry.disk, header.entry.offset);
+  // The signature, the entries, the central directory and the end record follow each other without a gap.
+  Reader front(archive, prefix);
+  const bool split = segments.size() > 1;
+  if (split || segments[0].substr(prefix, 4) == "PK00")
+    require(front.u32() == (split ? 0x08074b50 : 0x30304b50), "no signature of a split archive");
+  std::uint64_t next = front.position();
+  const std::uint64_t directory = archive.position(directoryDisk, directoryOffset);
+  Reader central(archive, directory);
+  std::uint32_t onLast = 0;
+  InspectedArchive inspected;
+  for (std::uint32_t i = 0; i < entries; ++i) {
+    if (central.position() >= archive.starts[last]) ++onLast;
+    Header header = readCentral(central);
+    Reader local(archive, archive.position(header.entry.disk, header.entry.offset));
+    require(local.position() == next, "there is a gap or an overlap before " + header.entry.name);
     checkLocal(local, header, password);
-    nextDisk = local.disk();
-    nextOffset = local.offset();
-    archive.entries.push_back(std::move(header.entry));
+    next = local.position();
+    inspected.entries.push_back(std::move(header.entry));
   }
-  require(centralSize == directorySize, "the size of the central directory is wrong");
-  require(centralOnLast == onDisk, "the number of entries in the last segment is wrong");
-  follows(directoryDisk, directoryOffset);
-  nextDisk = centralDisk;
-  nextOffset = centralOffset;
-  follows(last, endOffset);
-  return archive;
+  require(directory == next, "there is a gap or an overlap before the central directory");
+  require(central.position() == endRecord, "there is a gap or an overlap before the end record");
+  require(endRecord - directory == directorySize, "the size of the central directory is wrong");
+  require(onLast == onDisk, "the number of entries in the last segment is wrong");
+  return inspected;
 }
 
 }  // namespace quillmoor::testing

@@ -1,6 +1,6 @@
-// Takes an archive apart by the letter of the format and complains about everything that is not as it should
-// be. Knows the format on its own, so that a mistake made in writing is not made again in checking. Of
-// archives below 4 GiB and 65,535 segments only: the wide fields have no place in those.
+// Reads an archive strictly by the format and reports every deviation from it. It shares no code with the
+// writer, so that a mistake in writing is not repeated in checking. Only for archives below 4 GiB and 65,535
+// segments, which have no zip64 fields.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace quillmoor::testing {
 
 struct InspectedEntry {
   std::string name;
-  unsigned flags = 0, method = 0;  // method: the real one, also behind encryption
+  unsigned flags = 0, method = 0;  // method: that of the data below the encryption
   bool encrypted = false;
   std::uint32_t dosTime = 0, attributes = 0;
   std::optional<std::int64_t> modified;
@@ -29,8 +29,8 @@ struct InspectedArchive {
   std::vector<std::string> names() const;
 };
 
-/// `paths`: the segments in their order. Raises std::runtime_error that says what is wrong. `prefix`: bytes
-/// of a stub in front.
+/// `paths`: the segments in their order; `prefix`: size of the stub before the archive. Raises
+/// std::runtime_error that says what is wrong.
 InspectedArchive inspectArchive(const std::vector<std::string>& paths, const std::string& password = "",
                                 std::size_t prefix = 0);
 

@@ -2,14 +2,13 @@
 
 #include <condition_variable>
 #include <exception>
-#include <filesystem>
 #include <mutex>
 #include <system_error>
 #include <thread>
 
 #include "base/Pump.h"
 #include "platform/files/FileSet.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/Files.h"
 #include "platform/files/LocalPath.h"
 #include "platform/files/WorkFolder.h"
 
@@ -18,30 +17,29 @@ namespace {
 
 void copyAll(const std::vector<FileCopy>& files, const std::atomic<bool>& ended) {
   for (const FileCopy& file : files) {
-    std::error_code absent;
-    if (std::filesystem::equivalent(LocalPath(file.from), LocalPath(file.to), absent)) {
+    if (sameFile(file.from, file.to)) {
       throw std::system_error(std::make_error_code(std::errc::file_exists),
-                              "this is the file itself: " + file.to);
+                              "source and target are the same file: " + file.to);
     }
   }
   if (files.empty()) return;
-  const std::string folder = files.back().to.substr(0, files.back().to.rfind(kLocalSeparator) + 1);
+  const std::string folder = FolderPart(files.back().to);
   RemoveStaleTemporaries(folder);
   endKilledExchange(files.back().to);
   const WorkFolder unfinished(folder);
   for (std::size_t i = 0; i < files.size(); ++i) CopyFileTo(unfinished.file(i), files[i].from, ended);
-  // A former copy is given up only for one that is on the disk.
+  // A former copy is replaced only by one that is on the disk.
   for (std::size_t i = 0; i < files.size(); ++i) {
-    if (LocalPathExists(files[i].to) && !FlushLocalFile(unfinished.file(i))) {
+    if (pathExists(files[i].to) && !flushFile(unfinished.file(i))) {
       throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + files[i].to);
     }
   }
   std::vector<SetFile> set;
   for (std::size_t i = 0; i < files.size(); ++i) set.push_back({unfinished.file(i), files[i].to});
-  giveSetItsNames(set);
+  renameSetIntoPlace(set);
 }
 
-/// The copying, on a thread that a slow disk or network may hold up for long.
+/// Copies on a thread of its own, since a slow disk or network may block it for long.
 class Copier {
  public:
   explicit Copier(const std::vector<FileCopy>& files) : thread_([this, &files] { run(files); }) {}
@@ -82,7 +80,7 @@ class Copier {
   std::mutex mutex_;
   std::condition_variable finishing_;
   bool finished_ = false;
-  std::thread thread_;  // last: it uses the others
+  std::thread thread_;  // last: it uses the members above
 };
 
 }  // namespace

@@ -8,58 +8,54 @@
 #include <thread>
 #include <utility>
 
-#include "platform/files/ArchiveFiles.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/AtomicFile.h"
 #include "platform/files/LocalPath.h"
 #include "platform/files/ReservedNames.h"
 #include "platform/files/TargetLock.h"
-#include "platform/files/TemporaryFile.h"
-#include "platform/files/WholeFile.h"
 #include "platform/files/WorkFolder.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr auto kLongestWait = std::chrono::seconds(10);
-constexpr auto kRest = std::chrono::milliseconds(20);
+constexpr auto kRetryInterval = std::chrono::milliseconds(20);
 
-/// In the waiting folder: which names were free when the exchange began, each ended by "/". Files under them
-/// belong to the new set alone.
+/// In the waiting folder: the names that were free when the exchange began, each followed by "/". Files under
+/// them belong to the new set alone.
 constexpr const char* kFreeNames = ".quillmoor-unfinished-free-names";
 constexpr std::size_t kLongestFreeNames = std::size_t{16} << 20;
 
 std::string fileName(const std::string& path) {
-  return LocalPathText(LocalPath(path).filename());
+  return path.substr(FolderPart(path).size());
 }
 
 std::string besides(const std::string& path, const std::string& name) {
-  return LocalPathText(LocalPath(path).replace_filename(LocalPath(name)));
+  return FolderPart(path) + name;
 }
 
-/// The exchange of one set, in which no other process takes part: the folder where its former files wait, and
-/// the lock in it.
+/// The exchange of one set by one process: the folder where the former files wait, and the lock in it.
 class Exchange {
  public:
-  /// Begins one, after another process's.
+  /// Waits for another process's exchange to end, then begins one.
   static Exchange begin(const std::string& mainName) {
     const auto latest = std::chrono::steady_clock::now() + kLongestWait;
     Exchange exchange(mainName);
     for (;;) {
-      CreateLocalFolder(exchange.waiting_);
+      createFolder(exchange.waiting_);
       try {
         exchange.lock_ = TargetLock::acquire(exchange.waiting_);
         if (exchange.lock_) return exchange;
       } catch (const std::system_error&) {
-        // Whoever ended the last exchange may just have removed the folder.
+        // The process that ended the last exchange may just have removed the folder.
         if (pathKind(exchange.waiting_) || std::chrono::steady_clock::now() > latest) throw;
       }
       if (std::chrono::steady_clock::now() > latest)
         throw std::system_error(std::make_error_code(std::errc::device_or_resource_busy),
                                 "another program is replacing " + mainName);
-      std::this_thread::sleep_for(kRest);
+      std::this_thread::sleep_for(kRetryInterval);
     }
   }
-  /// Takes over that of a killed process; nothing when there is none, or its process lives.
+  /// Takes over the exchange of a killed process; nothing when there is none, or its process lives.
   static std::optional<Exchange> takeOver(const std::string& mainName) {
     Exchange exchange(mainName);
     if (pathKind(exchange.waiting_) != FileKind::folder) return std::nullopt;
@@ -73,7 +69,7 @@ class Exchange {
   ~Exchange() {
     if (!lock_) return;
     lock_.reset();
-    RemoveLocalFile(waiting_);  // unless something is left in it
+    removeFolder(waiting_);  // fails while something is left in it
   }
 
   void noteFreeNames(const std::vector<SetFile>& files) const {
@@ -82,20 +78,20 @@ class Exchange {
       if (!pathKind(file.name)) names += fileName(file.name) + "/";
     }
     if (names.empty()) return;
-    WholeFile list(LocalPath(waitingPath(kFreeNames)));
+    AtomicFile list(waitingPath(kFreeNames));
     list.write(names);
     list.commit();
   }
 
   void moveAside(const std::vector<SetFile>& files) const {
-    // The main file first: what is left without it does not look whole.
+    // The main file first: without it the rest does not look whole.
     for (auto file = files.rbegin(); file != files.rend(); ++file) {
       if (pathKind(file->name)) renameFile(file->name, waitingPath(fileName(file->name)));
     }
   }
 
-  /// Where the main file stands, either nothing was moved or all is done, and what waits is removed. Else
-  /// it is put back, the main file at the end, so that this can be interrupted as well.
+  /// Where the main file exists, either nothing was moved or all is done: removes the files that wait. Else
+  /// moves them back, the main file at the end, so that this can be interrupted as well.
   void end() const {
     const bool complete = pathKind(mainName_).has_value();
     const std::string main = fileName(mainName_);
@@ -119,7 +115,7 @@ class Exchange {
   explicit Exchange(const std::string& mainName)
       : mainName_(mainName), waiting_(besides(mainName, WaitingFolderName(fileName(mainName)))) {}
 
-  std::string waitingPath(const std::string& name) const { return waiting_ + kLocalSeparator + name; }
+  std::string waitingPath(const std::string& name) const { return PathIn(waiting_, name); }
 
   void removeNewFiles() const {
     const std::string list = waitingPath(kFreeNames);
@@ -140,18 +136,18 @@ class Exchange {
 
 }  // namespace
 
-void giveSetItsNames(const std::vector<SetFile>& files) {
+void renameSetIntoPlace(const std::vector<SetFile>& files) {
   if (files.size() == 1) return renameFile(files[0].temporary, files[0].name);
   const Exchange exchange = Exchange::begin(files.back().name);
-  exchange.end();  // one that was killed since its process was last looked for
+  exchange.end();  // what a process left that was killed since the last look
   for (const SetFile& file : files) {
     if (!mayBeReplaced(file.name)) {
       throw std::system_error(std::make_error_code(std::errc::device_or_resource_busy),
                               "cannot replace " + file.name);
     }
   }
-  // What cannot be done now is left to the next exchange: it does not change how this one went.
-  const auto settle = [&] {
+  // A failure is left to the next exchange: it does not change the outcome of this one.
+  const auto endQuietly = [&] {
     try {
       exchange.end();
     } catch (const std::system_error&) {
@@ -162,10 +158,10 @@ void giveSetItsNames(const std::vector<SetFile>& files) {
     exchange.moveAside(files);
     for (const SetFile& file : files) renameFile(file.temporary, file.name);
   } catch (const std::system_error&) {
-    settle();
+    endQuietly();
     throw;
   }
-  settle();
+  endQuietly();
 }
 
 void endKilledExchange(const std::string& mainName) {
@@ -174,13 +170,12 @@ void endKilledExchange(const std::string& mainName) {
 
 void EndKilledExchanges(const std::string& folder) {
   RemoveStaleTemporaries(folder);
-  const bool ended = folder.empty() || folder.back() == kLocalSeparator;
   std::string failures;
   for (const std::string& name : ReservedNamesIn(folder)) {
     const auto set = SetOfWaitingFolder(name);
     if (!set) continue;
     try {
-      endKilledExchange((ended ? folder : folder + kLocalSeparator) + *set);
+      endKilledExchange(PathIn(folder, *set));
     } catch (const std::system_error& error) {
       failures.append(failures.empty() ? "" : "; ").append(error.what());
     }

@@ -1,4 +1,4 @@
-// One writer at a time in a folder, across programs (on Windows: those of one session).
+// The lock that allows one writer at a time in a folder, across programs (on Windows: of one session).
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,8 @@
 
 namespace quillmoor {
 
-/// Waits until nobody else holds the folder's lock and holds it while this lives. The folder must exist;
-/// raises std::system_error otherwise. Not to be taken twice by one thread.
+/// Waits for the folder's lock and holds it for its lifetime. Raises std::system_error when there is no such
+/// folder. A thread must not acquire it twice.
 class FolderLock {
  public:
   explicit FolderLock(const std::filesystem::path& folder);

@@ -1,10 +1,11 @@
 #include "platform/files/ReservedNames.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <random>
+
+#include "base/Ascii.h"
 
 namespace quillmoor {
 namespace {
@@ -13,9 +14,7 @@ constexpr std::string_view kUnfinished = ".quillmoor-unfinished";
 constexpr std::string_view kTemporaryEnding = ".tmp";
 
 bool beginsWith(std::string_view name, std::string_view start) {
-  const auto same = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; };
-  return name.size() >= start.size() &&
-         std::equal(start.begin(), start.end(), name.begin(), [&](char b, char a) { return same(a, b); });
+  return AsciiLower(name.substr(0, start.size())) == start;
 }
 
 std::uint64_t randomNumber() {

@@ -1,4 +1,5 @@
-// One copy at a time for each user: of the desktop program, and of a backup run in whatever program.
+// The locks of a user that allow one copy of the desktop program and one backup run, in whatever program, at
+// a time.
 #pragma once
 
 #include <cstdint>
@@ -7,16 +8,16 @@ namespace quillmoor {
 
 class SingleInstance {
  public:
-  enum class Mark { desktop, run };
+  enum class Lock { desktop, run };
 
-  /// Takes the mark, which the system itself gives back when the process ends, however it ends. A copy that
-  /// cannot make the mark, though nobody denies it, counts as the only one.
-  explicit SingleInstance(Mark mark);
+  /// Acquires the lock, which the system releases when the process ends, however it ends. Where the lock
+  /// cannot be created at all, this copy counts as the only one.
+  explicit SingleInstance(Lock lock);
   ~SingleInstance();
   SingleInstance(const SingleInstance&) = delete;
   SingleInstance& operator=(const SingleInstance&) = delete;
 
-  /// Another copy had the mark.
+  /// Another copy holds the lock.
   bool anotherIsRunning() const { return another_; }
 
  private:

@@ -1,4 +1,5 @@
-// A folder that one process has to itself, across users, programs and, as far as a share has locks, machines.
+// The lock on a folder that one process writes into, across users, programs and, where a share has locks,
+// machines.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +9,12 @@
 namespace quillmoor {
 
 /// Holds a lock on the file ".quillmoor-lock" inside the folder. The system releases it when the process
-/// ends, however it ends; the file is then taken over by the next lock. The folder's time of last change is
-/// kept as it was, as far as the user may set it.
+/// ends, however it ends; the next lock takes the file over. The folder keeps its time of last change, as far
+/// as the user may set it.
 class TargetLock {
  public:
-  /// Returns null when another lock holds the folder, be it one of this process. The folder must exist. Where
-  /// the file system has no locks it succeeds, see `enforced`. Raises std::system_error, whose text
+  /// Returns null when another lock holds the folder, one of this process included. The folder must exist.
+  /// Where the file system has no locks it succeeds, see `enforced`. Raises std::system_error, whose text
   /// names the file, when the lock file cannot be created or opened for any other reason.
   static std::unique_ptr<TargetLock> acquire(const std::string& folder);
   /// Removes the lock file and releases the lock.

@@ -1,41 +1,43 @@
 #include "platform/files/WorkFolder.h"
 
+#include <ctime>
 #include <system_error>
-#include <vector>
 
-#include "platform/files/ArchiveFiles.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/AtomicFile.h"
 #include "platform/files/LocalPath.h"
 #include "platform/files/ReservedNames.h"
-#include "platform/files/TemporaryFile.h"
 
 namespace quillmoor {
 namespace {
 
 constexpr int kMostAttempts = 1000;
 
-/// Removes the files in the folder, and the folder. The lock file goes with its lock.
+/// Removes the files in the folder, and the folder. Releasing the lock removes the lock file.
 void removeAll(const std::string& folder, std::unique_ptr<TargetLock> lock) {
   std::vector<std::string> names;
   readFolder(folder, false, [&](const std::string& name, FileKind kind) {
     if (kind == FileKind::file && name != kLockFileName) names.push_back(name);
   });
-  for (const std::string& name : names) removeFile(folder + kLocalSeparator + name);
+  for (const std::string& name : names) removeFile(PathIn(folder, name));
   lock.reset();
-  RemoveLocalFile(folder);
+  removeFolder(folder);
 }
 
-bool isAllLongUnchanged(const std::string& folder) {
-  bool unchanged = IsLongUnchanged(folder);
+bool isStale(const std::string& path) {
+  return std::time(nullptr) - fileState(path).modifiedSeconds > kStaleSeconds;
+}
+
+bool isAllStale(const std::string& folder) {
+  bool stale = isStale(folder);
   readFolder(folder, false, [&](const std::string& name, FileKind) {
-    unchanged = unchanged && (name == kLockFileName || IsLongUnchanged(folder + kLocalSeparator + name));
+    stale = stale && (name == kLockFileName || isStale(PathIn(folder, name)));
   });
-  return unchanged;
+  return stale;
 }
 
 void removeUnheldFolder(const std::string& path) {
   std::unique_ptr<TargetLock> lock = TargetLock::acquire(path);
-  if (lock && (lock->enforced() || isAllLongUnchanged(path))) removeAll(path, std::move(lock));
+  if (lock && (lock->enforced() || isAllStale(path))) removeAll(path, std::move(lock));
 }
 
 }  // namespace
@@ -43,13 +45,14 @@ void removeUnheldFolder(const std::string& path) {
 WorkFolder::WorkFolder(const std::string& parent) {
   for (int attempt = 1; !lock_; ++attempt) {
     path_ = parent + NewTemporaryName();
-    createFolder(path_);
+    if (const std::error_code error = createFolder(path_))
+      throw std::system_error(error, "cannot create " + path_);
     try {
       lock_ = TargetLock::acquire(path_);  // null when a sweep is about to remove the folder
     } catch (const std::system_error&) {
       // A sweep may have removed the folder before it was locked.
-      if (attempt < kMostAttempts && !LocalFolderExists(path_)) continue;
-      RemoveLocalFile(path_);
+      if (attempt < kMostAttempts && !folderExists(path_)) continue;
+      removeFolder(path_);
       throw;
     }
   }
@@ -64,21 +67,31 @@ WorkFolder::~WorkFolder() {
 }
 
 std::string WorkFolder::file(std::size_t number) const {
-  return path_ + kLocalSeparator + std::to_string(number);
+  return PathIn(path_, std::to_string(number));
+}
+
+std::vector<std::string> ReservedNamesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  try {
+    readFolder(folder.empty() ? "." : folder, true, [&](const std::string& name, FileKind) {
+      if (IsReservedLocalName(name)) names.push_back(name);
+    });
+  } catch (const std::system_error&) {
+    // Returns what could be read.
+  }
+  return names;
 }
 
 void RemoveStaleTemporaries(const std::string& folder) {
-  const bool ended = folder.empty() || folder.back() == kLocalSeparator;
-  const std::string start = ended ? folder : folder + kLocalSeparator;
   for (const std::string& name : ReservedNamesIn(folder)) {
     if (!IsTemporaryName(name)) continue;
     try {
-      const std::string path = start + name;
+      const std::string path = PathIn(folder, name);
       const std::optional<FileKind> kind = pathKind(path);
       if (kind == FileKind::file) RemoveUnheldFile(path);
       if (kind == FileKind::folder) removeUnheldFolder(path);
     } catch (const std::system_error&) {
-      // The next sweep comes to it again.
+      // The next sweep tries again.
     }
   }
 }

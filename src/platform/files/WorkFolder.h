@@ -1,17 +1,18 @@
-// Where the files of a set are written before they get their names together; and the removal of everything
-// unfinished that a killed process has left.
+// The folder where the files of a set are written before they are renamed into place together; and the
+// removal of everything unfinished that killed processes left behind.
 #pragma once
 
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/files/TargetLock.h"
 
 namespace quillmoor {
 
-/// A hidden folder of a name that no other has, created in the folder where the files shall have their names,
-/// so that they can be renamed from here to there. Locked against RemoveStaleTemporaries.
+/// A hidden folder with a unique name, created in the folder of the targets so that files can be renamed from
+/// one to the other. Locked against RemoveStaleTemporaries.
 class WorkFolder {
  public:
   /// `parent` must exist; it ends with a separator, or is empty for the current folder. Raises
@@ -30,10 +31,13 @@ class WorkFolder {
   std::unique_ptr<TargetLock> lock_;
 };
 
-/// Removes the temporary files and work folders in `folder` whose writers are no more. Those that a living
-/// process, of whatever user, is writing are left; where the file system has no locks, and for what may not
-/// be opened, that is what was changed within a day. One look into the folder; raises nothing: what cannot be
-/// removed stays.
+/// The reserved names (see IsReservedLocalName) in a folder, in no order; empty where it cannot be read.
+std::vector<std::string> ReservedNamesIn(const std::string& folder);
+
+/// Removes the temporary files and work folders in `folder` that ended processes left behind. Those that a
+/// living process of any user is writing stay; where the file system has no locks, or a file may not be
+/// opened, those changed within the last day. Reads the folder once. Raises nothing: what cannot be removed
+/// stays.
 void RemoveStaleTemporaries(const std::string& folder);
 
 }  // namespace quillmoor

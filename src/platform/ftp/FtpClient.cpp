@@ -4,8 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/files/AtomicFile.h"
 #include "platform/files/LocalPath.h"
-#include "platform/files/WholeFile.h"
 #include "platform/ftp/FtpControl.h"
 #include "platform/ftp/FtpSizeCheck.h"
 #include "platform/ftp/FtpTransfer.h"
@@ -303,7 +303,7 @@ FtpListing FtpClient::Impl::list() {
 void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& localPath,
                               std::optional<std::int64_t> listedSize) {
   perform(FtpMethod::getFile, true, [&] {
-    WholeFile file{LocalPath(localPath)};
+    AtomicFile file(localPath);
     NvtText text(platformLineEnd());
     FtpTransfer::Order order;
     order.command = "RETR " + remotePath;

@@ -4,6 +4,8 @@
 #include <initializer_list>
 #include <vector>
 
+#include "base/Ascii.h"
+
 namespace quillmoor {
 namespace {
 
@@ -42,7 +44,7 @@ std::vector<std::string> wordsOf(std::string_view line) {
     if (close != std::string_view::npos) {
       i = close;
     } else {
-      plain += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+      plain += AsciiLower(c);
     }
   }
   std::vector<std::string> words;

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <system_error>
 
+#include "platform/files/Files.h"
 #include "platform/files/FolderLock.h"
-#include "platform/files/LocalFiles.h"
 #include "platform/files/LocalPath.h"
 #include "platform/files/PrivateFile.h"
 #include "platform/files/WorkFolder.h"
@@ -33,13 +33,13 @@ std::optional<std::string> ReadProfileFile(const std::string& file) {
 }
 
 bool WriteProfileFile(const std::string& file, std::string_view before, std::string_view after,
-                      WholeFile::Survives survives) {
-  if (before == after) return LocalFileIsWritable(file) || after.empty();
+                      AtomicFile::Survives survives) {
+  if (before == after) return mayBeWritten(file) || after.empty();
   try {
-    // A read-only file is kept, although the folder's permissions would allow replacing it.
-    if (LocalPathExists(file) && !LocalFileIsWritable(file)) return false;
+    // A file that the user may not write stays, although its folder would let it be replaced.
+    if (pathExists(file) && !mayBeWritten(file)) return false;
     RemoveStaleTemporaries(LocalPathText(LocalPath(file).parent_path()));
-    WritePrivateFile(LocalPath(file), after, survives);
+    WritePrivateFile(file, after, survives);
     return true;
   } catch (const std::exception&) {
     return false;
@@ -57,13 +57,13 @@ bool EditPrivateProfile(const std::string& file, const std::function<bool(const 
   if (!before) return false;
   struct Copy {
     std::string path;
-    ~Copy() { RemoveLocalFile(path); }
+    ~Copy() { removeFile(path); }
   } const copy{file + ".edit"};
-  RemoveLocalFile(copy.path);  // left by a killed program
+  removeFile(copy.path);  // of a program that was killed
   if (!before->empty() && !WriteProfileFile(copy.path, "", *before)) return false;
   if (!edit(copy.path)) return false;
   const auto after = ReadProfileFile(copy.path);
-  return after && WriteProfileFile(file, *before, *after, WholeFile::Survives::power);
+  return after && WriteProfileFile(file, *before, *after, AtomicFile::Survives::power);
 }
 
 }  // namespace quillmoor

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/files/WholeFile.h"
+#include "platform/files/AtomicFile.h"
 
 namespace quillmoor {
 
@@ -15,6 +15,6 @@ std::optional<std::string> ReadProfileFile(const std::string& file);
 /// Replaces the file's contents `before` by `after`, readable by the user only (see PrivateFile.h); writes
 /// nothing when they are equal. False when it cannot be written; it is then unchanged.
 bool WriteProfileFile(const std::string& file, std::string_view before, std::string_view after,
-                      WholeFile::Survives survives = WholeFile::Survives::process);
+                      AtomicFile::Survives survives = AtomicFile::Survives::process);
 
 }  // namespace quillmoor

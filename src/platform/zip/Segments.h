@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/files/ArchiveFiles.h"
+#include "platform/files/Files.h"
 
 namespace quillmoor::sfx {
 

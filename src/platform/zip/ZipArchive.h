@@ -76,13 +76,14 @@ struct ZipResult {
 /// `pump` at least every 20 ms until it is done; the pump and the events may call `abort`, any other
 /// operation started from inside them raises `busy`.
 ///
-/// The archive appears complete or not at all. It is written in a hidden folder beside `path` (see
-/// WorkFolder) and renamed when complete, `path` last, so that a set without that file is unfinished. An
-/// operation that raises removes what it has written; after a kill it stays until the next archive in that
-/// folder, or EndKilledExchanges. What `path` held before stays until then. A single file is replaced in one
-/// step. A previous set is moved aside during the renaming, and put back when a rename fails; after a kill at
-/// that moment, or when a file is in use, by the next archive of that name (see giveSetItsNames). Surplus
-/// segments of a longer previous set of that name are removed.
+/// The archive appears whole or not at all. It is written in a hidden folder beside `path` (see WorkFolder)
+/// and renamed when all is written, the file called `path` last, so that a set without it is an unfinished
+/// one. An operation that raises removes what it has written; of a program that is killed it stays until the
+/// next archive in that folder, or EndKilledExchanges. What stood under
+/// `path` stands until then. A single file is replaced in one step. A former set is moved aside while names
+/// are given, and put back when one cannot be given; where the program is killed at that moment or something
+/// holds a file, by the next archive of that name (see renameSetIntoPlace). Segments left over from a former,
+/// longer set of that name are removed.
 class ZipArchive {
  public:
   ZipArchive();

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/files/ArchiveFiles.h"
+#include "platform/files/Files.h"
 
 namespace quillmoor::zip {
 

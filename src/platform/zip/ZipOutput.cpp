@@ -6,8 +6,9 @@
 #include <system_error>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "platform/files/FileSet.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/Files.h"
 #include "platform/files/LocalPath.h"
 #include "platform/zip/ZipFormat.h"
 
@@ -53,9 +54,7 @@ SegmentNames::SegmentNames(std::string path, bool selfExtracting)
   folder_ = separator == std::string::npos ? "" : path_.substr(0, separator + 1);
   const std::size_t dot = path_.rfind('.');
   stem_ = dot == std::string::npos || dot < folder_.size() ? path_ : path_.substr(0, dot);
-  std::string ending = path_.substr(stem_.size());
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  const std::string ending = AsciiLower(path_.substr(stem_.size()));
   mayHaveSegments_ = ending == (selfExtracting_ ? ".exe" : ".zip");
 }
 
@@ -166,7 +165,7 @@ void Output::write(std::span<const std::uint8_t> bytes) {
 
 void Output::patch(Place place, std::string_view bytes) {
   if (place.disk != disk_) {
-    OutputFile::patch(temporary(place.disk), place.offset, asBytes(bytes));
+    OutputFile::existing(temporary(place.disk)).writeAt(place.offset, asBytes(bytes));
     return;
   }
   flush();
@@ -189,7 +188,7 @@ std::vector<std::string> Output::finish() {
   const bool replaces =
       std::any_of(paths.begin(), paths.end(), [](const auto& path) { return pathKind(path); });
   for (std::uint32_t disk = 0; replaces && disk < count; ++disk) {
-    if (!FlushLocalFile(temporary(disk))) {
+    if (!flushFile(temporary(disk))) {
       throw std::system_error(std::make_error_code(std::errc::io_error), "cannot write " + paths[disk]);
     }
   }
@@ -198,7 +197,7 @@ std::vector<std::string> Output::finish() {
     if (disk != main) files.push_back({temporary(disk), paths[disk]});
   }
   files.push_back({temporary(main), paths[main]});
-  giveSetItsNames(files);
+  renameSetIntoPlace(files);
   names_.removeSurplus(count);
   return paths;
 }

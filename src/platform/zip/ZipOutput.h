@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files/ArchiveFiles.h"
+#include "platform/files/Files.h"
 #include "platform/files/WorkFolder.h"
 
 namespace quillmoor::zip {

@@ -143,7 +143,7 @@ class Reader {
         source->path = item->path;
         source->entry.name = item->name;
         if (item->folder) {
-          describe(source->entry, folderState(item->path));
+          describe(source->entry, fileState(item->path));
           batch.items.push_back({std::move(source), true, false, {}});
           return true;
         }
@@ -165,7 +165,7 @@ class Reader {
     const PackSource& source = request_.sources[nextSource_++];
     password_ = source.password;
     const auto excluded = [this](const std::string& folder, std::string_view name) {
-      return names_.maybePart(name) && sameFolder(folder, archiveFolder_);
+      return names_.maybePart(name) && sameFile(folder, archiveFolder_);
     };
     try {
       walk_ = std::make_unique<Walk>(splitWildcardPath(source.pattern).value(), source.recurse, excluded,

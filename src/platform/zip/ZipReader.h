@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/files/ArchiveFiles.h"
+#include "platform/files/Files.h"
 #include "platform/zip/Segments.h"
 
 namespace quillmoor::sfx {

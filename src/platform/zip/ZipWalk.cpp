@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "platform/files/LocalPath.h"
 #include "platform/files/ReservedNames.h"
 
@@ -16,8 +17,7 @@ bool isSeparator(char c) {
 }
 
 char folded(char c) {
-  if (kLocalNameRules != LocalNameRules::windows || c < 'A' || c > 'Z') return c;
-  return static_cast<char>(c - 'A' + 'a');
+  return kLocalNameRules == LocalNameRules::windows ? AsciiLower(c) : c;
 }
 
 }  // namespace

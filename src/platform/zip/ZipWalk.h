@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files/ArchiveFiles.h"
+#include "platform/files/Files.h"
 
 namespace quillmoor::zip {
 

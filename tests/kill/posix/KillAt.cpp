@@ -10,16 +10,15 @@
 
 namespace {
 
-void countCall() {
+std::atomic<long> calls{0};
+
+/// Counts the call and passes it on to the system's function.
+template <class... Arguments>
+int counted(const char* name, Arguments... arguments) {
   static const char* const text = std::getenv("QUILLMOOR_KILL_AT");
   static const long killAt = text ? std::strtol(text, nullptr, 10) : 0;
-  static std::atomic<long> calls{0};
   if (++calls == killAt) ::kill(::getpid(), SIGKILL);
-}
-
-template <class Function>
-Function* next(const char* name) {
-  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+  return reinterpret_cast<int (*)(Arguments...)>(::dlsym(RTLD_NEXT, name))(arguments...);
 }
 
 }  // namespace
@@ -27,34 +26,20 @@ Function* next(const char* name) {
 extern "C" {
 
 int rename(const char* from, const char* to) noexcept {
-  static auto* const call = next<int(const char*, const char*)>("rename");
-  countCall();
-  return call(from, to);
+  return counted("rename", from, to);
 }
-
 int unlink(const char* path) noexcept {
-  static auto* const call = next<int(const char*)>("unlink");
-  countCall();
-  return call(path);
+  return counted("unlink", path);
 }
-
 int remove(const char* path) noexcept {
-  static auto* const call = next<int(const char*)>("remove");
-  countCall();
-  return call(path);
+  return counted("remove", path);
 }
-
 int mkdir(const char* path, mode_t mode) noexcept {
-  static auto* const call = next<int(const char*, mode_t)>("mkdir");
-  countCall();
-  return call(path, mode);
+  return counted("mkdir", path, mode);
 }
-
 // By another name here, since the headers have a structure of this one.
 int lockFile(int file, int operation) noexcept __asm__("flock");
 int lockFile(int file, int operation) noexcept {
-  static auto* const call = next<int(int, int)>("flock");
-  countCall();
-  return call(file, operation);
+  return counted("flock", file, operation);
 }
 }

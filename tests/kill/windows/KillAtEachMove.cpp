@@ -1,5 +1,6 @@
 // A process that replaces a file, an archive in segments and a copy of that is killed at its first call that
 // changes a name, at its second, and so on until it gets through. And one that holds a folder is killed.
+#include <process.h>
 #include <windows.h>
 
 #include <cstdio>
@@ -12,15 +13,15 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/files/AtomicFile.h"
 #include "platform/files/CopyFile.h"
 #include "platform/files/FileSet.h"
 #include "platform/files/ReservedNames.h"
 #include "platform/files/TargetLock.h"
-#include "platform/files/WholeFile.h"
 #include "platform/files/WorkFolder.h"
 #include "platform/zip/ZipArchive.h"
 
-// The places of the import table through which all of the program calls these.
+// The entries of the import table through which the whole program calls these functions.
 extern "C" {
 extern decltype(&::MoveFileExW) __imp_MoveFileExW;
 extern decltype(&::DeleteFileW) __imp_DeleteFileW;
@@ -35,6 +36,7 @@ namespace fs = std::filesystem;
 using Files = std::map<std::string, std::string>;  // contents by path
 
 constexpr UINT kKilled = 9;
+constexpr const char* kReady = "Quillmoor-Test-Folder-Held";
 constexpr std::int64_t kSegment = 65'536;
 
 // --- in the child
@@ -63,7 +65,7 @@ void countCalls() {
 }
 
 void replaceAll(const fs::path& work, const std::string& word) {
-  WholeFile file(work / "tree" / "file");
+  AtomicFile file((work / "tree" / "file").string());
   file.write(word);
   file.commit();
   ZipArchive archive;
@@ -77,11 +79,11 @@ void replaceAll(const fs::path& work, const std::string& word) {
   CopyWholeFiles(copies, {});
 }
 
-[[noreturn]] void holdFolder(const fs::path& folder, const char* ready) {
+[[noreturn]] void holdFolder(const fs::path& folder) {
   const auto lock = TargetLock::acquire(folder.string());
-  WholeFile file(folder / "file");
+  AtomicFile file((folder / "file").string());
   const WorkFolder set(folder.string() + "\\");
-  ::SetEvent(::OpenEventA(EVENT_MODIFY_STATE, FALSE, ready));
+  ::SetEvent(::OpenEventA(EVENT_MODIFY_STATE, FALSE, kReady));
   ::Sleep(INFINITE);
   std::abort();
 }
@@ -92,26 +94,12 @@ void expect(bool holds, const std::string& what) {
   if (!holds) throw std::runtime_error(what);
 }
 
-PROCESS_INFORMATION start(const std::string& arguments) {
-  char program[MAX_PATH] = {};
-  ::GetModuleFileNameA(nullptr, program, MAX_PATH);
-  std::string line = "\"" + std::string(program) + "\" " + arguments;
-  STARTUPINFOA startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION process{};
-  expect(::CreateProcessA(program, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                          &process) != FALSE,
-         "the child cannot be started");
-  return process;
-}
-
-DWORD statusOf(const PROCESS_INFORMATION& process) {
-  DWORD status = 0;
-  ::WaitForSingleObject(process.hProcess, INFINITE);
-  ::GetExitCodeProcess(process.hProcess, &status);
-  ::CloseHandle(process.hProcess);
-  ::CloseHandle(process.hThread);
-  return status;
+/// Starts this program with two arguments; returns its exit status, or its handle when not waited for.
+std::intptr_t start(int mode, const std::string& first, const fs::path& second) {
+  const std::string path = "\"" + second.string() + "\"";
+  const std::intptr_t result = ::_spawnl(mode, _pgmptr, "child", first.c_str(), path.c_str(), nullptr);
+  expect(result != -1, "the child cannot be started");
+  return result;
 }
 
 Files filesIn(const fs::path& folder) {
@@ -151,7 +139,7 @@ void killAtEachMove(const fs::path& work) {
       for (const auto& [name, contents] : former[folder])
         std::ofstream(work / folder / name, std::ios::binary) << contents;
     }
-    const DWORD status = statusOf(start(std::to_string(n) + " \"" + work.string() + "\""));
+    const std::intptr_t status = start(_P_WAIT, std::to_string(n), work);
     if (status == 0) break;
     expect(status == kKilled, "the child has failed");
     for (const char* const folder : folders) {
@@ -170,46 +158,42 @@ void killAtEachMove(const fs::path& work) {
 void killAHolder(const fs::path& work) {
   const fs::path folder = work / "held";
   fs::create_directory(folder);
-  const std::string ready = "Quillmoor-Test-" + std::to_string(::GetCurrentProcessId());
-  const HANDLE event = ::CreateEventA(nullptr, TRUE, FALSE, ready.c_str());
-  const PROCESS_INFORMATION child = start("hold \"" + folder.string() + "\" " + ready);
-  const HANDLE either[] = {event, child.hProcess};
+  const HANDLE event = ::CreateEventA(nullptr, TRUE, FALSE, kReady);
+  const auto child = reinterpret_cast<HANDLE>(start(_P_NOWAIT, "hold", folder));
+  const HANDLE either[] = {event, child};
   expect(::WaitForMultipleObjects(2, either, FALSE, INFINITE) == WAIT_OBJECT_0, "the holder has failed");
   expect(!TargetLock::acquire(folder.string()), "a second process holds the folder");
   RemoveStaleTemporaries(folder.string());
   expect(ReservedNamesIn(folder.string()).size() == 3, "what a living process writes was removed");
-  ::TerminateProcess(child.hProcess, kKilled);
-  statusOf(child);
+  ::TerminateProcess(child, kKilled);
+  ::WaitForSingleObject(child, INFINITE);
   expect(TargetLock::acquire(folder.string()) != nullptr, "the lock outlives its process");
   RemoveStaleTemporaries(folder.string());
   expect(fs::is_empty(folder), "what a killed process has left stays");
-  ::CloseHandle(event);
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count == 4) holdFolder(arguments[2], arguments[3]);
   if (count == 3) {
+    if (arguments[1] == std::string("hold")) holdFolder(arguments[2]);
     killAt = std::atoi(arguments[1]);
     countCalls();
     replaceAll(arguments[2], "new");
     return 0;
   }
-  struct Work {
-    fs::path path = fs::temp_directory_path() / ("quillmoor-kill-" + std::to_string(::GetCurrentProcessId()));
-    Work() { fs::create_directory(path); }
-    ~Work() {
-      std::error_code ignored;
-      fs::remove_all(path, ignored);
-    }
-  } const work;
+  const fs::path work =
+      fs::temp_directory_path() / ("quillmoor-kill-" + std::to_string(::GetCurrentProcessId()));
+  fs::create_directory(work);
+  int status = 0;
   try {
-    killAtEachMove(work.path);
-    killAHolder(work.path);
+    killAtEachMove(work);
+    killAHolder(work);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "FAILED: %s\n", error.what());
-    return 1;
+    status = 1;
   }
-  return 0;
+  std::error_code ignored;
+  fs::remove_all(work, ignored);
+  return status;
 }

@@ -1,4 +1,4 @@
-// What the tests of the FTP client share: a client whose events are noted, and a server to talk to.
+// What the tests of the FTP client share: a client whose events are recorded, and a server to talk to.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,10 @@ namespace quillmoor {
 using Clock = std::chrono::steady_clock;
 using Session = testing::ScriptedFtpServer::Session;
 
+using enum FtpErrorNumber;
+
 inline constexpr std::int32_t kShortMs = 300;  // for what is to time out
-// For what is to time out behind exchanges that must not, on a machine that is busy with other tests.
+// For what is to time out after exchanges that must not, on a machine that is busy with other tests.
 inline constexpr std::int32_t kEnoughMs = 1000;
 
 inline int number(FtpErrorNumber n) {
@@ -45,6 +48,14 @@ class FtpClientTest : public ::testing::Test {
       return error;
     }
     return {0, ""};
+  }
+
+  int numberOf(const std::function<void()>& operation) { return errorOf(operation).number(); }
+
+  /// The contents of a remote file that is fetched as "f".
+  std::string fetched(const std::string& path = "/f", std::optional<std::int64_t> listedSize = {}) {
+    client.getFile(path, (folder / "f").string(), listedSize);
+    return testing::contentsOf(folder / "f");
   }
 
   std::string shownTexts() const {

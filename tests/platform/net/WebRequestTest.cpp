@@ -1,4 +1,4 @@
-// The web request against a scripted server: which answers count, how long it waits, how it is ended.
+// The web request against a scripted server: which answers count, how long it waits, how it ends.
 #include "platform/net/WebRequest.h"
 
 #include <gmock/gmock.h>
@@ -39,20 +39,19 @@ class WebRequestTest : public ::testing::Test {
   HttpRequest web;
 };
 
-TEST_F(WebRequestTest, TellsTheStatusOfTheFinalAnswer) {
+TEST_F(WebRequestTest, ReturnsTheStatusOfTheFinalAnswer) {
   const std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
   const struct {
     const char* name;
     std::string bytes;
     std::int32_t status;
   } cases[] = {
-      {"plain", httpAnswer("200 OK", "hello"), 200},
       {"without a length", "HTTP/1.0 200 OK\r\n\r\nhello", 200},
-      {"nothing to say", "HTTP/1.1 204 No Content\r\n\r\n", 204},
+      {"no body", "HTTP/1.1 204 No Content\r\n\r\n", 204},
       {"refused", httpAnswer("404 Not Found", "gone"), 404},
       {"a redirect, not followed", httpAnswer("302 Found", "", "Location: " + server.address("/ok") + "\r\n"),
        302},
-      {"behind a hint", "HTTP/1.1 103 Early Hints\r\n\r\n" + httpAnswer("200 OK"), 200},
+      {"after a hint", "HTTP/1.1 103 Early Hints\r\n\r\n" + httpAnswer("200 OK"), 200},
       {"a hint alone", "HTTP/1.1 103 Early Hints\r\n\r\n", 0},
       {"the body breaks off", "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhel", 200},
       {"the body is garbled", chunked + "zz\r\n", 200},
@@ -94,41 +93,32 @@ TEST_F(WebRequestTest, ReadsAddressesAsABrowserWould) {
 
 TEST_F(WebRequestTest, CallsNothingButHttp) {
   web.response.statusCode = 200;  // of a request before
-  const std::string elsewhere = "127.0.0.1:" + std::to_string(server.port()) + "/";
-  for (const std::string& address : {std::string(), std::string(" "), "ftp://" + elsewhere,
-                                     "telnet://" + elsewhere, "dict://" + elsewhere}) {
+  const std::string elsewhere = withoutScheme("/");
+  for (const std::string& address :
+       {std::string(" "), "ftp://" + elsewhere, "telnet://" + elsewhere, "dict://" + elsewhere,
+        std::string("http://"), std::string("file:///etc/passwd"), std::string("http://127.0.0.1:x/"),
+        std::string("http://[::1/"), std::string("javascript:alert(1)"), std::string("http://127.0.0.1:1/"),
+        "http://" + elsewhere + std::string("\0x", 2)}) {
     EXPECT_EQ(statusOf(address), 0) << address;
   }
-  EXPECT_THAT(server.requests(), ::testing::IsEmpty()) << "nobody was to be called";
-  for (const std::string address :
-       {"http://", "file:///etc/passwd", "gopher://127.0.0.1/", "http://127.0.0.1:x/", "http://[::1/",
-        "javascript:alert(1)", "http://127.0.0.1:1/"}) {
-    EXPECT_EQ(statusOf(address), 0) << address;
-  }
-  EXPECT_EQ(statusOf(std::string("http://127.0.0.1/\0x", 19)), 0);
+  EXPECT_THAT(server.requests(), ::testing::IsEmpty());
 }
 
 TEST_F(WebRequestTest, WaitsNoLongerThanItMay) {
   server.answer("/silent", "", Then::silence);
   server.answer("/slow", "HTTP/1.1 200 OK\r\n\r\nhel", Then::silence);
   web.timeoutMs = kShortMs;
+  int turns = 0;
+  web.pump = [&] { ++turns; };
   for (const char* path : {"/silent", "/slow"}) {
-    int turns = 0;
-    Clock::duration longest{};
+    turns = 0;
     for (int tries = 0; tries < 3 && turns < 10; ++tries) {  // other tests may take its turns
       turns = 0;
-      longest = {};
-      auto last = Clock::now();
-      web.pump = [&] {
-        ++turns;
-        longest = std::max(longest, Clock::now() - last);
-        last = Clock::now();
-      };
       const auto start = Clock::now();
       EXPECT_EQ(statusOf(server.address(path)), 0) << path;
       EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(kShortMs - 10)) << path;
     }
-    EXPECT_GE(turns, 10) << path << ": longest without the pump " << longest.count() << " ns";
+    EXPECT_GE(turns, 10) << path;
   }
 }
 
@@ -150,8 +140,7 @@ TEST_F(WebRequestTest, AnAbortEndsItAndTheNextRequestIsNotHarmed) {
     EXPECT_THROW(web.perform(), std::logic_error) << "entered from inside its own pump";
   };
   EXPECT_EQ(statusOf(server.address("/silent")), 0);
-  EXPECT_TRUE(wasBusy);
-  EXPECT_FALSE(web.busy());
+  EXPECT_TRUE(wasBusy && !web.busy());
   web.pump = nullptr;
   web.abort();  // there is nothing to abort
   EXPECT_EQ(statusOf(server.address("/")), 200);

@@ -17,7 +17,7 @@ std::vector<std::uint8_t> bytesOf(std::string_view hex) {
   return bytes;
 }
 
-// An entry as another program has encrypted it.
+// An entry that another program encrypted.
 constexpr std::string_view kPlain = "The quick brown fox jumps over the lazy dog, twice.";
 constexpr std::string_view kPassword = "correct horse";
 constexpr std::string_view kSalt = "5fc7bfaad108261436cb085db26224b5";
@@ -26,15 +26,11 @@ constexpr std::string_view kEncrypted =
     "f701a85a46719a5bc2634b24b592b0ddb9d5f684234358687e06fdfb4d4407472b932a14103d674688b176adb3f21e91d3c3e4";
 constexpr std::string_view kCode = "ef6a60029274797035b5";
 
-Salt knownSalt() {
+TEST(ZipCrypto, EncryptsAsOtherProgramsDoInPiecesOfAnySize) {
   Salt salt;
   std::ranges::copy(bytesOf(kSalt), salt.begin());
-  return salt;
-}
-
-TEST(ZipCrypto, EncryptsAsOthersDoInPiecesOfAnySize) {
   for (std::size_t piece = 1; piece <= kPlain.size(); ++piece) {
-    AesEntry aes(kPassword, knownSalt());
+    AesEntry aes(kPassword, salt);
     std::vector<std::uint8_t> bytes(kPlain.begin(), kPlain.end());
     for (std::size_t at = 0; at < bytes.size(); at += piece)
       aes.encrypt(std::span(bytes).subspan(at, std::min(piece, bytes.size() - at)));
@@ -44,7 +40,7 @@ TEST(ZipCrypto, EncryptsAsOthersDoInPiecesOfAnySize) {
   }
 }
 
-TEST(ZipCrypto, NeverGivesASaltTwice) {
+TEST(ZipCrypto, NeverUsesASaltTwice) {
   const Salt first = freshSalt();
   EXPECT_NE(first, freshSalt());
   EXPECT_NE(first, Salt{});

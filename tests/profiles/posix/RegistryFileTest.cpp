@@ -1,4 +1,4 @@
-// The file that the registry is on this platform, and what keeps in step with it.
+// The file that holds the registry on this platform, its permissions, and the desktop's autostart entry.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,11 +7,9 @@
 
 #include "platform/ini/PrivateProfile.h"
 #include "platform/registry/RegistryApi.h"
-#include "platform/registry/RegistryFile.h"
 #include "platform/system/Notices.h"
 #include "platform/system/ProgramFolder.h"
 #include "profiles/ApplicationSettings.h"
-#include "profiles/RegistryExchange.h"
 #include "profiles/RegistryFixture.h"
 #include "profiles/SettingsStore.h"
 #include "profiles/mAutoRun.h"
@@ -19,6 +17,7 @@
 namespace quillmoor {
 namespace {
 
+using ::testing::AllOf;
 using testing::contentsOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -27,42 +26,41 @@ using Bytes = std::vector<std::uint8_t>;
 
 using RegistryStore = RegistryFixture;
 
-TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
-  value("text").SetValue(std::string("a\\b \"c\""));
-  value("number", 4).SetValue(std::int32_t{42});
-  value("bytes", 3).SetValue(Bytes(30, 0xAB));
-  const std::string abs = [] {
-    std::string text;
-    for (int i = 0; i < 21; ++i) text += "ab,";
-    return text;
-  }();
-  const std::string ascii =
-      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n"
-      "\"text\"=\"a\\\\b \\\"c\\\"\"\r\n"
-      "\"number\"=dword:0000002a\r\n"
-      "\"bytes\"=hex:" +
-      abs + "\\\r\n  ab,ab,ab,ab,ab,ab,ab,ab,ab\r\n";
-  EXPECT_EQ(contentsOf(own.store), ascii);
+const std::string kHead =
+    "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n";
 
+std::string utf16(const std::string& ascii) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : ascii) bytes.append({c, '\0'});
+  return bytes;
+}
+
+TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
+  value("").SetValue(std::string("the default value"));
+  value("t\"x\\").SetValue(std::string("a\\b \"c\""));
+  value("number", 4).SetValue(std::int32_t{42});
+  value("none", 3).SetValue(Bytes());
+  value("bytes", 3).SetValue(Bytes(30, 0xAB));
+  const std::string ascii = kHead +
+                            "@=\"the default value\"\r\n\"t\\\"x\\\\\"=\"a\\\\b "
+                            "\\\"c\\\"\"\r\n\"number\"=dword:0000002a\r\n\"none\"=hex:\r\n\"bytes\"=hex:"
+                            "ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,\\\r\n"
+                            "  ab,ab,ab,ab,ab,ab,ab,ab,ab\r\n";
+  EXPECT_EQ(contentsOf(own.store), ascii);
   value("ref").SetValue(std::string("%A%"));
-  std::string utf16 = "\xFF\xFE";
-  for (const char c : ascii + "\"ref\"=hex(2):25,00,41,00,25,00,00,00\r\n") utf16.append({c, '\0'});
-  EXPECT_EQ(contentsOf(own.store), utf16);
+  EXPECT_EQ(contentsOf(own.store), utf16(ascii + "\"ref\"=hex(2):25,00,41,00,25,00,00,00\r\n"));
   value("ref").DeleteValue();
-  value("text").SetValue(std::string("\xC3\xBC"));
-  EXPECT_NE(contentsOf(own.store).find(std::string("\"\0\xFC\0\"\0", 6)), std::string::npos);
+  value("none").SetValue(std::string("\xC3\xBC"));
+  EXPECT_THAT(contentsOf(own.store), HasSubstr(std::string("\"\0\xFC\0\"\0", 6)));
 }
 
 TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
-  const std::string text =
-      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n@=\"default\"\r\n"
-      "\"text\"=\"two\r\nlines\"\r\n\"bytes\"=hex:01,\\\r\n  "
-      "02,03\r\n\"n\"=dword:FFFFFFFE\r\n\"gone\"=\"x\"\r\n"
-      "\"gone\"=-\r\n; a comment\r\n[HKEY_CURRENT_USER\\X]\r\n[-HKEY_CURRENT_USER\\X]\r\n";
-  std::string utf16 = "\xFF\xFE";
-  for (const char c : text) utf16.append({c, '\0'});
-  for (const std::string& bytes : {text, "\xEF\xBB\xBF" + text, utf16}) {
-    std::filesystem::create_directories(own.store.parent_path());
+  const std::string text = kHead +
+                           "@=\"default\"\r\n\"text\"=\"two\r\nlines\"\r\n\"bytes\"=hex:01,\\\r\n  02,03\r\n"
+                           "\"n\"=dword:FFFFFFFE\r\n\"gone\"=\"x\"\r\n\"gone\"=-\r\n; a comment\r\n"
+                           "[HKEY_CURRENT_USER\\X]\r\n[-HKEY_CURRENT_USER\\X]\r\n";
+  std::filesystem::create_directories(own.store.parent_path());
+  for (const std::string& bytes : {text, "\xEF\xBB\xBF" + text, utf16(text)}) {
     writeFile(own.store, bytes);
     EXPECT_EQ(value("").Value(), RegistryValue(std::string("default")));
     EXPECT_EQ(value("text").Value(), RegistryValue(std::string("two\r\nlines")));
@@ -74,103 +72,71 @@ TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
 }
 
 TEST_F(RegistryStore, LeavesADamagedFileAlone) {
-  const std::string head =
-      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Test]\r\n";
-  const struct {
-    std::string bytes;
-    const char* line;
-  } cases[] = {{"REGEDIT9\r\n", "line 1"},
-               {head + "\"a\"=\"never closed\r\n", "line"},
-               {head + "\"a\"=dword:x\r\n", "line 4"},
-               {head + "[no bracket\r\n", "line"},
-               {head + "\"a\"=hex:0g\r\n", "line 4"},
-               {head + "rubbish\r\n", "line 4"},
-               {head + "\"a\"=\"b\" c\r\n", "line 4"},
-               {std::string("\0\x01\x02", 3), "line 1"}};
   std::filesystem::create_directories(own.store.parent_path());
-  for (const auto& c : cases) {
+  for (const std::string damage :
+       {"\"a\"=dword:x\r\n", "[no bracket\r\n", "\"a\"=hex:0g\r\n", "rubbish\r\n", "\"a\"=\"b\" c\r\n"}) {
     std::filesystem::remove(own.store.string() + ".damaged");
-    writeFile(own.store, c.bytes);
+    writeFile(own.store, kHead + damage);
     try {
       LoadApplicationSettings();
-      FAIL() << "not raised: " << c.bytes;
+      ADD_FAILURE() << "not raised: " << damage;
     } catch (const RegistryStoreError& error) {
-      EXPECT_THAT(error.what(), HasSubstr(own.store.string()));
-      EXPECT_THAT(error.what(), HasSubstr(c.line));
+      EXPECT_THAT(error.what(), AllOf(HasSubstr(own.store.string()), HasSubstr("line 4"))) << damage;
     }
     EXPECT_THROW(WriteSetting("AutoDial", "0"), RegistryError);
-    EXPECT_EQ(contentsOf(own.store), c.bytes);
-    EXPECT_EQ(contentsOf(own.store.string() + ".damaged"), c.bytes);
+    EXPECT_EQ(contentsOf(own.store), kHead + damage);
+    EXPECT_EQ(contentsOf(own.store.string() + ".damaged"), kHead + damage);
+  }
+  for (const std::string& bytes : {std::string("REGEDIT9\r\n"), kHead + "\"a\"=\"never closed\r\n"}) {
+    writeFile(own.store, bytes);
+    EXPECT_THROW(LoadApplicationSettings(), RegistryStoreError);
   }
 }
 
-TEST_F(RegistryStore, GivesBackWhatTheOtherPlatformExchanges) {
-  for (const RegistryFileValue& v : testing::exchangedValues()) {
-    RegistryApi::setValue(HKEY_CURRENT_USER_VALUE, testing::kExchangePath, v.name, v.data);
-  }
-  EXPECT_EQ(contentsOf(own.store),
-            formatRegistryFile(
-                {{std::string("HKEY_CURRENT_USER\\") + testing::kExchangePath, testing::exchangedValues()}}));
-}
-
-TEST_F(RegistryStore, TakesFromOthersWhatTheyCouldRead) {
+TEST_F(RegistryStore, RevokesThePermissionsOfOthers) {
   std::vector<std::string> notices;
   SetNoticeSink([&](const std::string& line) { notices.push_back(line); });
-  const auto settingsFolder = own.store.parent_path();
   const auto profiles = own.folder / "Profiles.ini";
-  const auto mode = [](const auto& path) {
-    return static_cast<int>(std::filesystem::status(path).permissions());
-  };
-  const auto writeBoth = [&](const std::string& text) {
-    WriteSetting("AutoDial", text);
-    EXPECT_TRUE(WritePrivateProfileString("s", "k", text, profiles.string()));
-    EXPECT_EQ(mode(settingsFolder), 0700);
-    EXPECT_EQ(mode(own.store), 0600);
-    EXPECT_EQ(mode(profiles), 0600);
-  };
-  writeBoth("0");
-  EXPECT_THAT(notices, ::testing::IsEmpty()) << "they are new";
-  std::filesystem::permissions(settingsFolder, std::filesystem::perms(0755));
-  std::filesystem::permissions(own.store, std::filesystem::perms(0640));
-  std::filesystem::permissions(profiles, std::filesystem::perms(0604));
-  writeBoth("1");
-  EXPECT_THAT(notices, ElementsAre(HasSubstr(settingsFolder.string() + ". Its permissions are now 0700"),
-                                   HasSubstr(own.store.string() + ". Its permissions are now 0600"),
-                                   HasSubstr(profiles.string() + ". Its permissions are now 0600")));
+  const struct {
+    std::filesystem::path path;
+    int mode, open;
+  } rows[] = {{own.store.parent_path(), 0700, 0755}, {own.store, 0600, 0640}, {profiles, 0600, 0604}};
+  for (const char* const value : {"0", "1"}) {
+    WriteSetting("AutoDial", value);
+    EXPECT_TRUE(WritePrivateProfileString("s", "k", value, profiles.string()));
+    EXPECT_EQ(notices.size(), *value == '0' ? 0U : 3U) << "new files have no other permissions";
+    for (const auto& row : rows) {
+      EXPECT_EQ(static_cast<int>(std::filesystem::status(row.path).permissions()), row.mode) << row.path;
+      std::filesystem::permissions(row.path, std::filesystem::perms(row.open));
+    }
+  }
+  EXPECT_THAT(notices, ElementsAre(HasSubstr(rows[0].path.string() + ". Its permissions are now 0700"),
+                                   HasSubstr(rows[1].path.string() + ". Its permissions are now 0600"),
+                                   HasSubstr(rows[2].path.string() + ". Its permissions are now 0600")));
   SetNoticeSink({});
 }
 
-TEST_F(RegistryStore, SaysWhenItCannotBeMade) {
-  writeFile(own.folder / "blocked", "");
-  testing::setEnvironment("XDG_CONFIG_HOME", (own.folder / "blocked").string());
-  EXPECT_THROW(value("V").CreateKey(), RegistryError);
-}
-
-TEST_F(RegistryStore, KeepsTheDesktopsEntryInStep) {
+TEST_F(RegistryStore, KeepsTheDesktopsAutostartEntryUpToDate) {
   using mAutoRun::Mode;
   const auto desktopEntry = own.folder / "autostart" / (ProgramName() + ".desktop");
-  for (const Mode mode : {Mode::off, Mode::always, Mode::once, Mode::always, Mode::off}) {
+  for (const Mode mode : {Mode::off, Mode::always, Mode::once, Mode::always, Mode::off, Mode::always}) {
     mAutoRun::SetAutoRun(mode);
     EXPECT_EQ(std::filesystem::exists(desktopEntry), mode == Mode::always);
   }
-  mAutoRun::SetAutoRun(Mode::always);
   const auto past = std::filesystem::last_write_time(desktopEntry) - std::chrono::hours(1);
   std::filesystem::last_write_time(desktopEntry, past);
   mAutoRun::SetAutoRun(Mode::always);
-  EXPECT_EQ(std::filesystem::last_write_time(desktopEntry), past) << "it was right";
+  EXPECT_EQ(std::filesystem::last_write_time(desktopEntry), past) << "an entry that is right is not written";
   writeFile(desktopEntry, "[Desktop Entry]\nHidden=true\n");
   mAutoRun::SetAutoRun(Mode::always);
   EXPECT_THAT(contentsOf(desktopEntry), HasSubstr("\nExec=\"" + ProgramFolder() + ProgramName() + "\"\n"));
 
-  cRegistry run;
-  run.ClassKey = HKEY_LOCAL_MACHINE_VALUE;
+  cRegistry run = value(ProgramName());
   run.SectionKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-  run.ValueKey = ProgramName();
   testing::setEnvironment("QUILLMOOR_TEST_FOLDER", "/opt");
   run.SetValue(std::string("%QUILLMOOR_TEST_FOLDER%/100%x%/program"));
   testing::unsetEnvironment("QUILLMOOR_TEST_FOLDER");
-  EXPECT_THAT(contentsOf(desktopEntry), HasSubstr("\nExec=\"/opt/100%%x%%/program\"\n"))
-      << "a value with references to the environment";
+  EXPECT_THAT(contentsOf(desktopEntry), HasSubstr("\nExec=\"/opt/100%%x%%/program\"\n"));
 }
 
 }  // namespace

@@ -1,81 +1,65 @@
-// Exports of the registry between this system and one whose registry is a file: the system's own editor takes
-// the file that is written there, and what it writes is read there.
+// The system's registry editor imports the file that is the registry on other systems, and exports what is
+// read there.
 #include <gtest/gtest.h>
+#include <process.h>
 #include <windows.h>
 
-#include <algorithm>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "platform/files/LocalPath.h"
-#include "platform/registry/RegistryApi.h"
+#include "platform/registry/RegistryFile.h"
 #include "platform/system/windows/WideText.h"
-#include "profiles/RegistryExchange.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
 namespace {
 
-using testing::exchangedValues;
-using testing::kExchangePath;
-
-/// True when the editor has ended in good order.
-bool registryEditor(const std::wstring& arguments) {
-  std::wstring command = L"regedit.exe " + arguments;
-  STARTUPINFOW start{};
-  start.cb = sizeof start;
-  PROCESS_INFORMATION process{};
-  if (::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                       &process) == FALSE)
-    return false;
-  ::WaitForSingleObject(process.hProcess, INFINITE);
-  DWORD status = 1;
-  ::GetExitCodeProcess(process.hProcess, &status);
-  ::CloseHandle(process.hThread);
-  ::CloseHandle(process.hProcess);
-  return status == 0;
+std::vector<RegistryFileValue> exchangedValues() {
+  using enum RegistryType;
+  return {
+      {"Quotes and \\ in the name", {text, "C:\\Program Files\\\"x\" y"}},
+      {"Umlauts", {text, "K\xC3\xB6ln / \xE2\x82\xAC"}},
+      {"Outside the code page", {text, "\xE6\x97\xA5\xE6\x9C\xAC \xF0\x9F\x98\x80"}},
+      {"Blanks", {text, "  a  "}},
+      {"Lines", {text, "one\r\ntwo"}},
+      {"Long", {text, std::string(40'000, 'l')}},
+      {"Reference", {expandText, "%TEMP%\\x"}},
+      {"Number", {dword, std::string("\x2A\0\0\x80", 4)}},
+      {"Bytes", {binary, std::string("\0\xFF\x10", 3)}},
+      {"No bytes", {binary, ""}},
+      {"", {text, "the default value"}},
+  };
 }
 
 class RegistryEditor : public ::testing::Test {
  protected:
-  // The editor is another program, so this is the user's real registry; the key is no one else's, nor that of
-  // a test that runs beside this one.
+  // The editor is another program, so this is the user's real registry. No other program and no concurrent
+  // test has this key.
   RegistryEditor() { remove(); }
   ~RegistryEditor() override { remove(); }
   void remove() const { ::RegDeleteTreeW(HKEY_CURRENT_USER, Widen(path).c_str()); }
 
   testing::TemporaryFolder folder;
-  const std::string path = kExchangePath + std::to_string(::GetCurrentProcessId());
+  const std::string path = "Software\\Tarnick\\Quillmoor\\Exchange" + std::to_string(::GetCurrentProcessId());
   const std::string fullPath = "HKEY_CURRENT_USER\\" + path;
 };
 
-TEST_F(RegistryEditor, ImportsWhatIsWrittenAsAFile) {
-  const auto file = folder / "settings.reg";
+TEST_F(RegistryEditor, ImportsAndExportsTheFile) {
+  const auto file = folder / "settings.reg", exported = folder / "exported.reg";
   testing::writeFile(file, formatRegistryFile({{fullPath, exchangedValues()}}));
-  ASSERT_TRUE(registryEditor(L"/S \"" + file.native() + L"\""));
-  for (const RegistryFileValue& value : exchangedValues()) {
-    const auto data = RegistryApi::queryValue(HKEY_CURRENT_USER_VALUE, path, value.name);
-    ASSERT_TRUE(data) << value.name;
-    EXPECT_EQ(data->type, value.data.type) << value.name;
-    EXPECT_EQ(data->bytes, value.data.bytes) << value.name;
+  const wchar_t* const regedit = L"regedit.exe";
+  ASSERT_EQ(::_wspawnlp(_P_WAIT, regedit, regedit, L"/S", file.c_str(), nullptr), 0);
+  ASSERT_EQ(::_wspawnlp(_P_WAIT, regedit, regedit, L"/E", exported.c_str(), Widen(fullPath).c_str(), nullptr),
+            0);
+  std::map<std::string, RegistryData> found;
+  for (const RegistryFileKey& key : parseRegistryFile(testing::contentsOf(exported))) {
+    for (const RegistryFileValue& value : key.values) found[key.path + "|" + value.name] = value.data;
   }
-}
-
-TEST_F(RegistryEditor, ExportsWhatIsReadFromAFile) {
   for (const RegistryFileValue& value : exchangedValues()) {
-    RegistryApi::setValue(HKEY_CURRENT_USER_VALUE, path, value.name, value.data);
-  }
-  const auto file = folder / "settings.reg";
-  ASSERT_TRUE(registryEditor(L"/E \"" + file.native() + L"\" \"" + Widen(fullPath) + L"\""));
-  const auto keys = parseRegistryFile(testing::contentsOf(file));
-  const auto key = std::find_if(keys.begin(), keys.end(), [&](const auto& k) { return k.path == fullPath; });
-  ASSERT_NE(key, keys.end());
-  EXPECT_EQ(key->values.size(), exchangedValues().size());
-  for (const RegistryFileValue& value : exchangedValues()) {
-    const auto found = std::find_if(key->values.begin(), key->values.end(),
-                                    [&](const auto& v) { return v.name == value.name; });
-    ASSERT_NE(found, key->values.end()) << value.name;
-    EXPECT_EQ(found->data.type, value.data.type) << value.name;
-    EXPECT_EQ(found->data.bytes, value.data.bytes) << value.name;
+    EXPECT_EQ(RegistryApi::queryValue(HKEY_CURRENT_USER_VALUE, path, value.name), value.data) << value.name;
+    EXPECT_EQ(found[fullPath + "|" + value.name], value.data) << value.name;
   }
 }
 

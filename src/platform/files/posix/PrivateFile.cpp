@@ -16,7 +16,7 @@ namespace {
 
 constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
 
-/// True for one that is missing, too.
+/// True for a missing one, too.
 bool isPrivate(const std::filesystem::path& path) {
   struct stat found {};
   return ::stat(path.c_str(), &found) != 0 || (found.st_mode & kOthers) == 0;
@@ -29,37 +29,37 @@ bool takeFromOthers(const std::filesystem::path& path, mode_t mode) {
   return isPrivate(path);
 }
 
-/// A program that runs for weeks stores settings with every key that is pressed.
-bool saidBefore(const std::filesystem::path& path) {
+/// A program that runs for weeks stores settings with every key that is pressed: one Notice is enough.
+bool reportedBefore(const std::filesystem::path& path) {
   static std::mutex guard;
-  static std::set<std::filesystem::path> said;
+  static std::set<std::filesystem::path> reported;
   const std::lock_guard lock(guard);
-  return !said.insert(path).second;
+  return !reported.insert(path).second;
 }
 
-void sayThatOthersCanRead(const std::filesystem::path& path) {
+void reportStillReadable(const std::filesystem::path& path) {
   const std::error_code error(errno, std::generic_category());
-  if (saidBefore(path)) return;
+  if (reportedBefore(path)) return;
   Notice("Other users may read " + path.string() +
          ", and its permissions cannot be changed: " + ErrorText(error) + ".");
 }
 
-void sayWhatWasChanged(const std::filesystem::path& path, const char* mode) {
+void reportNowPrivate(const std::filesystem::path& path, const char* mode) {
   Notice("Other users could read " + path.string() + ". Its permissions are now " + mode + ": only you can.");
 }
 
 }  // namespace
 
-void WritePrivateFile(const std::filesystem::path& file, std::string_view bytes,
-                      WholeFile::Survives survives) {
+void WritePrivateFile(const std::string& file, std::string_view bytes, AtomicFile::Survives survives) {
   const bool open = !isPrivate(file);
-  // Before the bytes are there. Another user's file is replaced by one of our own, which can then be changed.
+  // Before the bytes are written. Another user's file is replaced by our own, whose permissions can be
+  // changed then.
   if (open) takeFromOthers(file, 0600);
-  WholeFile whole(file, survives, WholeFile::Readers::owner);
+  AtomicFile whole(file, survives, AtomicFile::Readers::owner);
   whole.write(bytes);
   whole.commit();
   if (!open) return;
-  takeFromOthers(file, 0600) ? sayWhatWasChanged(file, "0600") : sayThatOthersCanRead(file);
+  takeFromOthers(file, 0600) ? reportNowPrivate(file, "0600") : reportStillReadable(file);
 }
 
 void MakePrivateFolder(const std::filesystem::path& folder) {
@@ -67,9 +67,9 @@ void MakePrivateFolder(const std::filesystem::path& folder) {
   if (::mkdir(folder.c_str(), 0700) == 0) return;
   const int error = errno;
   if (!std::filesystem::is_directory(folder))
-    throw std::system_error(error, std::generic_category(), "cannot make the folder " + folder.string());
+    throw std::system_error(error, std::generic_category(), "cannot create the folder " + folder.string());
   if (isPrivate(folder)) return;
-  takeFromOthers(folder, 0700) ? sayWhatWasChanged(folder, "0700") : sayThatOthersCanRead(folder);
+  takeFromOthers(folder, 0700) ? reportNowPrivate(folder, "0700") : reportStillReadable(folder);
 }
 
 }  // namespace quillmoor

@@ -1,4 +1,4 @@
-// A lock on a file: a number of a process left in it would be somebody else's after a crash.
+// A lock on a file: a process number left in a file would be another program's after a crash.
 #include "platform/files/SingleInstance.h"
 
 #include <fcntl.h>
@@ -14,14 +14,14 @@
 
 namespace quillmoor {
 
-SingleInstance::SingleInstance(Mark mark) {
+SingleInstance::SingleInstance(Lock lock) {
   try {
     const std::filesystem::path folder = UserConfigurationFolder() / "quillmoor";
     MakePrivateFolder(folder);
-    handle_ = ::open((folder / (mark == Mark::run ? "backup.lock" : "running.lock")).c_str(),
+    handle_ = ::open((folder / (lock == Lock::run ? "backup.lock" : "running.lock")).c_str(),
                      O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   } catch (const std::exception&) {
-    return;  // no place for the mark
+    return;  // no folder for the lock file
   }
   if (handle_ < 0) return;
   another_ = ::flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;

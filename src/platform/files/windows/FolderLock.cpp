@@ -11,8 +11,8 @@
 namespace quillmoor {
 namespace {
 
-/// A name for the lock that every program of this user's session makes of the same folder, in whatever case
-/// it is written.
+/// The name of the lock; the same for every program of this user's session, in whatever case the folder is
+/// written.
 std::wstring lockName(const std::filesystem::path& folder) {
   std::wstring full = std::filesystem::absolute(folder).native();
   ::CharUpperBuffW(full.data(), static_cast<DWORD>(full.size()));
@@ -26,7 +26,7 @@ FolderLock::FolderLock(const std::filesystem::path& folder) {
   if (attributes == INVALID_FILE_ATTRIBUTES) RaiseLastError("cannot lock", folder);
   const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, lockName(folder).c_str());
   if (!mutex) RaiseLastError("cannot lock", folder);
-  // A holder that was killed has left its lock abandoned, and its files whole.
+  // The lock of a killed process is abandoned and acquired all the same: its files are whole.
   ::WaitForSingleObject(mutex, INFINITE);
   handle_ = reinterpret_cast<std::intptr_t>(mutex);
 }

@@ -2,9 +2,8 @@
 
 namespace quillmoor {
 
-void WritePrivateFile(const std::filesystem::path& file, std::string_view bytes,
-                      WholeFile::Survives survives) {
-  WholeFile whole(file, survives, WholeFile::Readers::owner);
+void WritePrivateFile(const std::string& file, std::string_view bytes, AtomicFile::Survives survives) {
+  AtomicFile whole(file, survives, AtomicFile::Readers::owner);
   whole.write(bytes);
   whole.commit();
 }

@@ -10,7 +10,7 @@
 namespace quillmoor {
 namespace {
 
-/// The account as text; empty when the system does not tell.
+/// The account's SID as text; empty when it cannot be read.
 std::wstring accountId() {
   HANDLE token = nullptr;
   if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token)) return {};
@@ -29,11 +29,11 @@ std::wstring accountId() {
 
 }  // namespace
 
-/// Of all sessions of the user: he may be at the machine and at a remote desktop of it at once. A copy that
-/// runs as administrator does not let others open its mark.
-SingleInstance::SingleInstance(Mark mark) {
+/// Across all sessions of the user, who may be at the machine and at its remote desktop at once. Access is
+/// denied to the lock of a copy that runs as administrator.
+SingleInstance::SingleInstance(Lock lock) {
   const std::wstring name =
-      (mark == Mark::run ? L"Global\\Quillmoor-Run-" : L"Global\\Quillmoor-") + accountId();
+      (lock == Lock::run ? L"Global\\Quillmoor-Run-" : L"Global\\Quillmoor-") + accountId();
   const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, name.c_str());
   const DWORD error = ::GetLastError();
   another_ = mutex ? error == ERROR_ALREADY_EXISTS : error == ERROR_ACCESS_DENIED;

@@ -1,13 +1,12 @@
-// A file that is open without sharing and removed by the system with its last handle: nobody else can open
-// it, on this machine or, on a share, on another.
+// A file that is opened without sharing and removed by the system with its last handle: no other process can
+// open it, on this machine or, on a share, on another.
 #include "platform/files/TargetLock.h"
 
 #include <utility>
 
-#include "platform/files/LocalPath.h"
 #include "platform/files/ReservedNames.h"
+#include "platform/files/windows/RaiseError.h"
 #include "platform/system/windows/Handle.h"
-#include "platform/system/windows/SystemError.h"
 #include "platform/system/windows/WideText.h"
 #include "platform/system/windows/WindowsApi.h"
 
@@ -15,9 +14,9 @@ namespace quillmoor {
 namespace {
 
 constexpr int kTries = 26;
-constexpr DWORD kRestMs = 20;
+constexpr DWORD kRetryMs = 20;
 
-/// Keeps the folder's time of last change over what is done in its lifetime.
+/// Restores the folder's time of last change at the end of its life.
 class FolderTime {
  public:
   explicit FolderTime(const std::string& folder)
@@ -41,7 +40,7 @@ class FolderTime {
 }  // namespace
 
 std::unique_ptr<TargetLock> TargetLock::acquire(const std::string& folder) {
-  const std::string path = folder + kLocalSeparator + kLockFileName;
+  const std::string path = PathIn(folder, kLockFileName);
   const std::wstring wide = WidePath(path);
   const FolderTime keepTime(folder);
   for (int tries = 1;; ++tries) {
@@ -52,12 +51,9 @@ std::unique_ptr<TargetLock> TargetLock::acquire(const std::string& folder) {
       return std::unique_ptr<TargetLock>(new TargetLock(folder, reinterpret_cast<std::intptr_t>(file), true));
     const DWORD error = ::GetLastError();
     if (error == ERROR_SHARING_VIOLATION) return nullptr;
-    // Access is denied to a file that is just being removed, too.
-    if (error != ERROR_ACCESS_DENIED || tries == kTries) {
-      ::SetLastError(error);
-      RaiseLastError("cannot open", LocalPath(path));
-    }
-    ::Sleep(kRestMs);
+    // Access is denied also while the file is being removed.
+    if (error != ERROR_ACCESS_DENIED || tries == kTries) RaiseError("cannot open", path, error);
+    ::Sleep(kRetryMs);
   }
 }
 

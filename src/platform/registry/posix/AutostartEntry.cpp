@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "platform/files/WholeFile.h"
+#include "platform/files/AtomicFile.h"
 #include "platform/files/WorkFolder.h"
 #include "platform/system/posix/UserFolders.h"
 
@@ -57,7 +57,7 @@ void WriteAutostartEntry(const std::string& name, const std::string& program) {
   if (holds(file, text)) return;
   std::filesystem::create_directories(file.parent_path());
   RemoveStaleTemporaries(file.parent_path());
-  WholeFile entry(file);
+  AtomicFile entry(file.string());
   entry.write(text);
   entry.commit();
 }

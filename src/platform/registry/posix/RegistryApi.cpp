@@ -79,7 +79,7 @@ void modify(Change change) {
     Keys keys = load();
     if (!change(keys)) return;
     RemoveStaleTemporaries(file.parent_path());
-    WritePrivateFile(file, formatRegistryFile(keys), WholeFile::Survives::power);
+    WritePrivateFile(file, formatRegistryFile(keys), AtomicFile::Survives::power);
   } catch (const std::system_error& error) {
     throw RegistryStoreError(std::string("The settings cannot be written: ") + error.what() + ".");
   }

@@ -1,4 +1,4 @@
-// Local times by the rules of a zone that is handed in: the machine's own zone is not a test's to choose.
+// Local times by the rules of a given zone, since a test cannot choose the machine's own.
 #include "platform/system/windows/SystemTime.h"
 
 #include "../LocalTimeCases.h"
@@ -9,42 +9,30 @@ namespace {
 using std::chrono::seconds;
 using std::chrono::sys_seconds;
 
-/// A change of the clock on the `week`th Sunday of the month; 5 is the last one.
-struct Change {
-  WORD month, week, hour;
-};
-
-TIME_ZONE_INFORMATION zone(LONG bias, LONG daylight, Change toDaylight, Change toStandard) {
-  TIME_ZONE_INFORMATION rules{};
-  rules.Bias = bias;
-  rules.DaylightBias = daylight;
-  rules.DaylightDate.wMonth = toDaylight.month;
-  rules.DaylightDate.wDay = toDaylight.week;
-  rules.DaylightDate.wHour = toDaylight.hour;
-  rules.StandardDate.wMonth = toStandard.month;
-  rules.StandardDate.wDay = toStandard.week;
-  rules.StandardDate.wHour = toStandard.hour;
-  return rules;
+/// 2 or 3 o'clock of the `week`th Sunday of the month; 5 is the last one.
+constexpr SYSTEMTIME sunday(WORD month, WORD week, WORD hour) {
+  return {0, month, 0, week, hour, 0, 0, 0};
 }
+constexpr SYSTEMTIME kNever{};
 
+/// Minutes behind UTC, the start of standard time, the start of daylight time and the minutes that it adds.
 const struct {
   const char* name;
   TIME_ZONE_INFORMATION rules;
 } kZones[] = {
-    {"UTC", zone(0, 0, {0, 0, 0}, {0, 0, 0})},
-    {"central Europe", zone(-60, -60, {3, 5, 2}, {10, 5, 3})},
-    {"eastern America", zone(300, -60, {3, 2, 2}, {11, 1, 2})},
-    {"southern Australia", zone(-600, -60, {10, 1, 2}, {4, 1, 3})},
-    {"an island of half an hour", zone(-630, -30, {10, 1, 2}, {4, 1, 2})},
-    {"Nepal", zone(-345, 0, {0, 0, 0}, {0, 0, 0})},
+    {"UTC", {0, L"", kNever, 0, L"", kNever, 0}},
+    {"central Europe", {-60, L"", sunday(10, 5, 3), 0, L"", sunday(3, 5, 2), -60}},
+    {"eastern America", {300, L"", sunday(11, 1, 2), 0, L"", sunday(3, 2, 2), -60}},
+    {"southern Australia", {-600, L"", sunday(4, 1, 3), 0, L"", sunday(10, 1, 2), -60}},
+    {"an island of half an hour", {-630, L"", sunday(4, 1, 2), 0, L"", sunday(10, 1, 2), -30}},
+    {"Nepal", {-345, L"", kNever, 0, L"", kNever, 0}},
 };
 
 TEST(LocalTime, GoesToUtcAndBack) {
   for (const auto& zone : kZones) {
-    const TIME_ZONE_INFORMATION& rules = zone.rules;
     testing::expectLocalTimes(
-        zone.name, [&](sys_seconds utc) { return UtcToLocal(utc, rules); },
-        [&](LocalDateTime local) { return LocalToUtc(local, rules); });
+        zone.name, [&](sys_seconds utc) { return UtcToLocal(utc, zone.rules); },
+        [&](LocalDateTime local) { return LocalToUtc(local, zone.rules); });
   }
 }
 

@@ -1,26 +1,22 @@
-// Text on its way to the system and back, and files that the plain form of a path cannot reach.
+// Text as the system takes it, and the form of paths that are longer than its plain one allows.
 #include "platform/system/windows/WideText.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files/FileTimes.h"
-#include "platform/files/LocalFiles.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/Files.h"
 #include "platform/files/LocalPath.h"
-#include "platform/files/WholeFile.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmoor {
 namespace {
 
-TEST(WideText, GoesThereAndBack) {
+TEST(WideText, ConvertsToUtf16AndBack) {
   const struct {
     const char* utf8;
     std::wstring wide;
   } cases[] = {{"", L""},
-               {"abc", L"abc"},
-               {"gr\xC3\xBC\xC3\x9F"
-                "e",
-                L"gr\u00FC\u00DFe"},
+               {"gr\xC3\xBC\xC3\x9F", L"gr\u00FC\u00DF"},
                {"\xE6\x97\xA5", L"\u65E5"},
                {"\xF0\x9F\x98\x80", {0xD83D, 0xDE00}}};
   for (const auto& c : cases) {
@@ -72,14 +68,12 @@ TEST(CodePage, ComparesWholeCharacters) {
                {1252, "", "a", -1}};
   const auto sign = [](int order) { return (order > 0) - (order < 0); };
   for (const auto& c : cases) {
-    EXPECT_EQ(sign(CompareAnsiNames(c.a, c.b, c.codePage)), c.order)
-        << c.codePage << " " << c.a << " " << c.b;
-    EXPECT_EQ(sign(CompareAnsiNames(c.b, c.a, c.codePage)), -c.order)
-        << c.codePage << " " << c.a << " " << c.b;
+    EXPECT_EQ(sign(CompareAnsiNames(c.a, c.b, c.codePage)), c.order) << c.codePage << " " << c.a;
+    EXPECT_EQ(sign(CompareAnsiNames(c.b, c.a, c.codePage)), -c.order) << c.codePage << " " << c.a;
   }
 }
 
-TEST(WidePath, LiftsTheLimitOfLength) {
+TEST(WidePath, TakesTheUnlimitedFormWhenItIsLong) {
   EXPECT_EQ(WidePath(std::string("C:\\short")), L"C:\\short");
   const std::string name(200, 'n');
   EXPECT_EQ(WidePath("C:\\" + name + "/" + name), Widen("\\\\?\\C:\\" + name + "\\" + name));
@@ -94,25 +88,25 @@ TEST(WidePath, ReachesDeepFilesWithNamesOutsideTheCodePage) {
   std::string deep = LocalPathText(folder.path());
   for (int i = 0; i < 5; ++i) {
     deep += "\\\xE6\x97\xA5\xE6\x9C\xAC-" + std::string(100, static_cast<char>('a' + i));
-    ASSERT_TRUE(CreateLocalFolder(deep)) << deep;
+    ASSERT_FALSE(createFolder(deep)) << deep;
   }
-  EXPECT_TRUE(LocalFolderExists(deep));
+  EXPECT_TRUE(folderExists(deep));
   const std::string file = deep + "\\\xD0\x9F.txt";
   {
-    WholeFile whole{LocalPath(file)};
+    AtomicFile whole(file);
     whole.write("x");
     whole.commit();
   }
-  EXPECT_TRUE(LocalPathExists(file));
-  EXPECT_FALSE(LocalFolderExists(file));
+  EXPECT_TRUE(pathExists(file));
+  EXPECT_FALSE(folderExists(file));
   const std::chrono::sys_seconds time{std::chrono::seconds(1231981200)};
-  EXPECT_TRUE(WriteModifiedTime(file, time));
-  ASSERT_TRUE(ReadFileTimes(file));
-  EXPECT_EQ(ReadFileTimes(file)->modified, time);
+  EXPECT_TRUE(setModifiedTime(file, time));
+  ASSERT_TRUE(fileTimes(file));
+  EXPECT_EQ(fileTimes(file)->modified, time);
   // What made them must take them away: the folder's own removal does not reach so deep.
-  EXPECT_TRUE(RemoveLocalFile(file));
+  EXPECT_TRUE(removeFile(file));
   for (int i = 0; i < 5; ++i) {
-    EXPECT_TRUE(RemoveLocalFile(deep));
+    EXPECT_TRUE(removeFolder(deep));
     deep.resize(deep.rfind('\\'));
   }
 }

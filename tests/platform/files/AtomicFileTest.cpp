@@ -1,5 +1,6 @@
-// Files and sets that are being written: they appear whole, and only what nobody writes any more is removed.
-#include "platform/files/WholeFile.h"
+// Files and sets that are being written: they appear whole, and only what no living process writes is
+// removed.
+#include "platform/files/AtomicFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +8,7 @@
 #include <memory>
 #include <system_error>
 
-#include "platform/files/ArchiveFiles.h"
+#include "platform/files/Files.h"
 #include "platform/files/LocalPath.h"
 #include "platform/files/ReservedNames.h"
 #include "platform/files/WorkFolder.h"
@@ -21,45 +22,40 @@ using testing::filesIn;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
-TEST(WholeFile, ReplacesTheTargetOnlyAtCommit) {
+TEST(AtomicFile, ReplacesTheTargetOnlyAtCommit) {
   const TemporaryFolder folder;
   writeFile(folder / "a", "old");
   {
-    WholeFile file(folder / "a", WholeFile::Survives::power);
+    AtomicFile file(LocalPathText(folder / "a"), AtomicFile::Survives::power);
     file.write("new");
-    WholeFile other(folder / "b");
+    AtomicFile other(LocalPathText(folder / "b"));
     other.write("another writer's");
     EXPECT_EQ(contentsOf(folder / "a"), "old");
     file.commit();
   }
   EXPECT_EQ(contentsOf(folder / "a"), "new");
-  EXPECT_EQ(filesIn(folder.path()), 1U) << "of the one that was given up, nothing";
+  EXPECT_EQ(filesIn(folder.path()), 1U) << "nothing of the one that was not committed";
 }
 
-TEST(WholeFile, LeavesWhatBearsItsTemporaryNameAlone) {
+TEST(AtomicFile, LeavesAFileOfItsTemporaryNameAlone) {
   const TemporaryFolder folder;
   const std::string last = NewTemporaryName();
   const std::size_t dash = last.rfind('-');
   const std::string next =
       last.substr(0, dash + 1) + std::to_string(std::stoull(last.substr(dash + 1)) + 1) + ".tmp";
-  writeFile(folder / next, "somebody's");
-  WholeFile file(folder / "a");
+  writeFile(folder / next, "another's");
+  AtomicFile file(LocalPathText(folder / "a"));
   file.write("new");
   file.commit();
   EXPECT_EQ(contentsOf(folder / "a"), "new");
-  EXPECT_EQ(contentsOf(folder / next), "somebody's");
+  EXPECT_EQ(contentsOf(folder / next), "another's");
 }
 
-TEST(WholeFile, NamesTheFileInItsError) {
+TEST(AtomicFile, NamesTheFileInItsError) {
   const TemporaryFolder folder;
   std::filesystem::create_directory(folder / "a");
-  try {
-    WholeFile file(folder / "a");
-    file.commit();  // a folder stands under the name
-    FAIL() << "not raised";
-  } catch (const std::system_error& error) {
-    EXPECT_NE(std::string(error.what()).find((folder / "a").string()), std::string::npos) << error.what();
-  }
+  EXPECT_THAT([&] { AtomicFile(LocalPathText(folder / "a")).commit(); },
+              ::testing::ThrowsMessage<std::system_error>(::testing::HasSubstr((folder / "a").string())));
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
@@ -72,12 +68,12 @@ TEST(StaleTemporaries, AreRemovedAndThoseOfLivingWritersAreNot) {
   const std::string killedSet = NewTemporaryName();
   std::filesystem::create_directory(folder / killedSet);
   for (const char* const name : {".quillmoor-lock", "1", "2"}) writeFile(folder / killedSet / name, "half");
-  // Of the user, and of an exchange that has to be ended first.
+  // The user's, and an exchange that has to be ended first.
   const std::vector<std::string> kept = {".quillmoor-unfinished-a.zip", "quillmoor-unfinished-1.tmp",
                                          "x.tmp"};
   for (const std::string& name : kept) writeFile(folder / name, "kept");
 
-  WholeFile file(folder / "a");
+  AtomicFile file(LocalPathText(folder / "a"));
   file.write("whole");
   auto set = std::make_unique<WorkFolder>(parent);
   writeFile(LocalPath(set->file(1)), "whole");
@@ -86,10 +82,9 @@ TEST(StaleTemporaries, AreRemovedAndThoseOfLivingWritersAreNot) {
   EXPECT_EQ(contentsOf(folder / "a"), "whole");
   std::filesystem::rename(LocalPath(set->file(1)), folder / "b");
   set.reset();
-  std::vector<std::string> left;
-  for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-    left.push_back(LocalPathText(entry.path().filename()));
-  EXPECT_THAT(left, ::testing::UnorderedElementsAre(kept[0], kept[1], kept[2], "a", "b"));
+  EXPECT_EQ(filesIn(folder.path()), kept.size() + 2);
+  for (const std::string& name : kept) EXPECT_EQ(contentsOf(folder / name), "kept");
+  EXPECT_EQ(contentsOf(folder / "b"), "whole");
 }
 
 TEST(TargetLock, HoldsAFolderOnceAndKeepsItsTime) {
@@ -102,10 +97,10 @@ TEST(TargetLock, HoldsAFolderOnceAndKeepsItsTime) {
     ASSERT_TRUE(lock);
     EXPECT_TRUE(lock->enforced());
     EXPECT_FALSE(TargetLock::acquire(path));
-    EXPECT_EQ(folderState(path).modifiedSeconds, kTime);
+    EXPECT_EQ(fileState(path).modifiedSeconds, kTime);
   }
   EXPECT_EQ(filesIn(folder.path()), 0U);
-  EXPECT_EQ(folderState(path).modifiedSeconds, kTime);
+  EXPECT_EQ(fileState(path).modifiedSeconds, kTime);
 
   writeFile(folder / kLockFileName, "of a process that was killed");
   EXPECT_TRUE(TargetLock::acquire(path));
