@@ -10,7 +10,6 @@
 #include "platform/files/Files.h"
 #include "platform/zip/ZipArchiveFixture.h"
 #include "platform/zip/ZipFormat.h"
-#include "sfx/EntryName.h"
 
 namespace quillmoor::sfx {
 namespace {
@@ -131,15 +130,6 @@ TEST_F(UnpackTest, RefusesNamesThatLeadElsewhereAndUnpacksTheRest) {
   for (const std::string& line : refused) EXPECT_EQ(line.find_first_of("\n\x1b"), std::string::npos) << line;
 }
 
-TEST(EntryName, HasNoPartThatWindowsReadsAsSomethingElse) {
-  const auto rules = LocalNameRules::windows;
-  for (const char* const name : {"C:/evil", "a/b:stream", "\\\\host\\share", "a/con.txt", "a/ /b"})
-    EXPECT_FALSE(partsOf(name, rules)) << name;
-  EXPECT_THAT(*partsOf("a b/.htaccess", rules), ElementsAre("a b", ".htaccess"));
-  EXPECT_THAT(*partsOf("folder/", rules), ElementsAre("folder"));
-  EXPECT_TRUE(partsOf("C:colon", LocalNameRules::posix)) << "an ordinary name there";
-}
-
 TEST_F(UnpackTest, ReportsAWrongPasswordBeforeItWritesAnything) {
   put("a", "secret");
   const std::string program = made("right");
@@ -214,16 +204,6 @@ TEST_F(UnpackTest, ReadsADamagedArchiveAsItWasOrRefusesIt) {
     }
     EXPECT_GT(refusals, changes / 4);
   }
-}
-
-TEST_F(UnpackTest, TestsWithoutWriting) {
-  put("a", text(1000));
-  const std::string program = made("p");
-  ZipReader reader(program);
-  EXPECT_EQ(summaryOf(reader).bytes, 1000U);
-  EXPECT_TRUE(summaryOf(reader).encrypted);
-  EXPECT_EQ(test(reader, "p", events).files, 1U);
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "target"));
 }
 
 }  // namespace

@@ -88,6 +88,7 @@ quietly 7z t "-ppass wörd" set/a.zip
 status() { local got=0; "$@" >out 2>&1 || got=$?; echo "$got"; }
 [ "$(status ours set/a.exe x <<<"pass wörd")" = 0 ] || fail "the set does not unpack itself"
 same x "itself, in segments and encrypted"
+[ "$(status ours set/a.exe --test <<<"pass wörd")" = 0 ] && [ ! -e set/a ] || fail "a sound set does not pass, or is unpacked"
 [ "$(status ours set/a.exe --test <<<"pass word")" = 4 ] || fail "a wrong password is not told"
 [ "$(wc -l <out)" = 1 ] || fail "not one line for a wrong password"
 [ "$(status ours set/a.exe --test </dev/null)" = 5 ] || fail "a missing password is not told"

@@ -1,5 +1,5 @@
 // A process that replaces a file, an archive in segments and a copy of that is killed at its first call that
-// changes a name, at its second, and so on until it gets through. And one that holds a folder is killed.
+// changes a name, at its second, and so on until it gets through.
 #include <process.h>
 #include <windows.h>
 
@@ -16,9 +16,7 @@
 #include "platform/files/AtomicFile.h"
 #include "platform/files/CopyFile.h"
 #include "platform/files/FileSet.h"
-#include "platform/files/ReservedNames.h"
-#include "platform/files/TargetLock.h"
-#include "platform/files/WorkFolder.h"
+#include "platform/files/WholeFile.h"
 #include "platform/zip/ZipArchive.h"
 
 // The entries of the import table through which the whole program calls these functions.
@@ -36,7 +34,6 @@ namespace fs = std::filesystem;
 using Files = std::map<std::string, std::string>;  // contents by path
 
 constexpr UINT kKilled = 9;
-constexpr const char* kReady = "Quillmoor-Test-Folder-Held";
 constexpr std::int64_t kSegment = 65'536;
 
 // --- in the child
@@ -79,27 +76,10 @@ void replaceAll(const fs::path& work, const std::string& word) {
   CopyWholeFiles(copies, {});
 }
 
-[[noreturn]] void holdFolder(const fs::path& folder) {
-  const auto lock = TargetLock::acquire(folder.string());
-  AtomicFile file((folder / "file").string());
-  const WorkFolder set(folder.string() + "\\");
-  ::SetEvent(::OpenEventA(EVENT_MODIFY_STATE, FALSE, kReady));
-  ::Sleep(INFINITE);
-  std::abort();
-}
-
 // --- in the test
 
 void expect(bool holds, const std::string& what) {
   if (!holds) throw std::runtime_error(what);
-}
-
-/// Starts this program with two arguments; returns its exit status, or its handle when not waited for.
-std::intptr_t start(int mode, const std::string& first, const fs::path& second) {
-  const std::string path = "\"" + second.string() + "\"";
-  const std::intptr_t result = ::_spawnl(mode, _pgmptr, "child", first.c_str(), path.c_str(), nullptr);
-  expect(result != -1, "the child cannot be started");
-  return result;
 }
 
 Files filesIn(const fs::path& folder) {
@@ -131,6 +111,7 @@ void killAtEachMove(const fs::path& work) {
   for (const char* const folder : folders) after[folder] = filesIn(work / folder);
   expect(former["copies"].size() == 2 && after["copies"].size() == 4, "not the sets that are meant");
 
+  const std::string quoted = "\"" + work.string() + "\"";
   int n = 1;
   for (;; ++n) {
     for (const char* const folder : folders) {
@@ -139,7 +120,8 @@ void killAtEachMove(const fs::path& work) {
       for (const auto& [name, contents] : former[folder])
         std::ofstream(work / folder / name, std::ios::binary) << contents;
     }
-    const std::intptr_t status = start(_P_WAIT, std::to_string(n), work);
+    const std::intptr_t status =
+        ::_spawnl(_P_WAIT, _pgmptr, "child", std::to_string(n).c_str(), quoted.c_str(), nullptr);
     if (status == 0) break;
     expect(status == kKilled, "the child has failed");
     for (const char* const folder : folders) {
@@ -155,28 +137,10 @@ void killAtEachMove(const fs::path& work) {
   std::printf("ok: killed at each of %d calls\n", n - 1);
 }
 
-void killAHolder(const fs::path& work) {
-  const fs::path folder = work / "held";
-  fs::create_directory(folder);
-  const HANDLE event = ::CreateEventA(nullptr, TRUE, FALSE, kReady);
-  const auto child = reinterpret_cast<HANDLE>(start(_P_NOWAIT, "hold", folder));
-  const HANDLE either[] = {event, child};
-  expect(::WaitForMultipleObjects(2, either, FALSE, INFINITE) == WAIT_OBJECT_0, "the holder has failed");
-  expect(!TargetLock::acquire(folder.string()), "a second process holds the folder");
-  RemoveStaleTemporaries(folder.string());
-  expect(ReservedNamesIn(folder.string()).size() == 3, "what a living process writes was removed");
-  ::TerminateProcess(child, kKilled);
-  ::WaitForSingleObject(child, INFINITE);
-  expect(TargetLock::acquire(folder.string()) != nullptr, "the lock outlives its process");
-  RemoveStaleTemporaries(folder.string());
-  expect(fs::is_empty(folder), "what a killed process has left stays");
-}
-
 }  // namespace
 
 int main(int count, char** arguments) {
   if (count == 3) {
-    if (arguments[1] == std::string("hold")) holdFolder(arguments[2]);
     killAt = std::atoi(arguments[1]);
     countCalls();
     replaceAll(arguments[2], "new");
@@ -188,7 +152,6 @@ int main(int count, char** arguments) {
   int status = 0;
   try {
     killAtEachMove(work);
-    killAHolder(work);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "FAILED: %s\n", error.what());
     status = 1;

@@ -128,23 +128,6 @@ TEST_F(FtpTransferTest, FetchesFilesEveryWayADataConnectionCanBeOpened) {
   }
 }
 
-TEST_F(FtpTransferTest, UsesTheRangeOfDataPorts) {
-  client.setPassive(false);
-  login();
-  server.addFile("/f", "x");
-  client.dataPortRange = "49200:49299";
-  fetched();
-  unsigned high = 0, low = 0;
-  const std::string sent = received(server);
-  std::sscanf(sent.substr(sent.find("PORT")).c_str(), "PORT 127,0,0,1,%u,%u", &high, &low);
-  EXPECT_GE(high * 256 + low, 49200U);
-  EXPECT_LE(high * 256 + low, 49299U);
-  for (const char* bad : {"", "5", "9:8", "0:5", "1:70000", "1:2x"}) {
-    client.dataPortRange = bad;
-    EXPECT_EQ(numberOf([&] { fetched(); }), number(badArgument)) << bad;
-  }
-}
-
 TEST_F(FtpTransferTest, ConvertsTextAndNothingElse) {
   const char* const kSent = "a\r\nb\r\nc\r\r\nd\r";
   login();
@@ -376,21 +359,6 @@ TEST_F(FtpTransferTest, FindsOutHowTheServerTakesAByte255) {
       EXPECT_TRUE(errors.empty()) << errors[0];
     }
   }
-}
-
-TEST_F(FtpTransferTest, ReportsADataConnectionThatTheServerNeverOpens) {
-  client.setPassive(false);
-  login();
-  server.once("RETR", replies("425 Will not."));
-  EXPECT_EQ(numberOf([&] { fetched(); }), 425);
-  client.timeoutMs = kEnoughMs;
-  server.once("RETR", [](Session& s) {
-    s.reply("150 Any minute now.");
-    s.waitForClient();
-    s.reply("425 Could not.");
-  });
-  EXPECT_EQ(numberOf([&] { fetched(); }), number(timedOut));
-  EXPECT_EQ(filesIn(folder.path()), 0U);
 }
 
 TEST_F(FtpTransferTest, AnAbortEndsATransferWithoutAHangOrAHalfFile) {

@@ -8,12 +8,12 @@ namespace quillmoor {
 namespace {
 
 using namespace testing;  // of this project
+using ::testing::_;
 using ::testing::ElementsAre;
+using ::testing::FieldsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
-using ::testing::Property;
 using ::testing::StartsWith;
-using ::testing::Throws;
 using Script = ScriptedSocksServer::Script;
 using Then = Script::Then;
 using enum FtpProxyType;
@@ -40,24 +40,27 @@ class SocksSessionTest : public FtpClientTest {
   ScriptedSocksServer proxy;
 };
 
-TEST_F(SocksSessionTest, RefusesArgumentsThatNoMessageCanHold) {
-  const std::string longest(255, 'x'), tooLong(256, 'x');
-  const auto request = [](const SocksLogin& login, const std::string& host) {
-    return [=] { return socksRequest(SocksCommand::connect, login, {host, 21}); };
-  };
-  const auto password = [](const std::string& user, const std::string& secret) {
-    return [=] { return socksPassword({SocksVersion::v5, user, secret}); };
-  };
-  const auto four = [](const std::string& user) { return SocksLogin{SocksVersion::v4, user, ""}; };
-  const auto refuses = Throws<NetError>(Property(&NetError::failure, NetFailure::badArgument));
-  EXPECT_EQ(request({}, longest)().size(), 4U + 1 + 255 + 2);
-  EXPECT_THAT(request({}, tooLong), refuses);
-  for (const std::string& host : {tooLong, std::string("2001:db8::1")})
-    EXPECT_THAT(request(four(""), host), refuses);
-  for (const std::string& user : {tooLong, std::string("a\0b", 3)})
-    EXPECT_THAT(request(four(user), "a"), refuses);
-  EXPECT_THAT(password(tooLong, ""), refuses);
-  EXPECT_THAT(password("joe", tooLong), refuses);
+TEST_F(SocksSessionTest, RefusesWhatNoMessageCanHold) {
+  const std::string tooLong(256, 'x');
+  const struct {
+    FtpProxyType type;
+    std::string userName, password, host;
+  } cases[] = {{socks5, "", "", tooLong},
+               {socks4, "", "", tooLong},
+               {socks4, "", "", "2001:db8::1"},
+               {socks4, tooLong, "", kHost},
+               {socks5, tooLong, "", kHost},
+               {socks5, "joe", tooLong, kHost},
+               {socks4, std::string("a\0b", 3), "", kHost}};
+  for (const auto& c : cases) {
+    client.proxyUserName = c.userName;
+    client.proxyPassword = c.password;
+    EXPECT_EQ(numberOf([&] { loginBy(c.type, c.host); }), number(badArgument)) << c.host;
+  }
+  const std::string longest(255, 'x');
+  client.proxyUserName = client.proxyPassword = longest;
+  loginBy(socks5, longest);
+  EXPECT_EQ(proxy.requests().back().host + proxy.requests().back().password, longest + longest);
 }
 
 TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
@@ -93,11 +96,9 @@ TEST_F(SocksSessionTest, LeadsEveryConnectionThroughTheProxy) {
     const auto requests = proxy.requests();
     ASSERT_EQ(requests.size(), before + 3);
     for (std::size_t i = before; i < requests.size(); ++i) {
-      EXPECT_EQ(requests[i].version, c.version);
-      EXPECT_EQ(requests[i].host, c.host);
-      EXPECT_EQ(requests[i].userName, c.userName);
-      EXPECT_EQ(requests[i].password, c.version == 5 && *c.userName ? "a=b/" : "");
-      EXPECT_EQ(requests[i].command, i == before ? 1 : c.dataCommand);
+      const char* const password = c.version == 5 && *c.userName ? "a=b/" : "";
+      EXPECT_THAT(requests[i],
+                  FieldsAre(c.version, i == before ? 1 : c.dataCommand, c.host, _, c.userName, password));
     }
   }
   EXPECT_THAT(shownTexts(), Not(HasSubstr("rror")));
@@ -135,10 +136,8 @@ TEST_F(SocksSessionTest, SaysWhatTheProxyRefuses) {
     const char* words;
   } cases[] = {
       {socks5, "", {.reply = five(2)}, proxyRefused, "rules do not allow"},
-      {socks5, "", {.reply = five(8)}, proxyRefused, "kind of address"},
       {socks5, "", {.reply = five(200)}, proxyRefused, "code 200"},
       {socks4, "", {.reply = four(0x5B)}, proxyRefused, "rejects the request"},
-      {socks4, "", {.reply = four(0x5D)}, proxyRefused, "another user"},
       {socks4, "", {.reply = four(0)}, proxyRefused, "code 0"},
       // A refusal that is cut off after its code is still one.
       {socks5, "", {.reply = bytes({5, 5})}, proxyRefused, "host refuses"},
@@ -146,11 +145,10 @@ TEST_F(SocksSessionTest, SaysWhatTheProxyRefuses) {
       {socks5, "u", {.greeting = bytes({5, 255})}, proxyRefused, "accepts neither"},
       {socks5, "u", {.greeting = bytes({5, 1})}, proxyRefused, "accepts neither"},
       {socks5, "u", {.login = bytes({1, 1})}, proxyRefused, "password is wrong"},
-      {socks5, "", {.greeting = "220 An FTP server.\r\n"}, badReply, "not a SOCKS 5"},
-      {socks5, "u", {.login = "550 what"}, badReply, "not a SOCKS 5"},
-      {socks5, "", {.reply = bytes({5, 0, 0, 9, 1})}, badReply, "not a SOCKS 5"},
-      {socks4, "", {.reply = "HTTP/1.1 400"}, badReply, "not a SOCKS 4"},
-      {socks4, "", {.reply = bytes({5, 255})}, badReply, "not a SOCKS 4"},
+      {socks5, "", {.greeting = "220 An FTP server.\r\n"}, badReply, "no SOCKS 5"},
+      {socks5, "u", {.login = "550 what"}, badReply, "no SOCKS 5"},
+      {socks5, "", {.reply = bytes({5, 0, 0, 9, 1})}, badReply, "no SOCKS 5"},
+      {socks4, "", {.reply = "HTTP/1.1 400"}, badReply, "no SOCKS 4"},
       // Cut off.
       {socks5, "", {.greeting = ""}, connectionLost, "proxy closed"},
       {socks5, "", {.greeting = bytes({5})}, connectionLost, "proxy closed"},
@@ -158,7 +156,6 @@ TEST_F(SocksSessionTest, SaysWhatTheProxyRefuses) {
       {socks5, "", {.reply = five(0).substr(0, 9)}, connectionLost, "proxy closed"},
       {socks4, "", {.reply = four(0x5A).substr(0, 7)}, connectionLost, "proxy closed"},
       // Silent, and so slow that it comes to the same.
-      {socks5, "", {.greeting = bytes({5}), .then = Then::staySilent}, timedOut, "did not answer"},
       {socks4, "", {.reply = four(0x5A).substr(0, 7), .then = Then::staySilent}, timedOut, "did not answer"},
       {socks5, "", {.pause = std::chrono::milliseconds(kShortMs / 5)}, timedOut, "did not answer"},
   };
@@ -181,43 +178,29 @@ TEST_F(SocksSessionTest, TakesEveryFormOfAGrantByteByByte) {
       {socks5, bytes({5, 0, 0, 3, 2, 'a', 'b', 0, 21})},
       {socks5, bytes({5, 0, 0, 3, 0, 0, 21})},
   };
-  client.setPassive(false);
   client.proxyUserName = "u";
-  int pumped = 0;
-  client.pump = [&] { ++pumped; };
   for (const auto& [type, grant] : cases) {
     proxy.set({.reply = grant, .then = Then::goOn, .pause = std::chrono::milliseconds(3)});
-    pumped = 0;
     loginBy(type);
-    EXPECT_GE(pumped, 2) << "7 bytes at least and 3 ms each";
     client.logout();
   }
   proxy.set({.pause = std::chrono::milliseconds(3)});
+  client.setPassive(false);
   loginBy(socks5);
   EXPECT_EQ(fetched(), "hello");
 }
 
-TEST_F(SocksSessionTest, CanBeAbortedAnywhere) {
-  const struct {
-    Script script;
-    int spare;  // 1: in a data connection
-    bool passive = true;
-  } cases[] = {{{.login = "", .then = Then::staySilent}, 0},
-               {{.reply = bytes({5, 0}), .then = Then::staySilent}, 0},
-               {{.reply = "", .then = Then::staySilent}, 1},
-               {{.reply = "", .then = Then::staySilent}, 1, false}};
-  client.proxyUserName = "u";
-  for (const auto& c : cases) {
+TEST_F(SocksSessionTest, CanBeAbortedInADataConnection) {
+  for (const bool passive : {true, false}) {
     client.pump = nullptr;
-    client.setPassive(c.passive);
-    proxy.set(c.script, c.spare);
-    if (c.spare != 0) loginBy(socks5);
+    client.setPassive(passive);
+    proxy.set({.reply = "", .then = Then::staySilent}, 1);
+    loginBy(socks5);
     const std::size_t before = proxy.requests().size();
-    int pumped = 0;
     client.pump = [&] {
-      if (++pumped >= 5 && (c.spare == 0 || proxy.requests().size() > before)) client.abort();
+      if (proxy.requests().size() > before) client.abort();
     };
-    EXPECT_EQ(numberOf([&] { c.spare == 0 ? loginBy(socks5) : void(client.list()); }), number(aborted));
+    EXPECT_EQ(numberOf([&] { client.list(); }), number(aborted));
     EXPECT_EQ(client.state(), FtpState::closed);
   }
 }
@@ -261,13 +244,6 @@ TEST_F(SocksSessionTest, NamesTheProxysAddressWhereItReturnsNone) {
   loginBy(socks5);
   EXPECT_EQ(numberOf([&] { fetched(); }), 425);
   EXPECT_EQ(server.count("PORT 127,0,0,1,18,52"), 1U);
-}
-
-TEST_F(SocksSessionTest, ReportsAProxyThatIsNotThere) {
-  { client.proxyPort = ScriptedSocksServer().port(); }
-  const FtpError error = errorOf([&] { loginBy(socks5); });
-  EXPECT_EQ(error.number(), number(connectFailed));
-  EXPECT_THAT(error.what(), HasSubstr("Cannot connect to the proxy 127.0.0.1"));
 }
 
 }  // namespace

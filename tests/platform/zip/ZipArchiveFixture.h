@@ -1,10 +1,11 @@
-// An archive, the folder it is made of, and a folder to write it to.
+// An archive, the folder it is made from, and a folder to write it to.
 #pragma once
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -52,7 +53,7 @@ class ZipArchiveTest : public ::testing::Test {
     return names;
   }
 
-  /// Text that deflate makes short, and bytes that it cannot.
+  /// Text that deflate makes short, and bytes that it does not.
   static std::string text(std::size_t size) {
     std::string bytes;
     bytes.reserve(size + 16);
@@ -63,13 +64,8 @@ class ZipArchiveTest : public ::testing::Test {
   }
   static std::string noise(std::size_t size) {
     std::string bytes(size, '\0');
-    std::uint64_t state = 88172645463325252U;
-    for (char& byte : bytes) {
-      state ^= state << 13;
-      state ^= state >> 7;
-      state ^= state << 17;
-      byte = static_cast<char>(state >> 24);
-    }
+    std::mt19937 random(1);
+    for (char& byte : bytes) byte = static_cast<char>(random());
     return bytes;
   }
 

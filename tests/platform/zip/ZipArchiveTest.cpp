@@ -41,6 +41,8 @@ TEST_F(ZipArchiveTest, KeepsContentsAroundTheSizesWhereItsWaysChange) {
     contents["first-text" + std::to_string(size)] = text(size / 2) + noise(size - size / 2);
   }
   for (const auto& [name, bytes] : contents) put(name, bytes);
+  int pumped = 0;
+  archive.pump = [&] { pumped += archive.busy(); };
   for (const std::optional<std::string>& password :
        {std::optional<std::string>(), std::optional<std::string>("geheim")}) {
     for (const std::optional<ZipSegmentOptions>& segments :
@@ -61,8 +63,9 @@ TEST_F(ZipArchiveTest, KeepsContentsAroundTheSizesWhereItsWaysChange) {
       }
     }
   }
+  EXPECT_GT(pumped, 4) << "and not only once for each archive";
+  EXPECT_FALSE(archive.busy());
   EXPECT_THAT(errors, IsEmpty());
-  EXPECT_THAT(filesOut(), ::testing::Contains("a.zip"));
 }
 
 TEST_F(ZipArchiveTest, EndsEverySegmentAtItsSizeAndNoRecordAcrossTwo) {
@@ -187,31 +190,18 @@ TEST_F(ZipArchiveTest, PacksFilesBeyondTheLengthOfAPlainWindowsPath) {
     EXPECT_TRUE(removeFile(*one) || removeFolder(*one));
 }
 
-TEST_F(ZipArchiveTest, WritesAnArchiveWithoutEntriesWhenNothingIsFound) {
-  EXPECT_THAT(packed().entries, IsEmpty());
-  EXPECT_EQ(std::filesystem::file_size(LocalPath(out("a.zip"))), zip::kEndRecordSize);
-  EXPECT_THAT(packed(kSmallest).entries, IsEmpty());
-  EXPECT_THAT(errors, IsEmpty());
-}
-
 TEST_F(ZipArchiveTest, FindsByPatternAndGoesIntoFoldersOnlyWhenAsked) {
-  put("a.txt", "");
-  put("b.html", "");
-  put("sub/c.txt", "");
-  put("sub/d.html", "");
+  for (const char* name : {"a.txt", "b.html", "sub/c.txt", "sub/d.html"}) put(name, "");
   const auto names = [&](const char* pattern, bool recurse) {
     archive.addFiles(LocalPathText(tree()) + kLocalSeparator + pattern, recurse);
     return testing::inspectArchive(archive.write(out("a.zip")).paths).names();
   };
   EXPECT_THAT(names("*", false), ElementsAre("a.txt", "b.html"));
   EXPECT_THAT(names("*.txt", true), ElementsAre("a.txt", "sub/", "sub/c.txt"));
-  EXPECT_THAT(names("?.html", false), ElementsAre("b.html"));
   archive.addFiles(LocalPathText(tree()) + kLocalSeparator + "*.txt", false);
-  add("geheim");
-  const InspectedArchive both = testing::inspectArchive(archive.write(out("a.zip")).paths, "geheim");
+  const InspectedArchive both = packed(std::nullopt, "geheim");
   EXPECT_THAT(both.names(), ElementsAre("a.txt", "b.html", "sub/", "sub/c.txt", "sub/d.html"));
   EXPECT_FALSE(both["a.txt"].encrypted) << "the first of two files with one name counts";
-  EXPECT_TRUE(both["sub/c.txt"].encrypted);
   EXPECT_THAT(errors, ElementsAre(HasSubstr("a.txt")));
 }
 
@@ -262,17 +252,6 @@ TEST_F(ZipArchiveTest, ReplacesTheFormerArchiveOnlyWhenAllIsWritten) {
   EXPECT_THAT(packed().entries, SizeIs(1)) << "an abort must not reach the next archive";
 }
 
-TEST_F(ZipArchiveTest, LeavesAFormerSetWholeWhenAFileOfItCannotGo) {
-  put("noise", noise(150'000));
-  std::filesystem::create_directories(LocalPath(out("a.z02")) / "occupied");
-  testing::writeFile(LocalPath(out("a.zip")), "former");
-  add();
-  EXPECT_THAT([&] { archive.write(out("a.zip"), kSmallest); }, fails(ZipErrorNumber::cannotWrite));
-  EXPECT_THAT(filesOut(), ElementsAre("a.z02", "a.zip"));
-  EXPECT_EQ(testing::contentsOf(LocalPath(out("a.zip"))), "former");
-  EXPECT_THAT(errors, ElementsAre(HasSubstr("a.z02")));
-}
-
 TEST_F(ZipArchiveTest, ReportsEveryFileOnceAndInOrderAndBeginsNoOtherMeanwhile) {
   put("a", text(10));
   put("b", text(3 * zip::kBlock + 5));
@@ -291,19 +270,6 @@ TEST_F(ZipArchiveTest, ReportsEveryFileOnceAndInOrderAndBeginsNoOtherMeanwhile) 
   };
   packed();
   EXPECT_THAT(seen, ElementsAre("a 10/10", "b 786437/786437", "c 0/0"));
-}
-
-TEST_F(ZipArchiveTest, PumpsWhileItPacks) {
-  put("large", text(24 << 20));
-  int calls = 0;
-  archive.pump = [&] { calls += archive.busy(); };
-  const auto start = std::chrono::steady_clock::now();
-  packed();
-  const auto took =
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-  // A busy machine may be late five times over.
-  EXPECT_GE(calls, std::max<std::int64_t>(2, took.count() / 100)) << took.count() << " ms";
-  EXPECT_FALSE(archive.busy());
 }
 
 TEST_F(ZipArchiveTest, EndsWellWhenACallbackRaisesOrAbortsAtTheLastEvent) {

@@ -1,3 +1,4 @@
+// The parts that an archive is made of: headers, the directory, the walk through folders, encryption.
 #include "platform/zip/ZipFormat.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +8,9 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include "platform/zip/ZipCrypto.h"
 #include "platform/zip/ZipDirectory.h"
 #include "platform/zip/ZipWalk.h"
 #include "support/TemporaryFolder.h"
@@ -154,18 +157,40 @@ TEST(ZipWalk, MatchesNamesByTheirPattern) {
     EXPECT_FALSE(matchesWildcard(pattern, name)) << pattern << " " << name;
 }
 
-TEST(ZipWalk, SplitsAPatternIntoFolderAndNames) {
-  const auto split = [](std::string_view pattern) {
-    const auto path = splitWildcardPath(pattern);
-    std::string folder = path ? path->folder + "|" + path->names : "none";
-    std::replace(folder.begin(), folder.end(), '\\', '/');
-    return folder;
-  };
-  EXPECT_EQ(split("/a/b/*"), "/a/b/|*");
-  EXPECT_EQ(split("/a/b///*.txt"), "/a/b/|*.txt");
-  EXPECT_EQ(split("//*"), "/|*");
-  EXPECT_EQ(split("*"), "./|*");
-  EXPECT_EQ(split(""), "none");
+std::vector<std::uint8_t> bytesOf(std::string_view hex) {
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t i = 0; i < hex.size(); i += 2)
+    bytes.push_back(static_cast<std::uint8_t>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16)));
+  return bytes;
+}
+
+// An entry that another program encrypted.
+constexpr std::string_view kPlain = "The quick brown fox jumps over the lazy dog, twice.";
+constexpr std::string_view kPassword = "correct horse";
+constexpr std::string_view kSalt = "5fc7bfaad108261436cb085db26224b5";
+constexpr std::string_view kVerifier = "f697";
+constexpr std::string_view kEncrypted =
+    "f701a85a46719a5bc2634b24b592b0ddb9d5f684234358687e06fdfb4d4407472b932a14103d674688b176adb3f21e91d3c3e4";
+constexpr std::string_view kCode = "ef6a60029274797035b5";
+
+TEST(ZipCrypto, EncryptsAsOtherProgramsDoInPiecesOfAnySize) {
+  Salt salt;
+  std::ranges::copy(bytesOf(kSalt), salt.begin());
+  for (std::size_t piece = 1; piece <= kPlain.size(); ++piece) {
+    AesEntry aes(kPassword, salt);
+    std::vector<std::uint8_t> bytes(kPlain.begin(), kPlain.end());
+    for (std::size_t at = 0; at < bytes.size(); at += piece)
+      aes.encrypt(std::span(bytes).subspan(at, std::min(piece, bytes.size() - at)));
+    EXPECT_EQ(bytes, bytesOf(kEncrypted)) << piece;
+    EXPECT_TRUE(std::ranges::equal(aes.verifier(), bytesOf(kVerifier)));
+    EXPECT_TRUE(std::ranges::equal(aes.code(), bytesOf(kCode)));
+  }
+}
+
+TEST(ZipCrypto, NeverUsesASaltTwice) {
+  const Salt first = freshSalt();
+  EXPECT_NE(first, freshSalt());
+  EXPECT_NE(first, Salt{});
 }
 
 }  // namespace

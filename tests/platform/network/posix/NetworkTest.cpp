@@ -1,8 +1,9 @@
-// Dial-up through the test's own nmcli, first on the PATH.
+// Dial-up through the test's own nmcli, first on the PATH; and which interfaces count as a network.
 #include "platform/network/posix/NetworkManager.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <net/if.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -14,6 +15,7 @@
 #include <thread>
 
 #include "TestPlatform.h"
+#include "platform/network/posix/NetworkInterfaces.h"
 #include "platform/system/LocalTime.h"
 #include "support/TemporaryFolder.h"
 
@@ -222,6 +224,21 @@ TEST_F(NmcliTest, PumpsWhileTheAnswerTakesItsTime) {
   };
   EXPECT_THAT(system->entries(), ElementsAre("Mobile"));
   EXPECT_GE(turns, 3);
+}
+
+TEST(NetworkInterfaces, CountWhenTheyWorkAndLeadSomewhere) {
+  constexpr unsigned kWorking = IFF_UP | IFF_RUNNING;
+  const struct {
+    const char* name;
+    NetworkInterface interface;
+    std::uint32_t kind;
+  } cases[] = {{"Ethernet", {kWorking | IFF_BROADCAST, true}, 1},
+               {"cable pulled", {IFF_UP | IFF_BROADCAST, true}, 0},
+               {"switched off", {IFF_BROADCAST, true}, 0},
+               {"no address yet", {kWorking | IFF_BROADCAST, false}, 0},
+               {"loopback", {kWorking | IFF_LOOPBACK, true}, 0},
+               {"dial-up", {kWorking | IFF_POINTOPOINT, true}, 2}};
+  for (const auto& c : cases) EXPECT_EQ(networkKind(c.interface), c.kind) << c.name;
 }
 
 }  // namespace
