@@ -63,7 +63,6 @@ TEST(AviReader, SaysWhatIsWrongAndWhere) {
       {"another file", "RIFF....WAVE", "byte 0: not an AVI file"},
       {"nothing in it", std::string("RIFF\4\0\0\0AVI ", 12), "no video stream"},
       {"no frame", small("indexed.avi", 232, 0), "no frame"},
-      {"no headers", small("indexed.avi", 20, 0), "frames without the header"},
       {"no video", small("indexed.avi", 108, 0), "frames without the header"},
       {"no width", small("indexed.avi", 176, 0), "byte 176: a picture whose sides"},
       {"rows from the top", small("indexed.avi", 180, 0xFFFFFFFE), "byte 176: a picture whose sides"},
@@ -79,7 +78,6 @@ TEST(AviReader, SaysWhatIsWrongAndWhere) {
       {"a run above", small("rle8.avi", kFirstFrameData, 0x02000200), "byte 248: a run that leaves"},
       {"a move beside", small("rle8.avi", kFirstFrameData, 0x040200), "byte 244: a move that leaves"},
       {"a move above", small("rle8.avi", kFirstFrameData, 0x03000200), "byte 244: a move that leaves"},
-      {"half a run", small("rle8.avi", 240, 7), "byte 250: half a run"},
   };
   for (const auto& c : cases)
     EXPECT_THAT([&] { ReadAvi(c.file); }, ThrowsMessage<AviError>(HasSubstr(c.message))) << c.name;

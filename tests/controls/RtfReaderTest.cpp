@@ -43,7 +43,6 @@ TEST(RtfReader, ReadsTextAndFormats) {
       {"escaped characters", R"({\rtf1 \{a\}\\b\~c\_d\-e\par})", "{a}\\b\u00A0c\u2011de|"},
       {"named characters", R"({\rtf1\tab a\line b\emdash\lquote c\rquote\par})", "\ta\nb—‘c’|"},
       {"code page 1252", R"({\rtf1\ansi\ansicpg1252 M\'fcller \'80\'93x\'94\par})", "Müller €“x”|"},
-      {"another code page", R"({\rtf1\ansicpg1251 \'ff A\par})", "\uFFFD A|"},
       {"unicode and its fallbacks",
        R"({\rtf1\u8364?5 \u8364\'805 \uc2\u8364 EUR {\uc0\u8364 x}\u8364\bullet?y{\u8364 a}bc\par})",
        "€5 €5 €R €x€y€bc|"},

@@ -142,7 +142,7 @@ TEST_F(BrowserFormTest, ComesBackWhereItStoodAndAsItWas) {
   const wxRect stood = window->GetRect();
   tick(window->chkFoldersOnly, true);
   window->Close();
-  EXPECT_FALSE(window->IsShown()) << "it waits for the server's answer to QUIT";
+  EXPECT_FALSE(window->IsShown()) << "hidden only once the server has answered QUIT";
   ASSERT_TRUE(gone());
   connect();
   EXPECT_TRUE(waitUntil([&] { return window->GetRect() == stood; })) << window->GetRect().x;
@@ -158,7 +158,6 @@ TEST_F(BrowserFormTest, ComesBackWhereItStoodAndAsItWas) {
 TEST_F(BrowserFormTest, KeepsTheConnectionAliveAndWhatIsBeingTyped) {
   server.addFolder("/www");
   browse();
-  EXPECT_TRUE(window->tmrKeepAlive.IsRunning());
   EXPECT_EQ(window->tmrKeepAlive.GetInterval(), 50'000);
   const std::size_t before = server.count("PWD");
   window->tmrKeepAlive.Notify();
@@ -177,21 +176,21 @@ TEST_F(BrowserFormTest, KeepsTheConnectionAliveAndWhatIsBeingTyped) {
   ASSERT_TRUE(waitUntil([&] { return !window->browser().busy(); }));
   EXPECT_EQ(window->cmbRemoteDir->GetValue(), "/ww");
   doubleClick(1);
-  EXPECT_TRUE(waitUntil([&] { return listed("/www"); })) << "what is typed outlasts another choice";
+  EXPECT_TRUE(waitUntil([&] { return listed("/www"); })) << "the typed text has stayed";
 }
 
 TEST_F(BrowserFormTest, BelongsToTheProfileItWasOpenedFor) {
   browse();
   choose(kSaveItem);
   EXPECT_EQ(form->browser(), window.get()) << "a saved profile is still the same";
-  window->Move(form->wndTaskPanel->GetScreenRect().GetRight() + 50, 300);  // off the list
+  window->Move(form->wndTaskPanel->GetScreenRect().GetRight() + 50, 300);  // it would cover the list
   ASSERT_TRUE(waitUntil(
       [&] { return !window->GetScreenRect().Intersects(form->wndTaskPanel->list().GetScreenRect()); }));
   clickProfile("site");
-  EXPECT_TRUE(gone()) << "a profile is opened";
+  EXPECT_TRUE(gone()) << "not closed by opening a profile";
   connect();
   choose(kAddItem);
-  EXPECT_TRUE(gone()) << "a profile is begun";
+  EXPECT_TRUE(gone()) << "not closed by a new profile";
   for (const char* key : {"name", "Host", "UserID", "Password"}) fields->box(key)->SetValue("third");
   fields->txtAddFolder->SetValue("/x");
   clickEvent(fields->cmdAddFolder);
@@ -199,10 +198,10 @@ TEST_F(BrowserFormTest, BelongsToTheProfileItWasOpenedFor) {
   choose(kSaveItem);
   EXPECT_TRUE(form->browser()) << "a new profile that is saved is still the same";
   wxTEST_DIALOG(choose(kDeleteItem), wxExpectModal<wxMessageDialog>(wxID_YES));
-  EXPECT_TRUE(gone()) << "the profile is deleted";
+  EXPECT_TRUE(gone()) << "not closed by deleting the profile";
 }
 
-/// Shows in place of a message box one that a test can close.
+/// Replaces a message box by a dialog that a test can close.
 struct StandIn : wxModalDialogHook {
   StandIn() { Register(); }
   ~StandIn() override { Unregister(); }
@@ -223,7 +222,7 @@ TEST_F(BrowserFormTest, OutlastsItsBoxWhenTheProgramEndsMeanwhile) {
   connect();
   steps
       .when([&] { return stand.box && stand.box->IsModal(); }, [&] { main->ExitRoutine(); })
-      // Some more turns after the end of the session: windows to be destroyed go when the program is idle.
+      // Some turns after the end of the session: what is to be destroyed goes when the program is idle.
       .when([&] { return !window || (!window->browser().busy() && ++turns == 10); },
             [&] {
               EXPECT_TRUE(window) << "the window went before its box";

@@ -27,7 +27,7 @@ class FormTest : public FrameTest {
  protected:
   FormTest() : FrameTest(wxSize(760, 560)), prompts(*new testing::ScriptedPrompts), prompts_(&prompts) {}
 
-  /// For the first form, which becomes their owner.
+  /// Passes `prompts` to the first form, which owns them from then on.
   std::unique_ptr<UserPrompts> ownPrompts() { return std::move(prompts_); }
 
   /// Shows a form in place of the one before.
@@ -96,7 +96,7 @@ class FormTest : public FrameTest {
     const char* key;
     std::string stored;
   };
-  /// One after the other; with the `others` they are all controls of the form.
+  /// Enters one row after the other; rows and `others` must name all controls of the form.
   void expectStored(const std::vector<ControlRow>& rows, std::set<std::string> others = {}) {
     for (const auto& row : rows) {
       others.insert(row.control->GetName().utf8_string());
@@ -135,12 +135,10 @@ class FormTest : public FrameTest {
     }
   }
 
-  /// Whatever has a text must have the room for it, and whatever gets the focus must come into view.
+  /// Every caption must fit, and every control must be scrolled into view when it gets the focus.
   void expectRoom(wxSize size) {
     resize(size);
-    if (size.x >= form->FromDIP(400)) {
-      EXPECT_LE(form->GetVirtualSize().x, size.x) << "scrolls sideways at " << size.x;
-    }
+    EXPECT_TRUE(size.x < form->FromDIP(400) || form->GetVirtualSize().x <= size.x) << "scrolls sideways";
     for (wxWindow* const input : inputs()) {
       const bool captioned = !input->GetLabel().empty() && !dynamic_cast<wxTextCtrl*>(input);
       EXPECT_TRUE(!captioned || input->GetSize().x >= input->GetBestSize().x) << input->GetName();
@@ -150,8 +148,7 @@ class FormTest : public FrameTest {
         const wxRect view = form->GetScreenRect(), place = input->GetScreenRect();
         return place.GetTop() >= view.GetTop() && place.GetLeft() < view.GetRight() &&
                place.GetTop() + std::min(place.height, view.height) <= view.GetBottom() + 1;
-      })) << input->GetName()
-          << " at " << input->GetScreenRect().y << " in a form at " << form->GetScreenRect().y;
+      })) << input->GetName();
     }
   }
 
@@ -165,7 +162,7 @@ class FormTest : public FrameTest {
     for (wxWindow* input : inputs()) {
       if (hasFocus(input)) return input;
     }
-    // The toolkit knows no window for a part of its own, but has reported it to the form.
+    // A native part of a control is no window of the toolkit's, but its focus was reported to the form.
     return wxWindow::FindFocus() ? nullptr : focused_;
   }
   static void collect(const wxWindow* window, std::vector<wxWindow*>& found) {

@@ -66,12 +66,12 @@ TEST_F(MainWindowTest, StandsWhereItIsStoredAndHidesByItself) {
   ASSERT_TRUE(waitUntil([&] { return main->IsIconized(); }));
   endProgram();
   EXPECT_EQ(ReadSetting("MainLeft", "") + ReadSetting("MainWidth", ""), "15009000")
-      << "of a minimised window";
+      << "the placement of a minimised window was stored";
 }
 
 TEST_F(MainWindowTest, SetsItsPriorityAndItsAutostartEntryAsItStarts) {
   using modProcessPriority::SetPriority;
-  constexpr std::int32_t kNoClass = 12;  // only asks for the class in force
+  constexpr std::int32_t kNoClass = 12;  // no class: the call only returns the one in force
   const std::int32_t before = SetPriority(0, 0, kNoClass);
   WriteSetting("ProcessPriority", "16384");
   for (const char* autostart : {"1", "0"}) {
@@ -84,7 +84,7 @@ TEST_F(MainWindowTest, SetsItsPriorityAndItsAutostartEntryAsItStarts) {
   }
   const std::int32_t inForce = SetPriority(0, 0, kNoClass);
   EXPECT_TRUE(inForce == 16384 || inForce == 64) << inForce << "; idle when the test was started so";
-  SetPriority(0, 0, before);  // back, where that is allowed
+  SetPriority(0, 0, before);  // restores it where that is allowed
 }
 
 TEST_F(MainWindowTest, LetsTheSessionEndAndKeepsThePlaceThatItWasMovedTo) {
@@ -102,7 +102,7 @@ TEST_F(MainWindowTest, LetsTheSessionEndAndKeepsThePlaceThatItWasMovedTo) {
   ASSERT_EQ(main->GetPosition(), wanted) << "the user's own move was undone";
   wxCloseEvent query(wxEVT_QUERY_END_SESSION), end(wxEVT_END_SESSION);
   query.SetCanVeto(true);
-  EXPECT_TRUE(wxTheApp->ProcessEvent(query)) << "left to the toolkit, which closes the window";
+  EXPECT_TRUE(wxTheApp->ProcessEvent(query)) << "not handled: the toolkit closes the window";
   EXPECT_TRUE(main->IsShown() && !query.GetVeto());
   EXPECT_TRUE(wxTheApp->ProcessEvent(end));
   EXPECT_EQ(ReadSetting("MainLeft", ""), std::to_string(std::lround(wanted.x * kTwipsPerInch / perInch)));
@@ -112,7 +112,7 @@ TEST_F(MainWindowTest, LetsTheSessionEndAndKeepsThePlaceThatItWasMovedTo) {
 TEST_F(MainWindowTest, BacksUpAtTheClickOfStartNow) {
   server.addFile("/a.bin", "bytes");
   server.addFile("/sub/b.bin", "more bytes");
-  std::promise<void> seen;  // a run of two files can be over before anybody has looked
+  std::promise<void> seen;  // holds the run until the test has looked
   server.on("RETR /a.bin", [looked = seen.get_future().share()](Session& s) {
     looked.wait_for(kPatience);
     s.answerAsUsual();
@@ -155,7 +155,7 @@ TEST_F(MainWindowTest, AsksBeforeItStopsInTheMiddleOfAFileAndCanBeStartedAtOnce)
               }
               server.on("RETR /b.bin", [](Session& s) { s.answerAsUsual(); });
               answer(wxID_YES);
-              EXPECT_TRUE(!BackupRunning() && form.active()) << "the stopped run is still below us";
+              EXPECT_TRUE(!BackupRunning && form.active()) << "the stopped run is still unwinding";
               clickEvent(form.cmdStart);
             })
       .when([&] { return status(1) == "Completed" && idle(); })
@@ -202,7 +202,7 @@ TEST_F(MainWindowTest, StartsAScheduledRunOnceTheOpenBoxIsAnswered) {
   hands.when([&] { return box.IsModal() && !BackupRunning(); }, [&] { clock += std::chrono::seconds(2); })
       .when([&] { return starts == 3; },
             [&] {
-              EXPECT_FALSE(main->process->active()) << "the box is dead until the run ends";
+              EXPECT_FALSE(main->process->active()) << "the box cannot be answered until the run ends";
               EXPECT_TRUE(seen()) << "the box lost its window";
               main->hide();
               main->tray().mouseMessage(515);

@@ -47,7 +47,6 @@ TEST_F(OptionsFormTest, StoresWhatIsEnteredAndShowsItAgain) {
       {f.optIncremental, "", "BackupMode", "2"},
   };
   expectStored(rows);
-  EXPECT_EQ(f.txtRun[0]->GetValue() + f.txtRun[1]->GetValue(), "/chosen/chosen");
   EXPECT_TRUE(f.txtZipPassword->HasFlag(wxTE_PASSWORD));
   EXPECT_TRUE(f.lblUniqueBackupNote->IsShown());
   EXPECT_TRUE(prompts.messages.empty());

@@ -20,7 +20,6 @@ class PanesTest : public GuiTest {
 
 TEST_F(PanesTest, ComeBackAsTheyWereArrangedUntilTheyAreReset) {
   start();
-  EXPECT_EQ(main->panes->layout(), DefaultLayout());
   main->panes->Split(1, wxBOTTOM);
   main->panes->Split(4, wxRIGHT);
   const std::vector<PaneGroup> arranged = main->panes->layout().groups;

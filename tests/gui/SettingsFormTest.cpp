@@ -39,6 +39,7 @@ class SettingsFormTest : public FormTest {
 };
 
 TEST_F(SettingsFormTest, StoresWhatIsEnteredAndShowsItAgain) {
+  settings.AutoDial = settings.AutoHangUp = settings.AutoStartUp = 0;
   WriteSetting("AsciiExts", ".b|.a");
   open();
   bool reset = false;
@@ -52,17 +53,17 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredAndShowsItAgain) {
       {s->txtConnectionDelay, "90", "ConnectionDelay", "90"},
       {s->txtLoginAttempts, "3", "LoginAttempts", "3"},
       {s->cboConnections, "Home & Co", "AutoDialUpConnection", "Home & Co"},
-      {s->chkAutoDial, "0", "AutoDial", "0"},
-      {s->chkAutoHangUp, "0", "AutoHangUp", "0"},
-      {s->chkAutoStartUp, "0", "AutoStartUp", "0"},
+      {s->chkAutoDial, "1", "AutoDial", "1"},
+      {s->chkAutoHangUp, "1", "AutoHangUp", "1"},
+      {s->chkAutoStartUp, "1", "AutoStartUp", "1"},
       {s->txtExtension, "TXT", "AsciiExts", ".b|.a"},
       {s->cmdAddExtension, "", "AsciiExts", ".b|.a|.txt"},
       {s->lstExtensions, ".b", "AsciiExts", ".b|.a|.txt"},
       {s->cmdRemoveExtension, "", "AsciiExts", ".a|.txt"},
       {s->cmdRestoreExtensions, "", "AsciiExts", kDefaultAsciiExtensions},
       {s->cmdResetLayout, "", "PaneLayout", "nothing"},
-      {s->cmdDial, "", "AutoDial", "0"},
-      {s->cmdHangUp, "", "AutoHangUp", "0"},
+      {s->cmdDial, "", "AutoDial", "1"},
+      {s->cmdHangUp, "", "AutoHangUp", "1"},
   };
   expectStored(rows,
                {"SliderlPriority", "chkMonday", "chkTuesday", "chkWednesday", "chkThursday", "chkFriday"});
@@ -83,12 +84,12 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredAndShowsItAgain) {
   EXPECT_EQ(shown(), before);
 }
 
-TEST_F(SettingsFormTest, ShowsWhatIsOutOfTheOrdinary) {
+TEST_F(SettingsFormTest, ShowsUnknownPrioritiesAndNotesOnWrongInput) {
   settings.ProcessPriority = 12;
   settings.AutoStartUp = 0;
   open();
   EXPECT_EQ(text(s->lblPriority), "Unknown:12");
-  EXPECT_EQ(s->SliderlPriority->GetValue(), 3) << "not at a choice that nobody has made";
+  EXPECT_EQ(s->SliderlPriority->GetValue(), 3) << "not moved to a priority that nobody has chosen";
   s->showAutostartProblem("no right & reason");
   EXPECT_EQ(text(s->lblAutoStartNote), "Could not be set:\nno right & reason");
   use(s->chkAutoStartUp, "1");
@@ -129,7 +130,7 @@ TEST_F(SettingsFormTest, OffersTheConnectionsThatTheSystemNamesLater) {
   open();
   EXPECT_EQ(s->cboConnections->GetCount(), 0u);
   line->entries = {"Office", "home & co", "Home & Co"};
-  EXPECT_TRUE(waitUntil([&] { return s->cboConnections->GetCount() != 0; })) << "with nobody's doing";
+  EXPECT_TRUE(waitUntil([&] { return s->cboConnections->GetCount() != 0; })) << "none appear";
   s->wake();
   EXPECT_EQ(s->cboConnections->GetCount(), 3u) << "each once";
   EXPECT_EQ(s->cboConnections->GetStringSelection(), "Home & Co");
@@ -144,37 +145,36 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
   EXPECT_TRUE(waitUntil([&] { return text(s->lblPriority) == "Normal"; }));
   EXPECT_EQ(ReadSetting("ProcessPriority", ""), "32");
   hand.Char('S', wxMOD_ALT);
-  EXPECT_TRUE(waitUntil([&] { return hasFocus(s->dtpStartTime); })) << "the label's key leads there";
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(s->dtpStartTime); })) << "Alt+S fails";
   const auto type = [&](int digit, const std::int32_t& value, std::chrono::seconds patience = kPatience) {
     hand.Char(digit);
     hand.Char(WXK_RIGHT);
     return waitUntil([&] { return value == digit - '0'; }, patience);
   };
-  // Not every toolkit has a part of the time selected from the beginning.
+  // Not every toolkit selects a part of the time at first.
   EXPECT_TRUE(type('3', settings.ScheduleHour, std::chrono::seconds(10)) || type('3', settings.ScheduleHour));
   EXPECT_TRUE(type('5', settings.ScheduleMinute));
   EXPECT_EQ(ReadSetting("SchedualHour", "") + ReadSetting("SchedualMinute", ""), "35");
   hand.Char('T', wxMOD_ALT);
-  EXPECT_TRUE(waitUntil([&] { return hasFocus(s->txtRetryCount); })) << "and another's leads out again";
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(s->txtRetryCount); })) << "Alt+T fails";
   hand.Char('F', wxMOD_ALT);
-  EXPECT_TRUE(waitUntil([] { return ReadSetting("AutoHangUp", "") == "0"; })) << "a box of another group";
+  EXPECT_TRUE(waitUntil([] { return ReadSetting("AutoHangUp", "") == "0"; })) << "Alt+F fails";
 }
 
-TEST_F(SettingsFormTest, AsksTheLineThatItDialsAlsoWhileItIsNotSeen) {
+TEST_F(SettingsFormTest, PollsTheDialUpLineWhileItDialsEvenWhenHidden) {
   WriteSetting("AutoDialUpConnection", "Office");
   open();
   use(s->cmdDial);
   form->Hide();
   line->busyAsked = 0;
   ASSERT_TRUE(waitUntil([&] { return line->busyAsked > 5; }));
-  EXPECT_EQ(s->tmrOnlineStatus.GetInterval(), frmSettings::kTmrOnlineStatus);
   line->busy = false;
   EXPECT_TRUE(waitUntil([&] { return s->tmrOnlineStatus.GetInterval() > frmSettings::kTmrOnlineStatus; }))
-      << "it never rests";
+      << "it does not rest when hidden";
   EXPECT_TRUE(waitUntil([&] { return s->tmrTimeNow.GetInterval() > frmSettings::kTmrTimeNow; }));
 }
 
-TEST_F(SettingsFormTest, LeavesItsValuesAloneWhenTheWheelScrollsTheForm) {
+TEST_F(SettingsFormTest, ScrollsForTheWheelAndForANewFocusOnly) {
   WriteSetting("AutoDialUpConnection", "Office");
   open();
   resize(wxSize(500, 200));
@@ -188,24 +188,19 @@ TEST_F(SettingsFormTest, LeavesItsValuesAloneWhenTheWheelScrollsTheForm) {
     event.m_linesPerAction = 3;
     input->ProcessWindowEvent(event);
     EXPECT_GT(s->GetViewStart().y, 0) << input->GetName();
-    EXPECT_FALSE(event.GetSkipped()) << input->GetName() << " would take it, too";
+    EXPECT_FALSE(event.GetSkipped()) << input->GetName() << " changes its value";
   }
-}
-
-TEST_F(SettingsFormTest, StaysScrolledAsItIsWhenTheWindowIsReturnedTo) {
-  open();
-  resize(wxSize(500, 200));
-  const auto tellOfFocus = [](wxWindow* control) {
+  const auto reportFocus = [](wxWindow* control) {
     wxChildFocusEvent event(control);
     control->ProcessWindowEvent(event);
   };
-  tellOfFocus(s->chkDay[1]);
+  reportFocus(s->chkDay[1]);
   s->Scroll(0, 25);
   const wxPoint view = s->GetViewStart();
   ASSERT_GT(view.y, 20);
-  tellOfFocus(s->chkDay[1]);
-  EXPECT_EQ(s->GetViewStart(), view) << "what is about to be clicked moves away";
-  tellOfFocus(s->chkDay[2]);
+  reportFocus(s->chkDay[1]);
+  EXPECT_EQ(s->GetViewStart(), view) << "the focus that returns with the window moves what is to be clicked";
+  reportFocus(s->chkDay[2]);
   EXPECT_LT(s->GetViewStart().y, 20);
 }
 
