@@ -4,7 +4,6 @@
 #include "connectivity/modProcessPriority.h"
 #include "platform/system/ProcessPriority.h"
 #include "profiles/PrioritySlider.h"
-#include "profiles/SettingsStore.h"
 
 namespace quillmoor::modProcessPriority {
 namespace {
@@ -32,12 +31,11 @@ TEST(ProcessPriority, IsReturnedWhenNothingCouldBeSet) {
   EXPECT_EQ(SetPriority(0, 1, 32), 0) << "there is no such window";
 }
 
-TEST(ProcessPriority, FollowsTheSliderAndIsStored) {
+TEST(ProcessPriority, FollowsTheSlider) {
   const testing::OwnRegistry registry;
   ApplicationSettings settings;
   EXPECT_EQ(PrioritySliderMoved(2, settings), "Below Normal");
   EXPECT_EQ(settings.ProcessPriority, 16384);
-  EXPECT_EQ(ReadSetting("ProcessPriority", ""), "16384");
   const std::int32_t inForce = SetPriority(0, 0, 12);
   EXPECT_TRUE(inForce == 16384 || inForce == 64) << inForce << ": idle when the test was started so";
 }

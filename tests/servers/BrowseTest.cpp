@@ -70,8 +70,6 @@ TEST_F(BrowseTest, WalksTheSiteAndAddsFolders) {
   activate("..");
   EXPECT_EQ(view.folders.back(), base + "www");
 
-  browser->keepAlive();
-  finish();
   browser->close({});
   takeUntil([&] { return view.isClosed; });
   EXPECT_THAT(logLines(), Contains("Connection Closed"));

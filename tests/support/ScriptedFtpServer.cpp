@@ -30,20 +30,18 @@ std::string withCrLf(const std::string& text) {
 /// All that is open, used by the server's thread.
 struct ScriptedFtpServer::Connections : Sockets {
   asio::ip::address here;
-  tcp::acceptor listener{context}, dataPort{context};
+  tcp::acceptor dataPort{context};
   tcp::socket control{context}, data{context};
 };
 
 ScriptedFtpServer::ScriptedFtpServer(bool ipv6) : sockets_(std::make_unique<Connections>()) {
   sockets_->here =
       ipv6 ? asio::ip::address(asio::ip::address_v6::loopback()) : asio::ip::address_v4::loopback();
-  port_ = sockets_->listen(sockets_->listener, sockets_->here);
-  thread_ = std::thread([this] { serve(); });
+  port_ = sockets_->start(sockets_->here, [this] { serve(); });
 }
 
 ScriptedFtpServer::~ScriptedFtpServer() {
-  sockets_->end();
-  thread_.join();
+  sockets_->stop();
 }
 
 void ScriptedFtpServer::addFolder(const std::string& path) {

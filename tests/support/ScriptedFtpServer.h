@@ -19,7 +19,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include "TestPlatform.h"
@@ -131,7 +130,6 @@ class ScriptedFtpServer {
   bool discards_ = false;
   std::unique_ptr<Connections> sockets_;
   std::uint16_t port_ = 0;
-  std::thread thread_;
 };
 
 // Actions for rules.

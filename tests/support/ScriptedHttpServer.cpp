@@ -1,13 +1,10 @@
 #include "support/ScriptedHttpServer.h"
 
-#include <utility>
-
 #include "support/Sockets.h"
 
 namespace quillmoor::testing {
 
 struct ScriptedHttpServer::Connection : Sockets {
-  asio::ip::tcp::acceptor listener{context};
   asio::ip::tcp::socket client{context};
 
   /// A whole request, or nothing when the client does not send one.
@@ -24,13 +21,11 @@ struct ScriptedHttpServer::Connection : Sockets {
 };
 
 ScriptedHttpServer::ScriptedHttpServer() : connection_(std::make_unique<Connection>()) {
-  port_ = connection_->listen(connection_->listener, asio::ip::address_v4::loopback());
-  thread_ = std::thread([this] { serve(); });
+  port_ = connection_->start(asio::ip::address_v4::loopback(), [this] { serve(); });
 }
 
 ScriptedHttpServer::~ScriptedHttpServer() {
-  connection_->end();
-  thread_.join();
+  connection_->stop();
 }
 
 void ScriptedHttpServer::serve() {

@@ -11,7 +11,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quillmoor::testing {
@@ -51,7 +50,6 @@ class ScriptedHttpServer {
   std::vector<std::string> requests_;
   std::unique_ptr<Connection> connection_;
   std::uint16_t port_ = 0;
-  std::thread thread_;
 };
 
 /// A status line, headers and a body that go together.

@@ -48,13 +48,10 @@ std::string reply(int version, int code, const tcp::endpoint& endpoint) {
 class ScriptedSocksServer::Connection : public Sockets {
  public:
   explicit Connection(ScriptedSocksServer& proxy) : proxy_(proxy) {}
-  ~Connection() {
-    end();
-    if (thread_.joinable()) thread_.join();
-  }
-  void start(const Script& script) {
+  ~Connection() { stop(); }
+  void begin(const Script& script) {
     script_ = script;
-    thread_ = std::thread([this] {
+    run([this] {
       try {
         serve();
       } catch (const Over&) {
@@ -177,30 +174,23 @@ class ScriptedSocksServer::Connection : public Sockets {
   tcp::socket server_{context};
   std::array<char, 65536> fromClient_, fromServer_;
   int open_ = 2;  // directions
-  std::thread thread_;
 };
 
-struct ScriptedSocksServer::Listener : Sockets {
-  tcp::acceptor acceptor{context};
-};
-
-ScriptedSocksServer::ScriptedSocksServer() : listener_(std::make_unique<Listener>()) {
-  port_ = listener_->listen(listener_->acceptor, asio::ip::address_v4::loopback());
-  thread_ = std::thread([this] { serve(); });
+ScriptedSocksServer::ScriptedSocksServer() : sockets_(std::make_unique<Sockets>()) {
+  port_ = sockets_->start(asio::ip::address_v4::loopback(), [this] { serve(); });
 }
 
 ScriptedSocksServer::~ScriptedSocksServer() {
-  listener_->end();
-  thread_.join();
+  sockets_->stop();
   connections_.clear();
 }
 
 void ScriptedSocksServer::serve() {
   for (;;) {
     auto connection = std::make_unique<Connection>(*this);
-    if (!listener_->accept(listener_->acceptor, connection->client)) return;
+    if (!sockets_->accept(sockets_->listener, connection->client)) return;
     const std::lock_guard lock(mutex_);
-    connection->start(spare_ > 0 ? Script{} : script_);
+    connection->begin(spare_ > 0 ? Script{} : script_);
     if (spare_ > 0) --spare_;
     connections_.push_back(std::move(connection));
   }

@@ -9,10 +9,11 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quillmoor::testing {
+
+class Sockets;
 
 class ScriptedSocksServer {
  public:
@@ -45,7 +46,6 @@ class ScriptedSocksServer {
 
  private:
   class Connection;
-  struct Listener;
 
   void serve();
 
@@ -53,10 +53,9 @@ class ScriptedSocksServer {
   Script script_;
   int spare_ = 0;
   std::vector<Request> requests_;
-  std::unique_ptr<Listener> listener_;
+  std::unique_ptr<Sockets> sockets_;
   std::list<std::unique_ptr<Connection>> connections_;
   std::uint16_t port_ = 0;
-  std::thread thread_;
 };
 
 }  // namespace quillmoor::testing

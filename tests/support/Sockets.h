@@ -3,8 +3,11 @@
 #pragma once
 
 #include <asio.hpp>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <utility>
 
 namespace quillmoor::testing {
 
@@ -21,6 +24,19 @@ class Sockets {
     for (context.restart(); !done; context.run_one())
       if (ended_) close(socket);
     return succeeded;
+  }
+
+  /// Runs `serve` on a thread, which accepts the connections to a free port at the address; returns the port.
+  std::uint16_t start(const asio::ip::address& address, std::function<void()> serve) {
+    const std::uint16_t port = listen(listener, address);
+    run(std::move(serve));
+    return port;
+  }
+  void run(std::function<void()> serve) { thread_ = std::thread(std::move(serve)); }
+  /// Must be called before the destruction of anything that the thread uses.
+  void stop() {
+    asio::post(context, [this] { ended_ = true; });
+    if (thread_.joinable()) thread_.join();
   }
 
   /// Listens on a free port, which it returns.
@@ -57,16 +73,14 @@ class Sockets {
     socket.close(ignored);
   }
 
-  /// May be called from any thread, the only function that may.
-  void end() {
-    asio::post(context, [this] { ended_ = true; });
-  }
   bool ended() const { return ended_; }
 
   asio::io_context context;
+  asio::ip::tcp::acceptor listener{context};
 
  private:
   bool ended_ = false;
+  std::thread thread_;
 };
 
 }  // namespace quillmoor::testing

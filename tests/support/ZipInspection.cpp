@@ -190,12 +190,6 @@ const InspectedEntry& InspectedArchive::operator[](const std::string& name) cons
   return *found;
 }
 
-std::vector<std::string> InspectedArchive::names() const {
-  std::vector<std::string> names;
-  for (const InspectedEntry& entry : entries) names.push_back(entry.name);
-  return names;
-}
-
 InspectedArchive inspectArchive(const std::vector<std::string>& paths, const std::string& password,
                                 std::size_t prefix) {
   std::vector<std::string> segments;

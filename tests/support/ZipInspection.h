@@ -26,7 +26,11 @@ struct InspectedArchive {
   std::vector<InspectedEntry> entries;
   /// The entry of that name; fails the test when there is none.
   const InspectedEntry& operator[](const std::string& name) const;
-  std::vector<std::string> names() const;
+  std::vector<std::string> names() const {
+    std::vector<std::string> names;
+    for (const InspectedEntry& entry : entries) names.push_back(entry.name);
+    return names;
+  }
 };
 
 /// `paths`: the segments in their order; `prefix`: size of the stub before the archive. Raises
