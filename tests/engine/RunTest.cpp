@@ -172,7 +172,7 @@ TEST_F(RunTest, FetchesWhatTheRuleForDatesSaysAndNothingElse) {
 // it.
 TEST_F(RunTest, OutlivesARefusedFolderAndARefusedFile) {
   profile.DefaultDir = "/gone";
-  server.addFile("/a.bin", "new", "Jan  1  2020");
+  server.addFile("/a.bin", "new");
   server.addFile("/b.bin", "new");
   server.on("RETR /a.bin", refusesData("550 No."));
   writeCopy(target() / "a.bin", at(2026, 1, 1));

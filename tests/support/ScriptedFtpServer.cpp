@@ -49,10 +49,10 @@ void ScriptedFtpServer::addFolder(const std::string& path) {
   for (std::string folder = path; folders_.insert(folder).second;) folder = parentOf(folder);
 }
 
-void ScriptedFtpServer::addFile(const std::string& path, std::string bytes, const std::string& date) {
+void ScriptedFtpServer::addFile(const std::string& path, std::string bytes) {
   addFolder(parentOf(path));
   const std::lock_guard lock(mutex_);
-  files_[path] = {std::move(bytes), date};
+  files_[path] = std::move(bytes);
 }
 
 void ScriptedFtpServer::setListing(const std::string& folder, std::string text) {
@@ -116,17 +116,13 @@ std::string ScriptedFtpServer::listingOf(const std::string& folder) const {
   const auto fixed = listings_.find(folder);
   if (fixed != listings_.end()) return fixed->second;
   std::string text;
-  const auto line = [&](const char* mode, std::size_t size, const std::string& date,
-                        const std::string& path) {
-    text += std::string(mode) + "   1 owner    group    " + std::to_string(size) + " " + date + " " +
+  const auto line = [&](const char* mode, std::size_t size, const std::string& path) {
+    if (path == "/" || parentOf(path) != folder) return;
+    text += std::string(mode) + "   1 owner    group    " + std::to_string(size) + " Jan  1  2020 " +
             path.substr(path.rfind('/') + 1) + "\r\n";
   };
-  for (const std::string& path : folders_) {
-    if (path != "/" && parentOf(path) == folder) line("drwxr-xr-x", 4096, "Jan  1  2020", path);
-  }
-  for (const auto& [path, file] : files_) {
-    if (parentOf(path) == folder) line("-rw-r--r--", file.bytes.size(), file.date, path);
-  }
+  for (const std::string& path : folders_) line("drwxr-xr-x", 4096, path);
+  for (const auto& [path, bytes] : files_) line("-rw-r--r--", bytes.size(), path);
   return text;
 }
 
@@ -272,7 +268,7 @@ std::string ScriptedFtpServer::Session::path() const {
 std::optional<std::string> ScriptedFtpServer::Session::bytesOfFile() {
   const std::lock_guard lock(server_.mutex_);
   const auto file = server_.files_.find(path());
-  return file == server_.files_.end() ? std::nullopt : std::optional(file->second.bytes);
+  return file == server_.files_.end() ? std::nullopt : std::optional(file->second);
 }
 
 void ScriptedFtpServer::Session::sendFile() {

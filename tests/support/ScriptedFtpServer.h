@@ -39,9 +39,9 @@ class ScriptedFtpServer {
 
   std::uint16_t port() const { return port_; }
 
-  // The site. Folders above a file or folder come into being with it.
+  // The site. Parent folders are created too; the files are of January 1, 2020.
   void addFolder(const std::string& path);
-  void addFile(const std::string& path, std::string bytes, const std::string& date = "Jan  1  2020");
+  void addFile(const std::string& path, std::string bytes);
   /// In place of the listing made from what the folder holds.
   void setListing(const std::string& folder, std::string text);
 
@@ -111,9 +111,6 @@ class ScriptedFtpServer {
     Action action;
     int uses;  // -1: without end
   };
-  struct File {
-    std::string bytes, date;
-  };
 
   void addRule(const std::string& prefix, Action action, int uses);
   void serve();
@@ -122,7 +119,7 @@ class ScriptedFtpServer {
 
   mutable std::mutex mutex_;
   std::vector<Rule> rules_;
-  std::map<std::string, File> files_;
+  std::map<std::string, std::string> files_;
   std::set<std::string> folders_{"/"};
   std::map<std::string, std::string> listings_;
   std::vector<std::string> commands_;
