@@ -49,9 +49,10 @@ class RegistryEditor : public ::testing::Test {
 TEST_F(RegistryEditor, ImportsAndExportsTheFile) {
   const auto file = folder / "settings.reg", exported = folder / "exported.reg";
   testing::writeFile(file, formatRegistryFile({{fullPath, exchangedValues()}}));
-  const wchar_t* const regedit = L"regedit.exe";
-  ASSERT_EQ(::_wspawnlp(_P_WAIT, regedit, regedit, L"/S", file.c_str(), nullptr), 0);
-  ASSERT_EQ(::_wspawnlp(_P_WAIT, regedit, regedit, L"/E", exported.c_str(), Widen(fullPath).c_str(), nullptr),
+  wchar_t regedit[MAX_PATH];
+  ::wcscpy(regedit + ::GetWindowsDirectoryW(regedit, MAX_PATH - 20), L"\\regedit.exe");
+  ASSERT_EQ(::_wspawnl(_P_WAIT, regedit, regedit, L"/S", file.c_str(), nullptr), 0);
+  ASSERT_EQ(::_wspawnl(_P_WAIT, regedit, regedit, L"/E", exported.c_str(), Widen(fullPath).c_str(), nullptr),
             0);
   std::map<std::string, RegistryData> found;
   for (const RegistryFileKey& key : parseRegistryFile(testing::contentsOf(exported))) {
