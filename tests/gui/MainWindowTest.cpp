@@ -155,7 +155,7 @@ TEST_F(MainWindowTest, AsksBeforeItStopsInTheMiddleOfAFileAndCanBeStartedAtOnce)
               }
               server.on("RETR /b.bin", [](Session& s) { s.answerAsUsual(); });
               answer(wxID_YES);
-              EXPECT_TRUE(!BackupRunning && form.active()) << "the stopped run is still unwinding";
+              EXPECT_TRUE(!BackupRunning() && form.active()) << "the stopped run is still unwinding";
               clickEvent(form.cmdStart);
             })
       .when([&] { return status(1) == "Completed" && idle(); })
