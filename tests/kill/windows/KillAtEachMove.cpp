@@ -16,7 +16,6 @@
 #include "platform/files/AtomicFile.h"
 #include "platform/files/CopyFile.h"
 #include "platform/files/FileSet.h"
-#include "platform/files/WholeFile.h"
 #include "platform/zip/ZipArchive.h"
 
 // The entries of the import table through which the whole program calls these functions.
