@@ -1,9 +1,5 @@
-// Any input is read as an animation or raises AviError, nothing else.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string_view>
-
+// An animation: frames of the size announced, within the bound of pixels; or an AviError.
+#include "Fuzz.h"
 #include "controls/AviReader.h"
 
 void quillmoor::tryInput(std::string_view input) {

@@ -1,7 +1,5 @@
-// Any profile file can be read, and a value written to it and a section removed, without changing another
-// line. The input is the section's name, the value and the file, separated by zero bytes.
-#include <unistd.h>
-
+// A profile file is read, and a value written into it and a section taken out, without another line being
+// touched. The input is the section's name, the value and the file, with a zero between.
 #include <algorithm>
 
 #include "Fuzz.h"
@@ -14,47 +12,13 @@ namespace {
 
 constexpr std::string_view kKey = "Folders";
 
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-/// A file of this process, removed at its end.
-struct OwnFile {
-  std::filesystem::path folder =
-      std::filesystem::temp_directory_path() / ("fuzz-ini-" + std::to_string(::getpid()));
-  std::string path = (folder / "Profiles.ini").string();
-  OwnFile() { std::filesystem::create_directory(folder); }
-  ~OwnFile() { std::filesystem::remove_all(folder); }
-
-  std::string bytes() const {
-    std::ifstream stream(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-  }
-};
-
-/// Without the byte order mark.
-std::vector<std::string> linesOf(std::string_view text) {
-  std::vector<std::string> lines;
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
-  while (!text.empty()) {
-    const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
-    lines.emplace_back(text.substr(0, length));
-    text.remove_prefix(length);
-  }
-  return lines;
-}
-
-/// Numbers of lines between the common lines at the beginning and those at the end.
-struct Difference {
-  std::size_t before, after;
-};
-Difference difference(std::string_view before, std::string_view after) {
-  const auto a = linesOf(before), b = linesOf(after);
-  const auto head = std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
-  const auto tail =
-      std::mismatch(a.rbegin(), a.rend() - head, b.rbegin(), b.rend() - head).first - a.rbegin();
-  const auto both = static_cast<std::size_t>(head + tail);
-  return {a.size() - both, b.size() - both};
+/// The bytes of `from` that `into` lacks, between those at both ends that it has.
+std::string_view lost(std::string_view from, std::string_view into) {
+  const auto shorter = static_cast<std::ptrdiff_t>(std::min(from.size(), into.size()));
+  const auto head = std::mismatch(from.begin(), from.begin() + shorter, into.begin()).first;
+  const auto same = head - from.begin();
+  const auto tail = std::mismatch(from.rbegin(), from.rbegin() + (shorter - same), into.rbegin()).first;
+  return from.substr(static_cast<std::size_t>(same), static_cast<std::size_t>(tail.base() - head));
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -77,7 +41,6 @@ void check(std::string_view section, std::string_view value, std::string_view be
   require(lost(before, written).find('\n') == std::string_view::npos);
   const std::string_view added = lost(written, before);
   require(std::count(added.begin(), added.end(), '\n') <= 3);
-  GetPrivateProfileString(section, kKey, file);
   require(DeletePrivateProfileSection(section, file));
   const auto has = [&](const std::vector<std::string>& all) {
     return std::count_if(all.begin(), all.end(),

@@ -1,12 +1,5 @@
-// Any input is read as FTP replies within their limits or raises FtpError, nothing else, and gives the same
-// replies in whatever pieces it arrives.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-#include <string_view>
-#include <vector>
-
+// What an FTP server says: replies within their bounds, the same however the bytes arrive; or an FtpError.
+#include "Fuzz.h"
 #include "platform/ftp/FtpReply.h"
 #include "platform/ftp/FtpWording.h"
 

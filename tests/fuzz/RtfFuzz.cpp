@@ -1,9 +1,5 @@
-// Any input is read as a document in valid UTF-8 or raises RtfError, nothing else.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string_view>
-
+// A document in proper UTF-8, or an RtfError.
+#include "Fuzz.h"
 #include "base/Utf8.h"
 #include "controls/RtfReader.h"
 

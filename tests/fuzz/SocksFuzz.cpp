@@ -1,4 +1,4 @@
-// Any input is read as a SOCKS reply of the announced length or raises NetError, nothing else.
+// The reply of a SOCKS proxy: an address, after no more bytes than the longest reply has; or a NetError.
 #include <algorithm>
 
 #include "Fuzz.h"
@@ -7,7 +7,7 @@
 void quillmoor::tryInput(std::string_view input) {
   for (const SocksVersion version : {SocksVersion::v4, SocksVersion::v5}) {
     try {
-      // Read as the client does: never more bytes than are known to belong to the reply.
+      // As it is read: at most as many bytes as are known to belong to it.
       std::size_t have = 0;
       for (std::size_t whole = 0; (whole = socksReplyLength(version, input.substr(0, have))) > have;) {
         require(whole <= 4 + 1 + 255 + 2);

@@ -1,8 +1,9 @@
-// Any input, in one part or two, is read as an archive with the sizes that its directory lists or raises
-// ArchiveError, nothing else.
+// An archive, whole or in two parts, whose contents are what its directory says; or an ArchiveError. The
+// first two bytes say where the second part begins, if there is one.
 #include <algorithm>
 #include <span>
 
+#include "Fuzz.h"
 #include "platform/files/Files.h"
 #include "platform/zip/ZipReader.h"
 #include "sfx/EntryName.h"
@@ -14,7 +15,7 @@ namespace {
 void readAll(const std::string& program) {
   sfx::ZipReader archive(program);
   std::uint64_t entries = 0;
-  std::uint64_t most = std::uint64_t{64} << 20;  // many entries may share their data
+  std::uint64_t most = std::uint64_t{64} << 20;  // many entries may lie in one place
   archive.forEach([&](const sfx::ArchiveEntry& entry) {
     ++entries;
     for (const LocalNameRules rules : {LocalNameRules::posix, LocalNameRules::windows}) {

@@ -39,9 +39,9 @@ fuzz reply tests/fuzz/ReplyFuzz.cpp src/platform/ftp/{FtpReply,FtpWording}.cpp s
 fuzz listing tests/fuzz/ListingFuzz.cpp src/engine/Listing*.cpp src/platform/system/LocalDateTime.cpp src/platform/system/posix/LocalTime.cpp
 fuzz unpack tests/fuzz/UnpackFuzz.cpp src/sfx/EntryName.cpp src/platform/zip/{Segments,ZipReader}.cpp src/engine/{SafeName,mCreatePath}.cpp \
   src/platform/system/{LocalDateTime,PrintableText}.cpp src/platform/files/{AtomicFile,ReservedNames,WorkFolder}.cpp src/base/Utf8.cpp src/platform/zip/ZipCrypto.cpp \
-  src/platform/files/posix/{AtomicFile,Files,LocalPath,TargetLock}.cpp src/platform/system/posix/{CodePage,ErrorText,LocalTime}.cpp -lz -lnettle
+  src/platform/files/posix/{AtomicFile,Files,LocalPath,TargetLock}.cpp src/platform/system/posix/{CodePage,ErrorText,LocalTime}.cpp -lz -lnettle -lgtest
 fuzz registry tests/fuzz/RegistryFuzz.cpp src/platform/registry/RegistryFile.cpp src/base/Utf8.cpp src/platform/system/posix/CodePage.cpp
 fuzz ini tests/fuzz/IniFuzz.cpp src/platform/files/{FileSet,ReservedNames,AtomicFile,WorkFolder}.cpp src/platform/system/Notices.cpp src/platform/ini/PrivateProfileEdit.cpp src/base/Utf8.cpp \
-  src/platform/files/posix/{AtomicFile,Files,FolderLock,LocalPath,PrivateFile,TargetLock}.cpp src/platform/system/posix/{CodePage,ErrorText,ProgramFolder}.cpp src/platform/ini/posix/PrivateProfile.cpp
+  src/platform/files/posix/{AtomicFile,Files,FolderLock,LocalPath,PrivateFile,TargetLock}.cpp src/platform/system/posix/{CodePage,ErrorText,ProgramFolder}.cpp src/platform/ini/posix/PrivateProfile.cpp -lgtest
 wait
 [ ! -e "$failed" ]
