@@ -289,18 +289,18 @@ TEST_F(MainWindowTest, NamesWhatFailedAndLeadsToItInTheLog) {
   EXPECT_TRUE(says("FtpRetryCount")) << "a setting that cannot be used";
   Notice("Other users could read it.");
   EXPECT_TRUE(says("Other users could read it."));
-  WriteSetting("FtpRetryCount", "5");
 
-  process->startBackup();
-  EXPECT_TRUE(says("site: 1 failure: /f101: The server refused RETR: 550 Forbidden."));
   const frmProcess& form = *process;
   EXPECT_TRUE(waitUntil([&] {
     const int report = form.wndReportControl->GetSize().y;
     return report > 5 * form.GetCharHeight() && form.rtfLog->GetSize().y > report;
   })) << "room for three profiles, and more for the log";
   main->SetSize(main->GetMinSize());
+  process->startBackup();
+  EXPECT_TRUE(says("site: 1 failure: /f101: The server refused RETR: 550 Forbidden."));
   const auto isWhole = [&](const wxWindow* part) {
-    return part->GetClientSize().y > 20 && form.GetScreenRect().Contains(part->GetScreenRect());
+    return part->GetClientSize().y >= form.GetCharHeight() &&
+           form.GetScreenRect().Contains(part->GetScreenRect());
   };
   for (const wxWindow* const part : std::initializer_list<const wxWindow*>{
            form.cmdStart, form.cmdStop, form.Animation1, form.picFtpDisonnected, form.rtfLog,

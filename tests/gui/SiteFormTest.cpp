@@ -86,14 +86,14 @@ TEST_F(SiteFieldsTest, KeepTheFolderList) {
 
 TEST_F(SiteFieldsTest, SelectTheWholeTextWithEveryFocus) {
   open();
-  for (const char* key : {"name", "Host"}) {
+  for (const char* key : {"Host", "UserID"}) {
     fields->box(key)->ChangeValue("some text");
     focus(fields->box(key));
     EXPECT_TRUE(waitUntil([&] { return fields->box(key)->GetStringSelection() == "some text"; })) << key;
   }
-  hand.MouseMove(fields->box("name")->GetScreenPosition() + wxPoint(15, 10));
+  hand.MouseMove(fields->box("Host")->GetScreenPosition() + wxPoint(15, 10));
   hand.MouseClick();
-  EXPECT_TRUE(waitUntil([&] { return fields->box("name")->GetStringSelection() == "some text"; }))
+  EXPECT_TRUE(waitUntil([&] { return fields->box("Host")->GetStringSelection() == "some text"; }))
       << "a click sets only the caret";
 }
 
