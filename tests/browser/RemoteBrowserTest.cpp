@@ -28,7 +28,7 @@ std::string linkLine(const std::string& name, const std::string& target) {
 std::string folderLine(const std::string& name) {
   return "drwxr-xr-x 1 o g 0 Jan 1 2020 " + name + "\r\n";
 }
-/// What showFolder was called with last, without the mark of a new one.
+/// The path of the last showFolder, without the "+" of a new one.
 std::string lastFolder(const RecordingView& view) {
   return view.folders.back().substr(view.folders.back().find('/'));
 }
@@ -96,7 +96,7 @@ TEST_F(RemoteBrowserTest, TriesAgainUntilALoginWorks) {
   EXPECT_TRUE(browser->loggedIn());
 }
 
-TEST_F(RemoteBrowserTest, WaitsAsLongAsTheProgramsSettingSaysAndNotTheProfiles) {
+TEST_F(RemoteBrowserTest, UsesTheTimeoutOfTheSettingsInsteadOfTheProfiles) {
   server.once("PASS", staysSilent());
   settings.Timeout = 1;
   site.Timeout = "9999";
@@ -220,7 +220,7 @@ TEST_F(RemoteBrowserTest, ShowsOddNamesAndAddsNoneThatAProfileWouldChange) {
 
 // --- links
 
-TEST_F(RemoteBrowserTest, TellsLinksToFoldersFromOthers) {
+TEST_F(RemoteBrowserTest, DistinguishesLinksToFoldersFromOthers) {
   server.setListing("/pub", linkLine("current", "../releases/42") + linkLine("file", "a.txt") +
                                 "-rw-r--r-- 1 o g 1 Jan 1 2020 z.txt\r\n");
   server.addFile("/pub/current/inside.gif", "x");
@@ -321,7 +321,7 @@ TEST_F(RemoteBrowserTest, LetsCommandsEndTheTestsOfLinks) {
   }
 }
 
-TEST_F(RemoteBrowserTest, TestsLinksWhateverBecomesOfTheirCommands) {
+TEST_F(RemoteBrowserTest, TestsLinksHoweverTheServerTreatsCommandsSentAhead) {
   server.setListing("/", linkLine("l0", "x") + linkLine("l1", "x"));
   server.addFolder("/l1");
   settings.Timeout = 1;
@@ -450,7 +450,7 @@ TEST_F(RemoteBrowserTest, ComesBackToItsFolderWhenTheServerHasDroppedTheConnecti
   }
 }
 
-TEST_F(RemoteBrowserTest, ChangesNoFolderFromAnotherThanTheOneShown) {
+TEST_F(RemoteBrowserTest, ChangesFolderOnlyFromTheOneShown) {
   server.addFolder("/a/www");
   server.addFolder("/www");  // where the server puts a new session
   site.DefaultDir = "/a";
@@ -570,7 +570,7 @@ TEST(ClosingInTheMiddle, CanBeDestroyed) {
   }
 }
 
-TEST_F(ClosingTest, GivesTheServerTimeToAnswerQuit) {
+TEST_F(ClosingTest, AllowsTheServerTimeToAnswerQuit) {
   open();
   server.on("QUIT", staysSilent());
   const auto begin = steady_clock::now();
@@ -578,7 +578,7 @@ TEST_F(ClosingTest, GivesTheServerTimeToAnswerQuit) {
   EXPECT_GT(steady_clock::now() - begin, std::chrono::seconds(1));
 }
 
-TEST_F(ClosingTest, GivesAllThatComesBeforeQuitNoMoreTime) {
+TEST_F(ClosingTest, AllowsNoMoreTimeForWhatComesBeforeQuit) {
   // A request for a data connection has been sent ahead; its answer is awaited first.
   server.on("PWD", replies("550 Somewhere."));
   for (const char* command : {"EPSV", "SYST", "QUIT"}) server.on(command, staysSilent());

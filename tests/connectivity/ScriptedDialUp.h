@@ -1,4 +1,4 @@
-// A dial-up component that is as a test says, and notes what it is told to do.
+// A dial-up component whose state a test sets, and which records its calls.
 #pragma once
 
 #include <functional>

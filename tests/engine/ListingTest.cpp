@@ -169,7 +169,7 @@ TEST(ListingParser, FindsTheArrowOfALink) {
   }
 }
 
-TEST(ListingParser, SettlesByTheOtherLinesWhatOneLineLeavesOpen) {
+TEST(ListingParser, ResolvesAmbiguousLinesByTheOthers) {
   const struct {
     std::vector<std::string> dates;  // each with what stands before the name
     std::vector<std::string> meanings;
@@ -189,7 +189,7 @@ TEST(ListingParser, SettlesByTheOtherLinesWhatOneLineLeavesOpen) {
   for (const auto& c : cases) {
     std::string text;
     for (const auto& date : c.dates) text += "-rw-r--r-- 1 a b 1 " + date + c.name + "\n";
-    // A name like a time alone does not tell: the line of the folder itself does.
+    // A name like a time decides nothing by itself: the line of the folder itself does.
     if (c.name[0] == '0') text += "drwxr-xr-x 1 a b 1 Nov 14 09:00 .\n";
     const auto listing = ParseListing(text, kNow);
     ASSERT_GE(listing.entries.size(), c.dates.size()) << text;
@@ -207,7 +207,7 @@ TEST(ListingParser, SettlesByTheOtherLinesWhatOneLineLeavesOpen) {
   }
 }
 
-TEST(ListingParser, SkipsNoiseAndKeepsTheLinesBesideEntriesThatItCannotRead) {
+TEST(ListingParser, SkipsNoiseAndKeepsTheLinesThatItCannotRead) {
   const std::string a = "-rw-r--r-- 1 a b 1 Jan 15 12:34 a\r\n",
                     d = "drwxr-xr-x 1 a b 1 Jan 15 12:34 sub\r\n";
   const std::string dLine = d.substr(0, d.size() - 2);

@@ -166,7 +166,7 @@ TEST_F(NothingLostTest, ALoopOfFoldersIsNotWalkedDeeperThanThreeRepetitions) {
   EXPECT_THAT(treeOf(target()), ElementsAre("a", "again/", "again/a", "again/again/", "again/again/a"));
 }
 
-TEST_F(NothingLostTest, FoldersThatLeadBackInManyWaysAreWalkedSoOftenAndNoMore) {
+TEST_F(NothingLostTest, FoldersThatLinkBackInManyWaysAreWalkedALimitedNumberOfTimes) {
   // Each of four folders has a link to the first one, which the server lists as a folder.
   listEverywhere([](const std::string& here) {
     if (here == "/" || here.ends_with("/up"))

@@ -67,7 +67,7 @@ TEST_F(RunTest, MirrorsAFolderAndAllBelowIt) {
   EXPECT_FALSE(BackupRunning());
 }
 
-TEST_F(RunTest, LogsAProfileInColoursAndGivesTheRunAFolderOfItsOwn) {
+TEST_F(RunTest, LogsAProfileInColoursAndUsesAFolderPerRun) {
   settings.BackupMode = 2;
   settings.UniqueBackup = 1;
   settings.FtpRetryCount = 1;
@@ -114,7 +114,7 @@ TEST_F(RunTest, LogsAProfileInColoursAndGivesTheRunAFolderOfItsOwn) {
   EXPECT_EQ(display.rowColours[0][static_cast<std::size_t>(ReportColumn::profile)], (Colour{0, 0, 0}));
 }
 
-TEST_F(RunTest, TakesProfilesInTheOrderOfTheirNamesAndCountsEachFromZero) {
+TEST_F(RunTest, RunsProfilesInTheOrderOfTheirNamesAndCountsEachFromZero) {
   server.addFile("/one/a.bin", "abc");
   server.addFile("/one/b.bin", "abcd");
   server.addFile("/two/c.bin", "ab");
@@ -261,7 +261,7 @@ TEST_F(RunTest, ShowsSizeProgressAndRateOfAFile) {
 
 // --- what is refused
 
-TEST_F(RunTest, DoesNotStartWhatWouldNeverEnd) {
+TEST_F(RunTest, RefusesProfilesWhoseLoginCouldNeverWork) {
   const SiteProfile good = profile;
   const struct {
     const char* problem;
@@ -313,7 +313,7 @@ TEST_F(RunTest, KeepsNamesApartThatDifferInCase) {
   server.addFile("/readme", "two!");
   server.addFile("/Readme/below.bin", "x");
   EXPECT_TRUE(run().at(0).completed);
-  // A folder comes first in the listing; what would have to share its name is told and left out.
+  // The folder is listed first; files whose names differ from its name in case only are logged and skipped.
   EXPECT_EQ(display.count("Error: Refused name"), caseCounts ? 0 : 2);
   EXPECT_EQ(contentsOf(target() / "Readme/below.bin"), "x");
   if (caseCounts) {
@@ -359,7 +359,7 @@ TEST_F(RunTest, WaitsForALanDespiteAStop) {
   EXPECT_THAT(stages.calls, ElementsAre("before", "after"));
 }
 
-TEST_F(RunTest, LeavesTheFieldToAnotherProgramsRun) {
+TEST_F(RunTest, IsRefusedWhileAnotherProgramRunsABackup) {
   save(profile);
   RunServices refused = services();
   refused.acquireRunLock = [] { return nullptr; };
@@ -527,7 +527,7 @@ TEST_F(DialUpRunTest, AStopEndsTheDialling) {
   EXPECT_EQ(display.lineWith("Waiting"), (Line{"Waiting 5 Seconds Before Retrying...\r\n", {255, 0, 255}}));
 }
 
-TEST_F(DialUpRunTest, HangsUpAtTheEndWhatSystemOrComponentHave) {
+TEST_F(DialUpRunTest, HangsUpAtTheEndTheConnectionsOfSystemAndComponent) {
   settings.AutoDial = 0;
   profile.name.clear();
   const struct {

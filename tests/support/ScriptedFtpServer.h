@@ -51,7 +51,7 @@ class ScriptedFtpServer {
   void once(const std::string& prefix, Action action) { addRule(prefix, std::move(action), 1); }
   void forgetRules();
 
-  /// Throws away what arrives behind a command in the same packet, as some embedded servers do.
+  /// Discards what arrives after a command in the same packet, as some embedded servers do.
   void discardInputBehindCommands() { discards_ = true; }
 
   /// Every command line received, in order; passwords too.
@@ -86,7 +86,7 @@ class ScriptedFtpServer {
     /// Until the client closes the control connection or sends something; what it sends is the next command.
     void waitForClient();
 
-    /// The command line being answered, and what stands behind its first blank.
+    /// The command line being answered, and what follows its first blank.
     std::string line, argument;
 
    private:

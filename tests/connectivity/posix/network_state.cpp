@@ -1,4 +1,4 @@
-// network_state: what this machine's network is, as a run and the status label are told.
+// network_state: prints the state of this machine's network as a run and the status label use it.
 #include <cstdio>
 
 #include "connectivity/mNetworkConnection.h"

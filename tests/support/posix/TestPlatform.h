@@ -1,4 +1,4 @@
-// What a test changes around itself for a while, as this system does it.
+// Changes of the environment that tests make for a while, as this system does them.
 #pragma once
 
 #include <netinet/in.h>
@@ -18,7 +18,7 @@ namespace quillmoor::testing {
 /// Bytes of a file, set by its size alone, that takes long to copy and holds next to nothing.
 inline constexpr std::uintmax_t kLongToCopy = std::uintmax_t{1} << 36;
 
-/// Whether a connection that was reset can be told from one that was closed.
+/// Whether a reset connection can be distinguished from a closed one.
 inline bool tellsResetFromEnd() {
   return true;
 }
@@ -37,7 +37,7 @@ inline void unsetEnvironment(const char* name) {
   ::unsetenv(name);
 }
 
-/// A time zone for as long as this lives; nobody is told of it but the environment.
+/// Sets the time zone in the environment for as long as this lives.
 class TimeZone {
  public:
   explicit TimeZone(const char* name) : before_(std::getenv("TZ") ? std::getenv("TZ") : "") {

@@ -1,4 +1,4 @@
-// What a test changes around itself for a while, as this system does it.
+// Changes of the environment that tests make for a while, as this system does them.
 #pragma once
 
 #include <windows.h>
@@ -18,7 +18,7 @@ namespace quillmoor::testing {
 /// Bytes of a file, set by its size alone, that takes a while to copy.
 inline constexpr std::uintmax_t kLongToCopy = std::uintmax_t{1} << 28;
 
-/// Whether a connection that was reset can be told from one that was closed. Wine cannot where a program
+/// Whether a reset connection can be distinguished from a closed one; under Wine it cannot by a program that
 /// waits with select.
 inline bool tellsResetFromEnd() {
   return ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
@@ -54,7 +54,7 @@ class OwnRegistry {
   /// From now on nothing can be stored: the key is gone, though still in the machine's place.
   void refuseWrites() { ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str()); }
 
-  /// While it lives, nobody has the right to write to those keys of the machine that are there.
+  /// While it lives, nobody may write to those of the keys that exist.
   class NoWrites {
    public:
     NoWrites(const OwnRegistry&, std::vector<const char*> keys) : keys_(std::move(keys)) { allow(L"KR"); }
