@@ -89,15 +89,15 @@ status() { local got=0; "$@" >out 2>&1 || got=$?; echo "$got"; }
 [ "$(status ours set/a.exe x <<<"pass wörd")" = 0 ] || fail "the set does not unpack itself"
 same x "itself, in segments and encrypted"
 [ "$(status ours set/a.exe --test <<<"pass wörd")" = 0 ] && [ ! -e set/a ] || fail "a sound set does not pass, or is unpacked"
-[ "$(status ours set/a.exe --test <<<"pass word")" = 4 ] || fail "a wrong password is not told"
+[ "$(status ours set/a.exe --test <<<"pass word")" = 4 ] || fail "a wrong password is not reported"
 [ "$(wc -l <out)" = 1 ] || fail "not one line for a wrong password"
-[ "$(status ours set/a.exe --test </dev/null)" = 5 ] || fail "a missing password is not told"
-[ "$(status ours set/a.exe --what)" = 2 ] || fail "a wrong option is not told"
+[ "$(status ours set/a.exe --test </dev/null)" = 5 ] || fail "a missing password is not reported"
+[ "$(status ours set/a.exe --what)" = 2 ] || fail "a wrong option is not reported"
 cp set/a.z02 aside
 printf 'eight in' | dd of=set/a.z02 bs=1 seek=1000 conv=notrunc status=none
-[ "$(status ours set/a.exe --test <<<"pass wörd")" = 3 ] && grep -q damaged out || fail "damage is not told"
+[ "$(status ours set/a.exe --test <<<"pass wörd")" = 3 ] && grep -q damaged out || fail "damage is not reported"
 rm set/a.z02
-[ "$(status ours set/a.exe --test <<<"pass wörd")" = 3 ] && grep -q 'a.z02.*missing' out || fail "a missing part is not told"
+[ "$(status ours set/a.exe --test <<<"pass wörd")" = 3 ] && grep -q 'a.z02.*missing' out || fail "a missing part is not reported"
 [ "$(wc -l <out)" = 1 ] || fail "not one line for a missing part"
 [ "$(stat -c %s "$stub")" -lt 1572864 ] || fail "the self-extractor is larger than 1.5 MiB"
 

@@ -1,4 +1,4 @@
-// Sessions of the FTP client, against a server that does what a test tells it to.
+// Sessions of the FTP client, against a scripted server.
 #include <future>
 #include <thread>
 

@@ -1,4 +1,4 @@
-// Listings and files: what the FTP client makes of data connections and of what goes wrong on them.
+// Listings and files: data connections of the FTP client, and what goes wrong on them.
 #include <optional>
 #include <string>
 

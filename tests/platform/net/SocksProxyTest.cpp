@@ -155,7 +155,7 @@ TEST_F(SocksSessionTest, SaysWhatTheProxyRefuses) {
       {socks5, "u", {.login = bytes({1})}, connectionLost, "proxy closed"},
       {socks5, "", {.reply = five(0).substr(0, 9)}, connectionLost, "proxy closed"},
       {socks4, "", {.reply = four(0x5A).substr(0, 7)}, connectionLost, "proxy closed"},
-      // Silent, and so slow that it comes to the same.
+      // Silent, or too slow.
       {socks4, "", {.reply = four(0x5A).substr(0, 7), .then = Then::staySilent}, timedOut, "did not answer"},
       {socks5, "", {.pause = std::chrono::milliseconds(kShortMs / 5)}, timedOut, "did not answer"},
   };

@@ -303,7 +303,7 @@ TEST_F(ZipArchiveTest, SaysWhatCannotBe) {
   for (const auto& [call, expected] : cases) EXPECT_THAT(call, fails(expected));
   archive.addFiles(tree + "/missing/*", true);
   EXPECT_THAT([&] { archive.write(out("a.zip")); }, fails(ZipErrorNumber::folderNotFound));
-  EXPECT_THAT(errors, SizeIs(9)) << "every one is told by an event too";
+  EXPECT_THAT(errors, SizeIs(9)) << "each is reported by an event too";
   EXPECT_THAT(errors.back(), HasSubstr("missing"));
   EXPECT_THAT(filesOut(), IsEmpty());
   EXPECT_THAT(testing::inspectArchive(archive.write(out("a.zip")).paths).entries, IsEmpty())

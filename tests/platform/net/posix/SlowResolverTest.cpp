@@ -1,5 +1,5 @@
-// A name server that does not answer must not keep a web request: here the system's resolver is replaced by
-// one that knows a name about which it says nothing until it is told to.
+// A name server that does not answer must not hold up a web request: the system's resolver is replaced here
+// by one that keeps silent about one name until the test ends.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <netdb.h>
