@@ -145,11 +145,11 @@ void LogView::paint() {
   if (widest_ != before) CallAfter([this] { updateExtent(); });
 }
 
-std::pair<LogView::Place, LogView::Place> LogView::selection() const {
+std::pair<LogView::TextPosition, LogView::TextPosition> LogView::selection() const {
   return std::minmax(anchor_, caret_);
 }
 
-LogView::Place LogView::end() const {
+LogView::TextPosition LogView::end() const {
   const std::size_t last = log_.lineCount() - 1;
   return {log_.firstLine() + last, log_.line(last).text.size()};
 }
@@ -195,7 +195,7 @@ int LogView::widthOf(const LogLine& line, std::size_t bytes) const {
   return bytes == 0 ? 0 : GetTextExtent(textOf(line.text, 0, bytes)).x;
 }
 
-LogView::Place LogView::placeAt(wxPoint point) const {
+LogView::TextPosition LogView::placeAt(wxPoint point) const {
   const wxPoint start = GetViewStart();
   const int row = start.y + (point.y < 0 ? -1 : point.y / lineHeight_);
   const auto index = static_cast<std::size_t>(std::clamp(row, 0, static_cast<int>(log_.lineCount()) - 1));

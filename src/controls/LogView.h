@@ -40,10 +40,10 @@ class LogView : public wxScrolled<wxWindow> {
  private:
   /// A position between two characters. Lines are counted from the first ever appended, so that it stays
   /// valid when the start of the log is dropped.
-  struct Place {
+  struct TextPosition {
     std::size_t line = 0;
     std::size_t byte = 0;
-    auto operator<=>(const Place&) const = default;
+    auto operator<=>(const TextPosition&) const = default;
   };
 
   void measure();
@@ -53,9 +53,9 @@ class LogView : public wxScrolled<wxWindow> {
   void drawLine(wxDC& dc, std::size_t index, int y, int left);
   void drawText(wxDC& dc, const LogLine& line, std::size_t begin, std::size_t end, int x, int y,
                 const wxColour* ink);
-  std::pair<Place, Place> selection() const;
-  Place placeAt(wxPoint point) const;
-  Place end() const;
+  std::pair<TextPosition, TextPosition> selection() const;
+  TextPosition placeAt(wxPoint point) const;
+  TextPosition end() const;
   int widthOf(const LogLine& line, std::size_t bytes) const;
   void onMouse(wxMouseEvent& event);
   void onKey(wxKeyEvent& event);
@@ -63,7 +63,7 @@ class LogView : public wxScrolled<wxWindow> {
 
   const LogText& log_;
   wxTimer timer_;
-  Place anchor_, caret_;
+  TextPosition anchor_, caret_;
   bool selecting_ = false;
   bool follow_ = false;  // scroll to the newest line at the next update
   bool atEnd_ = false;   // the newest line was visible at the last paint

@@ -24,7 +24,7 @@ std::int64_t Segments::size(std::uint32_t disk) {
   return size_;
 }
 
-std::size_t Segments::read(Place& place, std::span<std::uint8_t> bytes) {
+std::size_t Segments::read(zip::SegmentPlace& place, std::span<std::uint8_t> bytes) {
   while (place.disk < count()) {
     InputFile& file = open(place.disk);
     if (place.offset >= 0 && place.offset < size_) {

@@ -9,13 +9,9 @@
 #include <vector>
 
 #include "platform/files/Files.h"
+#include "platform/zip/SegmentPlace.h"
 
 namespace quillmoor::sfx {
-
-struct Place {
-  std::uint32_t disk = 0;
-  std::int64_t offset = 0;
-};
 
 class Segments {
  public:
@@ -27,7 +23,7 @@ class Segments {
   std::int64_t size(std::uint32_t disk);
 
   /// Reads up to `bytes.size()` bytes, 0 only at or after the end of the last segment. Advances `place`.
-  std::size_t read(Place& place, std::span<std::uint8_t> bytes);
+  std::size_t read(zip::SegmentPlace& place, std::span<std::uint8_t> bytes);
 
  private:
   InputFile& open(std::uint32_t disk);
@@ -41,7 +37,7 @@ class Segments {
 /// Buffered sequential reading of small items.
 class Cursor {
  public:
-  Cursor(Segments& segments, Place place) : segments_(segments), next_(place) {}
+  Cursor(Segments& segments, zip::SegmentPlace place) : segments_(segments), next_(place) {}
 
   /// False when the end is reached first.
   bool take(std::span<std::uint8_t> bytes);
@@ -53,7 +49,7 @@ class Cursor {
   bool fill();
 
   Segments& segments_;
-  Place next_;
+  zip::SegmentPlace next_;
   std::vector<std::uint8_t> buffer_;
   std::size_t at_ = 0;
 };

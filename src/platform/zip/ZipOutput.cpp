@@ -163,7 +163,7 @@ void Output::write(std::span<const std::uint8_t> bytes) {
   }
 }
 
-void Output::patch(Place place, std::string_view bytes) {
+void Output::patch(SegmentPlace place, std::string_view bytes) {
   if (place.disk != disk_) {
     OutputFile::existing(temporary(place.disk)).writeAt(place.offset, asBytes(bytes));
     return;

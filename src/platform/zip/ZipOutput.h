@@ -14,14 +14,9 @@
 
 #include "platform/files/Files.h"
 #include "platform/files/WorkFolder.h"
+#include "platform/zip/SegmentPlace.h"
 
 namespace quillmoor::zip {
-
-/// A position in the set: segment number, from 0, and offset in it.
-struct Place {
-  std::uint32_t disk = 0;
-  std::int64_t offset = 0;
-};
 
 /// File names of an archive's segments.
 class SegmentNames {
@@ -69,11 +64,11 @@ class Output {
 
   /// Keeps the next `bytes` bytes in one segment: begins a new one if they do not fit.
   void keepTogether(std::size_t bytes);
-  Place place() const { return {disk_, size_}; }
+  SegmentPlace place() const { return {disk_, size_}; }
   void write(std::string_view bytes);
   void write(std::span<const std::uint8_t> bytes);
   /// Overwrites earlier bytes, in any segment.
-  void patch(Place place, std::string_view bytes);
+  void patch(SegmentPlace place, std::string_view bytes);
 
   /// Renames the files into place. Returns their paths in segment order.
   std::vector<std::string> finish();
@@ -98,7 +93,7 @@ class Output {
   std::uint32_t disk_ = 0;
   std::int64_t size_ = 0;   ///< of the current segment, including the buffer
   std::int64_t total_ = 0;  ///< of all segments
-  Place signature_;
+  SegmentPlace signature_;
 };
 
 }  // namespace quillmoor::zip

@@ -310,7 +310,7 @@ class Writer {
     directory_.forEach([&](std::string_view header) {
       events_.checkAborted();
       output_.keepTogether(header.size());
-      const Place place = output_.place();
+      const SegmentPlace place = output_.place();
       if (!begun) {
         begun = true;
         end.directoryDisk = place.disk;
@@ -325,7 +325,7 @@ class Writer {
     });
     end.entries = directory_.entries();
     output_.keepTogether(kLongestEnd);
-    const Place place = output_.place();
+    const SegmentPlace place = output_.place();
     if (place.disk != end.disk) end.entriesOnDisk = 0;
     end.disk = place.disk;
     end.endOffset = static_cast<std::uint64_t>(place.offset);
@@ -341,7 +341,7 @@ class Writer {
   void begin(Entry& entry) {
     const std::string header = localHeader(entry);
     output_.keepTogether(header.size());
-    const Place place = output_.place();
+    const SegmentPlace place = output_.place();
     entry.disk = place.disk;
     entry.offset = static_cast<std::uint64_t>(place.offset);
     output_.write(header);

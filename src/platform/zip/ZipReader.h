@@ -41,7 +41,7 @@ struct ArchiveEntry {
   std::uint32_t crc = 0;
   std::uint64_t size = 0;
   std::uint64_t packedSize = 0;
-  Place place;
+  zip::SegmentPlace place;
   std::uint8_t hostSystem = 0;
   FileState state;
 
@@ -76,7 +76,7 @@ class ZipReader {
   std::unique_ptr<Segments> segments_;
   std::string name_;
   std::uint64_t entries_ = 0;
-  Place directory_;
+  zip::SegmentPlace directory_;
   /// The length of a prefix that another tool has put in front without adjusting the offsets.
   std::int64_t shift_ = 0;
 };

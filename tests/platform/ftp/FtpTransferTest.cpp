@@ -69,7 +69,7 @@ TEST_F(FtpTransferTest, EndsAListingThatIsTooLong) {
 
 TEST_F(FtpTransferTest, TurnsAwayAnotherMachineThanTheServerAndSaysSo) {
   asio::io_context context;
-  asio::ip::tcp::socket stranger(context);
+  asio::ip::tcp::socket unexpected(context);
   std::uint16_t port = 0;
   server.on("PORT", [&](Session& s) {
     unsigned high = 0, low = 0;
@@ -78,9 +78,9 @@ TEST_F(FtpTransferTest, TurnsAwayAnotherMachineThanTheServerAndSaysSo) {
     s.answerAsUsual();
   });
   server.on("LIST", [&](Session& s) {
-    stranger.open(asio::ip::tcp::v4());
-    stranger.bind({asio::ip::make_address("127.0.0.2"), 0});
-    stranger.connect({asio::ip::address_v4::loopback(), port});
+    unexpected.open(asio::ip::tcp::v4());
+    unexpected.bind({asio::ip::make_address("127.0.0.2"), 0});
+    unexpected.connect({asio::ip::address_v4::loopback(), port});
     s.waitForClient();
   });
   client.setPassive(false);
