@@ -8,7 +8,7 @@
 namespace quillmoor {
 namespace {
 
-constexpr std::size_t kMostBytes = 8192;
+constexpr std::size_t kMostBytes = 8192;  // a listing may have 16 MiB, which no screen can show
 
 /// The text made displayable, with its line breaks.
 std::string shownLines(std::string_view text) {

@@ -91,6 +91,7 @@ void NetworkWait::waitBeforeRetry(std::int32_t times) {
 }
 
 void NetworkWait::WaitSeconds(std::int32_t seconds) {
+  // Only the product must fit 32 bits; the sum has 64 and cannot overflow.
   const std::int64_t end = services_.tick() + MultiplyLong(seconds, 1000);
   for (;;) {
     if (services_.pump) services_.pump();

@@ -17,8 +17,8 @@ namespace quillmoor {
 enum class TransferOutcomes { pending = 0, completed = 1, failedOrStopped = 2 };
 
 struct RunState {
-  /// Set by a confirmed Stop, cleared at the start of a run. Every loop of a run tests it, except the wait
-  /// for a LAN.
+  /// Set by a confirmed Stop, cleared at the start of a run. Every loop over folders, files, profiles
+  /// and attempts tests it, except the wait for a LAN.
   bool StopRequested = false;
   /// Result of the last login attempt; cleared by Stop.
   bool LoggedIn = false;
