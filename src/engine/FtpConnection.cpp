@@ -28,6 +28,8 @@ void SetFtpProperties(FtpClient& client, const SiteProfile& profile) {
   client.proxyPassword = profile.ProxyPassword;
   client.proxyHost = profile.ProxyHost;
   client.proxyPort = numberOf(profile.ProxyPort);
+  client.security = profile.Security;
+  client.certificate = profile.Certificate;
   const bool passive = profile.PASV != 0;
   if (client.state() != FtpState::connected && client.passive() != passive) client.setPassive(passive);
 }

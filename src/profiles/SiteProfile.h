@@ -18,6 +18,10 @@ namespace quillmoor {
 inline constexpr std::array<const char*, 8> kProxyTypes = {
     "None", "Socks V4", "Socks V5", "SITE Hostname ", "USER Logon", "USER No Logon ", "OPEN", "Pipe"};
 
+/// Texts of the kinds of encryption; a profile stores the position.
+inline constexpr std::array<const char*, 3> kSecurityTypes = {"None", "TLS, explicit (AUTH TLS)",
+                                                              "TLS, implicit (port 990)"};
+
 /// Fields named after their keys, with the defaults of a new profile. What is text here although it holds a
 /// number is the text of an edit box.
 struct SiteProfile {
@@ -44,6 +48,8 @@ struct SiteProfile {
   std::string ProxyPassword;  // stored in clear, on purpose
   std::string DefaultDir;
   std::vector<std::string> Folders;
+  std::int32_t Security = 0;  // a position in kSecurityTypes; -1 where the file has anything else
+  std::string Certificate;    // the SHA-256 fingerprint that the user has accepted, 64 hexadecimal digits
 
   /// The stored password could not be deciphered and shows as "": it must be typed anew before a save.
   bool passwordUnreadable = false;
@@ -61,7 +67,7 @@ struct ProfileField {
   };
   enum class Since {
     first,  // a missing key means an empty text or 0
-    later   // a missing key means the default, and the default is not written
+    later   // a missing key means the default, and the default is not written; after Folders in the file
   };
   using Text = std::string SiteProfile::*;
   using Number = std::int32_t SiteProfile::*;
@@ -79,8 +85,9 @@ struct ProfileField {
   constexpr Number number() const { return member.index() == 1 ? std::get<1>(member) : nullptr; }
 };
 
-/// Every field but name, ID and Folders, in the order in which the profile file has them. A new field is a
-/// member of SiteProfile with its default, a row here with Since::later, and a control of the form.
+/// Every field but name, ID and Folders, in the order in which the profile file has them, with Folders before
+/// those of Since::later. A new field is a member of SiteProfile with its default, a row here with
+/// Since::later, and a control of the form.
 inline constexpr std::array kProfileFields = [] {
   using enum ProfileField::Kind;
   using P = SiteProfile;
@@ -117,6 +124,12 @@ inline constexpr std::array kProfileFields = [] {
        "The password at the proxy. It is stored as you type it, not enciphered."},
       {"DefaultDir", &P::DefaultDir, trimmed,
        "The server's folder to go to after the login. Empty: the one that the login leads to."},
+      {"Security", &P::Security, number,
+       "Whether the password and the files travel encrypted. With TLS nothing is sent in clear.",
+       kSecurityTypes.size() - 1, ProfileField::Since::later},
+      {"Certificate", &P::Certificate, trimmed,
+       "The fingerprint of a certificate that you trust although the system cannot verify it; usually empty.",
+       std::numeric_limits<std::int32_t>::max(), ProfileField::Since::later},
   });
 }();
 

@@ -59,10 +59,15 @@ bool writeSection(const SiteProfile& profile, const std::string& file) {
     written = written && mIni::WriteValue(profile.name, std::string(key), value, file);
   };
   write("ID", profile.ID);
-  for (const ProfileField& field : kProfileFields) {
-    if (const auto stored = StoredText(profile, field)) write(field.key, *stored);
-  }
+  const auto writeFields = [&](ProfileField::Since since) {
+    for (const ProfileField& field : kProfileFields) {
+      const auto stored = field.since == since ? StoredText(profile, field) : std::nullopt;
+      if (stored) write(field.key, *stored);
+    }
+  };
+  writeFields(ProfileField::Since::first);
   write("Folders", JoinFolders(profile.Folders));
+  writeFields(ProfileField::Since::later);
   return written;
 }
 
@@ -111,7 +116,9 @@ void TakeStored(SiteProfile& profile, const ProfileField& field, const std::stri
     }
   }
   if (field.number()) {
-    profile.*field.number() = number;
+    // Half a number must not pass for one: it may have meant encryption.
+    const bool half = field.since == ProfileField::Since::later && std::to_string(number) != stored;
+    profile.*field.number() = half ? -1 : number;
   } else if (field.kind == ProfileField::Kind::password) {
     try {
       profile.*field.text() = mRC4::Decipher(stored);

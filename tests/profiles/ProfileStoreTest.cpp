@@ -133,7 +133,9 @@ TEST_F(ProfileFile, KeepsAProfileThroughSavingAndLoading) {
                       .ProxyUsername = "jim",
                       .ProxyPassword = "in clear",
                       .DefaultDir = "/pub",
-                      .Folders = {"/www", "/cgi-bin"}};
+                      .Folders = {"/www", "/cgi-bin"},
+                      .Security = 2,
+                      .Certificate = "ab12"};
   ASSERT_TRUE(SaveSiteProfile(profile, file, *MakeLocalDateTime({2011, 5, 7, 14, 3, 9, 0})));
   const std::string written = contentsOf(file);
   EXPECT_EQ(
@@ -144,7 +146,7 @@ TEST_F(ProfileFile, KeepsAProfileThroughSavingAndLoading) {
           "Timeout=61\r\nPASV=1\r\nManualPort=1\r\nMinData=5000\r\nMaxData=5001\r\nProxyType=4\r\nProxyHost="
           "proxy\r\n"
           "ProxyPort=1080\r\nProxyUsername=jim\r\nProxyPassword=in clear\r\nDefaultDir=/pub\r\n"
-          "Folders=/www~|~/cgi-bin\r\n");
+          "Folders=/www~|~/cgi-bin\r\nSecurity=2\r\nCertificate=ab12\r\n");
   SiteProfile loaded = LoadSiteProfile("wÜRZBURG", file);
   loaded.name = profile.name;
   ASSERT_TRUE(SaveSiteProfile(loaded, file));

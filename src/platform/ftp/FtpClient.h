@@ -1,6 +1,6 @@
 // The FTP client: one control connection, one operation at a time, each blocking while it pumps.
 //
-// Protocol: RFC 959 (FTP), RFC 2428 (EPRT, EPSV), RFC 2389 (FEAT), RFC 2640 (UTF-8 names).
+// Protocol: RFC 959 (FTP), RFC 2428 (EPRT, EPSV), RFC 2389 (FEAT), RFC 2640 (UTF-8 names), RFC 4217 (TLS).
 #pragma once
 
 #include <cstdint>
@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "base/Pump.h"
+#include "platform/net/TlsCertificate.h"
 
 namespace quillmoor {
 
@@ -29,6 +30,13 @@ enum class FtpMethod {
   changeToParent = 5,
   list = 6,
   getFile = 14
+};
+
+/// Encryption; the numbers are those stored in a profile.
+enum class FtpSecurity {
+  none = 0,
+  explicitTls = 1,  // AUTH TLS on an unencrypted control connection (RFC 4217), before USER
+  implicitTls = 2   // TLS from the first byte, usually on port 990
 };
 
 enum class FtpStatus { done = 0, inProgress = 1, failed = 2 };
@@ -65,7 +73,9 @@ enum class FtpErrorNumber : int {
   incomplete,
   tooLong,
   localFile,
-  proxyRefused  // by a SOCKS proxy; an FTP proxy's refusal has its reply's code, as a server's does
+  proxyRefused,  // by a SOCKS proxy; an FTP proxy's refusal has its reply's code, as a server's does
+  tlsFailed,     // no encrypted connection; nothing else was sent
+  certificateRejected
 };
 
 /// Raised by every operation that fails, after the error event. `what()` is a sentence for the user, with the
@@ -145,6 +155,13 @@ class FtpClient {
   std::string proxyUserName;
   std::string proxyPassword;
 
+  /// The encryption of the next login. With TLS, no password and no file is ever sent or received without it:
+  /// a server that refuses, and a proxy type that speaks FTP itself, fail the login.
+  std::int32_t security = 0;  // an FtpSecurity
+  /// The SHA-256 fingerprint, in hexadecimal digits of either case, of a certificate that is accepted
+  /// although the system cannot verify it; "" for none.
+  std::string certificate;
+
   bool passive() const;
   /// Raises badArgument unless the state is `closed`: a session keeps its mode.
   void setPassive(bool passive);
@@ -168,10 +185,16 @@ class FtpClient {
   // --- operations, blocking
 
   /// Connects and logs in (USER, then PASS and ACCT as the server asks). Closes an open session first. After
-  /// a failure the state is `closed`. An unknown proxy type, or a proxy without host or port, raises
-  /// badArgument before anything is sent.
+  /// a failure the state is `closed`. An unknown proxy type, a proxy without host or port, an unknown
+  /// `security` and one that the proxy cannot pass raise badArgument before anything is sent. A certificate
+  /// that is neither verified nor accepted raises certificateRejected before a user name is sent; see
+  /// `rejectedCertificate`.
   void login(const std::string& host, const std::string& user, const std::string& password,
              const std::string& account, std::int32_t port);
+
+  /// Connects as `login` does, with `security` (none counts as explicitTls) and the proxy, but ends after the
+  /// handshake and returns the server's certificate, whether or not it would be accepted.
+  TlsCertificate readCertificate(const std::string& host, std::int32_t port);
 
   /// QUIT; the state is `closed` afterwards even when it raises.
   void logout();
@@ -205,6 +228,11 @@ class FtpClient {
   bool asciiType() const;
 
   // --- any time
+
+  /// The certificate that the last login was not made with: it raised certificateRejected.
+  const std::optional<TlsCertificate>& rejectedCertificate() const;
+  /// Whether the server of this session offers TLS (FEAT lists AUTH TLS) and the session does without.
+  bool offersTls() const;
 
   /// Cancels the operation in progress, which then raises `aborted`; a transfer is ended by ABOR and its
   /// unfinished file removed. Without an operation in progress, closes the connection at once. Returns
