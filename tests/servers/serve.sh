@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
-# serve.sh start SERVER DIR STATE   serves DIR on a free loopback port; configuration, log and pid are in the folder STATE.
-#                                   Prints FTP_HOST= FTP_PORT= FTP_USER= FTP_PASSWORD= FTP_ROOT= lines for eval;
-#                                   FTP_ROOT is DIR as a client sees it.
-# serve.sh stop STATE               stops that server and waits for its end
+# serve.sh start SERVER DIR STATE [TLS]
+#       serves DIR on a free loopback port; configuration, log and pid are in the folder STATE. Prints FTP_HOST= FTP_PORT=
+#       FTP_USER= FTP_PASSWORD= FTP_ROOT= lines for eval; FTP_ROOT is DIR as a client sees it.
+#       TLS: KIND,VERSION,CERTIFICATE demands encryption of both connections, and the reuse of sessions where the server
+#       can. KIND explicit or implicit, VERSION 1.2 or 1.3, CERTIFICATE ca or self. Then also prints FTP_SECURITY= as a
+#       profile has it, FTP_CERTIFICATE= with the fingerprint of a self-signed one, and FTP_CA= with the authority's file.
+# serve.sh stop STATE
+#       stops that server and waits for its end
 # SERVER: pyftpdlib, pure-ftpd, vsftpd or proftpd. Exit status 77 if that server is not available here.
 #
 # The Debian packages of the three daemons conflict, so they are not installed but unpacked into a cache outside the
@@ -14,13 +18,18 @@ if [ "${1:-}" = stop ]; then
   take_down "${2:?usage: serve.sh stop STATE}"
   exit 0
 fi
-if [ "${1:-}" != start ] || [ $# != 4 ]; then
-  echo "usage: serve.sh start SERVER DIR STATE | stop STATE" >&2
+if [ "${1:-}" != start ] || [ $# -lt 4 ] || [ $# -gt 5 ]; then
+  echo "usage: serve.sh start SERVER DIR STATE [KIND,VERSION,CERTIFICATE] | stop STATE" >&2
   exit 2
 fi
 
 server=$2; dir=$(realpath "$3"); mkdir -p "$4"; state=$(realpath "$4")
 user=keeper password="correct horse" root=/
+IFS=, read -r kind version certificate <<<"${5:-}"
+if [ -n "$kind" ]; then
+  "$(dirname "${BASH_SOURCE[0]}")/certificates.sh" "$state/tls" "$certificate"
+  pem=$state/tls/server.pem
+fi
 take_port
 # As root, the daemons serve as another user with the site, which is world-readable, as their root folder. Otherwise
 # vsftpd and proftpd serve as the current user, and a client sees the site under its full path.
@@ -30,7 +39,12 @@ hash() { openssl passwd -1 -salt quillmoo "$password"; }
 
 case $server in
 pyftpdlib)
-  command=(/usr/bin/python3 -m pyftpdlib -i 127.0.0.1 -p "$port" -d "$dir" -u "$user" -P "$password") ;;
+  if [ "$kind" = explicit ]; then
+    /usr/bin/python3 -c "import OpenSSL" 2>/dev/null || unavailable "pyftpdlib needs python3-openssl for TLS"
+    command=(/usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/pyftpdlib_tls.py" "$port" "$dir" "$user" "$password" "$pem" "$version")
+  else
+  command=(/usr/bin/python3 -m pyftpdlib -i 127.0.0.1 -p "$port" -d "$dir" -u "$user" -P "$password")
+  fi ;;
 pure-ftpd)
   [ "$(id -u)" = 0 ] || unavailable "pure-ftpd needs root"
   daemon=$(unpack pure-ftpd)
@@ -39,7 +53,11 @@ pure-ftpd)
   "$daemon/usr/bin/pure-pw" mkdb "$state/users.pdb" -f "$state/passwd"
   # -l users, -E no anonymous, -A chroot, -H no name look-ups, -f none: no syslog, -u lowest user id
   command=("$daemon/usr/sbin/pure-ftpd" -4 -S "127.0.0.1,$port" -l "puredb:$state/users.pdb" -E -A -H -f none -u 1
-    -L 100000:50 -g "$state/server.pid") ;;
+    -L 100000:50 -g "$state/server.pid")
+  if [ -n "$kind" ]; then
+    # Its list of ciphers may begin with the protocols to leave out.
+    command+=(-Y 3 -2 "$pem" -J "$([ "$version" = 1.2 ] && echo -C:HIGH:-TLSv1.3 || echo HIGH)")
+  fi ;;
 vsftpd)
   daemon=$(unpack vsftpd)
   user=anonymous launching=NO
@@ -67,6 +85,18 @@ seccomp_sandbox=NO
 isolate=NO
 isolate_network=NO
 CONF
+  if [ -n "$kind" ]; then
+    cat >>"$state/vsftpd.conf" <<CONF
+ssl_enable=YES
+allow_anon_ssl=YES
+force_anon_logins_ssl=YES
+force_anon_data_ssl=YES
+require_ssl_reuse=YES
+rsa_cert_file=$state/tls/server.crt
+rsa_private_key_file=$state/tls/server.key
+implicit_ssl=$([ "$kind" = implicit ] && echo YES || echo NO)
+CONF
+  fi
   command=("$daemon/usr/sbin/vsftpd" "$state/vsftpd.conf") ;;
 proftpd)
   daemon=$(unpack proftpd-core)
@@ -97,17 +127,43 @@ SystemLog $state/system.log
 TransferLog none
 WtmpLog off
 CONF
+  if [ -n "$kind" ]; then
+    unpack proftpd-mod-crypto >/dev/null
+    modules=$(unpack proftpd-mod-crypto)/usr/lib/proftpd
+    # SocketBindTight: without it the server listens on all addresses.
+    cat >>"$state/proftpd.conf" <<CONF
+SocketBindTight on
+ModulePath $modules
+LoadModule mod_tls.c
+TLSEngine on
+TLSProtocol TLSv$version
+TLSRSACertificateFile $state/tls/server.crt
+TLSRSACertificateKeyFile $state/tls/server.key
+TLSVerifyClient off
+TLSRequired on
+TLSLog $state/tls.log
+$([ "$kind" = implicit ] && echo "TLSOptions UseImplicitSSL")
+CONF
+  fi
   command=("$daemon/usr/sbin/proftpd" -n -c "$state/proftpd.conf") ;;
 *)
   echo "serve.sh: unknown server $server" >&2; exit 2 ;;
 esac
 
 ready() {
-  /usr/bin/python3 - "$port" "$user" "$password" <<'PY'
-import ftplib, sys
+  /usr/bin/python3 - "$port" "$user" "$password" "$kind" <<'PY'
+import ftplib, socket, ssl, sys
 try:
-    session = ftplib.FTP()
-    session.connect("127.0.0.1", int(sys.argv[1]), 5)
+    kind = sys.argv[4]
+    session = ftplib.FTP_TLS() if kind == "explicit" else ftplib.FTP()
+    if kind == "implicit":
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_CLIENT)
+        context.check_hostname, context.verify_mode = False, ssl.CERT_NONE
+        session.sock = context.wrap_socket(socket.create_connection(("127.0.0.1", int(sys.argv[1])), 5))
+        session.af, session.file = session.sock.family, session.sock.makefile("r", encoding="latin-1")
+        session.getresp()
+    else:
+        session.connect("127.0.0.1", int(sys.argv[1]), 5)
     session.login(sys.argv[2], sys.argv[3])
     session.quit()
 except (OSError, EOFError, ftplib.Error):
@@ -116,3 +172,8 @@ PY
 }
 bring_up "$state" ready "${command[@]}"
 printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\nFTP_ROOT=%q\n' "$port" "$user" "$password" "$root"
+if [ -n "$kind" ]; then
+  fingerprint=$(openssl x509 -in "$state/tls/server.crt" -noout -fingerprint -sha256 | sed 's/.*=//')
+  printf 'FTP_SECURITY=%s\nFTP_CERTIFICATE=%s\nFTP_CA=%q\n' "$([ "$kind" = implicit ] && echo 2 || echo 1)" \
+    "$([ "$certificate" = self ] && echo "$fingerprint")" "$([ "$certificate" = ca ] && echo "$state/tls/ca.crt")"
+fi

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/LocalPath.h"
 #include "platform/ftp/FtpControl.h"
@@ -32,23 +33,19 @@ bool endsSession(int number) {
   }
 }
 
-std::string oneLine(std::string text) {
+std::string oneLine(std::string text, std::size_t longest = 500) {
   for (auto at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n", at))
     text.replace(at, 2, 1, ' ');
-  constexpr std::size_t kLongest = 500;
-  if (text.size() > kLongest) {
-    text.resize(kLongest);
+  if (text.size() > longest) {
+    text.resize(longest);
     text += "...";
   }
   return text;
 }
 
-/// RFC 2389 §3.2: each feature is on a line of its own, after one space.
-bool announcesUtf8(const FtpReply& features) {
-  std::string text = features.text;
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-  return text.find("\n UTF8") != std::string::npos;
+/// RFC 2389 §3.2: each feature is on a line of its own, after one space. `feature` is in lower case.
+bool announces(const FtpReply& features, std::string_view feature) {
+  return AsciiLower(features.text).find("\n " + std::string(feature)) != std::string::npos;
 }
 
 }  // namespace
@@ -63,6 +60,7 @@ class FtpClient::Impl {
   bool passive = true;
   FtpState state = FtpState::closed;
   bool busy = false;
+  std::optional<TlsCertificate> rejectedCertificate;
 
   /// Runs an operation: one at a time, failures reported by events before they are raised, and the session
   /// closed when it is no longer usable.
@@ -105,7 +103,9 @@ class FtpClient::Impl {
   FtpListing list();
   void getFile(const std::string& remotePath, const std::string& localPath,
                std::optional<std::int64_t> listedSize);
+  TlsCertificate readCertificate(const std::string& host, std::int32_t port);
   bool asciiType() const { return control_.asciiType(); }
+  bool offersTls() const { return offersTls_ && state == FtpState::connected; }
   void abort();
   bool sendAhead(std::vector<std::string> lines, bool dataConnection);
 
@@ -125,6 +125,7 @@ class FtpClient::Impl {
     return printableReply(printableReply(replyText, secret_), proxySecret_);
   }
   void negotiateNames();
+  FtpLogin connect(const std::string& host, std::int32_t port, std::int32_t security);
   FtpTransfer::Outcome runList(const std::string& command, std::string& text);
   [[noreturn]] void fail(const FtpError& error, const std::string& replyText);
   [[noreturn]] void raiseOutside(FtpErrorNumber number, const char* description);
@@ -135,6 +136,7 @@ class FtpClient::Impl {
   FtpTransfer transfer_;
   FtpMethod method_ = FtpMethod::command;
   std::string secret_, proxySecret_;
+  bool offersTls_ = false;
   enum class HiddenFiles { unknown, listed, refused } hiddenFiles_ = HiddenFiles::unknown;
 };
 
@@ -161,7 +163,10 @@ void FtpClient::Impl::progress(FtpStatus status, const std::string& replyText, s
 
 void FtpClient::Impl::fail(const FtpError& error, const std::string& replyText) {
   if (state != FtpState::closed && !control_.isOpen()) closeNow();
-  const FtpError reported(error.number(), oneLine(shown(error.what())));
+  // The user needs every word about a certificate to decide on it; none of its texts is long.
+  const bool aboutCertificate = error.number() == static_cast<int>(FtpErrorNumber::certificateRejected);
+  const FtpError reported(
+      error.number(), aboutCertificate ? oneLine(shown(error.what()), 2000) : oneLine(shown(error.what())));
   if (client_.onError) client_.onError(reported.number(), reported.what());
   progress(FtpStatus::failed, replyText.empty() ? reported.what() : replyText);
   throw reported;
@@ -184,23 +189,22 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
   perform(FtpMethod::login, false, [&] {
     if (state != FtpState::closed) closeNow();
     secret_ = password;
-    proxySecret_ = client_.proxyPassword;
-    const FtpProxy proxy = checkedProxy(client_.proxyType, client_.proxyHost, client_.proxyPort,
-                                        client_.proxyUserName, client_.proxyPassword);
-    if (port < 1 || port > 65535) {
-      throw FtpError(FtpErrorNumber::badArgument, std::to_string(port) + " is not a valid port number.");
-    }
-    setState(FtpState::connecting);
     try {
-      const FtpLogin login{{host, static_cast<std::uint16_t>(port)}, user, password, account, proxy};
-      transfer_.reset(passive, connectControl(io_, control_, login.server, proxy, timeout()));
-      hiddenFiles_ = HiddenFiles::unknown;
+      FtpLogin login = connect(host, port, client_.security);
+      login.userName = user;
+      login.password = password;
+      login.account = account;
       const FtpReply reply = logInAtServer(control_, login, timeout(), [this](const FtpReply& before) {
         progress(FtpStatus::inProgress, before.text);
       });
       negotiateNames();
       setState(FtpState::connected);
       progress(FtpStatus::done, reply.text);
+    } catch (const FtpError& error) {
+      if (error.number() == static_cast<int>(FtpErrorNumber::certificateRejected))
+        rejectedCertificate = control_.tls()->certificate();
+      control_.close();
+      throw;
     } catch (...) {
       control_.close();
       throw;
@@ -208,10 +212,53 @@ void FtpClient::Impl::login(const std::string& host, const std::string& user, co
   });
 }
 
+/// Connects to the server or to the proxy before it; returns what is known of the login.
+FtpLogin FtpClient::Impl::connect(const std::string& host, std::int32_t port, std::int32_t security) {
+  rejectedCertificate.reset();
+  offersTls_ = false;
+  proxySecret_ = client_.proxyPassword;
+  FtpLogin login;
+  login.proxy = checkedProxy(client_.proxyType, client_.proxyHost, client_.proxyPort, client_.proxyUserName,
+                             client_.proxyPassword);
+  login.security = checkedSecurity(security, login.proxy.type);
+  login.certificate = client_.certificate;
+  if (port < 1 || port > 65535) {
+    throw FtpError(FtpErrorNumber::badArgument, std::to_string(port) + " is not a valid port number.");
+  }
+  login.server = {host, static_cast<std::uint16_t>(port)};
+  setState(FtpState::connecting);
+  transfer_.reset(passive, connectControl(io_, control_, login.server, login.proxy, timeout()));
+  hiddenFiles_ = HiddenFiles::unknown;
+  return login;
+}
+
+TlsCertificate FtpClient::Impl::readCertificate(const std::string& host, std::int32_t port) {
+  return perform(FtpMethod::login, false, [&] {
+    if (state != FtpState::closed) closeNow();
+    struct Close {
+      Impl& impl;
+      ~Close() { impl.control_.close(); }
+    } const close{*this};
+    const bool plain = client_.security == static_cast<std::int32_t>(FtpSecurity::none);
+    const FtpLogin login =
+        connect(host, port, plain ? static_cast<std::int32_t>(FtpSecurity::explicitTls) : client_.security);
+    try {
+      beginSession(control_, login, timeout(), [](const FtpReply&) {});
+    } catch (const FtpError& error) {
+      if (error.number() != static_cast<int>(FtpErrorNumber::certificateRejected)) throw;
+    }
+    TlsCertificate certificate = *control_.tls()->certificate();
+    closeNow();
+    return certificate;
+  });
+}
+
 /// RFC 2640, RFC 2389: some servers send UTF-8 names only when asked to. Whatever they reply, the session
 /// goes on.
 void FtpClient::Impl::negotiateNames() {
-  if (announcesUtf8(control_.exchange("FEAT", timeout()))) control_.exchange("OPTS UTF8 ON", timeout());
+  const FtpReply features = control_.exchange("FEAT", timeout());
+  offersTls_ = !control_.tls() && announces(features, "auth tls");
+  if (announces(features, "utf8")) control_.exchange("OPTS UTF8 ON", timeout());
 }
 
 void FtpClient::Impl::logout() {
@@ -322,6 +369,14 @@ void FtpClient::Impl::getFile(const std::string& remotePath, const std::string& 
     order.progress = [&](std::int64_t count, std::int64_t size) {
       progress(FtpStatus::inProgress, "", count, listedSize.value_or(0) > 0 ? *listedSize : size);
     };
+    // Encrypted servers take nothing while they send a file, so the next file's commands go out at its end.
+    // Most often they are the same ones.
+    if (control_.tls() && passive) {
+      order.onDataEnd = [&] {
+        if (auto request = transfer_.requestAhead(client_.dataPortRange))
+          control_.sendGuessAhead({asciiType() ? "TYPE A" : "TYPE I", *std::move(request)});
+      };
+    }
     FtpTransfer::Outcome outcome;
     control_.withEitherForm(order.command, [&] {
       if (outcome.count == 0) outcome = transfer_.run(order);
@@ -379,6 +434,15 @@ bool FtpClient::busy() const {
 void FtpClient::login(const std::string& host, const std::string& user, const std::string& password,
                       const std::string& account, std::int32_t port) {
   impl_->login(host, user, password, account, port);
+}
+TlsCertificate FtpClient::readCertificate(const std::string& host, std::int32_t port) {
+  return impl_->readCertificate(host, port);
+}
+const std::optional<TlsCertificate>& FtpClient::rejectedCertificate() const {
+  return impl_->rejectedCertificate;
+}
+bool FtpClient::offersTls() const {
+  return impl_->offersTls();
 }
 void FtpClient::logout() {
   impl_->logout();

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/net/KeepAlive.h"
+#include "platform/net/NetError.h"
 #include "platform/system/ErrorText.h"
 
 namespace quillmoor {
@@ -82,12 +83,13 @@ void FtpControl::checkLine(std::string_view line) {
 void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, const std::string& host,
                          milliseconds timeout) {
   close();
+  tls_.reset();
   const Deadline deadline = in(timeout);
   asio::error_code error = asio::error::host_not_found;
   for (std::size_t i = 0; i < endpoints.size(); ++i) {
     const auto now = std::chrono::steady_clock::now();
     const auto share = (deadline - now) / static_cast<long>(endpoints.size() - i);
-    error = connectTo(io_, channel_, endpoints[i], now + share);
+    error = connectTo(io_, stream_.channel(), endpoints[i], now + share);
     if (!error) break;
   }
   if (error) {
@@ -95,14 +97,39 @@ void FtpControl::connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, 
                    "Cannot connect to " + host + ": " + ErrorText(error) + ".");
   }
   asio::error_code ignored;
-  remote_ = channel_.socket.remote_endpoint(ignored);
-  channel_.socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+  TcpSocket& socket = stream_.channel().socket;
+  remote_ = socket.remote_endpoint(ignored);
+  socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+  takesAhead_ = std::find(loseAhead_.begin(), loseAhead_.end(), remote_) == loseAhead_.end();
   // Firewalls drop an idle connection during a long transfer.
-  KeepConnectionAlive(static_cast<std::uintptr_t>(channel_.socket.native_handle()), kKeepAlive);
+  KeepConnectionAlive(static_cast<std::uintptr_t>(socket.native_handle()), kKeepAlive);
+}
+
+void FtpControl::startTls(const std::string& host, const std::string& accepted, milliseconds timeout) {
+  reader_.clear();
+  ahead_.clear();
+  try {
+    tls_ = std::make_unique<TlsLogin>(host, accepted);
+    stream_.startTls(*tls_);
+  } catch (const NetError& error) {
+    throw FtpError(FtpErrorNumber::tlsFailed, std::string(error.what()) + ".");
+  }
+  const asio::error_code error = stream_.handshake(in(timeout));
+  if (!error) return;
+  if (error == asio::error::timed_out) raiseTimedOut();
+  if (error != TlsConnection::kWrongCertificate) {
+    throw FtpError(FtpErrorNumber::tlsFailed,
+                   "The connection to the " + peer() + " cannot be encrypted: " + stream_.problem() + ".");
+  }
+  const bool changed = !tls_->accepted().empty();
+  throw FtpError(FtpErrorNumber::certificateRejected,
+                 "The certificate of " + host + " is not trusted (" + tls_->certificate()->problem +
+                     (changed ? "; it is not the one that was accepted" : "") + "); nothing was sent. " +
+                     DescribeCertificate(*tls_->certificate()) + ".");
 }
 
 void FtpControl::close() {
-  channel_.close();
+  stream_.close();
   remote_ = {};
   reader_.clear();
   ahead_.clear();
@@ -115,23 +142,24 @@ void FtpControl::close() {
 
 asio::ip::address FtpControl::localAddress() const {
   asio::error_code ignored;
-  return channel_.socket.local_endpoint(ignored).address();
+  return stream_.channel().socket.local_endpoint(ignored).address();
 }
 
 void FtpControl::write(const std::string& bytes, milliseconds timeout) {
-  const asio::error_code error = writeAll(io_, channel_, bytes, in(timeout));
+  const asio::error_code error = stream_.writeAll(bytes, in(timeout));
   if (error == asio::error::timed_out) raiseTimedOut();
   if (error) {
     throw FtpError(FtpErrorNumber::connectionLost,
-                   "The connection to the " + peer() + " is lost: " + ErrorText(error) + ".");
+                   "The connection to the " + peer() + " is lost: " +
+                       (stream_.problem().empty() ? ErrorText(error) : stream_.problem()) + ".");
   }
 }
 
 bool FtpControl::receive() {
   char bytes[FtpReplyReader::kMaxLine];
-  channel_.consumeReadiness();
+  stream_.consumeReadiness();
   asio::error_code error;
-  const std::size_t size = channel_.socket.read_some(asio::buffer(bytes), error);
+  const std::size_t size = stream_.readSome(bytes, sizeof bytes, error);
   if (!error) {
     reader_.append({bytes, size});
     return true;
@@ -158,11 +186,11 @@ FtpReply FtpControl::readReply(Deadline deadline) {
   if (!reply && std::chrono::steady_clock::now() >= deadline) reply = pollReply();
   // Right after a command there is no reply yet, so wait first: that saves a futile read.
   const auto arrived = [&] {
-    if (!reply && channel_.ready()) reply = pollReply();
-    if (!reply) channel_.arm();
+    if (!reply && stream_.ready()) reply = pollReply();
+    if (!reply) stream_.arm();
     return reply.has_value();
   };
-  if (!channel_.socket.is_open()) reply = pollReply();
+  if (!isOpen()) reply = pollReply();
   if (!io_.runUntil(arrived, deadline)) raiseTimedOut();
   return *std::move(reply);
 }
@@ -199,7 +227,11 @@ FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
   bool again = false;
   return withEitherForm(line, [&] {
     // What was sent ahead had the first form, so the second form must be sent.
-    const auto at = std::exchange(again, true) ? ahead_.end() : std::find(ahead_.begin(), ahead_.end(), line);
+    const auto at = std::exchange(again, true)
+                        ? ahead_.end()
+                        : std::find_if(ahead_.begin(), ahead_.end(), [&](const AheadLine& sent) {
+                            return !sent.stale && sent.line == line;
+                          });
     if (at != ahead_.end()) {
       if (auto reply = takeAheadReply(static_cast<std::size_t>(at - ahead_.begin()), timeout))
         return *std::move(reply);
@@ -212,9 +244,30 @@ FtpReply FtpControl::exchange(const std::string& line, milliseconds timeout) {
 }
 
 bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
-  // With replies outstanding, an old reply could be taken for the one to a new, identical line.
-  if (!takesAhead_ || ended_ || !ahead_.empty()) return false;
-  passStrayReplies();
+  if (aheadIsGuess_ && !ahead_.empty()) {
+    const bool right = std::equal(
+        ahead_.begin(), ahead_.end(), lines.begin(), lines.end(),
+        [](const AheadLine& sent, const std::string& line) { return !sent.stale && sent.line == line; });
+    if (right) {
+      aheadIsGuess_ = false;
+      return true;
+    }
+    for (AheadLine& sent : ahead_) sent.stale = true;
+  } else if (!ahead_.empty()) {
+    // With replies outstanding, an old reply could be taken for the one to a new, identical line.
+    return false;
+  }
+  aheadIsGuess_ = false;
+  return writeAhead(lines);
+}
+
+void FtpControl::sendGuessAhead(const std::vector<std::string>& lines) {
+  if (ahead_.empty()) aheadIsGuess_ = writeAhead(lines);
+}
+
+bool FtpControl::writeAhead(const std::vector<std::string>& lines) {
+  if (!takesAhead_ || ended_) return false;
+  if (ahead_.empty()) passStrayReplies();
   std::string wire;
   for (const auto& line : lines) {
     checkLine(line);
@@ -222,13 +275,13 @@ bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
   }
   // Does not wait until the socket accepts more: this is only an optimisation.
   asio::error_code error;
-  const std::size_t sent = channel_.socket.write_some(asio::buffer(wire), error);
-  if (error) return false;
-  if (sent != wire.size()) {  // part of a command has been sent
+  const std::size_t sent = stream_.writeSome(wire, error);
+  if (error && !stream_.isEncrypted()) return false;
+  if (error || sent != wire.size()) {  // part of a command has been sent
     close();
     return false;
   }
-  ahead_.insert(ahead_.end(), lines.begin(), lines.end());
+  for (const std::string& line : lines) ahead_.push_back({line, false});
   return true;
 }
 
@@ -239,7 +292,7 @@ std::optional<FtpReply> FtpControl::takeAheadReply(std::size_t position, millise
   try {
     for (;;) {
       FtpReply reply = readFinalReply(in(wait));
-      noteType(ahead_.front(), reply);
+      noteType(ahead_.front().line, reply);
       ahead_.pop_front();
       if (position-- == 0) return reply;
     }
@@ -256,7 +309,8 @@ std::optional<FtpReply> FtpControl::takeAheadReply(std::size_t position, millise
 /// come before its own. Disables sending ahead on this connection.
 std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
   takesAhead_ = false;
-  const std::deque<std::string> lines = std::exchange(ahead_, {});
+  loseAhead_.push_back(remote_);
+  const std::deque<AheadLine> lines = std::exchange(ahead_, {});
   write(wireForm("SYST"), timeout);
   std::vector<FtpReply> replies;
   while (replies.size() <= lines.size()) {
@@ -273,19 +327,23 @@ std::vector<FtpReply> FtpControl::resynchronise(milliseconds timeout) {
     if (replies.back().code == 215) break;
   }
   replies.pop_back();
-  for (std::size_t i = 0; i < replies.size(); ++i) noteType(lines[i], replies[i]);
+  for (std::size_t i = 0; i < replies.size(); ++i) noteType(lines[i].line, replies[i]);
   return replies;
 }
 
 void FtpControl::sendAbort() {
   // The urgent pointer makes a server interrupt its data transfer; the data mark ends the interruption.
   constexpr char interrupt[] = {'\xFF', '\xF4', '\xFF'};
-  const std::string commands =
-      "\xF2"
-      "ABOR\r\nSYST\r\n";
+  constexpr std::string_view kDataMark = "\xF2";
+  const std::string commands = "ABOR\r\nSYST\r\n";
   asio::error_code ignored;
-  channel_.socket.send(asio::buffer(interrupt), asio::socket_base::message_out_of_band, ignored);
-  channel_.socket.send(asio::buffer(commands), 0, ignored);
+  if (stream_.isEncrypted()) {
+    stream_.writeSome(commands, ignored);
+    return;
+  }
+  TcpSocket& socket = stream_.channel().socket;
+  socket.send(asio::buffer(interrupt), asio::socket_base::message_out_of_band, ignored);
+  socket.send(asio::buffer(std::string(kDataMark) + commands), 0, ignored);
 }
 
 }  // namespace quillmoor

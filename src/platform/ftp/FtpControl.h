@@ -4,13 +4,14 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/ftp/FtpReply.h"
-#include "platform/net/PumpedIo.h"
+#include "platform/net/NetStream.h"
 
 namespace quillmoor {
 
@@ -19,7 +20,7 @@ namespace quillmoor {
 /// them the connection is unusable. Waits raise Aborted.
 class FtpControl {
  public:
-  explicit FtpControl(PumpedIo& io) : io_(io), channel_(io) {}
+  explicit FtpControl(PumpedIo& io) : io_(io), stream_(io) {}
 
   /// Called with replies that answer no command, and with preliminary replies.
   std::function<void(const FtpReply&)> onStray;
@@ -33,12 +34,19 @@ class FtpControl {
   void connect(const std::vector<asio::ip::tcp::endpoint>& endpoints, const std::string& host,
                std::chrono::milliseconds timeout);
   void close();
-  bool isOpen() const { return channel_.socket.is_open(); }
+  bool isOpen() const { return stream_.isOpen(); }
+
+  /// Encrypts the connection (RFC 4217 §4) for the server `host`; whatever it has sent before is discarded,
+  /// as anybody may have sent it. For `accepted` see FtpClient::certificate. Raises FtpError: tlsFailed,
+  /// certificateRejected, timedOut. `tls` shows the certificate then, too.
+  void startTls(const std::string& host, const std::string& accepted, std::chrono::milliseconds timeout);
+  /// The encryption, which data connections share; null without it. Kept until the next connect.
+  TlsLogin* tls() { return tls_.get(); }
 
   asio::ip::address localAddress() const;
   /// The peer's address; unspecified while not connected.
   const asio::ip::tcp::endpoint& remoteEndpoint() const { return remote_; }
-  TcpChannel& channel() { return channel_; }
+  NetStream& stream() { return stream_; }
 
   /// Sends a command line and returns its final reply; preliminary ones go to `onStray`. Where the line was
   /// sent ahead, only reads its reply. Includes `withEitherForm`.
@@ -66,6 +74,10 @@ class FtpControl {
 
   /// Sends the lines at once and records them; false when they were not sent. See FtpClient::sendAhead.
   bool sendAhead(const std::vector<std::string>& lines);
+  /// Sends the lines at once because they will probably be next; other lines may be sent ahead after all.
+  void sendGuessAhead(const std::vector<std::string>& lines);
+  /// After all outstanding replies have been read by other means.
+  void forgetAhead() { ahead_.clear(); }
   /// For a peer that needs each reply before the next command: disables sending ahead.
   void sendNothingAhead() { takesAhead_ = false; }
   /// False once the server has lost commands that arrived while it was busy.
@@ -73,7 +85,7 @@ class FtpControl {
   bool hasSentAhead() const { return !ahead_.empty(); }
 
   /// The Telnet "interrupt process" and "synch" of RFC 959 §4.1.3 (RFC 854), then ABOR, and SYST to mark the
-  /// end of its replies.
+  /// end of its replies. Encrypted, without the Telnet commands: urgent data has no place there.
   void sendAbort();
 
   /// Raises FtpRefusal for the reply to this command line.
@@ -92,6 +104,7 @@ class FtpControl {
   [[noreturn]] void raiseTimedOut() const;
   [[noreturn]] void raiseClosed(const FtpReply& reply) const;
   [[noreturn]] void raiseFlood() const;
+  bool writeAhead(const std::vector<std::string>& lines);
   std::optional<FtpReply> takeAheadReply(std::size_t position, std::chrono::milliseconds timeout);
   std::vector<FtpReply> resynchronise(std::chrono::milliseconds timeout);
   std::string wireForm(std::string_view line) const;
@@ -99,11 +112,18 @@ class FtpControl {
   static bool hasNameArgument(std::string_view line);
 
   PumpedIo& io_;
-  TcpChannel channel_;
+  std::unique_ptr<TlsLogin> tls_;  // outlives the stream
+  NetStream stream_;
   asio::ip::tcp::endpoint remote_;
   FtpReplyReader reader_;
-  std::deque<std::string> ahead_;
+  struct AheadLine {
+    std::string line;
+    bool stale;  // a guess that was wrong: its reply answers no later line
+  };
+  std::deque<AheadLine> ahead_;
+  bool aheadIsGuess_ = false;
   bool takesAhead_ = true;
+  std::vector<asio::ip::tcp::endpoint> loseAhead_;  // servers that have lost commands sent ahead
   bool ended_ = false;
   bool asciiType_ = true;  // RFC 959 §5.1: the default type
   enum class Bytes255 { unknown, twice, once } bytes255_ = Bytes255::unknown;

@@ -116,13 +116,13 @@ void FtpDataConnection::connectToServer(std::uint16_t port, milliseconds timeout
   const Deadline deadline = steady_clock::now() + timeout;
   std::string why;
   if (!socks_) {
-    const auto error = connectTo(io_, data_, {control_.remoteEndpoint().address(), port}, deadline);
+    const auto error = connectTo(io_, data_.channel(), {control_.remoteEndpoint().address(), port}, deadline);
     if (!error) return;
     why = ErrorText(error);
   } else {
     try {
-      connectToProxy(data_, deadline);
-      return socksConnect(io_, data_, socks_->login, {socks_->server.host, port}, deadline);
+      connectToProxy(data_.channel(), deadline);
+      return socksConnect(io_, data_.channel(), socks_->login, {socks_->server.host, port}, deadline);
     } catch (const NetError& error) {
       data_.close();
       why = error.what();
@@ -190,41 +190,53 @@ void FtpDataConnection::arm() {
 }
 
 void FtpDataConnection::acceptIncoming() {
-  if (!isOpen() && acceptor_.socket.is_open()) acceptHere();
-  if (bound_.ready()) acceptAtProxy();
+  bool accepted = !isOpen() && acceptor_.socket.is_open() && acceptHere();
+  accepted |= bound_.ready() && acceptAtProxy();
+  if (accepted) encrypt();
+}
+
+void FtpDataConnection::encrypt() {
+  if (!isOpen() || !control_.tls()) return;
+  try {
+    data_.startTls(*control_.tls());
+  } catch (const NetError& error) {
+    throw FtpError(FtpErrorNumber::tlsFailed, std::string(error.what()) + ".");
+  }
 }
 
 /// Active mode: accepts the server's connection. One from any other machine is closed at once.
-void FtpDataConnection::acceptHere() {
+bool FtpDataConnection::acceptHere() {
   acceptor_.consumeReadiness();
   asio::error_code error;
   asio::ip::tcp::endpoint peer;
   TcpSocket accepted(io_.context().get_executor());
   acceptor_.socket.accept(accepted, peer, error);
-  if (error) return;
+  if (error) return false;
   if (plainAddress(peer.address()) != plainAddress(control_.remoteEndpoint().address())) {
     unexpectedPeer_ = plainAddress(peer.address()).to_string();
-    return;
+    return false;
   }
-  data_.socket = std::move(accepted);
-  data_.socket.non_blocking(true, error);
+  TcpSocket& socket = data_.channel().socket;
+  socket = std::move(accepted);
+  socket.non_blocking(true, error);
   acceptor_.close();
+  return true;
 }
 
 /// Active mode through SOCKS: takes the connection once the proxy has reported its peer. Only when the
 /// channel is ready: its socket must not move while it is being watched.
-void FtpDataConnection::acceptAtProxy() {
+bool FtpDataConnection::acceptAtProxy() {
   std::string why;
   try {
     const auto peer = pollSocksPeer(bound_, socks_->login.version, boundAnswer_);
-    if (!peer) return;
+    if (!peer) return false;
     asio::error_code peerIsName, serverIsName;
     const auto address = asio::ip::make_address(peer->host, peerIsName);
     const auto server = asio::ip::make_address(socks_->server.host, serverIsName);
     if (peerIsName || serverIsName || address.is_unspecified() ||
         plainAddress(address) == plainAddress(server)) {
-      data_.socket = std::move(bound_.socket);
-      return;
+      data_.channel().socket = std::move(bound_.socket);
+      return true;
     }
     why = "the proxy accepted a connection from a machine other than the server";
   } catch (const NetError& error) {

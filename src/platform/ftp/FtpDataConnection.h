@@ -29,9 +29,13 @@ class FtpDataConnection {
   /// See FtpTransfer::requestAhead.
   std::optional<std::string> requestAhead(const std::string& dataPortRange);
 
-  bool isOpen() const { return data_.socket.is_open(); }
+  bool isOpen() const { return data_.isOpen(); }
   /// The connection itself, when it is open.
-  TcpChannel& channel() { return data_; }
+  NetStream& stream() { return data_; }
+
+  /// Encrypts an open connection if the control connection is: to be called once the server knows the command
+  /// that the connection is for.
+  void encrypt();
 
   /// Active: accepts the server's connection if it has arrived.
   void acceptIncoming();
@@ -50,12 +54,12 @@ class FtpDataConnection {
   bool overIPv6() const;
   std::string listenForServer(const std::string& dataPortRange);
   std::string listenAtProxy(std::chrono::milliseconds timeout);
-  void acceptHere();
-  void acceptAtProxy();
+  bool acceptHere();
+  bool acceptAtProxy();
 
   PumpedIo& io_;
   FtpControl& control_;
-  TcpChannel data_;
+  NetStream data_;
   ListenChannel acceptor_;
   TcpChannel bound_;         // active through SOCKS: the proxy reports the server's connection here
   std::string boundAnswer_;  // the part of that report received so far

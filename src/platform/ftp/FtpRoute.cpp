@@ -57,6 +57,22 @@ FtpProxy checkedProxy(std::int32_t type, const std::string& host, std::int32_t p
   return {static_cast<FtpProxyType>(type), host, static_cast<std::uint16_t>(port), userName, password};
 }
 
+FtpSecurity checkedSecurity(std::int32_t security, FtpProxyType proxy) {
+  if (security < 0 || security > static_cast<std::int32_t>(FtpSecurity::implicitTls)) {
+    throw FtpError(FtpErrorNumber::badArgument,
+                   "Unknown kind of encryption " + std::to_string(security) + "; nothing was sent.");
+  }
+  const auto wanted = static_cast<FtpSecurity>(security);
+  const bool passesBytes = proxy == FtpProxyType::none || proxy == FtpProxyType::socks4 ||
+                           proxy == FtpProxyType::socks5 || proxy == FtpProxyType::pipe;
+  if (wanted != FtpSecurity::none && !passesBytes) {
+    throw FtpError(FtpErrorNumber::badArgument,
+                   "A proxy of this type reads the FTP session and cannot pass an encrypted one; nothing was "
+                   "sent.");
+  }
+  return wanted;
+}
+
 std::optional<SocksRoute> connectControl(PumpedIo& io, FtpControl& control, const SocksAddress& server,
                                          const FtpProxy& proxy, milliseconds timeout) {
   if (proxy.type == FtpProxyType::none) {
@@ -74,7 +90,8 @@ std::optional<SocksRoute> connectControl(PumpedIo& io, FtpControl& control, cons
   const auto version = proxy.type == FtpProxyType::socks4 ? SocksVersion::v4 : SocksVersion::v5;
   const SocksRoute route{{version, proxy.userName, proxy.password}, server};
   try {
-    socksConnect(io, control.channel(), route.login, server, std::chrono::steady_clock::now() + timeout);
+    socksConnect(io, control.stream().channel(), route.login, server,
+                 std::chrono::steady_clock::now() + timeout);
   } catch (const NetError& error) {
     throw FtpError(numberOf(error.failure()), "Cannot connect to " + server.host + " through the proxy " +
                                                   proxy.host + ": " + error.what() + ".");

@@ -23,6 +23,10 @@ struct FtpProxy {
 FtpProxy checkedProxy(std::int32_t type, const std::string& host, std::int32_t port,
                       const std::string& userName, const std::string& password);
 
+/// Raises badArgument for an unknown number, and for TLS with a proxy that speaks FTP itself: it would have
+/// to read the session.
+FtpSecurity checkedSecurity(std::int32_t security, FtpProxyType proxy);
+
 /// How a session's connections pass a SOCKS proxy, which is the peer of the control connection's socket.
 struct SocksRoute {
   SocksLogin login;

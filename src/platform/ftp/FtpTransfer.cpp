@@ -28,6 +28,7 @@ struct FtpTransfer::Reception {
   bool controlLost = false;
   bool dataEnded = false;
   bool dataBroken = false;
+  std::string whyBroken;  // with encryption: part of a sentence
   std::int64_t count = 0;
   std::size_t preliminaries = 0;
   steady_clock::time_point lastEvent = steady_clock::now();
@@ -53,6 +54,7 @@ FtpTransfer::Outcome FtpTransfer::run(const Order& order) {
     data_.open(order.dataPortRange, order.timeout);
     control_.send(order.command, order.timeout);
     sent = true;
+    data_.encrypt();
     return receive(order);
   } catch (const FtpError& error) {
     switch (static_cast<FtpErrorNumber>(error.number())) {
@@ -108,12 +110,25 @@ FtpTransfer::Outcome FtpTransfer::receive(const Order& order) {
     throw FtpError(
         421, "The " + control_.peer() + " closed the session: " + printableReply(state.finalReply->text, ""));
   }
+  if (control_.tls()) requireProtectedData(order, state);
   if (state.finalReply->completion() && state.dataBroken) {
-    throw FtpError(FtpErrorNumber::incomplete, "The data connection broke before the end.");
+    throw FtpError(FtpErrorNumber::incomplete,
+                   "The data connection broke before the end" +
+                       (state.whyBroken.empty() ? "." : ": " + state.whyBroken + "."));
   }
   if (order.progress && state.finalReply->completion())
     order.progress(state.count, state.announced.value_or(0));
   return {*std::move(state.finalReply), state.count, state.announced};
+}
+
+/// Some servers demand that the data connection resumes the control connection's TLS session, and answer 522
+/// or 425 when it does not. The session of this login is used up then: the next login makes another.
+void FtpTransfer::requireProtectedData(const Order& order, const Reception& state) {
+  const int code = state.finalReply->code;
+  if (code != 522 && code != 425) return;
+  const FtpReply reply = *state.finalReply;
+  control_.close();
+  control_.raiseRefused(order.command, reply);
 }
 
 /// Reads the replies that have arrived. False when there were none.
@@ -146,12 +161,11 @@ bool FtpTransfer::takeReplies(Reception& state) {
 
 /// Reads the data that has arrived. False when there was none.
 bool FtpTransfer::readData(const Order& order, Reception& state) {
-  data_.channel().consumeReadiness();
+  data_.stream().consumeReadiness();
   bool any = false;
   for (;;) {
     asio::error_code error;
-    const std::size_t size =
-        data_.channel().socket.read_some(asio::buffer(buffer_.get() + 1, kBufferSize), error);
+    const std::size_t size = data_.stream().readSome(buffer_.get() + 1, kBufferSize, error);
     if (error == asio::error::would_block || error == asio::error::interrupted) return any;
     const auto now = steady_clock::now();
     state.lastEvent = now;
@@ -160,8 +174,14 @@ bool FtpTransfer::readData(const Order& order, Reception& state) {
       // Only a regular end of the connection is the end of a file (RFC 959 §3.4.1); a reset is not, whatever
       // the reply says.
       state.dataBroken = error != asio::error::eof;
-      data_.channel().close();
+      state.whyBroken = data_.stream().problem();
+      // Encrypted, this announces our end too; servers confirm a transfer only after that.
+      data_.stream().close();
+      if (error == TlsConnection::kWrongCertificate)
+        throw FtpError(FtpErrorNumber::certificateRejected,
+                       "The transfer was ended: " + state.whyBroken + ".");
       state.dataEnded = true;
+      if (!state.dataBroken && order.onDataEnd) order.onDataEnd();
       return true;
     }
     if (state.count == 0) state.windowStart = now;  // a late start does not count as slow
@@ -190,9 +210,9 @@ void FtpTransfer::wait(const Order& order, Reception& state) {
     state.windowCount = 0;
   }
   const bool forReply = !state.finalReply && !state.controlLost;
-  if (forReply) control_.channel().arm();
+  if (forReply) control_.stream().arm();
   data_.arm();
-  const auto arrived = [&] { return data_.ready() || (forReply && control_.channel().ready()); };
+  const auto arrived = [&] { return data_.ready() || (forReply && control_.stream().ready()); };
   if (io_.runUntil(arrived, state.lastEvent + order.timeout)) return;
   if (state.dataEnded) {
     // All data has arrived; only the server's confirmation is missing.
@@ -220,6 +240,7 @@ void FtpTransfer::endInOrder(milliseconds timeout) {
       code = control_.readReply(deadline).code;
       if (code == 421) return control_.close();
     }
+    control_.forgetAhead();
   } catch (...) {
     control_.close();
   }

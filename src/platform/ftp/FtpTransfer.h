@@ -33,6 +33,8 @@ class FtpTransfer {
     std::optional<std::int64_t> listedSize;
     Sink sink;
     Progress progress;
+    /// Called when all data has arrived, before the reply; may send commands ahead.
+    std::function<void()> onDataEnd;
   };
   struct Outcome {
     FtpReply reply;  // final; a refusal too
@@ -58,6 +60,7 @@ class FtpTransfer {
   struct Reception;
 
   Outcome receive(const Order& order);
+  void requireProtectedData(const Order& order, const Reception& state);
   bool takeReplies(Reception& state);
   bool readData(const Order& order, Reception& state);
   void wait(const Order& order, Reception& state);

@@ -46,23 +46,56 @@ class Login {
  public:
   Login(FtpControl& control, const FtpLogin& login, milliseconds timeout,
         const std::function<void(const FtpReply&)>& show)
-      : control_(control), login_(login), timeout_(timeout), show_(show) {}
+      : control_(control),
+        login_(login),
+        timeout_(timeout),
+        show_(show),
+        style_(*std::find_if(kStyles.begin(), kStyles.end(),
+                             [&](const Style& entry) { return entry.proxy == login.proxy.type; })),
+        greetedByProxy_(style_.greeter == kProxy) {}
+
+  void begin() {
+    control_.setPeer(style_.greeter);
+    if (login_.security == FtpSecurity::implicitTls) encrypt();
+    readGreeting();
+    if (login_.security != FtpSecurity::explicitTls) return;
+    const FtpReply reply = control_.exchange("AUTH TLS", timeout_);
+    if (!reply.completion()) refuse("does not encrypt (AUTH TLS), so nothing else was sent", reply);
+    show_(reply);
+    encrypt();
+  }
 
   FtpReply run() {
-    const Style& style = *std::find_if(kStyles.begin(), kStyles.end(),
-                                       [&](const Style& entry) { return entry.proxy == login_.proxy.type; });
-    control_.setPeer(style.greeter);
-    greetedByProxy_ = style.greeter == kProxy;
-    readGreeting();
+    begin();
+    // Some servers take this only after the login.
+    const bool protects = !control_.tls() || !protectData();
     FtpReply reply;
-    for (const Step step : style.steps) {
+    for (const Step step : style_.steps) {
       if (step != Step::none) reply = perform(step);
+    }
+    if (!protects) {
+      if (const auto refusal = protectData()) refuse("does not encrypt data connections", *refusal);
     }
     if (greetedByProxy_) control_.setPeer(kServerOrProxy);
     return reply;
   }
 
  private:
+  void encrypt() {
+    control_.startTls(login_.server.host, login_.certificate, timeout_);
+    show_({0, "Encrypted: " + control_.tls()->cipher()});
+  }
+
+  /// RFC 4217 §9: every data connection is to be encrypted. Returns the reply of a server that refuses.
+  std::optional<FtpReply> protectData() {
+    for (const char* const line : {"PBSZ 0", "PROT P"}) {
+      const FtpReply reply = control_.exchange(line, timeout_);
+      if (!reply.completion()) return reply;
+      show_(reply);
+    }
+    return std::nullopt;
+  }
+
   FtpReply perform(Step step) {
     switch (step) {
       case Step::none:
@@ -162,10 +195,16 @@ class Login {
   const FtpLogin& login_;
   milliseconds timeout_;
   const std::function<void(const FtpReply&)>& show_;
-  bool greetedByProxy_ = false;
+  const Style& style_;
+  bool greetedByProxy_;
 };
 
 }  // namespace
+
+void beginSession(FtpControl& control, const FtpLogin& login, milliseconds timeout,
+                  const std::function<void(const FtpReply&)>& show) {
+  Login(control, login, timeout, show).begin();
+}
 
 FtpReply logInAtServer(FtpControl& control, const FtpLogin& login, milliseconds timeout,
                        const std::function<void(const FtpReply&)>& show) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+struct x509_st;
+
 namespace quillmoor {
 
 struct TlsCertificate {
@@ -13,6 +15,9 @@ struct TlsCertificate {
   std::string validFrom, validTo;  // UTC, "2026-11-26"
   std::string problem;  // why the system does not verify it, as part of a sentence; "" when it does
 };
+
+/// What the certificate says; `problem` is left empty. Long texts are cut.
+TlsCertificate ReadTlsCertificate(x509_st* certificate);
 
 /// For one line of a log: fingerprint, subject, names, issuer and dates.
 std::string DescribeCertificate(const TlsCertificate& certificate);

@@ -68,7 +68,7 @@ TEST_F(FtpClientTest, LetsTheSystemProbeASilentConnectionEveryMinute) {
   PumpedIo io(pump);
   FtpControl control(io);
   control.connect({{asio::ip::address_v4::loopback(), server.port()}}, "", std::chrono::seconds(10));
-  const auto& socket = control.channel().socket;
+  const auto& socket = control.stream().channel().socket;
   asio::socket_base::keep_alive probes;
   socket.get_option(probes);
   EXPECT_TRUE(probes.value());
