@@ -51,6 +51,14 @@ std::string WhyNoLogin(const SiteProfile& profile) {
   return "";
 }
 
+TlsCertificate ReadCertificate(const std::string& host, std::int32_t port) {
+  FtpClient client;
+  SetFtpProperties(client, SiteProfile());
+  const bool implicit = std::to_string(port) == UsualPort(kImplicitTls);
+  client.security = implicit ? kImplicitTls : kExplicitTls;
+  return client.readCertificate(host, port);
+}
+
 void LogIn(FtpClient& client, const SiteProfile& profile) {
   client.login(profile.Host, profile.UserID, profile.Password, profile.Account, numberOf(profile.Port));
 }
