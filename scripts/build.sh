@@ -11,7 +11,7 @@ if [ "$preset" = windows ]; then
     dpkg-dev m4
   libraries=$(packaging/windows/deps/build.sh)
   # Paths cached by an earlier configuration may be gone from the library cache by now.
-  options+=(-U 'NETTLE_*' -U ASIO_INCLUDE_DIR -U '*_DIR' "-DQUILLMOOR_WINDOWS_LIBRARIES=$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
+  options+=(-U 'NETTLE_*' -U 'OPENSSL_*' -U ASIO_INCLUDE_DIR -U '*_DIR' "-DQUILLMOOR_WINDOWS_LIBRARIES=$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR=wine)
 else
   scripts/setup.sh
 fi

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=("$@" g++ cmake ninja-build libasio-dev libwxgtk3.2-dev libgtk-3-dev pkgconf libgtest-dev libgmock-dev zlib1g-dev
-  nettle-dev libcurl4-openssl-dev ca-certificates python3-minimal python3-pyftpdlib diffutils iproute2)
+  nettle-dev libssl-dev libcurl4-openssl-dev ca-certificates python3-minimal python3-pyftpdlib python3-openssl diffutils iproute2)
 # A virtual display for the window tests, with a window manager, a notification area, and a tool that clicks and types.
 packages+=(xvfb xauth openbox trayer xdotool x11-utils)
 # Other archive programs, which must be able to read our archives.

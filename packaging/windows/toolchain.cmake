@@ -5,7 +5,7 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# Nothing of the building machine may be found but its tools. deps/build.sh prints the folders of the libraries.
+# Only programs of the build system may be found, not its libraries. deps/build.sh prints the folders of the libraries.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QUILLMOOR_WINDOWS_LIBRARIES)
 set(CMAKE_FIND_ROOT_PATH ${QUILLMOOR_WINDOWS_LIBRARIES} /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
@@ -15,7 +15,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # Windows 10 is the oldest system that is supported. The compiler's own libraries go into the program.
 set(CMAKE_C_FLAGS_INIT "-D_WIN32_WINNT=0x0A00")
-# -fno-ipa-ra: the compiler believes to know which registers an inline function leaves alone, but the linker may take
-# another file's copy of it, which was compiled otherwise and leaves others. (On ELF systems it does not believe that.)
+# -fno-ipa-ra: without it the compiler relies on the registers that its own copy of an inline function preserves, but the
+# linker may choose the copy of another file, compiled with other options. (On ELF systems it does not rely on that.)
 set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0A00 -fno-ipa-ra")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")

@@ -5,13 +5,13 @@ set -euo pipefail
 mkdir -p "$1"
 cd "$1"
 names="subjectAltName=DNS:localhost,IP:127.0.0.1"
-curve=(-newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes)
+key=(-newkey rsa:2048 -nodes)                     # vsftpd has no cipher for other keys in TLS 1.2
 if [ "$2" = self ]; then
-  openssl req -x509 "${curve[@]}" -days 30 -keyout server.key -out server.crt -subj /CN=localhost -addext "$names"
+  openssl req -x509 "${key[@]}" -days 30 -keyout server.key -out server.crt -subj /CN=localhost -addext "$names"
 else
-  openssl req -x509 "${curve[@]}" -days 30 -keyout ca.key -out ca.crt -subj "/CN=Test authority" \
+  openssl req -x509 "${key[@]}" -days 30 -keyout ca.key -out ca.crt -subj "/CN=Test authority" \
     -addext basicConstraints=critical,CA:TRUE -addext keyUsage=critical,keyCertSign
-  openssl req -newkey rsa:2048 -nodes -keyout server.key -out server.csr -subj /CN=localhost
+  openssl req "${key[@]}" -keyout server.key -out server.csr -subj /CN=localhost
   openssl x509 -req -in server.csr -CA ca.crt -CAkey ca.key -CAcreateserial -days 30 -out server.crt \
     -extfile <(echo "$names")
 fi 2>openssl.log || { cat openssl.log >&2; exit 1; }

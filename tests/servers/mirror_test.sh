@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# mirror_test.sh PROGRAMS SERVER MODE [PROXY TYPE]   backs up the sample site from a real server (MODE passive or active),
+# mirror_test.sh PROGRAMS SERVER MODE [PROXY TYPE | tls KIND,VERSION,CERTIFICATE]   backs up the sample site from a real server (MODE passive or active),
 # again incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and quillmoor-config. With a PROXY of
-# proxy.sh: through it, with that proxy TYPE in the profile, and without packing.
+# proxy.sh: through it, with that proxy TYPE in the profile, and without packing. With tls: encrypted, see serve.sh.
 set -euo pipefail
-programs=$(realpath "$1") server=$2 mode=$3 proxy=${4:-} type=${5:-0}
+programs=$(realpath "$1") server=$2 mode=$3 proxy=${4:-} type=${5:-0} tls=
+if [ "$proxy" = tls ]; then tls=$type proxy='' type=0; fi
 export TZ=UTC                                     # some servers list UTC; this makes it the local time
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/../support/programs.sh"
@@ -13,7 +14,7 @@ chmod 755 "$work"
 fail() { echo "FAILED: $*" >&2; [ ! -e "$work/log" ] || tail -n 40 "$work/log" >&2; exit 1; }
 
 "$here/../../scripts/sample_site.sh" "$work/site"
-settings=$("$here/serve.sh" start "$server" "$work/site" "$work/server") || exit $?
+settings=$("$here/serve.sh" start "$server" "$work/site" "$work/server" ${tls:+"$tls"}) || exit $?
 eval "$settings"
 
 mkdir "$work/backup"
@@ -21,6 +22,13 @@ lay_out "$programs" "$work"
 for setting in AutoDial AutoHangUp CreateZip; do "$config" setting set "$setting" 0; done
 "$config" profile set site Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- SaveTo="$(native "$work/backup/")" \
   Folder="$FTP_ROOT" Timeout=20 PASV="$([ "$mode" = passive ] && echo 1 || echo 0)" <<<"$FTP_PASSWORD"
+if [ -n "$tls" ]; then
+  "$config" profile set site Security="$FTP_SECURITY" Certificate="$FTP_CERTIFICATE"
+  if [ -n "$FTP_CA" ]; then
+    SSL_CERT_FILE=$(native "$FTP_CA")
+    export SSL_CERT_FILE
+  fi
+fi
 if [ -n "$proxy" ]; then
   settings=$("$here/proxy.sh" start "$proxy" "$FTP_PORT" "$work/proxy") || exit $?
   eval "$settings"
@@ -39,6 +47,8 @@ dates() { (cd "$1" && find . -type f -printf '%TF %TH:%TM %p\n' | sort -k3); }
 
 backup
 grep -qF "$FTP_PASSWORD" "$work/log" && fail "the password is in the log"
+IFS=, read -r _ version _ <<<"$tls"
+[ -z "$tls" ] || grep -q "^Encrypted: TLSv$version, " "$work/log" || fail "the log does not say how the session is encrypted"
 [ -z "$proxy" ] || [ -z "$PROXY_PASSWORD" ] || ! grep -qF "$PROXY_PASSWORD" "$work/log" || fail "the proxy's password is in the log"
 grep -q 'Completed' "$work/log" || fail "the report does not say Completed"
 # The expected backup: everything but the link, text files with the platform's line ends.

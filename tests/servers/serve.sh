@@ -29,6 +29,17 @@ IFS=, read -r kind version certificate <<<"${5:-}"
 if [ -n "$kind" ]; then
   "$(dirname "${BASH_SOURCE[0]}")/certificates.sh" "$state/tls" "$certificate"
   pem=$state/tls/server.pem
+  # Not every server has a setting for the version, but their library has.
+  cat >"$state/tls/openssl.cnf" <<CONF
+openssl_conf = all
+[all]
+ssl_conf = ssl
+[ssl]
+system_default = versions
+[versions]
+MinProtocol = TLSv$version
+MaxProtocol = TLSv$version
+CONF
 fi
 take_port
 # As root, the daemons serve as another user with the site, which is world-readable, as their root folder. Otherwise
@@ -41,7 +52,7 @@ case $server in
 pyftpdlib)
   if [ "$kind" = explicit ]; then
     /usr/bin/python3 -c "import OpenSSL" 2>/dev/null || unavailable "pyftpdlib needs python3-openssl for TLS"
-    command=(/usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/pyftpdlib_tls.py" "$port" "$dir" "$user" "$password" "$pem" "$version")
+    command=(/usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/pyftpdlib_tls.py" "$port" "$dir" "$user" "$password" "$pem")
   else
   command=(/usr/bin/python3 -m pyftpdlib -i 127.0.0.1 -p "$port" -d "$dir" -u "$user" -P "$password")
   fi ;;
@@ -54,10 +65,7 @@ pure-ftpd)
   # -l users, -E no anonymous, -A chroot, -H no name look-ups, -f none: no syslog, -u lowest user id
   command=("$daemon/usr/sbin/pure-ftpd" -4 -S "127.0.0.1,$port" -l "puredb:$state/users.pdb" -E -A -H -f none -u 1
     -L 100000:50 -g "$state/server.pid")
-  if [ -n "$kind" ]; then
-    # Its list of ciphers may begin with the protocols to leave out.
-    command+=(-Y 3 -2 "$pem" -J "$([ "$version" = 1.2 ] && echo -C:HIGH:-TLSv1.3 || echo HIGH)")
-  fi ;;
+  [ -z "$kind" ] || command+=(-Y 3 -2 "$pem") ;;
 vsftpd)
   daemon=$(unpack vsftpd)
   user=anonymous launching=NO
@@ -136,7 +144,6 @@ SocketBindTight on
 ModulePath $modules
 LoadModule mod_tls.c
 TLSEngine on
-TLSProtocol TLSv$version
 TLSRSACertificateFile $state/tls/server.crt
 TLSRSACertificateKeyFile $state/tls/server.key
 TLSVerifyClient off
@@ -170,6 +177,7 @@ except (OSError, EOFError, ftplib.Error):
     sys.exit(1)
 PY
 }
+if [ -n "$kind" ]; then command=(/usr/bin/env "OPENSSL_CONF=$state/tls/openssl.cnf" "${command[@]}"); fi
 bring_up "$state" ready "${command[@]}"
 printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\nFTP_ROOT=%q\n' "$port" "$user" "$password" "$root"
 if [ -n "$kind" ]; then

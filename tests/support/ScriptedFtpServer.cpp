@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "support/Sockets.h"
+#include "support/TestCertificate.h"
 
 namespace quillmoor::testing {
 namespace {
@@ -32,6 +33,19 @@ struct ScriptedFtpServer::Connections : Sockets {
   asio::ip::address here;
   tcp::acceptor dataPort{context};
   tcp::socket control{context}, data{context};
+
+  using Encrypted = asio::ssl::stream<tcp::socket&>;
+  std::unique_ptr<TestCertificate> identity, otherIdentity;
+  TestCertificate* dataIdentity = nullptr;
+  std::unique_ptr<Encrypted> controlTls, dataTls;
+
+  /// Null when the client does not finish the handshake.
+  std::unique_ptr<Encrypted> encrypt(tcp::socket& socket, TestCertificate& shown) {
+    auto stream = std::make_unique<Encrypted>(socket, shown.context);
+    const bool done =
+        wait(socket, [&](auto then) { stream->async_handshake(asio::ssl::stream_base::server, then); });
+    return done ? std::move(stream) : nullptr;
+  }
 };
 
 ScriptedFtpServer::ScriptedFtpServer(bool ipv6) : sockets_(std::make_unique<Connections>()) {
@@ -42,6 +56,15 @@ ScriptedFtpServer::ScriptedFtpServer(bool ipv6) : sockets_(std::make_unique<Conn
 
 ScriptedFtpServer::~ScriptedFtpServer() {
   sockets_->stop();
+}
+
+void ScriptedFtpServer::offerTls(bool version13) {
+  sockets_->identity = std::make_unique<TestCertificate>(version13);
+  sockets_->dataIdentity = sockets_->identity.get();
+}
+
+std::string ScriptedFtpServer::fingerprint() const {
+  return sockets_->identity->fingerprint;
 }
 
 void ScriptedFtpServer::addFolder(const std::string& path) {
@@ -132,7 +155,9 @@ ScriptedFtpServer::Session::Session(ScriptedFtpServer& server)
     : server_(server), sockets_(*server.sockets_) {}
 
 void ScriptedFtpServer::Session::sendControl(std::string_view bytes) {
-  if (!sockets_.send(sockets_.control, bytes)) open_ = false;
+  const bool sent = sockets_.controlTls ? sockets_.send(*sockets_.controlTls, bytes)
+                                        : sockets_.send(sockets_.control, bytes);
+  if (!sent) open_ = false;
 }
 
 void ScriptedFtpServer::Session::reply(const std::string& text) {
@@ -142,11 +167,20 @@ void ScriptedFtpServer::Session::reply(const std::string& text) {
 void ScriptedFtpServer::Session::drop() {
   closeData();
   closeDataPort();
+  sockets_.controlTls.reset();
   sockets_.close(sockets_.control);
   open_ = false;
 }
 
+/// Encrypted, waits for the client's closing message, as some servers do before they confirm the transfer.
 void ScriptedFtpServer::Session::closeData() {
+  if (sockets_.dataTls)
+    sockets_.wait(sockets_.data, [&](auto then) { sockets_.dataTls->async_shutdown(then); });
+  cutData();
+}
+
+void ScriptedFtpServer::Session::cutData() {
+  sockets_.dataTls.reset();
   sockets_.close(sockets_.data);
 }
 void ScriptedFtpServer::Session::closeDataPort() {
@@ -160,6 +194,7 @@ void ScriptedFtpServer::Session::resetData() {
 }
 
 bool ScriptedFtpServer::Session::sendData(std::string_view bytes) {
+  if (sockets_.dataTls) return sockets_.send(*sockets_.dataTls, bytes);
   return sockets_.data.is_open() && sockets_.send(sockets_.data, bytes);
 }
 
@@ -173,18 +208,45 @@ bool ScriptedFtpServer::Session::openData() {
     const tcp::endpoint client(sockets_.here, std::exchange(activePort_, std::uint16_t{0}));
     const bool connected = sockets_.connect(sockets_.data, client);
     if (!connected) closeData();
-    return connected;
+    return connected && encryptData();
   }
   if (!sockets_.dataPort.is_open() || !sockets_.accept(sockets_.dataPort, sockets_.data)) return false;
   closeDataPort();
-  return true;
+  return encryptData();
+}
+
+bool ScriptedFtpServer::Session::encryptData() {
+  if (!sockets_.controlTls) return true;
+  sockets_.dataTls = sockets_.encrypt(sockets_.data, *sockets_.dataIdentity);
+  resumedData_ = sockets_.dataTls && SSL_session_reused(sockets_.dataTls->native_handle()) == 1;
+  if (!sockets_.dataTls) closeData();
+  return sockets_.dataTls != nullptr;
+}
+
+bool ScriptedFtpServer::Session::startTls() {
+  input_.clear();
+  sockets_.dataIdentity = sockets_.identity.get();
+  sockets_.controlTls = sockets_.encrypt(sockets_.control, *sockets_.identity);
+  if (!sockets_.controlTls) open_ = false;
+  return open_;
+}
+
+void ScriptedFtpServer::Session::changeCertificate() {
+  sockets_.otherIdentity = std::make_unique<TestCertificate>(true);
+  sockets_.dataIdentity = sockets_.otherIdentity.get();
+}
+
+void ScriptedFtpServer::Session::renegotiate() {
+  SSL_renegotiate(sockets_.controlTls->native_handle());
 }
 
 bool ScriptedFtpServer::Session::nextLine() {
   std::size_t end;
   bool waited = false;
   while ((end = input_.find('\n')) == std::string::npos) {
-    if (!sockets_.receive(sockets_.control, input_)) return false;
+    const bool received = sockets_.controlTls ? sockets_.receive(*sockets_.controlTls, input_)
+                                              : sockets_.receive(sockets_.control, input_);
+    if (!received) return false;
     waited = true;
   }
   line = input_.substr(0, end);
@@ -206,7 +268,13 @@ void ScriptedFtpServer::Session::answerAsUsual() {
   if (verb == "USER") return reply("331 Password, please.");
   if (verb == "PASS") return reply("230 Logged in.");
   if (verb == "FEAT") return reply("211-Features:\r\n UTF8\r\n EPSV\r\n211 End");
-  if (verb == "OPTS" || verb == "NOOP" || verb == "ACCT") return reply("200 Fine.");
+  if (verb == "AUTH" && sockets_.identity) {
+    reply("234 Begin.");
+    startTls();
+    return;
+  }
+  if (verb == "OPTS" || verb == "NOOP" || verb == "ACCT" || verb == "PBSZ" || verb == "PROT")
+    return reply("200 Fine.");
   if (verb == "SYST") return reply("215 UNIX Type: L8");
   if (verb == "ABOR") return reply("226 Nothing is left to abort.");
   if (verb == "QUIT") {

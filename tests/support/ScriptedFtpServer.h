@@ -51,6 +51,11 @@ class ScriptedFtpServer {
   void once(const std::string& prefix, Action action) { addRule(prefix, std::move(action), 1); }
   void forgetRules();
 
+  /// Encrypts when asked to (AUTH TLS, then all data), with a self-signed certificate of its own.
+  void offerTls(bool version13 = true);
+  /// Its SHA-256 fingerprint.
+  std::string fingerprint() const;
+
   /// Discards what arrives after a command in the same packet, as some embedded servers do.
   void discardInputBehindCommands() { discards_ = true; }
 
@@ -79,10 +84,21 @@ class ScriptedFtpServer {
     /// False when the client has closed it.
     bool sendData(std::string_view bytes);
     void closeData();
+    /// Closes it without the closing message of TLS.
+    void cutData();
     /// Breaks it off, so that the client sees a reset.
     void resetData();
     /// Closes the port that the last EPSV or PASV named.
     void closeDataPort();
+    /// Encrypts the control connection; false when the client does not want to.
+    bool startTls();
+    /// From now on data connections show another certificate, and resume nothing.
+    void changeCertificate();
+    /// Asks the client to negotiate again (TLS 1.2).
+    void renegotiate();
+    /// Whether the last data connection resumed a TLS session.
+    bool resumedData() const { return resumedData_; }
+
     /// Until the client closes the control connection or sends something; what it sends is the next command.
     void waitForClient();
 
@@ -94,6 +110,7 @@ class ScriptedFtpServer {
     explicit Session(ScriptedFtpServer& server);
 
     bool nextLine();
+    bool encryptData();
     std::string path() const;
     std::optional<std::string> bytesOfFile();
     void sendFile();
@@ -102,7 +119,7 @@ class ScriptedFtpServer {
     Connections& sockets_;
     std::uint16_t activePort_ = 0;
     std::string input_, folder_ = "/";
-    bool ascii_ = true, open_ = true;
+    bool ascii_ = true, open_ = true, resumedData_ = false;
   };
 
  private:

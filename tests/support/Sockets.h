@@ -54,13 +54,17 @@ class Sockets {
   bool connect(asio::ip::tcp::socket& socket, const asio::ip::tcp::endpoint& endpoint) {
     return wait(socket, [&](auto then) { socket.async_connect(endpoint, then); });
   }
-  bool send(asio::ip::tcp::socket& socket, std::string_view bytes) {
-    return wait(socket, [&](auto then) { asio::async_write(socket, asio::buffer(bytes), then); });
+  /// A stream is a socket or an encrypted one.
+  template <class Stream>
+  bool send(Stream& stream, std::string_view bytes) {
+    return wait(stream.lowest_layer(),
+                [&](auto then) { asio::async_write(stream, asio::buffer(bytes), then); });
   }
   /// Appends `size` bytes or more.
-  bool receive(asio::ip::tcp::socket& socket, std::string& bytes, std::size_t size = 1) {
-    return wait(socket, [&](auto then) {
-      asio::async_read(socket, asio::dynamic_buffer(bytes), asio::transfer_at_least(size), then);
+  template <class Stream>
+  bool receive(Stream& stream, std::string& bytes, std::size_t size = 1) {
+    return wait(stream.lowest_layer(), [&](auto then) {
+      asio::async_read(stream, asio::dynamic_buffer(bytes), asio::transfer_at_least(size), then);
     });
   }
   /// Until the peer sends something or closes the connection.

@@ -1,23 +1,24 @@
 #!/usr/bin/env bash
-# build.sh [LIBRARY...]   cross-builds the libraries that Debian does not ship for MinGW-w64, each from the recipe of its
-# name beside this file, and prints their folders, joined with ";". What is in the cache already is not built again.
+# build.sh [LIBRARY...]   cross-builds the libraries that Debian does not provide for MinGW-w64, each from the recipe of the
+# same name in this folder, and prints their folders, joined with ";". Libraries already in the cache are not rebuilt.
 #
-# The cache lies outside the checkout (QUILLMOOR_CACHE, else ~/.cache/quillmoor) with a folder for each library, named by
-# its version and by a digest of all that shapes it: its recipe, what it is built on, the toolchain and the compiler. A new
-# revision of the same version in Debian does not count; to take one up, remove the library's folder.
+# The cache is outside the checkout (QUILLMOOR_CACHE, else ~/.cache/quillmoor) and has a folder for each library, named
+# after its version and a digest of everything that affects the result: the recipe, its dependencies, the toolchain and the
+# compiler. A new Debian revision of the same version does not cause a rebuild; remove the folder to get it.
 #
-# A recipe is a file of shell text: `version`, `needs` (the recipes it builds on), and `build`, which gets the sources of
-# that version with `unpack` or from where Debian installs them, and installs into $prefix.
+# A recipe is a shell script that defines `version`, `needs` (the recipes it depends on) and `build`, which gets the sources
+# of that version with `unpack`, or from where Debian installs them, and installs into $prefix.
 set -euo pipefail
 here=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 cache=${QUILLMOOR_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/quillmoor}/windows
 toolchain=$here/../toolchain.cmake
 mkdir -p "$cache"
 
-# unpack PACKAGE   unpacks Debian's sources of the package into ./source, with Debian's patches.
+# unpack PACKAGE [SERIES]   unpacks Debian's sources of the package, with Debian's patches, into ./source: those of $version,
+# or the newest whose version begins with SERIES.
 unpack() {
-  local package=$1 list revision
-  # A package index of our own, so that the system's list of sources stays as it is.
+  local package=$1 series=${2:-} list revision
+  # A separate package index, so that the system's list of sources stays unchanged.
   local apt_source=(-o "Dir::Etc::SourceList=$work/apt/list" -o "Dir::Etc::SourceParts=$work/apt/parts"
     -o "Dir::State::Lists=$work/apt/lists" -o "Dir::Cache=$work/apt/cache" -o APT::Sandbox::User=root)
   if [ ! -e "$work/apt/list" ]; then
@@ -26,9 +27,12 @@ unpack() {
     sort -u <<<"$list" | sed -n 's/^Debian //p' >"$work/apt/list"
     apt-get "${apt_source[@]}" -qq update
   fi
-  # A mirror may lack the newest revision's own files; then an older one of the same version serves.
+  # A mirror may lack files of the newest revision; then an older revision is used.
   for revision in $(apt-cache "${apt_source[@]}" showsrc --only-source "$package" | sed -n 's/^Version: //p' | sort -rV); do
-    case $revision in "$version"-* | "$version"+*) ;; *) continue ;; esac
+    case ${series:+$revision}/$revision in
+      "$series".*/?* | /"$version"-* | /"$version"+*) ;;
+      *) continue ;;
+    esac
     if apt-get "${apt_source[@]}" -qq source --download-only "$package=$revision"; then
       dpkg-source --no-check -x "${package}_${revision#*:}.dsc" source
       return
@@ -56,7 +60,7 @@ joined() {
 }
 
 compiler=$(x86_64-w64-mingw32-g++-posix --version | head -n 1)
-# make RECIPE   sees to it that the library is in the cache and puts its place into folder[RECIPE].
+# make RECIPE   builds the library unless it is in the cache, and sets folder[RECIPE].
 make() {
   local recipe=$1 version needs=() need digest prefix started=$SECONDS
   [ -z "${folder[$recipe]:-}" ] || return 0
@@ -74,7 +78,7 @@ make() {
   echo "deps: building $recipe $version" >&2
   prefix=$work/$recipe/installed
   mkdir -p "$prefix"
-  # Not as a condition: there the shell would go on after a failed command.
+  # Not in a condition, where the shell would ignore failed commands.
   set +e
   (set -e; cd "$work/$recipe"; build) >"$work/$recipe.log" 2>&1
   local status=$?
@@ -84,17 +88,17 @@ make() {
     echo "deps: $recipe failed" >&2
     return 1
   fi
-  # What else lay in the cache under this name is out of date.
+  # Other folders of this library in the cache are out of date.
   rm -rf "$cache/$recipe"-[0-9]*
   mv "$prefix" "${folder[$recipe]}"
   echo "deps: $recipe built in $((SECONDS - started)) s" >&2
 }
 
-# Beside the cache, so that a finished library is moved into it and never stands there in part.
+# In the same file system as the cache, so that a finished library appears there whole.
 work=$(mktemp -d "$cache/building.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 recipes=("$@")
-[ $# != 0 ] || recipes=(asio googletest nettle libpng curl wxwidgets)
+[ $# != 0 ] || recipes=(asio googletest nettle openssl libpng curl wxwidgets)
 for recipe in "${recipes[@]}"; do make "$recipe"; done
 joined "${recipes[@]}"
 echo

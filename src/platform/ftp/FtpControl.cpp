@@ -256,18 +256,20 @@ bool FtpControl::sendAhead(const std::vector<std::string>& lines) {
   } else if (!ahead_.empty()) {
     // With replies outstanding, an old reply could be taken for the one to a new, identical line.
     return false;
+  } else if (takesAhead_ && !ended_) {
+    passStrayReplies();
   }
   aheadIsGuess_ = false;
   return writeAhead(lines);
 }
 
+// No strays are passed here: the reply to the command in progress is still to come.
 void FtpControl::sendGuessAhead(const std::vector<std::string>& lines) {
   if (ahead_.empty()) aheadIsGuess_ = writeAhead(lines);
 }
 
 bool FtpControl::writeAhead(const std::vector<std::string>& lines) {
   if (!takesAhead_ || ended_) return false;
-  if (ahead_.empty()) passStrayReplies();
   std::string wire;
   for (const auto& line : lines) {
     checkLine(line);

@@ -6,7 +6,7 @@ namespace quillmoor {
 
 void NetStream::startTls(TlsLogin& login) {
   tls_ = std::make_unique<TlsConnection>(login, channel_.socket);
-  tls_->handshake();  // an error shows again at the next operation
+  tls_->handshake();  // a failure is reported by the next operation
 }
 
 asio::error_code NetStream::waitFor(asio::socket_base::wait_type what, Deadline deadline) {

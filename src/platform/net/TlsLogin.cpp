@@ -125,7 +125,7 @@ TlsConnection::~TlsConnection() {
   const OpenSslFunctions& ssl = OpenSsl();
   // Also when the socket is gone already: freeing an established connection that was not shut down would
   // declare its session broken, and the login's next connection could not resume it.
-  if (established_ && problem_.empty()) ssl.SSL_shutdown(ssl_);
+  if (established_ && !failure_) ssl.SSL_shutdown(ssl_);
   ssl.SSL_free(ssl_);
   ssl.ERR_clear_error();
 }
@@ -168,11 +168,16 @@ long TlsConnection::controlBio(BIO* bio, int command, long, void*) {
   return command == BIO_CTRL_EOF && self.socketError_ == asio::error::eof ? 1 : 0;
 }
 
+asio::error_code TlsConnection::fail(asio::error_code error, std::string problem) {
+  failure_ = error;
+  problem_ = std::move(problem);
+  return failure_;
+}
+
 /// Runs an operation of the library, which returns 1 for success.
 template <class Operation>
 asio::error_code TlsConnection::attempt(Operation operation) {
   const OpenSslFunctions& ssl = OpenSsl();
-  if (!problem_.empty()) return kFailed;
   ssl.ERR_clear_error();
   waitsToWrite_ = false;
   const int result = operation();
@@ -188,16 +193,12 @@ asio::error_code TlsConnection::attempt(Operation operation) {
     default:
       break;
   }
-  if (socketError_ && socketError_ != asio::error::eof) {
-    problem_ = "the connection broke";
-    return socketError_;
-  }
-  problem_ = socketError_ ? "the connection was cut off" : libraryError();
-  return kFailed;
+  if (socketError_ && socketError_ != asio::error::eof) return fail(socketError_, "the connection broke");
+  return fail(kFailed, socketError_ ? "the connection was cut off" : libraryError());
 }
 
 asio::error_code TlsConnection::handshake() {
-  if (established_) return {};
+  if (failure_ || established_) return failure_;
   if (const auto error = attempt([this] { return OpenSsl().SSL_do_handshake(ssl_); })) return error;
   established_ = true;
   return checkCertificate();
@@ -206,17 +207,14 @@ asio::error_code TlsConnection::handshake() {
 asio::error_code TlsConnection::checkCertificate() {
   const OpenSslFunctions& ssl = OpenSsl();
   X509* const shown = ssl.SSL_get0_peer_certificate(ssl_);
-  if (!shown) {
-    problem_ = "the server shows no certificate";
-    return kFailed;
-  }
+  if (!shown) return fail(kFailed, "the server shows no certificate");
   if (login_.certificate_) {
     // A resumed session is the first connection's own, certificate included.
     if (ssl.SSL_session_reused(ssl_) == 1 ||
         ReadTlsCertificate(shown).fingerprint == login_.certificate_->fingerprint)
       return {};
-    problem_ = "the data connection shows another certificate than the control connection";
-    return kWrongCertificate;
+    return fail(kWrongCertificate,
+                "the data connection shows another certificate than the control connection");
   }
   TlsCertificate& certificate = login_.certificate_.emplace(ReadTlsCertificate(shown));
   login_.cipher_ = std::string(ssl.SSL_get_version(ssl_)) + ", " +
@@ -226,8 +224,7 @@ asio::error_code TlsConnection::checkCertificate() {
   if (verdict == X509_V_OK) return {};
   certificate.problem = ssl.X509_verify_cert_error_string(verdict);
   if (!login_.accepted_.empty() && certificate.fingerprint == login_.accepted_) return {};
-  problem_ = certificate.problem;
-  return kWrongCertificate;
+  return fail(kWrongCertificate, certificate.problem);
 }
 
 std::size_t TlsConnection::read(char* bytes, std::size_t most, asio::error_code& error) {

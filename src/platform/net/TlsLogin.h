@@ -82,11 +82,13 @@ class TlsConnection {
   template <class Operation>
   asio::error_code attempt(Operation operation);
   asio::error_code checkCertificate();
+  asio::error_code fail(asio::error_code error, std::string problem);
 
   TlsLogin& login_;
   TcpSocket& socket_;
   ssl_st* ssl_ = nullptr;
   asio::error_code socketError_;
+  asio::error_code failure_;  // once set, the result of every operation
   bool established_ = false;
   bool waitsToWrite_ = false;
   std::string problem_;
