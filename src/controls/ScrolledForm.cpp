@@ -139,7 +139,7 @@ wxTextCtrl* ScrolledForm::textBox(int digits, const wxString& name, const wxStri
 }
 
 wxSizerItem* ScrolledForm::addRow(wxStaticText* caption, wxWindow* field, Width width,
-                                  std::initializer_list<wxWindow*> behind, int indented) {
+                                  const std::vector<wxWindow*>& behind, int indented) {
   auto* const row = new wxBoxSizer(wxHORIZONTAL);
   row->AddSpacer(indented);
   row->Add(caption, wxSizerFlags().CenterVertical().Border(wxRIGHT, gap()));

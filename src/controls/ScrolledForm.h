@@ -10,7 +10,6 @@
 #include <wx/textctrl.h>
 
 #include <cstddef>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,7 +48,7 @@ class ScrolledForm : public wxScrolledWindow {
   enum class Width { own, rest };
   /// The windows `behind` follow on the right of the field at their best size.
   wxSizerItem* addRow(wxStaticText* caption, wxWindow* field, Width width,
-                      std::initializer_list<wxWindow*> behind = {}, int indented = 0);
+                      const std::vector<wxWindow*>& behind = {}, int indented = 0);
   wxSizerItem* add(wxWindow* control, int indented = 0);
   wxSizerItem* add(wxSizer* row);
 

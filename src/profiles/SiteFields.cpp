@@ -14,6 +14,8 @@ constexpr int kNumberDigits = 7;
 constexpr int kTextDigits = 14;    // minimum width of a box
 constexpr int kFolderLines = 120;  // height of the folder list, device-independent pixels
 
+using Windows = std::vector<wxWindow*>;
+
 wxString fromUtf8(std::string_view text) {
   return wxString::FromUTF8(text.data(), text.size());
 }
@@ -32,7 +34,7 @@ SiteFields::SiteFields(wxWindow* parent, SiteProfileEditor& editor, const Applic
 }
 
 wxSizerItem* SiteFields::addText(std::string_view key, const char* captionText, Size size, long style,
-                                 const std::function<wxWindow*()>& after) {
+                                 const std::function<Windows()>& after) {
   const wxString tip = fromUtf8(FieldHint(key));
   const bool number = size == Size::number;
   wxStaticText* const label = caption(captionText);
@@ -40,7 +42,7 @@ wxSizerItem* SiteFields::addText(std::string_view key, const char* captionText, 
   wxTextCtrl* const text = textBox(number ? kNumberDigits : kTextDigits, name, tip, style);
   SetLabelFor(*label, *text);
   const Width width = number ? Width::own : Width::rest;
-  wxSizerItem* const row = after ? addRow(label, text, width, {after()}) : addRow(label, text, width);
+  wxSizerItem* const row = addRow(label, text, width, after ? after() : Windows());
   const auto value = key == "name" ? &SiteProfile::name : FieldOf(key)->text();
   texts_.push_back({key, value, label, text, addNote("")});
   text->Bind(wxEVT_TEXT, [this, text, value](wxCommandEvent&) {
@@ -51,16 +53,14 @@ wxSizerItem* SiteFields::addText(std::string_view key, const char* captionText, 
 }
 
 template <std::size_t count>
-wxChoice* SiteFields::addChoice(std::string_view key, const char* captionText,
-                                const std::array<const char*, count>& texts) {
-  wxStaticText* const label = caption(captionText);
-  auto* const choice = new wxChoice(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0,
-                                    wxDefaultValidator, "cbo" + fromUtf8(key));
-  for (const char* const text : texts) choice->Append(text);
-  choice->SetToolTip(fromUtf8(FieldHint(key)));
-  SetLabelFor(*label, *choice);
-  addRow(label, choice, Width::own);
-  return choice;
+wxChoice* SiteFields::choice(std::string_view key, wxStaticText* label,
+                             const std::array<const char*, count>& texts) {
+  auto* const made = new wxChoice(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0,
+                                  wxDefaultValidator, "cbo" + fromUtf8(key));
+  for (const char* const text : texts) made->Append(text);
+  made->SetToolTip(fromUtf8(FieldHint(key)));
+  SetLabelFor(*label, *made);
+  return made;
 }
 
 wxCheckBox* SiteFields::addCheck(std::string_view key, const char* captionText) {
@@ -86,17 +86,21 @@ void SiteFields::layOutSite() {
   beginGroup("Site");
   addText("name", "&Name:", Size::rest);
   addText("Host", "&Host:", Size::rest);
-  addText("Port", "&Port:", Size::number);
-  cboSecurity = addChoice("Security", "Security:", kSecurityTypes);
+  addText("Port", "&Port:", Size::number, 0, [this] {
+    wxStaticText* const security = label("Security:");
+    cboSecurity = choice("Security", security, kSecurityTypes);
+    return Windows{security, cboSecurity};
+  });
   cboSecurity->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) {
     change([&] { editor_.ChooseSecurity(cboSecurity->GetSelection()); });
   });
   lblSecurityNote = addNote("");
   certificate_ = addText("Certificate", "Certificate:", Size::rest, wxTE_READONLY, [this] {
-    return cmdForgetCertificate = buttonOf("Forget", "cmdForgetCertificate", "Certificate: Forget", [this] {
-             editor_.shown.Certificate.clear();
-             cboSecurity->SetFocus();  // the button is hidden
-           });
+    cmdForgetCertificate = buttonOf("Forget", "cmdForgetCertificate", "Certificate: Forget", [this] {
+      editor_.shown.Certificate.clear();
+      cboSecurity->SetFocus();  // the button is hidden
+    });
+    return Windows{cmdForgetCertificate};
   });
   addText("UserID", "&User ID:", Size::rest);
   addText("Password", "Pass&word:", Size::rest, wxTE_PASSWORD);
@@ -107,8 +111,9 @@ void SiteFields::layOutSite() {
 void SiteFields::layOutFolders() {
   beginGroup("Folders");
   addText("SaveTo", "Save &to:", Size::rest, 0, [this] {
-    return cmdBrowseSaveTo = buttonOf("&Browse...", "cmdBrowseSaveTo", "Save to: Browse",
-                                      [this] { editor_.BrowseSaveTo(); });
+    cmdBrowseSaveTo =
+        buttonOf("&Browse...", "cmdBrowseSaveTo", "Save to: Browse", [this] { editor_.BrowseSaveTo(); });
+    return Windows{cmdBrowseSaveTo};
   });
   const std::vector<ReportControl::Column> columns = {{"Name", wxCOL_WIDTH_AUTOSIZE, false, true}};
   lvwFolders = new ReportControl(group(), columns, "Folders of the server to back up", wxDV_MULTIPLE);
@@ -158,7 +163,7 @@ void SiteFields::layOutConnection() {
   beginGroup("Connection");
   addText("Account", "Account:", Size::rest);
   addText("DefaultDir", "Defau&lt folder:", Size::rest);
-  addText("Timeout", "Ti&meout:", Size::number, 0, [this] { return label("seconds"); });
+  addText("Timeout", "Ti&meout:", Size::number, 0, [this] { return Windows{label("seconds")}; });
   chkPASV = addCheck("PASV", "Pass&ive mode");
   chkManualPort = addCheck("ManualPort", "Port ran&ge for active mode:");
   addText("MinData", "Lowest port:", Size::number);
@@ -167,7 +172,9 @@ void SiteFields::layOutConnection() {
 
 void SiteFields::layOutProxy() {
   beginGroup("Proxy");
-  cboProxyType = addChoice("ProxyType", "T&ype:", kProxyTypes);
+  wxStaticText* const type = caption("T&ype:");
+  cboProxyType = choice("ProxyType", type, kProxyTypes);
+  addRow(type, cboProxyType, Width::own);
   cboProxyType->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) {
     change([&] { editor_.shown.ProxyType = cboProxyType->GetSelection(); });
   });
@@ -180,8 +187,9 @@ void SiteFields::layOutProxy() {
 void SiteFields::layOutActions() {
   beginGroup("Before the run connects to the site");
   addText("RunProgram", "Run program:", Size::rest, 0, [this] {
-    return cmdBrowseRunProgram = buttonOf("Brows&e...", "cmdBrowseRunProgram", "Run program: Browse",
-                                          [this] { editor_.BrowseRunProgram(); });
+    cmdBrowseRunProgram = buttonOf("Brows&e...", "cmdBrowseRunProgram", "Run program: Browse",
+                                   [this] { editor_.BrowseRunProgram(); });
+    return Windows{cmdBrowseRunProgram};
   });
   addText("RunURL", "Run URL:", Size::rest);
   box("RunURL")->SetHint("http://www.example.org/export");

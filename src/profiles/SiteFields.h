@@ -67,11 +67,11 @@ class SiteFields : public ScrolledForm {
   const Text& textOf(std::string_view key) const;
 
   enum class Size { number, rest };
-  /// `after` makes the control to the right of the box.
+  /// `after` makes the windows to the right of the box.
   wxSizerItem* addText(std::string_view key, const char* caption, Size size, long style = 0,
-                       const std::function<wxWindow*()>& after = {});
+                       const std::function<std::vector<wxWindow*>()>& after = {});
   template <std::size_t count>
-  wxChoice* addChoice(std::string_view key, const char* caption, const std::array<const char*, count>& texts);
+  wxChoice* choice(std::string_view key, wxStaticText* label, const std::array<const char*, count>& texts);
   wxCheckBox* addCheck(std::string_view key, const char* caption);
   /// A button beside a box, which changes its text by a command of the editor.
   wxButton* buttonOf(const char* caption, const char* name, const char* accessibleName,
