@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "browser/BrowserRow.h"
+#include "engine/CertificateText.h"
 
 namespace quillmoor {
 
@@ -24,6 +25,10 @@ class BrowserEvents {
   /// The new current remote folder, as the server reports it.
   virtual void folderChanged(std::string path) = 0;
   virtual void loginChanged(bool loggedIn) = 0;
+  /// The login was refused because of the server's certificate, and is not tried again.
+  virtual void certificateRejected(TlsCertificate certificate) = 0;
+  /// The session, which is not encrypted, could be. Once a login.
+  virtual void tlsOffered() = 0;
   /// A listing that is neither UNIX nor DOS style.
   virtual void unparsedListing(std::string text) = 0;
 

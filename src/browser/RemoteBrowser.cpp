@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "base/BusyFlag.h"
+#include "base/Fingerprint.h"
+#include "browser/CertificateQuestion.h"
 #include "browser/SessionThread.h"
 #include "browser/UnparsedListing.h"
 #include "engine/RunLog.h"
@@ -13,13 +15,15 @@
 namespace quillmoor {
 
 RemoteBrowser::RemoteBrowser(const SiteProfile& site, const ApplicationSettings& settings, bool foldersOnly,
-                             BrowserView& view, UserPrompts& prompts, AddFolders addFolders)
-    : settings_(settings),
+                             BrowserView& view, UserPrompts& prompts, Editing editing)
+    : host_(site.Host),
+      settings_(settings),
       view_(view),
       prompts_(prompts),
-      addFolders_(std::move(addFolders)),
+      editing_(std::move(editing)),
       foldersOnly_(foldersOnly),
       listedFoldersOnly_(foldersOnly),
+      accepted_(PlainFingerprint(site.Certificate)),
       session_(std::make_unique<SessionThread>(site)) {}
 
 RemoteBrowser::~RemoteBrowser() = default;
@@ -134,7 +138,7 @@ void RemoteBrowser::addChecked() {
       logLine("Not added: " + why + "\r\n");
     }
   }
-  const std::size_t added = addFolders_(folders);
+  const std::size_t added = editing_.addFolders(folders);
   logLine("Added to the profile: " + std::to_string(added) +
           (added < folders.size() ? ", already in it: " + std::to_string(folders.size() - added) + "\r\n"
                                   : std::string("\r\n")));
@@ -157,10 +161,28 @@ void RemoteBrowser::takeEvents() {
     if (!taking.taken()) return;
     passSettings();
     session_->deliver(*this);
-    if (closing_ || !unparsed_) return;
   }
-  const std::string text = *std::exchange(unparsed_, std::nullopt);
-  ReportUnparsedListing(text, prompts_);
+  if (const auto text = std::exchange(unparsed_, std::nullopt); text && !closing_)
+    ReportUnparsedListing(*text, prompts_);
+  if (const auto certificate = std::exchange(rejected_, std::nullopt); certificate && !closing_)
+    decideOn(*certificate);
+}
+
+void RemoteBrowser::decideOn(const TlsCertificate& certificate) {
+  const bool accepted = AsksToAccept(host_, certificate, !accepted_.empty(), prompts_);
+  if (closing_) return;
+  if (!accepted) return logLine("The certificate is not accepted. \"Refresh\" asks again.\r\n");
+  accepted_ = certificate.fingerprint;
+  editing_.acceptCertificate(accepted_);
+  logLine("The certificate is accepted. Save the profile to keep it.\r\n");
+  const auto logIn = [this] {
+    startListing([fingerprint = accepted_](RemoteSession& session) {
+      session.acceptCertificate(fingerprint);
+      session.connect();
+    });
+  };
+  if (!busy_) return logIn();
+  next_ = logIn;
 }
 
 void RemoteBrowser::waitForEvents() {
@@ -214,6 +236,14 @@ void RemoteBrowser::folderChanged(std::string path) {
 
 void RemoteBrowser::loginChanged(bool loggedIn) {
   loggedIn_ = loggedIn;
+}
+
+void RemoteBrowser::certificateRejected(TlsCertificate certificate) {
+  rejected_ = std::move(certificate);
+}
+
+void RemoteBrowser::tlsOffered() {
+  if (!closing_) editing_.noteTlsOffered();
 }
 
 void RemoteBrowser::unparsedListing(std::string text) {

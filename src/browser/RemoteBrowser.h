@@ -38,19 +38,26 @@ class RemoteBrowser final : private BrowserEvents {
   static constexpr int kKeepAliveMs = 50'000;
   static constexpr int kEventsEveryMs = 20;
 
-  /// Adds the ticked folders to the editor's list (SiteProfileEditor::AddFolders) and shows it. Returns how
-  /// many were new.
-  using AddFolders = std::function<std::size_t(const std::vector<std::string>& folders)>;
+  /// Changes the profile editor and shows the result.
+  struct Editing {
+    /// Adds the ticked folders to the list (SiteProfileEditor::AddFolders). Returns how many were new.
+    std::function<std::size_t(const std::vector<std::string>& folders)> addFolders;
+    /// The user has accepted the certificate of that fingerprint.
+    std::function<void(const std::string& fingerprint)> acceptCertificate;
+    /// See SiteProfileEditor::NoteTlsOffered.
+    std::function<void()> noteTlsOffered;
+  };
 
   /// The references must outlive this. `settings` is what the program goes by: a delay that is changed there
   /// holds for the next wait. `foldersOnly`: as it was stored. Connects to nothing yet.
   RemoteBrowser(const SiteProfile& site, const ApplicationSettings& settings, bool foldersOnly,
-                BrowserView& view, UserPrompts& prompts, AddFolders addFolders);
+                BrowserView& view, UserPrompts& prompts, Editing editing);
   /// Aborts any operation without calling the view. Does not log out; aborting a transfer cleanly takes up to
   /// 2 s.
   ~RemoteBrowser() override;
 
-  /// Logs in, retrying without a limit, and lists the first folder.
+  /// Logs in, retrying without a limit, and lists the first folder. A certificate that is not trusted ends
+  /// the attempts; then a message box asks for a decision.
   void connect();
   /// Processes the session's pending events. Does nothing when re-entered. May end with a message box; while
   /// that is open, all calls are allowed and the browser may be closed.
@@ -115,6 +122,8 @@ class RemoteBrowser final : private BrowserEvents {
   void linkLeadsToFolder(std::size_t row) override;
   void folderChanged(std::string path) override;
   void loginChanged(bool loggedIn) override;
+  void certificateRejected(TlsCertificate certificate) override;
+  void tlsOffered() override;
   void unparsedListing(std::string text) override;
   void operationEnded() override;
   void sessionEnded() override;
@@ -126,11 +135,13 @@ class RemoteBrowser final : private BrowserEvents {
   void enter(std::string path);
   void checkAll(bool checked);
   void passSettings();
+  void decideOn(const TlsCertificate& certificate);
 
+  const std::string host_;
   const ApplicationSettings& settings_;
   BrowserView& view_;
   UserPrompts& prompts_;
-  const AddFolders addFolders_;
+  const Editing editing_;
   std::vector<BrowserRow> rows_;
   LogText log_;
   /// The paths in the list of `cmbRemoteDir`: displayed text to server's bytes.
@@ -145,6 +156,8 @@ class RemoteBrowser final : private BrowserEvents {
   bool testingLinks_ = false;
   std::function<void()> next_;  // a listing to start after the current operation
   std::optional<std::string> unparsed_;
+  std::optional<TlsCertificate> rejected_;
+  std::string accepted_;  // fingerprint of the certificate that the user has accepted
   std::unique_ptr<SessionThread> session_;
 };
 

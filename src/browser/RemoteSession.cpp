@@ -56,30 +56,40 @@ void RemoteSession::waitSeconds(std::int32_t seconds) {
   stopRaised_.wait_for(lock, time, [&] { return stopping(); });
 }
 
-void RemoteSession::tryLogin() {
+/// False when it makes no sense to try again.
+bool RemoteSession::tryLogin() {
   constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max() / 1000;
   profile_.Timeout = std::to_string(std::clamp(timeout.load(), std::int32_t{0}, kLongest));
   try {
     SetFtpProperties(client_, profile_);
     LogIn(client_, profile_);
   } catch (const FtpError& error) {
-    if (stopping()) return;
+    if (stopping()) return false;
     events_.logLine("Login error: " + std::to_string(error.number()) + "," + error.what() + "\r\n");
-    const std::string advice = LoginAdvice(error.number(), error.what());
+    const std::string advice = LoginAdvice(error.number(), error.what(), profile_.Security != 0);
     if (!advice.empty()) events_.logLine(advice + "\r\n");
+    if (!client_.rejectedCertificate()) return true;
+    events_.certificateRejected(*client_.rejectedCertificate());
+    return false;
   }
+  return true;
 }
 
 bool RemoteSession::logIn() {
   setLoggedIn(false);
   events_.clearRows();
   for (std::int64_t attempts = 1; !stopping(); ++attempts) {
-    tryLogin();
+    const bool mayTryAgain = tryLogin();
     if (connected()) {
       setLoggedIn(true);
+      if (client_.offersTls() && PassesTls(profile_.ProxyType)) {
+        events_.logLine(
+            "The server offers encryption: choose TLS under \"Security\" in the profile to use it.\r\n");
+        events_.tlsOffered();
+      }
       return true;
     }
-    if (stopping()) break;
+    if (stopping() || !mayTryAgain) break;
     const std::int32_t delay = connectionDelay;
     events_.logLine("Retry : " + std::to_string(attempts) + "\r\n");
     events_.logLine("Waiting " + std::to_string(delay) + " Seconds...\r\n");

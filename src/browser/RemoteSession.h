@@ -42,8 +42,11 @@ class RemoteSession {
   /// For the next listing.
   bool foldersOnly = false;
 
-  /// Logs in, retrying until success or `stop`, then lists the profile's folder.
+  /// Logs in, retrying until success, `stop` or a certificate that is rejected, then lists the profile's
+  /// folder.
   void connect();
+  /// For the next login: the user has accepted the certificate of that fingerprint.
+  void acceptCertificate(const std::string& fingerprint) { profile_.Certificate = fingerprint; }
   void refresh();
   void changeFolder(const std::string& path);
   void changeToParent();
@@ -71,7 +74,7 @@ class RemoteSession {
   void pump();
   void setLoggedIn(bool loggedIn);
   bool logIn();
-  void tryLogin();
+  bool tryLogin();
   void waitSeconds(std::int32_t seconds);
   template <class Change>
   void go(Change change, bool fromAnywhere = false);

@@ -94,6 +94,12 @@ void SessionThread::folderChanged(std::string path) {
 void SessionThread::loginChanged(bool loggedIn) {
   post([loggedIn](BrowserEvents& to) { to.loginChanged(loggedIn); });
 }
+void SessionThread::certificateRejected(TlsCertificate certificate) {
+  post([certificate = std::move(certificate)](BrowserEvents& to) { to.certificateRejected(certificate); });
+}
+void SessionThread::tlsOffered() {
+  post([](BrowserEvents& to) { to.tlsOffered(); });
+}
 void SessionThread::unparsedListing(std::string text) {
   post([text = std::move(text)](BrowserEvents& to) { to.unparsedListing(text); });
 }

@@ -53,6 +53,8 @@ class SessionThread final : private BrowserEvents {
   void linkLeadsToFolder(std::size_t row) override;
   void folderChanged(std::string path) override;
   void loginChanged(bool loggedIn) override;
+  void certificateRejected(TlsCertificate certificate) override;
+  void tlsOffered() override;
   void unparsedListing(std::string text) override;
   void operationEnded() override;
   void sessionEnded() override;

@@ -38,13 +38,13 @@ bool canBeReached(const wxRect& window, int grip) {
 }  // namespace
 
 frmFtpBrowse::frmFtpBrowse(wxWindow* parent, const SiteProfile& site, const ApplicationSettings& settings,
-                           RemoteBrowser::AddFolders addFolders)
+                           RemoteBrowser::Editing editing)
     : wxFrame(parent, wxID_ANY, "Browse FTP Site", wxDefaultPosition, wxDefaultSize,
               wxDEFAULT_FRAME_STYLE | wxFRAME_FLOAT_ON_PARENT, "frmFtpBrowse"),
       prompts_(this) {
   const BrowserPlacement stored = LoadBrowserPlacement();
-  browser_ = std::make_unique<RemoteBrowser>(
-      site, settings, stored.foldersOnly, static_cast<BrowserView&>(*this), prompts_, std::move(addFolders));
+  browser_ = std::make_unique<RemoteBrowser>(site, settings, stored.foldersOnly,
+                                             static_cast<BrowserView&>(*this), prompts_, std::move(editing));
   SetIcons(ApplicationIcon());
   layOut();
   chkFoldersOnly->SetValue(stored.foldersOnly);

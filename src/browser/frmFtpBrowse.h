@@ -20,9 +20,9 @@ namespace quillmoor {
 
 class frmFtpBrowse : public wxFrame, private BrowserView {
  public:
-  /// `settings` must outlive the window, and so must what `addFolders` changes until `unload`.
+  /// `settings` must outlive the window, and so must what `editing` changes until `unload`.
   frmFtpBrowse(wxWindow* parent, const SiteProfile& site, const ApplicationSettings& settings,
-               RemoteBrowser::AddFolders addFolders);
+               RemoteBrowser::Editing editing);
   ~frmFtpBrowse() override;
 
   /// Hides the window at once, whatever is in progress; it is destroyed when its session has ended.

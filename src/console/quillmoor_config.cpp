@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "connectivity/DialUp.h"
+#include "engine/CertificateText.h"
+#include "engine/FtpConnection.h"
 #include "platform/files/LocalPath.h"
 #include "platform/system/CodePage.h"
 #include "platform/system/ProgramArguments.h"
@@ -35,6 +37,7 @@ constexpr const char* kHelp =
     "       quillmoor-config setting get KEY\n"
     "       quillmoor-config setting set KEY VALUE\n"
     "       quillmoor-config dialup list\n"
+    "       quillmoor-config certificate HOST [PORT]\n"
     "       quillmoor-config --help | --version\n"
     "\n"
     "Site profiles are in Profiles.ini in this program's folder. Keys:";
@@ -43,7 +46,11 @@ constexpr const char* kHelpAfterKeys =
     "Folder may be given several times and replaces the list of remote folders. Password=- and "
     "ProxyPassword=-\n"
     "read a line of standard input; so does the setting ZipPassword. \"dialup list\" names the entries that\n"
-    "AutoDialUpConnection can be.\n";
+    "AutoDialUpConnection can be.\n"
+    "Security is 0 for no encryption, 1 for explicit and 2 for implicit TLS. Certificate is the SHA-256\n"
+    "fingerprint of a certificate that the system cannot verify and you trust; \"certificate\" shows the "
+    "one\n"
+    "of a server (implicit TLS on port 990, explicit TLS on any other).\n";
 
 std::string helpText() {
   constexpr std::size_t kWidth = 105;
@@ -68,6 +75,13 @@ std::string storable(const std::string& what, const std::string& text) {
   return text;
 }
 
+/// -1 for any other text than a number from 0 up, written as the program itself writes it.
+std::int32_t numberOf(const std::string& text) {
+  std::int32_t number = -1;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return std::to_string(number) == text ? std::max(number, -1) : -1;
+}
+
 void setField(SiteProfile& profile, std::string_view key, const std::string& value) {
   const ProfileField* const field = FieldOf(key);
   if (!field) throw UsageError("A profile has no key " + std::string(key) + ". Try quillmoor-config --help.");
@@ -77,10 +91,10 @@ void setField(SiteProfile& profile, std::string_view key, const std::string& val
     if (key == "Password") profile.passwordUnreadable = false;
     return;
   }
-  std::int32_t number = -1;
-  std::from_chars(value.data(), value.data() + value.size(), number);
-  if (number < 0 || number > field->largest || std::to_string(number) != value)
+  const std::int32_t number = numberOf(value);
+  if (number < 0 || number > field->largest)
     throw UsageError(std::string(key) + " takes a number from 0 to " + std::to_string(field->largest) + ".");
+  if (key == "Security") return ChooseSecurity(profile, number);
   profile.*field->number() = number;
 }
 
@@ -98,8 +112,9 @@ void checkProfile(SiteProfile& profile) {
   require(given(profile.SaveTo), "the profile needs a folder to save to (SaveTo)");
   require(!profile.Folders.empty(), "the profile needs at least one remote folder (Folder=/path)");
   CorrectNumbers(profile);
-  const std::string why = FindUnstorable(profile).why;
-  if (!why.empty()) throw UsageError(why);
+  for (const std::string& why : {WhyNoEncryption(profile), FindUnstorable(profile).why}) {
+    if (!why.empty()) throw UsageError(why);
+  }
 }
 
 int listProfiles() {
@@ -132,13 +147,16 @@ int showProfile(const std::string& name) {
   return kDone;
 }
 
-int setProfile(const std::string& given, const std::vector<std::string>& assignments) {
+int setProfile(const std::string& given, std::vector<std::string> assignments) {
   const std::string name = storable("A name", TrimmedText(given));
   if (name.empty()) throw UsageError("A profile needs a name.");
   const std::string file = ProfilesFilePath();
   SiteProfile profile = ProfileExists(name, file) ? LoadSiteProfile(name, file) : LoadSiteProfile("", file);
   profile.name = name;
   std::vector<std::string> folders;
+  // Security changes the port, unless that is given too.
+  std::stable_partition(assignments.begin(), assignments.end(),
+                        [](const std::string& each) { return each.starts_with("Security="); });
   for (const std::string& assignment : assignments) {
     const auto equals = assignment.find('=');
     if (equals == std::string::npos) throw UsageError("\"" + assignment + "\" is not KEY=VALUE.");
@@ -221,6 +239,12 @@ int listDialUpEntries() {
   return kDone;
 }
 
+int showCertificate(const std::string& host, const std::string& portText) {
+  const std::int32_t port = numberOf(portText);
+  if (host.empty() || !IsPort(port)) throw UsageError("Give a host, and a port from 1 to 65535.");
+  return std::fputs(CertificateText(ReadCertificate(host, port)).c_str(), stdout) < 0 ? kFailed : kDone;
+}
+
 int execute(const std::vector<std::string>& arguments) {
   const auto is = [&](std::size_t count, std::string_view noun, std::string_view verb) {
     return arguments.size() >= 2 && arguments.size() == count && arguments[0] == noun && arguments[1] == verb;
@@ -241,6 +265,8 @@ int execute(const std::vector<std::string>& arguments) {
     return std::puts(shownSetting(settingOf(arguments[2])).c_str()) < 0 ? kFailed : kDone;
   if (is(4, "setting", "set")) return setSetting(arguments[2], arguments[3]);
   if (is(2, "dialup", "list")) return listDialUpEntries();
+  if ((arguments.size() == 2 || arguments.size() == 3) && arguments[0] == "certificate")
+    return showCertificate(arguments[1], arguments.size() == 3 ? arguments[2] : UsualPort(kExplicitTls));
   throw UsageError("Try quillmoor-config --help.");
 }
 

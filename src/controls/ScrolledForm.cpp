@@ -132,16 +132,16 @@ wxTextCtrl* ScrolledForm::textBox(int digits, const wxString& name, const wxStri
   return made;
 }
 
-void ScrolledForm::addRow(wxStaticText* caption, wxWindow* field, Width width,
-                          std::initializer_list<wxWindow*> behind, int indented) {
+wxSizerItem* ScrolledForm::addRow(wxStaticText* caption, wxWindow* field, Width width,
+                                  std::initializer_list<wxWindow*> behind, int indented) {
   auto* const row = new wxBoxSizer(wxHORIZONTAL);
   row->AddSpacer(indented);
   row->Add(caption, wxSizerFlags().CenterVertical().Border(wxRIGHT, gap()));
   row->Add(field, wxSizerFlags(width == Width::rest ? 1 : 0).CenterVertical());
   for (wxWindow* const window : behind)
     row->Add(window, wxSizerFlags().CenterVertical().Border(wxLEFT, gap()));
-  add(row);
   captions_.push_back({caption, indented});
+  return add(row);
 }
 
 wxSizerItem* ScrolledForm::add(wxWindow* control, int indented) {
@@ -185,13 +185,23 @@ void ScrolledForm::setNote(wxStaticText* note, const wxString& text) {
   if (known == notes_.end() || known->text == text) return;
   known->text = text;
   wrap(*known);
-  FitInside();
-  Layout();
-  Refresh();  // not every toolkit redraws what has moved
+  placeRows();
   wxWindow* const focus = FindFocus();
   if (text.empty() || !focus || !known->above || !known->above->GetItem(focus, true)) return;
   bringIntoView(note);
   bringIntoView(focus);
+}
+
+void ScrolledForm::showRow(wxSizerItem* row, bool shown) {
+  if (row->IsShown() == shown) return;
+  row->Show(shown);
+  placeRows();
+}
+
+void ScrolledForm::placeRows() {
+  FitInside();
+  Layout();
+  Refresh();  // not every toolkit redraws what has moved
 }
 
 /// The width available to a row. Always deducts the scroll bar, which otherwise could make lines wrap, and so

@@ -48,8 +48,8 @@ class ScrolledForm : public wxScrolledWindow {
 
   enum class Width { own, rest };
   /// The windows `behind` follow on the right of the field at their best size.
-  void addRow(wxStaticText* caption, wxWindow* field, Width width,
-              std::initializer_list<wxWindow*> behind = {}, int indented = 0);
+  wxSizerItem* addRow(wxStaticText* caption, wxWindow* field, Width width,
+                      std::initializer_list<wxWindow*> behind = {}, int indented = 0);
   wxSizerItem* add(wxWindow* control, int indented = 0);
   wxSizerItem* add(wxSizer* row);
 
@@ -60,6 +60,9 @@ class ScrolledForm : public wxScrolledWindow {
   /// the focused control is scrolled into view.
   wxStaticText* addNote(const wxString& text, int indented = 0);
   void setNote(wxStaticText* note, const wxString& text);
+
+  /// Shows or hides all of a row, which takes no room while it is hidden.
+  void showRow(wxSizerItem* row, bool shown);
 
   /// Scrolls the window into view, as happens to every control that newly gets the focus.
   void bringIntoView(const wxWindow* window);
@@ -74,6 +77,7 @@ class ScrolledForm : public wxScrolledWindow {
   };
 
   void alignCaptions();
+  void placeRows();
   void wrapRows();
   void moveFrames();
   int room() const;

@@ -52,18 +52,16 @@ bool isCrowded(const std::string& plain) {
 
 }  // namespace
 
-std::string LoginAdvice(int number, std::string_view description) {
+std::string LoginAdvice(int number, std::string_view description, bool encrypted) {
   // The server's reply follows a text of this program's own.
   const auto reply = description.find(std::to_string(number));
   if (reply == std::string_view::npos) return {};
   const std::string plain = plainWords(description.substr(reply));
   // Some servers refuse an unencrypted USER with 421 or 550, but 550 is usually about a file.
   const bool ofLogin = description.substr(0, reply).find(" refused the ") != std::string_view::npos;
-  if ((isOneOf(number, {421, 522, 530, 534}) || (number == 550 && ofLogin)) && wantsEncryption(plain)) {
-    return "This server wants an encrypted connection (TLS), and this program logs in without encryption: "
-           "ask "
-           "the server's operator to allow plain FTP for this user.";
-  }
+  const bool refusal = isOneOf(number, {421, 522, 530, 534}) || (number == 550 && ofLogin);
+  if (!encrypted && refusal && wantsEncryption(plain))
+    return "This server wants an encrypted connection: choose TLS under \"Security\" in the profile.";
   if (isOneOf(number, {421, 530}) && isCrowded(plain)) {
     return "The server takes no more connections at the moment: close other FTP programs that are connected "
            "to "

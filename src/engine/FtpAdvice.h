@@ -8,7 +8,7 @@ namespace quillmoor {
 
 /// One sentence for the log, without a line break, when the server has too many connections or requires
 /// encryption; "" for any other failure, such as a wrong password. Takes the number and the description of an
-/// FtpError.
-std::string LoginAdvice(int number, std::string_view description);
+/// FtpError. `encrypted`: the profile chooses TLS.
+std::string LoginAdvice(int number, std::string_view description, bool encrypted);
 
 }  // namespace quillmoor

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "base/LenientNumber.h"
+#include "profiles/ProfileHints.h"
 #include "profiles/SiteProfileStore.h"
 
 namespace quillmoor {
@@ -41,12 +42,21 @@ std::string WhyNoLogin(const SiteProfile& profile) {
   if (profile.Host.empty()) return "The host is missing";
   const std::int32_t port = numberOf(profile.Port), proxyPort = numberOf(profile.ProxyPort);
   if (!IsPort(port)) return std::to_string(port) + " is no port number";
-  if (profile.ProxyType == 0) return "";
   if (profile.ProxyType < 0 || static_cast<std::size_t>(profile.ProxyType) >= kProxyTypes.size())
     return "There is no proxy type " + std::to_string(profile.ProxyType);
+  const std::string unencrypted = WhyNoEncryption(profile);
+  if (profile.ProxyType == 0 || !unencrypted.empty()) return unencrypted;
   if (profile.ProxyHost.empty()) return "The proxy's host is missing";
   if (!IsPort(proxyPort)) return std::to_string(proxyPort) + " is no port number of a proxy";
   return "";
+}
+
+TlsCertificate ReadCertificate(const std::string& host, std::int32_t port) {
+  FtpClient client;
+  SetFtpProperties(client, SiteProfile());
+  const bool implicit = std::to_string(port) == UsualPort(kImplicitTls);
+  client.security = implicit ? kImplicitTls : kExplicitTls;
+  return client.readCertificate(host, port);
 }
 
 void LogIn(FtpClient& client, const SiteProfile& profile) {

@@ -20,6 +20,10 @@ void SetFtpProperties(FtpClient& client, const SiteProfile& profile);
 /// without its full stop, "" when none would.
 std::string WhyNoLogin(const SiteProfile& profile);
 
+/// The certificate of the server, whether or not it is trusted. Encryption is asked for explicitly, on port
+/// 990 implicitly. Raises FtpError.
+TlsCertificate ReadCertificate(const std::string& host, std::int32_t port);
+
 /// Logs in with what the profile says. Raises FtpError.
 void LogIn(FtpClient& client, const SiteProfile& profile);
 

@@ -49,10 +49,11 @@ void FtpSession::loginOverLan() {
   }
 }
 
-/// Whether the settings allow another attempt after this many.
+/// Whether the settings allow another attempt after this many. Only the user can decide about a certificate.
 bool FtpSession::mayTryAgain(std::int32_t attempts) {
   const std::int32_t most = services_.settings.LoginAttempts;
-  state_.loginGivenUp = most > 0 && attempts >= most;
+  const bool untrusted = errorNumber_ == static_cast<int>(FtpErrorNumber::certificateRejected);
+  state_.loginGivenUp = untrusted || (most > 0 && attempts >= most);
   return !state_.loginGivenUp;
 }
 
@@ -71,12 +72,12 @@ void FtpSession::loginOverDialUp() {
     while (!connected() && !state_.StopRequested && network_.dialledConnectionIsUp()) {
       TryLogin();
       if (connected() || state_.StopRequested) return;
+      if (!mayTryAgain(++attempts)) return;
       if (services_.settings.LoginAttempts <= 0) {
         network_.pumpAndRest();
-        continue;
+      } else {
+        network_.waitBeforeRetry(pauseFactor(attempts));
       }
-      if (!mayTryAgain(++attempts)) return;
-      network_.waitBeforeRetry(pauseFactor(attempts));
     }
     // A connection dialled elsewhere ends the dialling but does not permit a login: wait, without using the
     // processor, until either changes.
@@ -179,7 +180,7 @@ void FtpSession::showError(int number, const std::string& description) {
   if (logSuppressed_) return;
   log_.AppendLog("Ftp Error: " + description + "\r\n", log_colour::kError, true);
   const bool login = state_.ExpectedMethod == FtpMethod::login;
-  const std::string advice = login ? LoginAdvice(number, description) : "";
+  const std::string advice = login ? LoginAdvice(number, description, state_.profile.Security != 0) : "";
   if (!advice.empty()) log_.AppendLog(advice + "\r\n", log_colour::kError, true);
 }
 

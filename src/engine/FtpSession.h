@@ -31,8 +31,9 @@ class FtpSession {
   void SetFtpProperties();
 
   /// Returns at once when connected. Otherwise logs in, retrying until success, a Stop, or the limit set by
-  /// LoginAttempts (which sets RunState::loginGivenUp, and later calls do nothing); in dial-up mode it dials
-  /// first. Does nothing when re-entered. The outcome is `connected` and RunState::LoggedIn.
+  /// LoginAttempts, or a certificate that is not trusted (the last two set RunState::loginGivenUp, and later
+  /// calls do nothing); in dial-up mode it dials first. Does nothing when re-entered. The outcome is
+  /// `connected` and RunState::LoggedIn.
   void ConnectAndLogin();
 
   /// Logs out (QUIT); errors are swallowed.

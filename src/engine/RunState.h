@@ -43,7 +43,8 @@ struct RunState {
   RunFailures failures;
   /// How often the server has refused the login.
   int loginRefusals = 0;
-  /// The login has failed as often as the settings allow; the profile does not try again.
+  /// The login has failed as often as the settings allow, or for its certificate; the profile does not try
+  /// again.
   bool loginGivenUp = false;
   bool defaultDirFailed = false;  // and the failure is counted
   bool anyFolderWalked = false;   // a local folder was prepared

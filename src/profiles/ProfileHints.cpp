@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Fingerprint.h"
 #include "base/LenientNumber.h"
 #include "platform/files/LocalPath.h"
 #include "profiles/SiteProfileStore.h"
@@ -16,7 +17,7 @@ struct NumberRange {
   const char* note;
 };
 constexpr NumberRange kNumbers[] = {
-    {"Port", 65535, "Must be a number from 1 to 65535; 21 will be saved."},
+    {"Port", 65535, "Must be a number from 1 to 65535; "},  // and what will be saved
     {"Timeout", 9999, "Must be a number of seconds from 1 to 9999; 60 will be saved."},
     {"MinData", 65535, "Must be a number from 1 to 65535; 1 will be saved."},
     {"ProxyPort", 65535, "Must be a number from 1 to 65535."}};
@@ -63,8 +64,12 @@ std::string noteOf(const SiteProfile& profile, std::string_view key, const std::
   if (key == "Host" || key == "ProxyHost") return hostNote(text);
   if (key == "RunURL") return AddressNote(text);
   if (key == "MaxData") return highestPortNote(profile);
+  if (key == "Certificate" && PlainFingerprint(text).empty())
+    return "This is no SHA-256 fingerprint, which has 64 hexadecimal digits.";
   for (const NumberRange& range : kNumbers) {
-    if (range.key == key && !(Val(text) >= 1 && Val(text) <= range.highest)) return range.note;
+    if (range.key != key || (Val(text) >= 1 && Val(text) <= range.highest)) continue;
+    return key == "Port" ? range.note + std::string(UsualPort(profile.Security)) + " will be saved."
+                         : range.note;
   }
   return "";
 }
@@ -85,8 +90,21 @@ std::string AddressNote(const std::string& address) {
   return web && !holdsAny(address, " \t") ? "" : "Enter an address that begins with http:// or https://.";
 }
 
+std::string WhyNoEncryption(const SiteProfile& profile) {
+  if (profile.Security == 0) return "";
+  if (profile.Security < 0 || static_cast<std::size_t>(profile.Security) >= kSecurityTypes.size())
+    return "The stored Security cannot be read and may mean encryption; choose it anew";
+  if (PassesTls(profile.ProxyType)) return "";
+  return "No encrypted connection (TLS) can pass a proxy of the type \"" +
+         TrimmedText(kProxyTypes.at(static_cast<std::size_t>(profile.ProxyType))) + "\"";
+}
+
 std::string FieldNote(const SiteProfile& profile, std::string_view key, bool namesAsListed,
                       LocalNameRules rules) {
+  if (key == "Security") {
+    const std::string why = WhyNoEncryption(profile);
+    return why.empty() ? why : why + ".";
+  }
   const ProfileField* const field = FieldOf(key);
   if (!field || !field->text()) return "";
   const std::string text = TrimmedText(profile.*field->text());

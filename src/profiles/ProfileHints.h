@@ -13,6 +13,10 @@ namespace quillmoor {
 /// two; "" where the caption says enough.
 std::string_view FieldHint(std::string_view key);
 
+/// Why no login with the profile can be encrypted as its Security says: a sentence without its full stop, ""
+/// when it can.
+std::string WhyNoEncryption(const SiteProfile& profile);
+
 /// What is wrong with the value of the field, as a sentence or two; "" when nothing is. This is only a note:
 /// a save refuses and corrects by its own rules. Empty and unused fields have no note, except the host and
 /// the port of a proxy that is in use. `namesAsListed`: the setting NamesAsListed is 1.

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/Fingerprint.h"
 #include "platform/ini/PrivateProfile.h"
 #include "platform/system/CodePage.h"
 #include "profiles/SiteProfileStore.h"
@@ -49,6 +50,9 @@ UnstorableField FindUnstorable(const SiteProfile& profile) {
     if (!stored) continue;
     why = WhyNotStorable(std::string(field.key), profile.*field.text());
     if (why.empty()) why = WhyNotStorable(std::string(field.key), *stored);
+    const bool fingerprint = field.kind == ProfileField::Kind::fingerprint && !TrimmedText(*stored).empty();
+    if (why.empty() && fingerprint && PlainFingerprint(*stored).empty())
+      why = std::string(field.key) + " takes the 64 hexadecimal digits of a SHA-256 fingerprint.";
     if (!why.empty()) return {field.key, why};
   }
   for (const std::string& folder : profile.Folders) {

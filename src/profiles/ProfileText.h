@@ -19,7 +19,7 @@ std::string WhyNotStorable(const std::string& what, const std::string& text);
 std::string WhyNoFolder(const std::string& what, const std::string& folder);
 
 /// The same for a whole profile, with the key of the first field that cannot be stored ("name" and "Folders"
-/// included).
+/// included). A fingerprint that is none is not stored either.
 struct UnstorableField {
   std::string_view key;
   std::string why;

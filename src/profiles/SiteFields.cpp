@@ -31,8 +31,8 @@ SiteFields::SiteFields(wxWindow* parent, SiteProfileEditor& editor, const Applic
   show();
 }
 
-void SiteFields::addText(std::string_view key, const char* captionText, Size size, long style,
-                         const std::function<wxWindow*()>& after) {
+wxSizerItem* SiteFields::addText(std::string_view key, const char* captionText, Size size, long style,
+                                 const std::function<wxWindow*()>& after) {
   const wxString tip = fromUtf8(FieldHint(key));
   const bool number = size == Size::number;
   wxStaticText* const label = caption(captionText);
@@ -40,17 +40,27 @@ void SiteFields::addText(std::string_view key, const char* captionText, Size siz
   wxTextCtrl* const text = textBox(number ? kNumberDigits : kTextDigits, name, tip, style);
   SetLabelFor(*label, *text);
   const Width width = number ? Width::own : Width::rest;
-  if (after) {
-    addRow(label, text, width, {after()});
-  } else {
-    addRow(label, text, width);
-  }
+  wxSizerItem* const row = after ? addRow(label, text, width, {after()}) : addRow(label, text, width);
   const auto value = key == "name" ? &SiteProfile::name : FieldOf(key)->text();
   texts_.push_back({key, value, label, text, addNote("")});
   text->Bind(wxEVT_TEXT, [this, text, value](wxCommandEvent&) {
     change([&] { editor_.shown.*value = text->GetValue().utf8_string(); });
   });
   selectsAll(text);
+  return row;
+}
+
+template <std::size_t count>
+wxChoice* SiteFields::addChoice(std::string_view key, const char* captionText,
+                                const std::array<const char*, count>& texts) {
+  wxStaticText* const label = caption(captionText);
+  auto* const choice = new wxChoice(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0,
+                                    wxDefaultValidator, "cbo" + fromUtf8(key));
+  for (const char* const text : texts) choice->Append(text);
+  choice->SetToolTip(fromUtf8(FieldHint(key)));
+  SetLabelFor(*label, *choice);
+  addRow(label, choice, Width::own);
+  return choice;
 }
 
 wxCheckBox* SiteFields::addCheck(std::string_view key, const char* captionText) {
@@ -64,11 +74,11 @@ wxCheckBox* SiteFields::addCheck(std::string_view key, const char* captionText) 
   return check;
 }
 
-wxButton* SiteFields::browseButton(const char* captionText, const char* name, const char* accessibleName,
-                                   std::function<void()> browse) {
+wxButton* SiteFields::buttonOf(const char* captionText, const char* name, const char* accessibleName,
+                               std::function<void()> command) {
   wxButton* const made = button(captionText, name);
   SetAccessibleName(*made, accessibleName);
-  made->Bind(wxEVT_BUTTON, [this, browse = std::move(browse)](wxCommandEvent&) { change(browse); });
+  made->Bind(wxEVT_BUTTON, [this, command = std::move(command)](wxCommandEvent&) { change(command); });
   return made;
 }
 
@@ -77,6 +87,17 @@ void SiteFields::layOutSite() {
   addText("name", "&Name:", Size::rest);
   addText("Host", "&Host:", Size::rest);
   addText("Port", "&Port:", Size::number);
+  cboSecurity = addChoice("Security", "Security:", kSecurityTypes);
+  cboSecurity->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) {
+    change([&] { editor_.ChooseSecurity(cboSecurity->GetSelection()); });
+  });
+  lblSecurityNote = addNote("");
+  certificate_ = addText("Certificate", "Certificate:", Size::rest, wxTE_READONLY, [this] {
+    return cmdForgetCertificate = buttonOf("Forget", "cmdForgetCertificate", "Certificate: Forget", [this] {
+             editor_.shown.Certificate.clear();
+             cboSecurity->SetFocus();  // the button is hidden
+           });
+  });
   addText("UserID", "&User ID:", Size::rest);
   addText("Password", "Pass&word:", Size::rest, wxTE_PASSWORD);
   chkStatus = addCheck("Status", "Acti&ve: backup runs take this profile");
@@ -86,8 +107,8 @@ void SiteFields::layOutSite() {
 void SiteFields::layOutFolders() {
   beginGroup("Folders");
   addText("SaveTo", "Save &to:", Size::rest, 0, [this] {
-    return cmdBrowseSaveTo = browseButton("&Browse...", "cmdBrowseSaveTo", "Save to: Browse",
-                                          [this] { editor_.BrowseSaveTo(); });
+    return cmdBrowseSaveTo = buttonOf("&Browse...", "cmdBrowseSaveTo", "Save to: Browse",
+                                      [this] { editor_.BrowseSaveTo(); });
   });
   const std::vector<ReportControl::Column> columns = {{"Name", wxCOL_WIDTH_AUTOSIZE, false, true}};
   lvwFolders = new ReportControl(group(), columns, "Folders of the server to back up", wxDV_MULTIPLE);
@@ -146,13 +167,7 @@ void SiteFields::layOutConnection() {
 
 void SiteFields::layOutProxy() {
   beginGroup("Proxy");
-  wxStaticText* const type = caption("T&ype:");
-  cboProxyType = new wxChoice(group(), wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0,
-                              wxDefaultValidator, "cboProxyType");
-  for (const char* const text : kProxyTypes) cboProxyType->Append(text);
-  cboProxyType->SetToolTip(fromUtf8(FieldHint("ProxyType")));
-  SetLabelFor(*type, *cboProxyType);
-  addRow(type, cboProxyType, Width::own);
+  cboProxyType = addChoice("ProxyType", "T&ype:", kProxyTypes);
   cboProxyType->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) {
     change([&] { editor_.shown.ProxyType = cboProxyType->GetSelection(); });
   });
@@ -165,8 +180,8 @@ void SiteFields::layOutProxy() {
 void SiteFields::layOutActions() {
   beginGroup("Before the run connects to the site");
   addText("RunProgram", "Run program:", Size::rest, 0, [this] {
-    return cmdBrowseRunProgram = browseButton("Brows&e...", "cmdBrowseRunProgram", "Run program: Browse",
-                                              [this] { editor_.BrowseRunProgram(); });
+    return cmdBrowseRunProgram = buttonOf("Brows&e...", "cmdBrowseRunProgram", "Run program: Browse",
+                                          [this] { editor_.BrowseRunProgram(); });
   });
   addText("RunURL", "Run URL:", Size::rest);
   box("RunURL")->SetHint("http://www.example.org/export");
@@ -195,13 +210,16 @@ void SiteFields::change(const std::function<void()>& command) {
 void SiteFields::show() {
   for (const Text& text : texts_) ShowText(text.box, fromUtf8(editor_.shown.*text.value));
   for (const auto& [flag, check] : checks_) check->SetValue(editor_.shown.*flag == 1);
+  cboSecurity->SetSelection(editor_.shown.Security);
   cboProxyType->SetSelection(editor_.shown.ProxyType);
+  showRow(certificate_, !editor_.shown.Certificate.empty());
   showFolders();
   showNotes();
   enableControls();
 }
 
 void SiteFields::showNotes() {
+  setNote(lblSecurityNote, fromUtf8(editor_.securityNote()));
   for (const Text& text : texts_) {
     const bool password = text.key == "Password";
     setNote(text.note, fromUtf8(password ? editor_.passwordNote()
@@ -252,7 +270,9 @@ void SiteFields::enableControls() {
 
 void SiteFields::putFocusOn(std::string_view key) {
   if (key.empty()) return;
-  wxWindow* const field = key == "Folders" ? static_cast<wxWindow*>(lvwFolders) : box(key);
+  wxWindow* const field = key == "Folders"    ? static_cast<wxWindow*>(lvwFolders)
+                          : key == "Security" ? static_cast<wxWindow*>(cboSecurity)
+                                              : box(key);
   field->SetFocus();
   bringIntoView(field);
 }

@@ -4,6 +4,8 @@
 
 #include <wx/choice.h>
 
+#include <array>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -24,7 +26,7 @@ class SiteFields : public ScrolledForm {
 
   /// Shows all fields as the editor has them.
   void show();
-  /// Updates the notes below the boxes, which also depend on a setting.
+  /// Updates the notes below the fields, which also depend on a setting.
   void showNotes();
   /// The connect button was clicked.
   std::function<void()> onConnect;
@@ -41,7 +43,10 @@ class SiteFields : public ScrolledForm {
   wxCheckBox* chkStatus;
   wxCheckBox* chkPASV;
   wxCheckBox* chkManualPort;
+  wxChoice* cboSecurity;
+  wxStaticText* lblSecurityNote;
   wxChoice* cboProxyType;
+  wxButton* cmdForgetCertificate;
   wxButton* cmdBrowseSaveTo;
   wxButton* cmdBrowseRunProgram;
   wxButton* cmdConnect;
@@ -63,11 +68,14 @@ class SiteFields : public ScrolledForm {
 
   enum class Size { number, rest };
   /// `after` makes the control to the right of the box.
-  void addText(std::string_view key, const char* caption, Size size, long style = 0,
-               const std::function<wxWindow*()>& after = {});
+  wxSizerItem* addText(std::string_view key, const char* caption, Size size, long style = 0,
+                       const std::function<wxWindow*()>& after = {});
+  template <std::size_t count>
+  wxChoice* addChoice(std::string_view key, const char* caption, const std::array<const char*, count>& texts);
   wxCheckBox* addCheck(std::string_view key, const char* caption);
-  wxButton* browseButton(const char* caption, const char* name, const char* accessibleName,
-                         std::function<void()> browse);
+  /// A button beside a box, which changes its text by a command of the editor.
+  wxButton* buttonOf(const char* caption, const char* name, const char* accessibleName,
+                     std::function<void()> command);
   void layOutSite();
   void layOutFolders();
   void layOutConnection();
@@ -86,6 +94,7 @@ class SiteFields : public ScrolledForm {
   std::vector<Text> texts_;
   std::vector<std::pair<std::int32_t SiteProfile::*, wxCheckBox*>> checks_;
   std::vector<std::string> shownFolders_;
+  wxSizerItem* certificate_;  // the row, shown while there is one
 };
 
 }  // namespace quillmoor

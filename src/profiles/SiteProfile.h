@@ -19,8 +19,20 @@ inline constexpr std::array<const char*, 8> kProxyTypes = {
     "None", "Socks V4", "Socks V5", "SITE Hostname ", "USER Logon", "USER No Logon ", "OPEN", "Pipe"};
 
 /// Texts of the kinds of encryption; a profile stores the position.
-inline constexpr std::array<const char*, 3> kSecurityTypes = {"None", "TLS, explicit (AUTH TLS)",
+inline constexpr std::array<const char*, 3> kSecurityTypes = {"None", "TLS, explicit (usual)",
                                                               "TLS, implicit (port 990)"};
+inline constexpr std::int32_t kExplicitTls = 1, kImplicitTls = 2;
+
+/// The port that servers usually listen on for this kind of encryption.
+constexpr const char* UsualPort(std::int32_t security) {
+  return security == kImplicitTls ? "990" : "21";
+}
+
+/// Whether an encrypted connection can pass a proxy of this type, a position in kProxyTypes. The others speak
+/// FTP themselves and would have to read it.
+constexpr bool PassesTls(std::int32_t proxyType) {
+  return proxyType < 3 || proxyType > 6;
+}
 
 /// Fields named after their keys, with the defaults of a new profile. What is text here although it holds a
 /// number is the text of an edit box.
@@ -61,9 +73,10 @@ struct SiteProfile {
 struct ProfileField {
   enum class Kind {
     text,
-    trimmed,   // saved without the blanks around it
-    password,  // stored enciphered
-    number     // a run needs a number that is not too large
+    trimmed,     // saved without the blanks around it
+    password,    // stored enciphered
+    number,      // a run needs a number that is not too large
+    fingerprint  // of a certificate (see PlainFingerprint), or empty
   };
   enum class Since {
     first,  // a missing key means an empty text or 0
@@ -99,7 +112,7 @@ inline constexpr std::array kProfileFields = [] {
       {"UserID", &P::UserID, text, "The name you log in with at the server."},
       {"Password", &P::Password, password,
        "The password you log in with at the server. It is stored enciphered."},
-      {"Port", &P::Port, number, "A number from 1 to 65535, usually 21."},
+      {"Port", &P::Port, number, "A number from 1 to 65535, usually 21; with implicit TLS 990."},
       {"Account", &P::Account, text,
        "Only for servers that ask for an account besides the user; otherwise empty."},
       {"SaveTo", &P::SaveTo, text, "The folder on this computer that keeps the backups."},
@@ -125,10 +138,12 @@ inline constexpr std::array kProfileFields = [] {
       {"DefaultDir", &P::DefaultDir, trimmed,
        "The server's folder to go to after the login. Empty: the one that the login leads to."},
       {"Security", &P::Security, number,
-       "Whether the password and the files travel encrypted. With TLS nothing is sent in clear.",
+       "With TLS the password and the files travel encrypted, or not at all. Explicit is the usual kind; "
+       "implicit is for servers that want it on a port of its own, usually 990.",
        kSecurityTypes.size() - 1, ProfileField::Since::later},
-      {"Certificate", &P::Certificate, trimmed,
-       "The fingerprint of a certificate that you trust although the system cannot verify it; usually empty.",
+      {"Certificate", &P::Certificate, fingerprint,
+       "The SHA-256 fingerprint of the server's certificate: you trust it although this system cannot verify "
+       "it.",
        std::numeric_limits<std::int32_t>::max(), ProfileField::Since::later},
   });
 }();

@@ -4,7 +4,9 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "profiles/NameOrder.h"
+#include "profiles/ProfileHints.h"
 #include "profiles/ProfileText.h"
 #include "profiles/SiteProfileStore.h"
 
@@ -34,6 +36,10 @@ constexpr RequiredText kRequired[] = {{"Host", "Please enter the ftp host name o
 
 bool isBlank(const std::string& text) {
   return TrimmedText(text).empty();
+}
+
+std::string serverOf(const SiteProfile& site) {
+  return AsciiLower(TrimmedText(site.Host)) + ":" + TrimmedText(site.Port);
 }
 
 }  // namespace
@@ -70,6 +76,7 @@ void SiteProfileEditor::reset(const std::string& name) {
   defaults.RunProgram = shown.RunProgram;
   defaults.DefaultDir = shown.DefaultDir;
   shown = std::move(defaults);
+  securityUnreadable_ = false;
   focus = "";
 }
 
@@ -89,11 +96,15 @@ void SiteProfileEditor::LoadSiteProfile(const std::string& name) {
   reset(name);
   if (name.empty()) return;
   shown = quillmoor::LoadSiteProfile(name, file_);
+  const std::int32_t security = shown.Security;
   for (const ProfileField& field : kProfileFields) {
     if (!field.number()) continue;
     std::int32_t& number = shown.*field.number();
     if (number < 0 || number > field.largest) number = 0;
   }
+  // It may have meant encryption.
+  securityUnreadable_ = shown.Security != security;
+  if (securityUnreadable_) shown.Security = kExplicitTls;
 }
 
 bool SiteProfileEditor::refuse(std::string_view key, std::string text) {
@@ -113,6 +124,8 @@ bool SiteProfileEditor::passesChecks() {
     if (isBlank(shown.*FieldOf(required.key)->text())) return refuse(required.key, required.message);
   }
   if (shown.Folders.empty()) return refuse("Folders", "Please select the folders to backup");
+  const std::string why = WhyNoEncryption(shown);
+  if (!why.empty()) return refuse("Security", why + ".");
   UnstorableField unstorable = FindUnstorable(shown);
   return unstorable.why.empty() || refuse(unstorable.key, std::move(unstorable.why));
 }
@@ -127,7 +140,7 @@ bool SiteProfileEditor::SaveSiteProfile() {
     return refuse("", "The profile could not be written to " + file_ +
                           ". What you entered stays in the form and is not saved.");
   }
-  saved.passwordUnreadable = false;
+  saved.passwordUnreadable = securityUnreadable_ = false;
   shown = std::move(saved);
   currentName_ = shown.name;
   editMode_ = true;  // saving it again is not a new profile
@@ -186,6 +199,15 @@ void SiteProfileEditor::ClearFolders() {
   shown.Folders.clear();
 }
 
+void SiteProfileEditor::ChooseSecurity(std::int32_t security) {
+  quillmoor::ChooseSecurity(shown, security);
+  securityUnreadable_ = false;
+}
+
+void SiteProfileEditor::NoteTlsOffered(const SiteProfile& site) {
+  tlsOffered_.insert(serverOf(site));
+}
+
 void SiteProfileEditor::BrowseSaveTo() {
   if (const auto folder = prompts_.ChooseFolder(kFolderChooserTitle, shown.SaveTo)) shown.SaveTo = *folder;
 }
@@ -200,8 +222,14 @@ std::optional<SiteProfile> SiteProfileEditor::Connect() {
   SiteProfile site = shown;
   site.Host = TrimmedText(shown.Host);
   site.ProxyHost = TrimmedText(shown.ProxyHost);
-  if (!site.Host.empty()) return site;
-  refuse("Host", "Please enter the FTP host address or IP");
+  const std::string why = WhyNoEncryption(site);
+  if (site.Host.empty()) {
+    refuse("Host", "Please enter the FTP host address or IP");
+  } else if (!why.empty()) {
+    refuse("Security", why + ".");
+  } else {
+    return site;
+  }
   return std::nullopt;
 }
 
@@ -213,6 +241,12 @@ std::string SiteProfileEditor::passwordNote() const {
   return shown.passwordUnreadable && shown.Password.empty()
              ? "The stored password cannot be read. Please enter it again."
              : "";
+}
+
+std::string SiteProfileEditor::securityNote() const {
+  if (securityUnreadable_) return "The stored choice cannot be read. Please make it again.";
+  if (shown.Security != 0 || !PassesTls(shown.ProxyType)) return FieldNote(shown, "Security");
+  return tlsOffered_.count(serverOf(shown)) != 0 ? "The server offers encryption: choose TLS to use it." : "";
 }
 
 }  // namespace quillmoor

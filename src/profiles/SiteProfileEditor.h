@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,7 +55,8 @@ class SiteProfileEditor {
   SiteProfileEditor(std::string profilesFile, UserPrompts& prompts,
                     std::function<LocalDateTime()> now = LocalNow);
 
-  /// The fields of the form. `ProxyType` is always a position in kProxyTypes; a flag is 1 or 0.
+  /// The fields of the form. `ProxyType` is always a position in kProxyTypes, `Security` one in
+  /// kSecurityTypes; a flag is 1 or 0.
   SiteProfile shown;
   /// The add-folder box.
   std::string txtAddFolder;
@@ -90,6 +92,11 @@ class SiteProfileEditor {
   void RemoveFolders(const std::vector<std::size_t>& rows);
   void ClearFolders();
 
+  /// The kind of encryption was chosen, a position in kSecurityTypes.
+  void ChooseSecurity(std::int32_t security);
+  /// A login of that profile without encryption has shown that the server offers TLS.
+  void NoteTlsOffered(const SiteProfile& site);
+
   void BrowseSaveTo();
   void BrowseRunProgram();
 
@@ -103,6 +110,8 @@ class SiteProfileEditor {
   bool connectEnabled() const { return !shown.Host.empty(); }
   /// A note beside the password box; "" when there is none.
   std::string passwordNote() const;
+  /// A note below the choice of the encryption; "" when there is none.
+  std::string securityNote() const;
 
   /// "" for a new profile that has not been saved.
   const std::string& currentName() const { return currentName_; }
@@ -119,6 +128,8 @@ class SiteProfileEditor {
   std::string currentName_;
   bool editMode_ = false;
   bool opened_ = false;  // a stored profile, not one that began as a new one
+  bool securityUnreadable_ = false;
+  std::set<std::string> tlsOffered_;  // by servers, each with its port
 };
 
 }  // namespace quillmoor

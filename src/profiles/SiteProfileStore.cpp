@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/Fingerprint.h"
 #include "base/LenientNumber.h"
 #include "base/SplitText.h"
 #include "profiles/NameOrder.h"
@@ -148,7 +149,8 @@ SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
   for (const ProfileField& field : kProfileFields) {
     if (!field.number()) continue;
     std::int32_t& number = profile.*field.number();
-    if (number != static_cast<std::int16_t>(number)) number = 0;  // no valid value is that large
+    if (number == static_cast<std::int16_t>(number)) continue;  // no valid value is that large
+    number = field.since == ProfileField::Since::later ? -1 : 0;
   }
   return profile;
 }
@@ -156,15 +158,24 @@ SiteProfile LoadSiteProfile(const std::string& name, const std::string& file) {
 bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now) {
   if (profile.ID.empty()) profile.ID = idOf(now);
   for (const ProfileField& field : kProfileFields) {
-    if (field.kind == ProfileField::Kind::trimmed) profile.*field.text() = TrimmedText(profile.*field.text());
+    const bool fingerprint = field.kind == ProfileField::Kind::fingerprint;
+    if (!fingerprint && field.kind != ProfileField::Kind::trimmed) continue;
+    std::string& text = profile.*field.text();
+    const std::string plain = fingerprint ? PlainFingerprint(text) : "";
+    text = plain.empty() ? TrimmedText(text) : plain;
   }
   // The section is removed and written again at the end of the file; a program killed in between must not
   // lose the profile.
   return mIni::EditWhole(file, [&](const std::string& copy) { return writeSection(profile, copy); });
 }
 
+void ChooseSecurity(SiteProfile& profile, std::int32_t security) {
+  if (TrimmedText(profile.Port) == UsualPort(profile.Security)) profile.Port = UsualPort(security);
+  profile.Security = security;
+}
+
 void CorrectNumbers(SiteProfile& profile) {
-  if (!IsPort(Val(profile.Port))) profile.Port = "21";
+  if (!IsPort(Val(profile.Port))) profile.Port = UsualPort(profile.Security);
   if (profile.ManualPort == 1) {
     if (!IsPort(Val(profile.MinData))) profile.MinData = "1";
     const double highest = Val(profile.MaxData);

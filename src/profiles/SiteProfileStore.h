@@ -34,14 +34,18 @@ void TakeStored(SiteProfile& profile, const ProfileField& field, const std::stri
 /// noted in the profile.
 SiteProfile LoadProfileForRun(const std::string& section, const std::string& file);
 
-/// The profile of that name, without regard to case; the defaults for "". A number beyond 16 bits is 0.
+/// The profile of that name, without regard to case; the defaults for "". A number beyond 16 bits is 0, or -1
+/// for Security.
 SiteProfile LoadSiteProfile(const std::string& name, const std::string& file);
 
 /// Replaces the section of the profile's name, and sets an ID if it has none. False when the file could not
 /// be written.
 bool SaveSiteProfile(SiteProfile& profile, const std::string& file, LocalDateTime now = LocalNow());
 
-/// Corrects the numbers: a Port outside 1..65535 becomes "21", a Timeout outside 1..9999 "60"; with
+/// Sets Security, and the port with it where that still is the usual one of the former kind of encryption.
+void ChooseSecurity(SiteProfile& profile, std::int32_t security);
+
+/// Corrects the numbers: a Port outside 1..65535 becomes the usual one, a Timeout outside 1..9999 "60"; with
 /// ManualPort a MinData outside 1..65535 becomes "1", and a MaxData below it or above 65535 becomes MinData.
 void CorrectNumbers(SiteProfile& profile);
 

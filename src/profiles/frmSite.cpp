@@ -90,11 +90,22 @@ void frmSite::connect() {
   if (!site) return;
   closeBrowser();
   browser_ = new frmFtpBrowse(wxGetTopLevelParent(this), *site, settings_,
-                              [this](const std::vector<std::string>& folders) {
-                                const std::size_t added = editor_.AddFolders(folders);
-                                fields->show();
-                                return added;
-                              });
+                              {.addFolders =
+                                   [this](const std::vector<std::string>& folders) {
+                                     const std::size_t added = editor_.AddFolders(folders);
+                                     fields->show();
+                                     return added;
+                                   },
+                               .acceptCertificate =
+                                   [this](const std::string& fingerprint) {
+                                     editor_.shown.Certificate = fingerprint;
+                                     fields->show();
+                                   },
+                               .noteTlsOffered =
+                                   [this, site = *site] {
+                                     editor_.NoteTlsOffered(site);
+                                     fields->showNotes();
+                                   }});
   browser_->Show();
 }
 

@@ -72,7 +72,12 @@ class BrowserWorld {
   void make() {
     browser = std::make_unique<RemoteBrowser>(
         site, settings, foldersOnly, view, prompts,
-        [this](const std::vector<std::string>& folders) { return editor.AddFolders(folders); });
+        RemoteBrowser::Editing{
+            .addFolders =
+                [this](const std::vector<std::string>& folders) { return editor.AddFolders(folders); },
+            .acceptCertificate =
+                [this](const std::string& fingerprint) { editor.shown.Certificate = fingerprint; },
+            .noteTlsOffered = [this] { editor.NoteTlsOffered(site); }});
   }
 
   /// Takes events until the operation in progress is over.

@@ -112,6 +112,50 @@ TEST_F(RemoteBrowserTest, RefusesAnInvalidPort) {
   }
 }
 
+TEST_F(RemoteBrowserTest, LogsInWithAnUnknownCertificateOnceTheUserAcceptsIt) {
+  server.offerTls();
+  server.addFolder("/www");
+  site.Security = 1;
+  const std::string known = server.fingerprint(), former(64, 'f');
+  for (const std::string& before : {std::string(), former}) {
+    site.Certificate = editor.shown.Certificate = before;
+    prompts.answer = UserPrompts::Answer::no;
+    open();
+    EXPECT_FALSE(browser->loggedIn());
+    EXPECT_EQ(server.count("USER"), before.empty() ? 0U : 2U);
+    EXPECT_THAT(logLines(), Contains("The certificate is not accepted. \"Refresh\" asks again."));
+    EXPECT_EQ(editor.shown.Certificate, before);
+    prompts.answer = UserPrompts::Answer::yes;
+    refresh();
+    EXPECT_THAT(rows(), ElementsAre("Cdup ..", "FolderClose www"));
+    EXPECT_EQ(editor.shown.Certificate, known);
+    const auto questions = prompts.takeMessages();
+    ASSERT_EQ(questions.size(), 2U);
+    for (const Message& question : questions) {
+      EXPECT_EQ(question.buttons, Message::Buttons::yesNo);
+      EXPECT_EQ(question.defaultButton, 2);
+      for (const std::string& part :
+           {known, std::string(before.empty() ? "127.0.0.1 is unknown" : "127.0.0.1 has changed"),
+            std::string("Issued by: CN=localhost"), std::string("no, self-signed")})
+        EXPECT_THAT(question.text, HasSubstr(part));
+    }
+    server.once("PWD", drops());
+    refresh();
+    EXPECT_TRUE(browser->loggedIn() && prompts.messages.empty()) << "asks about what was accepted";
+  }
+}
+
+TEST_F(RemoteBrowserTest, SaysOfALoginThatItCouldBeEncrypted) {
+  const char* const line =
+      "The server offers encryption: choose TLS under \"Security\" in the profile to use it.";
+  server.on("FEAT", replies("211-Features:\r\n AUTH TLS\r\n211 End"));
+  open();
+  refresh();
+  EXPECT_THAT(logLines(), Contains(line).Times(1));
+  editor.shown = site;
+  EXPECT_THAT(editor.securityNote(), HasSubstr("offers encryption"));
+}
+
 // --- walking
 
 TEST_F(RemoteBrowserTest, EntersFoldersAndLeavesThemAndRefreshes) {

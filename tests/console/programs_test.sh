@@ -50,6 +50,19 @@ expect 2 "cannot be a folder" "$config" profile set "My site" "Folder=/a~|~/b"
 expect 2 "cannot keep" "$config" profile set "My site" SaveTo=/日本
 expect 2 "needs a name" "$config" profile set " " Host=x
 expect 1 "needs a Host" "$config" profile set "My site" Host=" "
+expect 2 "from 0 to 2" "$config" profile set "My site" Security=3
+expect 2 "a proxy of the type" "$config" profile set "My site" Security=1 ProxyType=6
+expect 2 "Certificate takes the 64" "$config" profile set "My site" Certificate=12:34
+expect 0 "" "$config" profile set "My site" Security=2 Certificate="$(printf 'AB:%.0s' {1..31})CD "
+expect 0 "Port=990" "$config" profile show "My site"
+grep -q "^Certificate=\(ab\)*cd" "$work/program/Profiles.ini" || fail "not the digits of the fingerprint"
+expect 0 "" "$config" profile set "My site" Port=990 Security=0 Certificate=
+expect 0 "Port=990" "$config" profile show "My site"
+grep -q "Security\|Certificate" "$work/program/Profiles.ini" && fail "defaults are written"
+echo "Security=tls" >>"$work/program/Profiles.ini"
+expect 2 "Security cannot be read" "$config" profile set "My site" Status=1
+expect 0 "" "$config" profile set "My site" Security=0 Port=21
+expect 2 "a port from 1" "$config" certificate localhost 0
 
 # Settings
 expect 0 "AutoDial=1" "$config" setting list
@@ -113,7 +126,7 @@ import socket, ssl, sys, threading
 work = sys.argv[1]
 tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
 tls.load_cert_chain(work + "/certificate", work + "/key")
-plain, secure = socket.create_server(("127.0.0.1", 0)), socket.create_server(("127.0.0.1", 0))
+plain, secure, control = (socket.create_server(("127.0.0.1", 0)) for _ in range(3))
 def answer(client):
     client.recv(10000)
     client.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n")
@@ -127,9 +140,17 @@ def serve_secure():
             word = error.reason
         with open(work + "/tls", "a") as log:
             print(word, file=log)
-threading.Thread(target=serve_secure, daemon=True).start()
+def serve_ftp():
+    while True:
+        client = control.accept()[0]
+        client.sendall(b"220 Here.\r\n")
+        client.recv(100)
+        client.sendall(b"234 Begin.\r\n")
+        tls.wrap_socket(client, server_side=True).close()
+for serve in serve_secure, serve_ftp:
+    threading.Thread(target=serve, daemon=True).start()
 with open(work + "/ports", "w") as ports:
-    print(plain.getsockname()[1], secure.getsockname()[1], file=ports)
+    print(*(server.getsockname()[1] for server in (plain, secure, control)), file=ports)
 while True:
     answer(plain.accept()[0])
 PY
@@ -140,7 +161,12 @@ for name in before after; do
   printf '#!/bin/sh\necho "%s $#" >"%s"\n' "$name" "$work/told" >"$work/bin/$name me"
   chmod +x "$work/bin/$name me"
 done
-until read -r plain secure 2>/dev/null <"$work/ports"; do read -rt 0.02 <> <(:) || true; done
+until read -r plain secure control 2>/dev/null <"$work/ports"; do read -rt 0.02 <> <(:) || true; done
+fingerprint=$(openssl x509 -in "$work/certificate" -noout -fingerprint -sha256 | sed 's/.*=//; s/://g')
+expect 0 "fingerprint: ${fingerprint,,}" "$config" certificate 127.0.0.1 "$control"
+grep -qx "Verified by this system: no, self-signed certificate" "$work/out" || fail "not why it is not verified"
+expect 0 "Verified by this system: yes" env SSL_CERT_FILE="$work/certificate" "$config" certificate 127.0.0.1 "$control"
+expect 0 "" "$config" profile set "My site" Certificate="$fingerprint"
 for pair in "RunBefore=$work/bin/before me" "ConnectBefore=127.0.0.1:$plain/" "RunAfter=$work/bin/after me" \
   "ConnectAfter=https://127.0.0.1:$secure/"; do expect 0 "" "$config" setting set "${pair%%=*}" "${pair#*=}"; done
 expect 0 "Running: $work/bin/before me...Done." "$run" --assume-network

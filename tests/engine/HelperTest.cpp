@@ -235,15 +235,16 @@ TEST(FtpAdvice, IsGivenForAFullServerAndForOneThatWantsEncryption) {
                                  "421 Idle timeout: the connection has reached its limit",
                                  "534 Request denied.",
                                  "550 Too many users"};
-  const auto advice = [](const char* reply, const char* what = "refused the user name") {
-    return LoginAdvice(std::stoi(reply), std::string("The server ") + what + ": " + reply);
+  const auto advice = [](const char* reply, const char* what = "refused the user name", bool tls = false) {
+    return LoginAdvice(std::stoi(reply), std::string("The server ") + what + ": " + reply, tls);
   };
   for (const char* reply : full) EXPECT_THAT(advice(reply), HasSubstr("takes no more connections")) << reply;
-  for (const char* reply : encrypted) EXPECT_THAT(advice(reply), HasSubstr("without encryption")) << reply;
+  for (const char* reply : encrypted) EXPECT_THAT(advice(reply), HasSubstr("choose TLS")) << reply;
   for (const char* reply : neither) EXPECT_EQ(advice(reply), "") << reply;
   EXPECT_EQ(advice("550 must-use-tls.txt: No such file", "refused RETR"), "");
   EXPECT_EQ(advice("421 Out of memory.", "closed the session with too many connections"), "");
-  EXPECT_EQ(LoginAdvice(1006, "The server did not answer in time."), "");
+  EXPECT_EQ(advice(encrypted[0], "refused the user name", true), "");
+  EXPECT_EQ(LoginAdvice(1006, "The server did not answer in time.", false), "");
 }
 
 constexpr Colour kRed{255, 0, 0};

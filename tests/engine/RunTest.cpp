@@ -272,6 +272,12 @@ TEST_F(RunTest, RefusesProfilesWhoseLoginCouldNeverWork) {
               {"65536 is no port number", [&] { profile.Port = "65536"; }},
               {"no proxy type 8", [&] { profile.ProxyType = 8; }},
               {"The proxy's host is missing", [&] { profile.ProxyType = 7; }},
+              {"Security cannot be read", [&] { profile.Security = 3; }},
+              {"a proxy of the type \"USER Logon\"",
+               [&] {
+                 profile.Security = 2;
+                 profile.ProxyType = 4;
+               }},
               {"0 is no port number of a proxy", [&] {
                  profile.ProxyType = 2;
                  profile.ProxyHost = "127.0.0.1";
@@ -291,6 +297,23 @@ TEST_F(RunTest, RefusesProfilesWhoseLoginCouldNeverWork) {
   profile.name.clear();  // saved already
   EXPECT_THAT(run().at(0).problem, HasSubstr("password cannot be deciphered"));
   EXPECT_EQ(server.count("USER"), 0U);
+}
+
+TEST_F(RunTest, GivesUpALoginForItsCertificateInOneLineThatSaysAllOfIt) {
+  server.offerTls();
+  server.addFile("/a.bin", "x");
+  profile.Security = 1;
+  EXPECT_FALSE(run().at(0).completed);
+  EXPECT_EQ(server.count("AUTH") * 10 + server.count("USER"), 10U);
+  const auto line = display.lineWith("Ftp Error: ");
+  EXPECT_EQ(line.colour, (Colour{255, 0, 0}));
+  for (const std::string& part :
+       {server.fingerprint(), std::string("issued to CN=localhost"), std::string("by CN=localhost"),
+        std::string("valid from "), std::string("(self-signed certificate)")})
+    EXPECT_THAT(line.text, HasSubstr(part));
+  profile.Certificate = server.fingerprint();
+  EXPECT_TRUE(run().at(0).completed);
+  EXPECT_EQ(contentsOf(target() / "a.bin"), "x");
 }
 
 TEST_F(RunTest, NothingThatAServerListsLeavesTheTargetFolder) {

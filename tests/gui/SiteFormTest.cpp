@@ -63,6 +63,25 @@ TEST_F(SiteFieldsTest, TakeWhatIsEnteredWhereItCountsAndShowItAgain) {
   EXPECT_TRUE(fields->box("Password")->HasFlag(wxTE_PASSWORD));
 }
 
+TEST_F(SiteFieldsTest, ShowTheEncryptionWithItsPortAndCertificate) {
+  editor.shown.Certificate = "ab12";
+  open();
+  EXPECT_TRUE(fields->box("Certificate")->IsShown() && !fields->box("Certificate")->IsEditable());
+  use(fields->cboSecurity, kSecurityTypes[2]);
+  EXPECT_EQ(editor.shown.Security, 2);
+  EXPECT_EQ(fields->box("Port")->GetValue(), "990");
+  EXPECT_FALSE(fields->lblSecurityNote->IsShown());
+  use(fields->cboProxyType, kProxyTypes[4]);
+  EXPECT_TRUE(fields->lblSecurityNote->IsShown());
+  fields->putFocusOn("Security");
+  EXPECT_TRUE(waitUntil([&] { return hasFocus(fields->cboSecurity); }));
+  use(fields->cmdForgetCertificate);
+  for (wxWindow* const part : std::initializer_list<wxWindow*>{
+           fields->captionOf("Certificate"), fields->box("Certificate"), fields->cmdForgetCertificate})
+    EXPECT_FALSE(part->IsShown());
+  EXPECT_EQ(editor.shown.Certificate, "");
+}
+
 TEST_F(SiteFieldsTest, KeepTheFolderList) {
   open();
   for (const char* typed : {"/a", " /www ", "/c"}) {
@@ -103,6 +122,7 @@ TEST_F(SiteFieldsTest, AreReachedByTheTabKeyAndHaveRoom) {
   use(fields->chkPASV, "0");
   use(fields->chkManualPort, "1");
   use(fields->cboProxyType, kProxyTypes[2]);
+  use(fields->box("Certificate"), "ab12");
   expectTabOrder(fields->box("name"));
   expectRoom(form->FromDIP(wxSize(520, 240)));
   expectRoom(wxSize(300, 200));

@@ -57,6 +57,8 @@ TEST_F(SiteProfileEditorTest, RefusesWhatIsMissingOrCannotBeKeptInOrder) {
   } rows[] = {{"Folders", [](auto& p) { p.Folders.assign(2, std::string(60'000, 'a')); },
                "The list of folders is too long for the profile file, which keeps 99997 characters."},
               {"Folders", [](auto& p) { p.Folders = {"/a~|~/b"}; }, "\"/a~|~/b\" cannot be a folder."},
+              {"Certificate", [](auto& p) { p.Certificate = "12:34"; },
+               "Certificate takes the 64 hexadecimal digits of a SHA-256 fingerprint."},
               {"SaveTo", [](auto& p) { p.SaveTo = "/日本"; },
                "SaveTo holds a character that the profile file cannot keep: /日本"},
               {"Account", [](auto& p) { p.Account = "\n"; },
@@ -65,6 +67,8 @@ TEST_F(SiteProfileEditorTest, RefusesWhatIsMissingOrCannotBeKeptInOrder) {
                "Password holds a character that the profile file cannot keep."},
               {"name", [](auto& p) { p.name = "日本"; },
                "The name holds a character that the profile file cannot keep: 日本"},
+              {"Security", [](auto& p) { p.Security = 1, p.ProxyType = 4; },
+               "No encrypted connection (TLS) can pass a proxy of the type \"USER Logon\"."},
               {"Folders", [](auto& p) { p.Folders = {}; }, "Please select the folders to backup"},
               {"SaveTo", [](auto& p) { p.SaveTo = " "; }, "Please select a directory to save to."},
               {"Port", [](auto& p) { p.Port = " "; }, "Please enter the FTP post, the default is 21"},
@@ -87,6 +91,8 @@ TEST_F(SiteProfileEditorTest, RefusesWhatIsMissingOrCannotBeKeptInOrder) {
   EXPECT_EQ(contentsOf(file), before);
   fill(" new ");
   editor.shown.Account = "";
+  editor.shown.ProxyType = 0;
+  editor.shown.Certificate = " AB:CD" + std::string(60, 'f') + " ";
   editor.shown.Port = editor.shown.Timeout = "abc";
   editor.shown.Folders = {std::string(60'000, 'a'), std::string(39'994, 'b')};  // the longest list
   EXPECT_TRUE(editor.SaveSiteProfile());
@@ -94,6 +100,7 @@ TEST_F(SiteProfileEditorTest, RefusesWhatIsMissingOrCannotBeKeptInOrder) {
   EXPECT_EQ(editor.shown.name + editor.shown.Port + editor.shown.Timeout, "new2160");
   const SiteProfile stored = LoadSiteProfile("new", file);
   EXPECT_EQ(stored.Port + stored.Timeout, "2160") << "corrected without a message";
+  EXPECT_EQ(stored.Certificate, "abcd" + std::string(60, 'f'));
   EXPECT_EQ(stored.Folders, editor.shown.Folders);
 }
 
@@ -197,6 +204,60 @@ TEST_F(SiteProfileEditorTest, EnablesTheFieldsThatModeAndProxyNeed) {
   for (std::int16_t type = 0; type < 8; ++type) {
     editor.shown.ProxyType = type;
     EXPECT_EQ(editor.proxyBoxesEnabled(), needs[type]) << type;
+  }
+}
+
+TEST_F(SiteProfileEditorTest, ChangesAUsualPortWithTheEncryption) {
+  const struct {
+    std::int32_t before;
+    const char* port;
+    std::int32_t chosen;
+    const char* becomes;
+  } rows[] = {{0, "21", 2, "990"},    {2, "990", 0, "21"},  {1, " 21 ", 2, "990"}, {0, "21", 1, "21"},
+              {0, "2121", 2, "2121"}, {0, "990", 2, "990"}, {0, "", 2, ""}};
+  for (const auto& row : rows) {
+    editor.shown.Security = row.before;
+    editor.shown.Port = row.port;
+    editor.ChooseSecurity(row.chosen);
+    EXPECT_EQ(editor.shown.Port, row.becomes) << row.before << " " << row.port << " " << row.chosen;
+  }
+  fill("site");
+  editor.shown.Port = "x";
+  EXPECT_TRUE(editor.SaveSiteProfile());
+  EXPECT_EQ(editor.shown.Port, "990");
+}
+
+TEST_F(SiteProfileEditorTest, SaysWhatItKnowsOfTheEncryption) {
+  fill("site");
+  EXPECT_EQ(editor.securityNote(), "");
+  SiteProfile browsed = editor.shown;
+  browsed.Host = "FTP.example.org";
+  editor.NoteTlsOffered(browsed);
+  EXPECT_THAT(editor.securityNote(), HasSubstr("offers encryption"));
+  for (const std::int32_t proxy : {0, 1, 2, 3, 4, 5, 6, 7}) {
+    editor.shown.ProxyType = proxy;
+    editor.shown.Security = 0;
+    const bool passes = proxy < 3 || proxy == 7;
+    EXPECT_EQ(editor.securityNote().empty(), !passes) << proxy << ": advises what is refused";
+    editor.ChooseSecurity(1);
+    EXPECT_EQ(editor.securityNote().empty(), passes) << proxy;
+    EXPECT_EQ(editor.Connect().has_value(), passes) << proxy;
+    EXPECT_EQ(editor.focus, passes ? "" : "Security");
+  }
+  editor.Add();
+  fill("another server");
+  editor.shown.Port = "22";
+  EXPECT_EQ(editor.securityNote(), "");
+}
+
+TEST_F(SiteProfileEditorTest, ShowsAnEncryptionThatCannotBeReadAsTls) {
+  for (const char* stored : {"3", "-1", "1x", "tls", "65536", "99999999999"}) {
+    testing::writeFile(file, "[site]\r\nSecurity=" + std::string(stored) + "\r\n");
+    editor.EditSiteProfile("site");
+    EXPECT_EQ(editor.shown.Security, 1) << stored;
+    EXPECT_THAT(editor.securityNote(), HasSubstr("cannot be read")) << stored;
+    editor.ChooseSecurity(0);
+    EXPECT_EQ(editor.securityNote(), "") << stored;
   }
 }
 
