@@ -41,7 +41,7 @@ dates() { (cd "$1" && find . -type f -printf '%TF %TH:%TM %p\n' | sort -k3); }
 
 if [ "$tls" != plain ]; then
   "$config" setting set LoginAttempts 1
-  "$run" --assume-network >"$work/log" && fail "a certificate that nothing vouches for was accepted"
+  "$run" --assume-network >"$work/log" 2>&1 && fail "a certificate that nothing vouches for was accepted"
   grep -q "${FTP_CERTIFICATE:-fingerprint}" "$work/log" || fail "the log does not name the certificate that was refused"
   if [ -n "${FTP_CA:-}" ]; then
     SSL_CERT_FILE=$(native "$FTP_CA")

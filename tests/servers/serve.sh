@@ -3,8 +3,8 @@
 #       serves DIR on a free loopback port; configuration, log and pid are in the folder STATE. Prints FTP_HOST= FTP_PORT=
 #       FTP_USER= FTP_PASSWORD= FTP_ROOT= lines for eval; FTP_ROOT is DIR as a client sees it.
 #       TLS: plain, the default, or KIND,VERSION,CERTIFICATE: both connections must be encrypted, and where the server can
-#       demand it (vsftpd, proftpd), a data connection must resume a session. KIND explicit or, with those two, implicit;
-#       VERSION 1.2 or 1.3; CERTIFICATE ca or self. Then it also prints FTP_SECURITY= as a profile has it, and either
+#       demand it (vsftpd, proftpd), a data connection must resume a session. KIND explicit, with those two also implicit,
+#       with pure-ftpd also offered: explicit, but a client may do without. VERSION 1.2 or 1.3; CERTIFICATE ca or self. Then it also prints FTP_SECURITY= as a profile has it, and either
 #       FTP_CERTIFICATE= with the fingerprint of the self-signed certificate or FTP_CA= with the file of the authority.
 # serve.sh stop STATE
 #       stops that server and waits for its end
@@ -30,7 +30,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 IFS=, read -r kind version certificate <<<"${5:-plain}"
 if [ "$kind" != plain ]; then
   case $kind,$server in
-  explicit,* | implicit,vsftpd | implicit,proftpd) ;;
+  explicit,* | implicit,vsftpd | implicit,proftpd | offered,pure-ftpd) ;;
   *) echo "serve.sh: no TLS of kind $kind with $server" >&2; exit 2 ;;
   esac
   "$here/certificates.sh" "$state/tls" "$certificate"
@@ -70,7 +70,10 @@ pure-ftpd)
   # -l users, -E no anonymous, -A chroot, -H no name look-ups, -f none: no syslog, -u lowest user id
   command=("$daemon/usr/sbin/pure-ftpd" -4 -S "127.0.0.1,$port" -l "puredb:$state/users.pdb" -E -A -H -f none -u 1
     -L 100000:50 -g "$state/server.pid")
-  [ "$kind" = plain ] || command+=(-Y 3 -2 "$state/tls/server.pem") ;;
+  case $kind in
+  explicit) command+=(-Y 3 -2 "$state/tls/server.pem") ;;
+  offered) command+=(-Y 1 -2 "$state/tls/server.pem") ;;
+  esac ;;
 vsftpd)
   daemon=$(unpack vsftpd)
   user=anonymous launching=NO
@@ -185,6 +188,6 @@ bring_up "$state" ready "${command[@]}"
 printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\nFTP_ROOT=%q\n' "$port" "$user" "$password" "$root"
 if [ "$kind" != plain ]; then
   fingerprint=$(openssl x509 -in "$state/tls/server.crt" -noout -fingerprint -sha256 | tr -d : | tr A-F a-f)
-  [ "$kind" = explicit ] && echo FTP_SECURITY=1 || echo FTP_SECURITY=2
+  [ "$kind" = implicit ] && echo FTP_SECURITY=2 || echo FTP_SECURITY=1
   [ "$certificate" = self ] && echo "FTP_CERTIFICATE=${fingerprint#*=}" || printf 'FTP_CA=%q\n' "$state/tls/ca.crt"
 fi
