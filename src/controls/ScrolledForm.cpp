@@ -39,6 +39,12 @@ bool scrollsItself(const wxWindow* window) {
   return list && static_cast<int>(list->GetCount()) * list->GetCharHeight() * 3 / 2 > list->GetClientSize().y;
 }
 
+/// GTK makes a box the lower, the larger its font is.
+void makeRoomForText(wxWindow& box) {
+  const int lowest = box.GetCharHeight() * 4 / 3;
+  if (box.GetEffectiveMinSize().y < lowest) box.SetMinSize({box.GetMinWidth(), lowest});
+}
+
 /// Breaks words wider than a line, such as paths, preferably after a separator.
 wxString withBrokenWords(wxWindow* window, const wxString& text, int width) {
   wxClientDC screen(window);
@@ -276,7 +282,9 @@ void ScrolledForm::bringIntoView(const wxWindow* window) {
 void ScrolledForm::prepare(wxWindow* window) {
   if (dynamic_cast<wxDataViewCtrl*>(window)) return;  // its parts behave as it does
   for (wxWindow* const child : window->GetChildren()) {
-    if (dynamic_cast<wxChoice*>(child)) ReportInnerFocus(*child);
+    const bool choice = dynamic_cast<wxChoice*>(child);
+    if (choice) ReportInnerFocus(*child);
+    if (choice || dynamic_cast<wxTextCtrl*>(child)) makeRoomForText(*child);
     child->Bind(wxEVT_MOUSEWHEEL, [this, child](wxMouseEvent& event) {
       scrollsItself(child) ? event.Skip() : HandleOnMouseWheel(event);
     });
