@@ -47,11 +47,9 @@ PY
 bring_up() {
   local state=$1 ready=$2
   shift 2
-  local program=$1
-  [ "$program" != /usr/bin/env ] || program=$3
-  if ! ldd "$program" >"$state/libraries" 2>&1 || grep -q "not found" "$state/libraries"; then
+  if ! ldd "$1" >"$state/libraries" 2>&1 || grep -q "not found" "$state/libraries"; then
     grep "not found" "$state/libraries" >&2 || true
-    unavailable "$program lacks libraries; scripts/setup.sh installs them"
+    unavailable "$1 lacks libraries; scripts/setup.sh installs them"
   fi
   # The time limit ends a server whose test was killed.
   setsid timeout 3600 "$@" >"$state/server.log" 2>&1 </dev/null {starting}>&- &

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# mirror_test.sh PROGRAMS SERVER MODE [PROXY TYPE | tls KIND,VERSION,CERTIFICATE]   backs up the sample site from a real server (MODE passive or active),
-# again incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and quillmoor-config. With a PROXY of
-# proxy.sh: through it, with that proxy TYPE in the profile, and without packing. With tls: encrypted, see serve.sh.
+# mirror_test.sh PROGRAMS SERVER MODE [TLS [PROXY TYPE]]   backs up the sample site from a real server (MODE passive or
+# active, TLS as for serve.sh), again incrementally, and packs it. PROGRAMS is the folder of quillmoor-run and
+# quillmoor-config. With a PROXY of proxy.sh: through it, with that proxy TYPE in the profile. Only what came without TLS and
+# without a proxy is packed.
 set -euo pipefail
-programs=$(realpath "$1") server=$2 mode=$3 proxy=${4:-} type=${5:-0} tls=
-if [ "$proxy" = tls ]; then tls=$type proxy='' type=0; fi
+programs=$(realpath "$1") server=$2 mode=$3 tls=${4:-plain} proxy=${5:-} type=${6:-0}
 export TZ=UTC                                     # some servers list UTC; this makes it the local time
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/../support/programs.sh"
@@ -14,7 +14,7 @@ chmod 755 "$work"
 fail() { echo "FAILED: $*" >&2; [ ! -e "$work/log" ] || tail -n 40 "$work/log" >&2; exit 1; }
 
 "$here/../../scripts/sample_site.sh" "$work/site"
-settings=$("$here/serve.sh" start "$server" "$work/site" "$work/server" ${tls:+"$tls"}) || exit $?
+settings=$("$here/serve.sh" start "$server" "$work/site" "$work/server" "$tls") || exit $?
 eval "$settings"
 
 mkdir "$work/backup"
@@ -22,13 +22,7 @@ lay_out "$programs" "$work"
 for setting in AutoDial AutoHangUp CreateZip; do "$config" setting set "$setting" 0; done
 "$config" profile set site Host="$FTP_HOST" Port="$FTP_PORT" UserID="$FTP_USER" Password=- SaveTo="$(native "$work/backup/")" \
   Folder="$FTP_ROOT" Timeout=20 PASV="$([ "$mode" = passive ] && echo 1 || echo 0)" <<<"$FTP_PASSWORD"
-if [ -n "$tls" ]; then
-  "$config" profile set site Security="$FTP_SECURITY" Certificate="$FTP_CERTIFICATE"
-  if [ -n "$FTP_CA" ]; then
-    SSL_CERT_FILE=$(native "$FTP_CA")
-    export SSL_CERT_FILE
-  fi
-fi
+[ "$tls" = plain ] || "$config" profile set site Security="$FTP_SECURITY"
 if [ -n "$proxy" ]; then
   settings=$("$here/proxy.sh" start "$proxy" "$FTP_PORT" "$work/proxy") || exit $?
   eval "$settings"
@@ -45,10 +39,23 @@ copy=$work/backup/site${FTP_ROOT%/}
 state() { (cd "$copy" && find . -printf '%p %i %T@ %s\n' | sort); }
 dates() { (cd "$1" && find . -type f -printf '%TF %TH:%TM %p\n' | sort -k3); }
 
+if [ "$tls" != plain ]; then
+  "$config" setting set LoginAttempts 1
+  "$run" --assume-network >"$work/log" 2>&1 && fail "a certificate that nothing vouches for was accepted"
+  grep -q "${FTP_CERTIFICATE:-fingerprint}" "$work/log" || fail "the log does not name the certificate that was refused"
+  if [ -n "${FTP_CA:-}" ]; then
+    SSL_CERT_FILE=$(native "$FTP_CA")
+    export SSL_CERT_FILE
+  else
+    "$config" profile set site Certificate="$FTP_CERTIFICATE"
+  fi
+fi
 backup
+if [ "$tls" != plain ]; then
+  IFS=, read -r _ version _ <<<"$tls"
+  grep -q "^Encrypted: TLSv$version, " "$work/log" || fail "the log does not tell how the session was encrypted"
+fi
 grep -qF "$FTP_PASSWORD" "$work/log" && fail "the password is in the log"
-IFS=, read -r _ version _ <<<"$tls"
-[ -z "$tls" ] || grep -q "^Encrypted: TLSv$version, " "$work/log" || fail "the log does not say how the session is encrypted"
 [ -z "$proxy" ] || [ -z "$PROXY_PASSWORD" ] || ! grep -qF "$PROXY_PASSWORD" "$work/log" || fail "the proxy's password is in the log"
 grep -q 'Completed' "$work/log" || fail "the report does not say Completed"
 # The expected backup: everything but the link, text files with the platform's line ends.
@@ -87,7 +94,15 @@ if [ -n "$proxy" ]; then
   # Data connections went through the proxy too: it logs each one, or at least each command.
   noted=$(cat "$work"/proxy/*.log | wc -l)
   [ "$noted" -gt "$files" ] || fail "the proxy has noted only $noted lines"
-  echo "ok: $server, $mode, through $proxy as type $type, $files files"
+fi
+if [ "$proxy" = recorder ]; then
+  # Without TLS all of it is there, which shows that the search finds it.
+  read -r found all < <(/usr/bin/python3 "$here/recorder.py" search "$work/proxy/recorded" "$copy" "$FTP_USER" "$FTP_PASSWORD")
+  [ "$found" = "$([ "$tls" = plain ] && echo "$all" || echo 0)" ] ||
+    fail "of $all pieces of the site, its names and the login, $found were readable on the way"
+fi
+if [ "$tls" != plain ] || [ -n "$proxy" ]; then
+  echo "ok: $server, $mode, $tls${proxy:+, through $proxy as type $type}, $files files"
   exit 0
 fi
 

@@ -3,8 +3,9 @@
 #                                   STATE. PORT is the port of the FTP server, used if the client names no server. Prints
 #                                   PROXY_PORT= PROXY_USER= PROXY_PASSWORD= lines for eval.
 # proxy.sh stop STATE               stops that proxy and waits for its end
-# PROXY: dante (SOCKS 4 and 5 with BIND, no login), microsocks (SOCKS 5 with a login), or ftp-proxy (FTP; USER user@host,
-# and a pipe if no host is named). Exit status 77 if that proxy is not available here.
+# PROXY: dante (SOCKS 4 and 5 with BIND, no login), microsocks (SOCKS 5 with a login), ftp-proxy (FTP; USER user@host,
+# and a pipe if no host is named), or recorder (SOCKS 4; keeps what passes in STATE/recorded). Exit status 77 if that proxy
+# is not available here.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/daemons.sh"
 
@@ -65,6 +66,8 @@ LogDestination $state/proxy.log
 PidFile $state/proxy.pid
 CONF
   command=("$daemon/usr/sbin/ftp-proxy" -d -n -f "$state/ftp-proxy.conf") ;;
+recorder)
+  command=(/usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/recorder.py" serve "$port" "$state/recorded") ;;
 *)
   echo "proxy.sh: unknown proxy $proxy" >&2; exit 2 ;;
 esac

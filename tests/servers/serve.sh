@@ -2,9 +2,10 @@
 # serve.sh start SERVER DIR STATE [TLS]
 #       serves DIR on a free loopback port; configuration, log and pid are in the folder STATE. Prints FTP_HOST= FTP_PORT=
 #       FTP_USER= FTP_PASSWORD= FTP_ROOT= lines for eval; FTP_ROOT is DIR as a client sees it.
-#       TLS: KIND,VERSION,CERTIFICATE demands encryption of both connections, and the reuse of sessions where the server
-#       can. KIND explicit or implicit, VERSION 1.2 or 1.3, CERTIFICATE ca or self. Then also prints FTP_SECURITY= as a
-#       profile has it, FTP_CERTIFICATE= with the fingerprint of a self-signed one, and FTP_CA= with the authority's file.
+#       TLS: plain, the default, or KIND,VERSION,CERTIFICATE: both connections must be encrypted, and where the server can
+#       demand it (vsftpd, proftpd), a data connection must resume a session. KIND explicit, with those two also implicit,
+#       with pure-ftpd also offered: explicit, but a client may do without. VERSION 1.2 or 1.3; CERTIFICATE ca or self. Then it also prints FTP_SECURITY= as a profile has it, and either
+#       FTP_CERTIFICATE= with the fingerprint of the self-signed certificate or FTP_CA= with the file of the authority.
 # serve.sh stop STATE
 #       stops that server and waits for its end
 # SERVER: pyftpdlib, pure-ftpd, vsftpd or proftpd. Exit status 77 if that server is not available here.
@@ -19,17 +20,21 @@ if [ "${1:-}" = stop ]; then
   exit 0
 fi
 if [ "${1:-}" != start ] || [ $# -lt 4 ] || [ $# -gt 5 ]; then
-  echo "usage: serve.sh start SERVER DIR STATE [KIND,VERSION,CERTIFICATE] | stop STATE" >&2
+  echo "usage: serve.sh start SERVER DIR STATE [TLS] | stop STATE" >&2
   exit 2
 fi
 
 server=$2; dir=$(realpath "$3"); mkdir -p "$4"; state=$(realpath "$4")
 user=keeper password="correct horse" root=/
-IFS=, read -r kind version certificate <<<"${5:-}"
-if [ -n "$kind" ]; then
-  "$(dirname "${BASH_SOURCE[0]}")/certificates.sh" "$state/tls" "$certificate"
-  pem=$state/tls/server.pem
-  # Not every server has a setting for the version, but their library has.
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+IFS=, read -r kind version certificate <<<"${5:-plain}"
+if [ "$kind" != plain ]; then
+  case $kind,$server in
+  explicit,* | implicit,vsftpd | implicit,proftpd | offered,pure-ftpd) ;;
+  *) echo "serve.sh: no TLS of kind $kind with $server" >&2; exit 2 ;;
+  esac
+  "$here/certificates.sh" "$state/tls" "$certificate"
+  # Not every server has a setting for the version, but OpenSSL, which all of them use, has one.
   cat >"$state/tls/openssl.cnf" <<CONF
 openssl_conf = all
 [all]
@@ -40,6 +45,7 @@ system_default = versions
 MinProtocol = TLSv$version
 MaxProtocol = TLSv$version
 CONF
+  export OPENSSL_CONF=$state/tls/openssl.cnf
 fi
 take_port
 # As root, the daemons serve as another user with the site, which is world-readable, as their root folder. Otherwise
@@ -50,11 +56,10 @@ hash() { openssl passwd -1 -salt quillmoo "$password"; }
 
 case $server in
 pyftpdlib)
-  if [ "$kind" = explicit ]; then
-    /usr/bin/python3 -c "import OpenSSL" 2>/dev/null || unavailable "pyftpdlib needs python3-openssl for TLS"
-    command=(/usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/pyftpdlib_tls.py" "$port" "$dir" "$user" "$password" "$pem")
-  else
   command=(/usr/bin/python3 -m pyftpdlib -i 127.0.0.1 -p "$port" -d "$dir" -u "$user" -P "$password")
+  if [ "$kind" != plain ]; then
+    /usr/bin/python3 -c "import OpenSSL" 2>/dev/null || unavailable "pyftpdlib needs python3-openssl for TLS"
+    command=(/usr/bin/python3 "$here/pyftpdlib_tls.py" "$port" "$dir" "$user" "$password" "$state/tls/server.pem")
   fi ;;
 pure-ftpd)
   [ "$(id -u)" = 0 ] || unavailable "pure-ftpd needs root"
@@ -65,7 +70,10 @@ pure-ftpd)
   # -l users, -E no anonymous, -A chroot, -H no name look-ups, -f none: no syslog, -u lowest user id
   command=("$daemon/usr/sbin/pure-ftpd" -4 -S "127.0.0.1,$port" -l "puredb:$state/users.pdb" -E -A -H -f none -u 1
     -L 100000:50 -g "$state/server.pid")
-  [ -z "$kind" ] || command+=(-Y 3 -2 "$pem") ;;
+  case $kind in
+  explicit) command+=(-Y 3 -2 "$state/tls/server.pem") ;;
+  offered) command+=(-Y 1 -2 "$state/tls/server.pem") ;;
+  esac ;;
 vsftpd)
   daemon=$(unpack vsftpd)
   user=anonymous launching=NO
@@ -93,7 +101,7 @@ seccomp_sandbox=NO
 isolate=NO
 isolate_network=NO
 CONF
-  if [ -n "$kind" ]; then
+  if [ "$kind" != plain ]; then
     cat >>"$state/vsftpd.conf" <<CONF
 ssl_enable=YES
 allow_anon_ssl=YES
@@ -135,8 +143,7 @@ SystemLog $state/system.log
 TransferLog none
 WtmpLog off
 CONF
-  if [ -n "$kind" ]; then
-    unpack proftpd-mod-crypto >/dev/null
+  if [ "$kind" != plain ]; then
     modules=$(unpack proftpd-mod-crypto)/usr/lib/proftpd
     # SocketBindTight: without it the server listens on all addresses.
     cat >>"$state/proftpd.conf" <<CONF
@@ -177,11 +184,10 @@ except (OSError, EOFError, ftplib.Error):
     sys.exit(1)
 PY
 }
-if [ -n "$kind" ]; then command=(/usr/bin/env "OPENSSL_CONF=$state/tls/openssl.cnf" "${command[@]}"); fi
 bring_up "$state" ready "${command[@]}"
 printf 'FTP_HOST=127.0.0.1\nFTP_PORT=%s\nFTP_USER=%q\nFTP_PASSWORD=%q\nFTP_ROOT=%q\n' "$port" "$user" "$password" "$root"
-if [ -n "$kind" ]; then
-  fingerprint=$(openssl x509 -in "$state/tls/server.crt" -noout -fingerprint -sha256 | sed 's/.*=//')
-  printf 'FTP_SECURITY=%s\nFTP_CERTIFICATE=%s\nFTP_CA=%q\n' "$([ "$kind" = implicit ] && echo 2 || echo 1)" \
-    "$([ "$certificate" = self ] && echo "$fingerprint")" "$([ "$certificate" = ca ] && echo "$state/tls/ca.crt")"
+if [ "$kind" != plain ]; then
+  fingerprint=$(openssl x509 -in "$state/tls/server.crt" -noout -fingerprint -sha256 | tr -d : | tr A-F a-f)
+  [ "$kind" = implicit ] && echo FTP_SECURITY=2 || echo FTP_SECURITY=1
+  [ "$certificate" = self ] && echo "FTP_CERTIFICATE=${fingerprint#*=}" || printf 'FTP_CA=%q\n' "$state/tls/ca.crt"
 fi

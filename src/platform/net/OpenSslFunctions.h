@@ -18,10 +18,10 @@ namespace quillmoor {
   USE(GENERAL_NAMES_free) USE(OPENSSL_init_ssl) USE(OPENSSL_sk_num) USE(OPENSSL_sk_value)                   \
   USE(SSL_CIPHER_get_name) USE(SSL_CTX_ctrl) USE(SSL_CTX_free) USE(SSL_CTX_get_cert_store)                  \
   USE(SSL_CTX_get_ex_data) USE(SSL_CTX_load_verify_file) USE(SSL_CTX_new) USE(SSL_CTX_sess_set_new_cb)      \
-  USE(SSL_CTX_set_default_verify_paths) USE(SSL_CTX_set_ex_data) USE(SSL_CTX_set_options)                   \
+  USE(SSL_CTX_set_default_read_buffer_len) USE(SSL_CTX_set_default_verify_paths) USE(SSL_CTX_set_ex_data) USE(SSL_CTX_set_options)                   \
   USE(SSL_SESSION_free) USE(SSL_ctrl) USE(SSL_do_handshake) USE(SSL_free) USE(SSL_get0_param)               \
   USE(SSL_get0_peer_certificate) USE(SSL_get_SSL_CTX) USE(SSL_get_current_cipher) USE(SSL_get_error)        \
-  USE(SSL_get_verify_result) USE(SSL_get_version) USE(SSL_new) USE(SSL_pending) USE(SSL_read_ex)            \
+  USE(SSL_get_verify_result) USE(SSL_get_version) USE(SSL_new) USE(SSL_read_ex)            \
   USE(SSL_session_reused) USE(SSL_set1_host) USE(SSL_set_bio) USE(SSL_set_connect_state)                    \
   USE(SSL_set_session) USE(SSL_shutdown) USE(SSL_write_ex) USE(TLS_client_method)                           \
   USE(X509_NAME_print_ex) USE(X509_VERIFY_PARAM_set1_ip_asc) USE(X509_digest) USE(X509_get0_notAfter)       \

@@ -69,8 +69,9 @@ class TlsConnection {
   std::size_t read(char* bytes, std::size_t most, asio::error_code& error);
   std::size_t write(std::string_view bytes, asio::error_code& error);
 
-  /// Whether bytes have been decrypted that no wait on the socket would show.
-  bool hasPending() const;
+  /// Whether bytes may have arrived that no wait on the socket would show: until a read has reported
+  /// would_block.
+  bool hasPending() const { return established_ && !drained_; }
   bool waitsToWrite() const { return waitsToWrite_; }
   /// Part of a sentence: "wrong version number".
   const std::string& problem() const { return problem_; }
@@ -90,6 +91,7 @@ class TlsConnection {
   asio::error_code socketError_;
   asio::error_code failure_;  // once set, the result of every operation
   bool established_ = false;
+  bool drained_ = false;
   bool waitsToWrite_ = false;
   std::string problem_;
 };

@@ -1,7 +1,6 @@
-// Before the library's headers: wincrypt.h defines some of their names as macros.
-#include <wincrypt.h>
 #include <windows.h>
-#include <winsock2.h>
+// Needs windows.h, and has to come before the library's headers: it defines some of their names as macros.
+#include <wincrypt.h>
 #undef OCSP_REQUEST
 #undef OCSP_RESPONSE
 #undef PKCS7_SIGNER_INFO
