@@ -50,7 +50,6 @@ expect 2 "cannot be a folder" "$config" profile set "My site" "Folder=/a~|~/b"
 expect 2 "cannot keep" "$config" profile set "My site" SaveTo=/日本
 expect 2 "needs a name" "$config" profile set " " Host=x
 expect 1 "needs a Host" "$config" profile set "My site" Host=" "
-expect 2 "from 0 to 2" "$config" profile set "My site" Security=3
 expect 2 "a proxy of the type" "$config" profile set "My site" Security=1 ProxyType=6
 expect 2 "Certificate takes the 64" "$config" profile set "My site" Certificate=12:34
 expect 0 "" "$config" profile set "My site" Security=2 Certificate="$(printf 'AB:%.0s' {1..31})CD "

@@ -250,17 +250,6 @@ TEST_F(SiteProfileEditorTest, SaysWhatItKnowsOfTheEncryption) {
   EXPECT_EQ(editor.securityNote(), "");
 }
 
-TEST_F(SiteProfileEditorTest, ShowsAnEncryptionThatCannotBeReadAsTls) {
-  for (const char* stored : {"3", "-1", "1x", "tls", "65536", "99999999999"}) {
-    testing::writeFile(file, "[site]\r\nSecurity=" + std::string(stored) + "\r\n");
-    editor.EditSiteProfile("site");
-    EXPECT_EQ(editor.shown.Security, 1) << stored;
-    EXPECT_THAT(editor.securityNote(), HasSubstr("cannot be read")) << stored;
-    editor.ChooseSecurity(0);
-    EXPECT_EQ(editor.securityNote(), "") << stored;
-  }
-}
-
 TEST_F(SiteProfileEditorTest, ConnectsWithWhatTheFormShows) {
   EXPECT_FALSE(editor.connectEnabled());
   editor.shown.Host = "  ";
@@ -300,12 +289,17 @@ TEST_F(SiteProfileEditorTest, AsksAnewForAPasswordThatCannotBeRead) {
   EXPECT_EQ(editor.passwordNote(), "") << "the stored one can be read now";
 }
 
-TEST_F(SiteProfileEditorTest, ShowsUnknownValuesAsTheDefault) {
-  for (const std::string type : {"8", "-1"}) {
-    testing::writeFile(file, "[site]\r\nStatus=2\r\nPASV=-1\r\nManualPort=1\r\nProxyType=" + type + "\r\n");
+TEST_F(SiteProfileEditorTest, ShowsUnknownValuesAsTheDefaultButEncryptionAsTls) {
+  for (const std::string value : {"8", "-1", "8x", "65536", "99999999999"}) {
+    testing::writeFile(file, "[site]\r\nStatus=2\r\nPASV=-1\r\nManualPort=1\r\nProxyType=" + value +
+                                 "\r\nSecurity=" + value + "\r\n");
     editor.EditSiteProfile("site");
-    EXPECT_EQ(editor.shown.ProxyType, 0) << type;
+    EXPECT_EQ(editor.shown.ProxyType, 0) << value;
     EXPECT_EQ(editor.shown.Status * 100 + editor.shown.PASV * 10 + editor.shown.ManualPort, 1);
+    EXPECT_EQ(editor.shown.Security, 1) << value;
+    EXPECT_THAT(editor.securityNote(), HasSubstr("cannot be read")) << value;
+    editor.ChooseSecurity(0);
+    EXPECT_EQ(editor.securityNote(), "") << value;
   }
 }
 
