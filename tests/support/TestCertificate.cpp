@@ -1,11 +1,18 @@
 #include "support/TestCertificate.h"
 
 #include <openssl/evp.h>
+#include <openssl/rand.h>
 #include <openssl/x509.h>
 
 #include <stdexcept>
 
 namespace quillmoor::testing {
+namespace {
+
+/// Windows finds its source of entropy by the registry, which a test may have replaced later.
+[[maybe_unused]] const bool kSeeded = RAND_status() == 1;
+
+}  // namespace
 
 TestCertificate::TestCertificate(bool version13) {
   SSL_CTX* const ssl = context.native_handle();
