@@ -220,7 +220,7 @@ TEST(FtpAdvice, IsGivenForAFullServerAndForOneThatWantsEncryption) {
       "421 Too many connections (8) from this IP",
       "530 Sorry, the maximum number of clients (3) from your host are already connected.",
       "421 Maximum session limit reached. Try again in 5 minutes.", "530 Only 2 simultaneous logins allowed.",
-      "530-Welcome\r\n530 Max clients reached"};
+      "530-Welcome\r\n530 (Max clients reached)"};
   const char* const encrypted[] = {
       "530 Non-anonymous sessions must use encryption.",
       "421 Sorry, cleartext sessions and weak ciphers are not accepted on this server.",
@@ -228,11 +228,13 @@ TEST(FtpAdvice, IsGivenForAFullServerAndForOneThatWantsEncryption) {
       "534 Policy requires SSL.",
       "522 TLS is required before USER",
       "530 Please use AUTH TLS first; maximum 5 connections.",
-      "530 This server only accepts FTPS logins"};
+      "530 This server only accepts FTPS logins",
+      "530 FTPES only"};
   const char* const neither[] = {"530 Login incorrect.",
                                  "530 Login incorrect. TLS session established.",
                                  "530 Too many failed login attempts from your connection",
                                  "421 Idle timeout: the connection has reached its limit",
+                                 "530 Session time-out: a limit of this connection",
                                  "534 Request denied.",
                                  "550 Too many users"};
   const auto advice = [](const char* reply, const char* what = "refused the user name") {
@@ -294,7 +296,7 @@ TEST(LogText, TrimsAtAnyCharacter) {
                {1000, "blue{}|"}};
   for (const auto& one : cases) {
     LogText log = sample();
-    log.trim(one.characters);
+    for (const std::size_t part : {one.characters / 2, one.characters - one.characters / 2}) log.trim(part);
     EXPECT_EQ(drawn(log), one.left) << one.characters;
     EXPECT_EQ(log.length(), one.characters > 24 ? 0 : 24 - one.characters);
     EXPECT_EQ(log.firstLine() + log.lineCount(), 2U) << one.characters;

@@ -60,6 +60,8 @@ TEST(ListingParser, ReadsTheLinesOfRealServers) {
       {"inode and blocks", "  1311 8 -rw-r--r-- 1 a b 7 Jan 15 12:34 a", '-', "a", 7, kDate},
       {"rounded blocks", "4.0K drwxr-xr-x 1 a b 4096 Jan 15 12:34 d", 'd', "d", 4096, kDate},
       {"long group", "-rw-r--r-- 1 joe averylonggroup1024 Jan 15 12:34 a", '-', "a", 1024, kDate, false},
+      {"no owners, name like size and date", "-rw-r--r-- 1024 Jan 15 12:34 7 Feb 16 2009 b", '-',
+       "7 Feb 16 2009 b", 1024, kDate},
       {"owners with blanks", "-rw-r--r-- 1 D\\John von Neumann Domain Users 9 Jan 15 12:34 a", '-', "a", 9,
        kDate},
   };
@@ -93,7 +95,9 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
         "01-15 12:34", "1월 15일 12:34"}},
       {"Jan 15 21:05", {"Jan 15 9:05PM"}},
       {"Jan 15 2009", {"2009-01-15 12:34", "2009-01-15 "}},
-      {"Nov 14 09:15", {"2026-11-14 09.15", "14.11.2026 09:15", "14/11/2026 09.15", "Nov 14 2026 09:15"}},
+      {"Nov 14 09:15",
+       {"2026-11-14 09.15", "14.11.2026 09.15.30", "14.11.2026 09:15", "14/11/2026 09.15",
+        "Nov 14 2026 09:15"}},
       {"Nov 14 09:05", {"14/11/2026 9h05"}},
       {"Nov 14 2009", {"14.11.09 09.15", "2009/11/14 09:15", "14.11.2009"}},
       {"Mar 3 2009", {"03/03/2009 09:15"}},
@@ -104,6 +108,7 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
       {"Dec 15 12:34", {"Дек 15 12:34", "d\xE9\x63. 15 12:34"}},
       // Of unknown meaning.
       {"eanáir 15 12:34", {"eanáir 15 12:34"}},
+      {"eanáir 15 2026", {"eanáir 15 2026 09:15"}},
       {"03/04/2009 09:15", {"03/04/2009 09:15"}},
       {"14/11/26 09:15", {"14/11/26 09:15"}},
   };
@@ -183,7 +188,7 @@ TEST(ListingParser, ResolvesAmbiguousLinesByTheOthers) {
        {"Apr 14 2009", "Apr 14 2009", "03.04.2009 09:15"},
        "a"},
       {{"Nov 14 2025 09:00 ", "Nov 15 2025 10:00 "}, {"Nov 14 2025", "Nov 15 2025"}, "a"},
-      {{"Nov 14 2025 ", "Nov 15 2025 "}, {"Nov 14 2025", "Nov 15 2025"}, "09:00 a"},
+      {{"Nov 14 2026 ", "Nov 15 2025 "}, {"Nov 14 2026", "Nov 15 2025"}, "09:00 a"},
       {{"Nov 14 2025 ", "Nov 15 09:00 "}, {"Nov 14 2025", "Nov 15 09:00"}, "09:00 a"},
   };
   for (const auto& c : cases) {
@@ -232,6 +237,10 @@ TEST(ListingParser, SkipsNoiseAndKeepsTheLinesThatItCannotRead) {
       {"note", a + "\r\nThe following are old\r\n" + a, 2, {"The following are old"}},
       {"note with a colon", a + "\r\nThe following:\r\n" + a, 2},
       {"date unknown", a + "-rw-r--r-- 1 a b 1 yesterday b:\r\n", 1, {"-rw-r--r-- 1 a b 1 yesterday b:"}},
+      {"date too far",
+       a + "-rw-r--r-- 1 a b g5 Jan 15 12:34 n\r\n",
+       1,
+       {"-rw-r--r-- 1 a b g5 Jan 15 12:34 n"}},
       {"half a line", a + "-rw-r--r-- 1 a b 1 Jan 15 12:3", 1, {"-rw-r--r-- 1 a b 1 Jan 15 12:3"}},
       {"mark unknown", a + "01-15-09  10:30AM  <GONE>  b\r\n", 1, {"01-15-09  10:30AM  <GONE>  b"}},
       {"ornament", a + "---------- Mod 5 Jan 15 2026 me\r\n", 1, {"---------- Mod 5 Jan 15 2026 me"}},
@@ -260,6 +269,10 @@ TEST(ListingParser, SkipsNoiseAndKeepsTheLinesThatItCannotRead) {
 }
 
 TEST(ListingDate, ReadsTheDatesOfListings) {
+  int month = 0;
+  for (const char* name :
+       {"janv", "févr", "mär", "avr", "mai", "juin", "juil", "août", "sept", "okt", "marras", "dez"})
+    EXPECT_EQ(MonthOfName(name), ++month) << name;
   const std::pair<const char*, std::vector<const char*>> cases[] = {
       {"2026-01-15 12:34:00", {"Jan 15 12:34", "jan 15 12:34"}},
       {"2026-01-15 12:34:56", {"Jan 15 12:34:56"}},

@@ -49,10 +49,11 @@ TEST(FtpReplyReader, TakesRepliesAsServersWriteThemHoweverTheBytesArrive) {
 
 TEST(FtpReply, NamesTheDataPort) {
   EXPECT_EQ(epsvPort("229 Entering Extended Passive Mode (|||6446|)"), 6446);
-  EXPECT_EQ(epsvPort("229 ok (!!!21!)"), 21);
+  EXPECT_EQ(epsvPort("229 ok (!!!9!"), 9);
   EXPECT_EQ(epsvPort("229 (see below) (|||6446|)"), 6446);
   for (const char* none : {"229 ok (|||0|)", "229 ok (|||70000|)", "229 ok (|||6446)", "229 ok (11112341)"})
     EXPECT_EQ(epsvPort(none), std::nullopt) << none;
+  EXPECT_EQ(epsvPort(std::string_view("229 (|||64461|)").substr(0, 10)), std::nullopt) << "past its end";
   EXPECT_EQ(pasvPort("227 Entering Passive Mode (10,0,0,1,4,1)"), 1025);
   EXPECT_EQ(pasvPort("227 Entering Passive Mode. 10,0,0,1,0,21"), 21);
   EXPECT_EQ(pasvPort("227 =10,0,0,1,255,255"), 65535);
@@ -98,18 +99,34 @@ TEST(FtpWording, FindsTheWordsOfAServerThatCutsAListing) {
         "Listing limit of 5000 reached", "Maximum number of entries exceeded",
         "Sortie tronqu\u00e9e \u00e0 2000 r\u00e9sultats"})
     EXPECT_EQ(listingCut("226 " + std::string(cut)), cut);
+  for (const char* listed :
+       {"entry",   "entries", "file",    "files",  "item",    "items",       "line",     "lines",  "match",
+        "matches", "name",    "names",   "object", "objects", "record",      "records",  "result", "results",
+        "listing", "folders", "file(s)", "list",   "output",  "directories", "directory"})
+    EXPECT_NE(listingCut("226 Limited to 5 " + std::string(listed)), "") << listed;
   EXPECT_EQ(listingCut("226-Options: -a -l \r\n226 Listing truncated"), "Listing truncated");
   EXPECT_EQ(listingCut("226-Listing truncated\r\n226 Transfer complete."), "Listing truncated");
-  for (const char* whole :
-       {"226 Directory send OK.", "226-Options: -a -l \r\n226 2000 matches total",
-        "226 Transfer complete. 1,234 bytes transferred. 12.00 KB/sec.",
-        "226 Successfully transferred \"/truncated\"", "226 Listing of /www/truncated-logs completed",
-        "226 ABOR command successful; 0 lines truncated.", "226 Listing complete, not truncated",
-        "226 Done. Truncated: no", "226 Transfer complete (rate limited to 100 KB/s)",
-        "226-Your quota is limited to 100 MB\r\n226 Listed 12 files.",
-        "226 Transfer complete; daily limit not reached",
-        "226 Transfer complete. Quota limit 100 files not reached",
-        "226 There are 5 of 50 users; only 1 of 2 logins is yours", "226", ""})
+  for (const char* whole : {"226 Directory send OK.",
+                            "226-Options: -a -l \r\n226 2000 matches total",
+                            "226 Transfer complete. 1,234 bytes transferred. 12.00 KB/sec.",
+                            "226 Successfully transferred \"/truncated\"",
+                            "226 Listing of /www/truncated-logs completed",
+                            "226 ABOR command successful; 0 lines truncated.",
+                            "226 Listing complete, not truncated",
+                            "226 Done. Truncated: no",
+                            "226 Done; none truncated",
+                            "226 It never truncated a listing",
+                            "226 It wasn't truncated",
+                            "226 Sent (\"truncated\")",
+                            "226 Only the owner sees all files",
+                            "226 End of directory listing reached",
+                            "226 Transfer complete (rate limited to 100 KB/s)",
+                            "226-Your quota is limited to 100 MB\r\n226 Listed 12 files.",
+                            "226 Transfer complete; daily limit not reached",
+                            "226 Transfer complete. Quota limit 100 files not reached",
+                            "226 There are 5 of 50 users; only 1 of 2 logins is yours",
+                            "226",
+                            ""})
     EXPECT_EQ(listingCut(whole), "") << whole;
 }
 
@@ -121,7 +138,7 @@ TEST(FtpWording, DistinguishesAnEmptyFolderFromARefusal) {
         "550 No files or directories found.", "550 No data sets found.", "550 No members found",
         "450-No files found\r\n450 Total 0 files", "550 There are no files in this directory.",
         "550 Directory is empty.", "550 Directory \"/a b\" is empty", "450 Empty directory",
-        "550 The folder contains no files!"})
+        "550 The folder contains no files!", "550 Dir \"/a\" is empty"})
     EXPECT_TRUE(saysEmpty(empty)) << empty;
   for (const char* refusal :
        {"550 Permission denied: no files visible", "550 /x: No such file or directory.",
