@@ -104,6 +104,10 @@ TEST_F(ProxyLoginTest, TakesTheAnswersOfProxiesAndSaysWhoRefused) {
       // From here on it is the server that speaks.
       {"server's password", userNoLogon, "PASS", replies("530 Wrong."), 530,
        "The server refused the password: 530 Wrong."},
+      {"server's syntax", userNoLogon, "PASS", replies("501 Empty."), 501,
+       "The server refused the password: 501 Empty."},
+      {"server's order", userNoLogon, "PASS", replies("503 Logged in."), 503,
+       "The server refused the password: 503 Logged in."},
       {"server closed", userLogon, "PASS hunter22", replies("421 Full."), 421,
        "The server closed the session"},
       {"pipe", pipe, "", replies("421 Full."), 421, "The server refused the connection: 421 Full."},

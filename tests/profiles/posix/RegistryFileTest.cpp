@@ -52,6 +52,11 @@ TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
   value("ref").DeleteValue();
   value("none").SetValue(std::string("\xC3\xBC"));
   EXPECT_THAT(contentsOf(own.store), HasSubstr(std::string("\"\0\xFC\0\"\0", 6)));
+  for (const char* text : {"a\nb", "a\x7F"}) {
+    value("none").SetValue(std::string(text));
+    EXPECT_THAT(contentsOf(own.store), HasSubstr(utf16("\"none\"=hex(1):61,00,").substr(2)))
+        << "not every editor keeps it in quotes";
+  }
 }
 
 TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
@@ -73,8 +78,8 @@ TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
 
 TEST_F(RegistryStore, LeavesADamagedFileAlone) {
   std::filesystem::create_directories(own.store.parent_path());
-  for (const std::string damage :
-       {"\"a\"=dword:x\r\n", "[no bracket\r\n", "\"a\"=hex:0g\r\n", "rubbish\r\n", "\"a\"=\"b\" c\r\n"}) {
+  for (const std::string damage : {"\"a\"=dword:x\r\n", "\"a\"=dword:000000001\r\n", "[no bracket\r\n",
+                                   "\"a\"=hex:0g\r\n", "rubbish\r\n", "\"a\"=\"b\" c\r\n"}) {
     std::filesystem::remove(own.store.string() + ".damaged");
     writeFile(own.store, kHead + damage);
     try {
