@@ -56,7 +56,10 @@ TEST(ListingParser, ReadsTheLinesOfRealServers) {
       {"DOS link", "01-15-09  10:30AM       <SYMLINKD>     s [C:\\t]", 'l', "s [C:\\t]", 0, "Jan 15 2009"},
       {"DOS, German", "14.11.2009  09:15             1.234.567 a", '-', "a", 1234567, "Nov 14 2009"},
       {"ISO, name like a time", "-rw-r--r-- 1 a b 1 2009-11-14  09.15 a", '-', "09.15 a", 1, "Nov 14 2009"},
-      {"year and name like a time", "-rw-r--r-- 1 a b 1 Nov 14  2025 09:00", '-', "09:00", 1, "Nov 14 2025"},
+      {"year and name like a time", "-rw-r--r-- 1 a b 1 Nov 14  2026 09:00", '-', "09:00", 1, "Nov 14 2026"},
+      {"year and name with a dot", "-rw-r--r-- 1 a b 1 Nov 14  2026 09.15 a", '-', "09.15 a", 1,
+       "Nov 14 2026"},
+      {"German, name like a time", "-rw-r--r-- 1 a b 1 14.11.2025 09.15", '-', "09.15", 1, "Nov 14 2025"},
       {"inode and blocks", "  1311 8 -rw-r--r-- 1 a b 7 Jan 15 12:34 a", '-', "a", 7, kDate},
       {"rounded blocks", "4.0K drwxr-xr-x 1 a b 4096 Jan 15 12:34 d", 'd', "d", 4096, kDate},
       {"long group", "-rw-r--r-- 1 joe averylonggroup1024 Jan 15 12:34 a", '-', "a", 1024, kDate, false},
@@ -94,10 +97,13 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
        {"Jan 15 12:34:56", "15 Jan 12:34", "2026-01-15 12:34", "2026-01-15 12:34:56.000000000 +0100",
         "01-15 12:34", "1월 15일 12:34"}},
       {"Jan 15 21:05", {"Jan 15 9:05PM"}},
+      {"Jan 15 01:05", {"Jan 15 1:05AM"}},
+      {"Jan 15 1999", {"Jan 15 1999"}},
+      {"Nov 1 1970", {"1.11.70 09.15"}},
       {"Jan 15 2009", {"2009-01-15 12:34", "2009-01-15 "}},
       {"Nov 14 09:15",
-       {"2026-11-14 09.15", "14.11.2026 09.15.30", "14.11.2026 09:15", "14/11/2026 09.15",
-        "Nov 14 2026 09:15"}},
+       {"2026-11-14 09.15", "14.11.2026 09.15.30", "14.11.2026  09.15", "14.11.2026 09:15",
+        "14/11/2026 09.15", "Nov 14 2026 09:15"}},
       {"Nov 14 09:05", {"14/11/2026 9h05"}},
       {"Nov 14 2009", {"14.11.09 09.15", "2009/11/14 09:15", "14.11.2009"}},
       {"Mar 3 2009", {"03/03/2009 09:15"}},
@@ -119,6 +125,12 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
       EXPECT_EQ(entry.name, "a") << form;
     }
   }
+  for (const char* none :
+       {"Jan 15 12:34px", "Jan 15 13:00PM", "Jan 15 0:30AM", "Jan 15 12:60", "Jan 15 24:00",
+        "2026-13-15 12:34", "2026-00-15 12:34", "2026-01-32 12:34", "2026-01-00 12:34", "0/1/2026 09:15",
+        "32/1/2026 09:15", "13/13/2026 09:15", "14.11.1899 09:15", "14.11.2100 09:15", "14.11-2026 09:15",
+        "14..2026 09:15", "14.11.026 09:15"})
+    EXPECT_TRUE(ParseListing(std::string("-rw-r--r-- 1 a b 1 ") + none + " a", kNow).entries.empty()) << none;
 }
 
 TEST(ListingParser, ReadsEveryFormOfSize) {
@@ -180,7 +192,7 @@ TEST(ListingParser, ResolvesAmbiguousLinesByTheOthers) {
     std::vector<std::string> meanings;
     const char* name;
   } cases[] = {
-      {{"03/04/2009 09:15 ", "14/04/2009 09:15 "}, {"Apr 3 2009", "Apr 14 2009"}, "a"},
+      {{"03/04/2026 00:15 ", "14/04/2009 09:15 "}, {"Apr 3 00:15", "Apr 14 2009"}, "a"},
       {{"04/14/2009 09:15 ", "03/04/2009 09:15 "}, {"Apr 14 2009", "Mar 4 2009"}, "a"},
       {{"03.04.2009 09:15 "}, {"Apr 3 2009"}, "a"},
       {{"03.04.2009 09:15 ", "04.14.2009 09:15 "}, {"Mar 4 2009", "Apr 14 2009"}, "a"},
@@ -205,7 +217,8 @@ TEST(ListingParser, ResolvesAmbiguousLinesByTheOthers) {
   }
   for (const auto& [settling, date] :
        {std::pair("01-15-09", "Mar 4 2009"), std::pair("15-01-09", "Apr 3 2009"),
-        std::pair("03-04-09", "Mar 4 2009")}) {
+        std::pair("03-04-09", "Mar 4 2009"),
+        std::pair("15-01-09  10:30AM  1 c\n01-15-09", "03-04-09  10:30AM")}) {
     const auto listing =
         ParseListing("03-04-09  10:30AM  1 a\n" + std::string(settling) + "  10:30AM  1 b\n", kNow);
     EXPECT_EQ(listing.entries.at(0).dateText, date) << settling;
