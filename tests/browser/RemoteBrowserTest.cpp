@@ -102,16 +102,6 @@ TEST_F(RemoteBrowserTest, UsesTheTimeoutOfTheSettingsInsteadOfTheProfiles) {
   EXPECT_TRUE(browser->loggedIn());
 }
 
-TEST_F(RemoteBrowserTest, RefusesAnInvalidPort) {
-  for (const char* port : {"abc", "0", "65536", "99999999999999999999"}) {
-    site.Port = port;
-    make();
-    browser->connect();
-    takeUntil([&] { return browser->log().lineCount() > 4; });
-    EXPECT_THAT(logLines(), Contains(HasSubstr("is not a valid port number"))) << port;
-  }
-}
-
 // --- walking
 
 TEST_F(RemoteBrowserTest, EntersFoldersAndLeavesThemAndRefreshes) {

@@ -78,26 +78,20 @@ TEST(RtfReader, ReadsLayouts) {
 }
 
 TEST(RtfReader, SaysWhatIsWrongAndWhere) {
-  std::string deep = "{\\rtf1" + std::string(100, '{'), runs = "{\\rtf1", paragraphs = runs;
-  for (std::size_t i = 0; i <= kMaxRtfRuns; ++i) {
-    runs += i % 2 == 0 ? "\\b x" : "\\b0 y";
-    paragraphs += "\\par\n";
-  }
+  std::string deep = "{\\rtf1" + std::string(100, '{'), runs = "{\\rtf1";
+  for (std::size_t i = 0; i <= kMaxRtfRuns; ++i) runs += i % 2 == 0 ? "\\b x" : "\\b0 y";
   const struct {
     std::string rtf;
     const char* message;
   } cases[] = {
       {"", "byte 0: not rich text"},
       {"{plain}", "byte 1: not rich text"},
-      {"{\\pard x}", "byte 1: not rich text"},
       {"{\\rtf1 {a}", "byte 10: the text ends inside a group"},
       {"{\\rtf1 \\'4", "byte 7: \\' without two"},
-      {"{\\rtf1 \\'-1}", "byte 7: \\' without two"},
       {"{\\rtf1 \\", "byte 7: a backslash with nothing after it"},
       {"{\\rtf1\\bin10 {}", "byte 6: \\bin of 10 bytes"},
       {deep, "byte 105: more than 100 nested groups"},
       {runs, "too many changes of format"},
-      {paragraphs, "too many paragraphs"},
       {"{\\rtf1 " + std::string(kMaxRtfBytes, ' ') + "}", "is larger than"},
   };
   for (const auto& c : cases)

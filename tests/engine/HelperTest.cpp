@@ -350,6 +350,9 @@ TEST(GivenNumbers, AreHandedToTheClient) {
   }
   EXPECT_EQ(client.timeoutMs, 30'000);
   EXPECT_EQ(client.proxyType * 10 + client.proxyPort, 34);
+  profile.ProxyPort = "99999999999";
+  SetFtpProperties(client, profile);
+  EXPECT_EQ(client.proxyPort, 2147483647) << "as wrong as what was typed";
   EXPECT_EQ(client.proxyHost + client.proxyUserName + client.proxyPassword, "hup");
 }
 

@@ -100,6 +100,7 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
       {"Jan 15 01:05", {"Jan 15 1:05AM"}},
       {"Jan 15 1999", {"Jan 15 1999"}},
       {"Nov 1 1970", {"1.11.70 09.15"}},
+      {"Dec 31 2025", {"31/12/2025 09:15"}},
       {"Jan 15 2009", {"2009-01-15 12:34", "2009-01-15 "}},
       {"Nov 14 09:15",
        {"2026-11-14 09.15", "14.11.2026 09.15.30", "14.11.2026  09.15", "14.11.2026 09:15",
@@ -125,12 +126,13 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
       EXPECT_EQ(entry.name, "a") << form;
     }
   }
-  for (const char* none :
-       {"Jan 15 12:34px", "Jan 15 13:00PM", "Jan 15 0:30AM", "Jan 15 12:60", "Jan 15 24:00",
-        "2026-13-15 12:34", "2026-00-15 12:34", "2026-01-32 12:34", "2026-01-00 12:34", "0/1/2026 09:15",
-        "32/1/2026 09:15", "13/13/2026 09:15", "14.11.1899 09:15", "14.11.2100 09:15", "14.11-2026 09:15",
-        "14..2026 09:15", "14.11.026 09:15"})
-    EXPECT_TRUE(ParseListing(std::string("-rw-r--r-- 1 a b 1 ") + none + " a", kNow).entries.empty()) << none;
+  std::istringstream none(
+      "Jan 15 12:34px|Jan 15 13:00PM|Jan 15 0:30AM|Jan 15 12:60|Jan 15 24:00|2026-13-15 12:34|"
+      "2026-00-15 12:34|2026-01-32 12:34|2026-01-00 12:34|0/1/2026 09:15|32/1/2026 09:15|"
+      "13/13/2026 09:15|14.11.1899 09:15|14.11.2100 09:15|14.11-2026 09:15|14..2026 09:15|"
+      "14.11.026 09:15");
+  for (std::string date; std::getline(none, date, '|');)
+    EXPECT_TRUE(ParseListing("-rw-r--r-- 1 a b 1 " + date + " a", kNow).entries.empty()) << date;
 }
 
 TEST(ListingParser, ReadsEveryFormOfSize) {

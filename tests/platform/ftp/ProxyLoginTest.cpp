@@ -83,7 +83,6 @@ TEST_F(ProxyLoginTest, TakesTheAnswersOfProxiesAndSaysWhoRefused) {
        "PASS hunter22"},
       {"a banner inside the answer", userNoLogon, "USER joe@",
        replies("331-(connected)\r\n331-(220 Ready.)\r\n331 Password?"), 0, "PASS hunter22"},
-      {"no password at the server", userNoLogon, "USER joe@", replies("230 In."), 0, "FEAT"},
       {"greeting", siteHostname, "", replies("421 Too many."), 421, "the proxy says 421 Too many."},
       {"password", open, "PASS opensesame", replies("530 Not opensesame."), 530,
        "The proxy refused the password: the proxy says 530 Not ****."},
