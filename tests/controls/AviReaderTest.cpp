@@ -41,7 +41,6 @@ TEST(AviReader, ReadsEveryKindOfFrame) {
   } cases[] = {
       {"the second is empty: as the one before", small("indexed.avi"), 83'333, {"bbgrgb", "bbgrgb"}},
       {"the main header's rate", small("indexed.avi", kScale, 0), 50'000, {"bbgrgb", "bbgrgb"}},
-      {"a limited rate", small("indexed.avi", kScale, 4'000'000'000), 10'000'000, {"bbgrgb", "bbgrgb"}},
       {"runs", small("rle8.avi"), 83'333, {"bbbggg", "brbggg", "brbrgb"}},
       {"another stream's", small("rle8.avi", kFirstFrame, 0x62643130), 83'333, {"rrrrrr", "rrrrgb"}},
       {"24 bits", small("true-colour.avi"), 83'333, {"br"}},
@@ -64,7 +63,6 @@ TEST(AviReader, SaysWhatIsWrongAndWhere) {
       {"no video", small("indexed.avi", 108, 0), "frames without the header"},
       {"no width", small("indexed.avi", 176, 0), "byte 176: a picture whose sides"},
       {"16 bits", small("indexed.avi", 184, 0x100001), "16 bits a pixel in compression 0"},
-      {"palette too long", small("indexed.avi", 204, 257), "a palette of 257 colours"},
       {"frame cut", small("indexed.avi", 176, 5), "a frame of 8 bytes instead of 16"},
       {"palette change", small("indexed.avi", kFirstFrame, 0x63703030), "a change of the palette"},
       {"file cut", small("indexed.avi", 4, 261), "byte 4: the file says 261 bytes and has 260"},

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <system_error>
+#include <stdexcept>
 #include <vector>
 
 #include "platform/files/Files.h"
@@ -239,9 +239,7 @@ TEST_F(UnpackTest, ReadsADamagedArchiveAsItWasOrRefusesIt) {
                         [&](std::span<const std::uint8_t> piece) { got.append(piece.begin(), piece.end()); });
         EXPECT_TRUE(got == a || got == b || got.empty()) << entry.name << " has come out changed";
       });
-    } catch (const ArchiveError&) {
-      return true;
-    } catch (const std::system_error&) {
+    } catch (const std::runtime_error&) {  // ArchiveError, or that a file cannot be read
       return true;
     }
     return false;

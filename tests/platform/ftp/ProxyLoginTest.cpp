@@ -74,7 +74,6 @@ TEST_F(ProxyLoginTest, TakesTheAnswersOfProxiesAndSaysWhoRefused) {
   } cases[] = {
       {"no password at the proxy", siteHostname, "USER gate", replies("230 In."), 0, "PASS hunter22"},
       {"account at the proxy", userLogon, "PASS opensesame", replies("332 ?"), 0, "PASS hunter22", "acc"},
-      {"account at the server", userLogon, "PASS hunter22", replies("332 ?"), 0, "ACCT acc", "acc"},
       {"the answer is the server's greeting", siteHostname, "SITE", replies("220 Hi."), 0, "PASS hunter22"},
       {"greeting after the answer", open, "OPEN", replies("200 Wait.\r\n220-Hi\r\n220 Hi."), 0,
        "PASS hunter22"},

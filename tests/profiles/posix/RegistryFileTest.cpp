@@ -52,11 +52,8 @@ TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
   value("ref").DeleteValue();
   value("none").SetValue(std::string("\xC3\xBC"));
   EXPECT_THAT(contentsOf(own.store), HasSubstr(std::string("\"\0\xFC\0\"\0", 6)));
-  for (const char* text : {"a\nb", "a\x7F"}) {
-    value("none").SetValue(std::string(text));
-    EXPECT_THAT(contentsOf(own.store), HasSubstr(utf16("\"none\"=hex(1):61,00,").substr(2)))
-        << "not every editor keeps it in quotes";
-  }
+  value("none").SetValue(std::string("\n\x7F"));  // not every editor keeps these in quotes
+  EXPECT_THAT(contentsOf(own.store), HasSubstr(utf16("\"none\"=hex(1):0a,00,7f,").substr(2)));
 }
 
 TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
