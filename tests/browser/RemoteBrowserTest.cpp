@@ -225,6 +225,7 @@ TEST_F(RemoteBrowserTest, ReportsAListingThatCannotBeRead) {
   server.setListing("/", std::string(1'000'000, 'x'));
   refresh();
   EXPECT_LT(prompts.messages.at(1).text.size(), 10'000U);
+  EXPECT_THAT(prompts.messages[1].text, ::testing::EndsWith("xxx... (1000000 bytes in all)"));
 
   server.setListing("/", std::string(17 << 20, 'x'));
   refresh();

@@ -41,7 +41,6 @@ TEST(AviReader, ReadsEveryKindOfFrame) {
   } cases[] = {
       {"the second is empty: as the one before", small("indexed.avi"), 83'333, {"bbgrgb", "bbgrgb"}},
       {"the main header's rate", small("indexed.avi", kScale, 0), 50'000, {"bbgrgb", "bbgrgb"}},
-      {"a limited rate", small("indexed.avi", kScale, 4'000'000'000), 10'000'000, {"bbgrgb", "bbgrgb"}},
       {"runs", small("rle8.avi"), 83'333, {"bbbggg", "brbggg", "brbrgb"}},
       {"another stream's", small("rle8.avi", kFirstFrame, 0x62643130), 83'333, {"rrrrrr", "rrrrgb"}},
       {"24 bits", small("true-colour.avi"), 83'333, {"br"}},
@@ -61,23 +60,14 @@ TEST(AviReader, SaysWhatIsWrongAndWhere) {
     const char* message;
   } cases[] = {
       {"another file", "RIFF....WAVE", "byte 0: not an AVI file"},
-      {"nothing in it", std::string("RIFF\4\0\0\0AVI ", 12), "no video stream"},
-      {"no frame", small("indexed.avi", 232, 0), "no frame"},
       {"no video", small("indexed.avi", 108, 0), "frames without the header"},
       {"no width", small("indexed.avi", 176, 0), "byte 176: a picture whose sides"},
-      {"rows from the top", small("indexed.avi", 180, 0xFFFFFFFE), "byte 176: a picture whose sides"},
       {"16 bits", small("indexed.avi", 184, 0x100001), "16 bits a pixel in compression 0"},
-      {"24 bits in runs", small("true-colour.avi", 188, 1), "24 bits a pixel in compression 1"},
-      {"palette too long", small("indexed.avi", 204, 257), "a palette of 257 colours"},
-      {"palette cut", small("indexed.avi", 204, 4), "the file ends before the end of the palette"},
       {"frame cut", small("indexed.avi", 176, 5), "a frame of 8 bytes instead of 16"},
       {"palette change", small("indexed.avi", kFirstFrame, 0x63703030), "a change of the palette"},
-      {"chunk too long", small("indexed.avi", 16, 1000), "byte 12: a chunk of 1000 bytes where"},
       {"file cut", small("indexed.avi", 4, 261), "byte 4: the file says 261 bytes and has 260"},
       {"a long run", small("rle8.avi", kFirstFrameData, 0x0104), "byte 244: a run that leaves"},
-      {"a run above", small("rle8.avi", kFirstFrameData, 0x02000200), "byte 248: a run that leaves"},
       {"a move beside", small("rle8.avi", kFirstFrameData, 0x040200), "byte 244: a move that leaves"},
-      {"a move above", small("rle8.avi", kFirstFrameData, 0x03000200), "byte 244: a move that leaves"},
   };
   for (const auto& c : cases)
     EXPECT_THAT([&] { ReadAvi(c.file); }, ThrowsMessage<AviError>(HasSubstr(c.message))) << c.name;

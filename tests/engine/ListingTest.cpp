@@ -56,10 +56,15 @@ TEST(ListingParser, ReadsTheLinesOfRealServers) {
       {"DOS link", "01-15-09  10:30AM       <SYMLINKD>     s [C:\\t]", 'l', "s [C:\\t]", 0, "Jan 15 2009"},
       {"DOS, German", "14.11.2009  09:15             1.234.567 a", '-', "a", 1234567, "Nov 14 2009"},
       {"ISO, name like a time", "-rw-r--r-- 1 a b 1 2009-11-14  09.15 a", '-', "09.15 a", 1, "Nov 14 2009"},
-      {"year and name like a time", "-rw-r--r-- 1 a b 1 Nov 14  2025 09:00", '-', "09:00", 1, "Nov 14 2025"},
+      {"year and name like a time", "-rw-r--r-- 1 a b 1 Nov 14  2026 09:00", '-', "09:00", 1, "Nov 14 2026"},
+      {"year and name with a dot", "-rw-r--r-- 1 a b 1 Nov 14  2026 09.15 a", '-', "09.15 a", 1,
+       "Nov 14 2026"},
+      {"German, name like a time", "-rw-r--r-- 1 a b 1 14.11.2025 09.15", '-', "09.15", 1, "Nov 14 2025"},
       {"inode and blocks", "  1311 8 -rw-r--r-- 1 a b 7 Jan 15 12:34 a", '-', "a", 7, kDate},
       {"rounded blocks", "4.0K drwxr-xr-x 1 a b 4096 Jan 15 12:34 d", 'd', "d", 4096, kDate},
       {"long group", "-rw-r--r-- 1 joe averylonggroup1024 Jan 15 12:34 a", '-', "a", 1024, kDate, false},
+      {"no owners, name like size and date", "-rw-r--r-- 1024 Jan 15 12:34 7 Feb 16 2009 b", '-',
+       "7 Feb 16 2009 b", 1024, kDate},
       {"owners with blanks", "-rw-r--r-- 1 D\\John von Neumann Domain Users 9 Jan 15 12:34 a", '-', "a", 9,
        kDate},
   };
@@ -92,8 +97,14 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
        {"Jan 15 12:34:56", "15 Jan 12:34", "2026-01-15 12:34", "2026-01-15 12:34:56.000000000 +0100",
         "01-15 12:34", "1월 15일 12:34"}},
       {"Jan 15 21:05", {"Jan 15 9:05PM"}},
+      {"Jan 15 01:05", {"Jan 15 1:05AM"}},
+      {"Jan 15 1999", {"Jan 15 1999"}},
+      {"Nov 1 1970", {"1.11.70 09.15"}},
+      {"Dec 31 2025", {"31/12/2025 09:15"}},
       {"Jan 15 2009", {"2009-01-15 12:34", "2009-01-15 "}},
-      {"Nov 14 09:15", {"2026-11-14 09.15", "14.11.2026 09:15", "14/11/2026 09.15", "Nov 14 2026 09:15"}},
+      {"Nov 14 09:15",
+       {"2026-11-14 09.15", "14.11.2026 09.15.30", "14.11.2026  09.15", "14.11.2026 09:15",
+        "14/11/2026 09.15", "Nov 14 2026 09:15"}},
       {"Nov 14 09:05", {"14/11/2026 9h05"}},
       {"Nov 14 2009", {"14.11.09 09.15", "2009/11/14 09:15", "14.11.2009"}},
       {"Mar 3 2009", {"03/03/2009 09:15"}},
@@ -104,6 +115,7 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
       {"Dec 15 12:34", {"Дек 15 12:34", "d\xE9\x63. 15 12:34"}},
       // Of unknown meaning.
       {"eanáir 15 12:34", {"eanáir 15 12:34"}},
+      {"eanáir 15 2026", {"eanáir 15 2026 09:15"}},
       {"03/04/2009 09:15", {"03/04/2009 09:15"}},
       {"14/11/26 09:15", {"14/11/26 09:15"}},
   };
@@ -114,6 +126,13 @@ TEST(ListingParser, ReadsEveryFormOfDate) {
       EXPECT_EQ(entry.name, "a") << form;
     }
   }
+  std::istringstream none(
+      "Jan 15 12:34px|Jan 15 13:00PM|Jan 15 0:30AM|Jan 15 12:60|Jan 15 24:00|2026-13-15 12:34|"
+      "2026-00-15 12:34|2026-01-32 12:34|2026-01-00 12:34|0/1/2026 09:15|32/1/2026 09:15|"
+      "13/13/2026 09:15|14.11.1899 09:15|14.11.2100 09:15|14.11-2026 09:15|14..2026 09:15|"
+      "14.11.026 09:15");
+  for (std::string date; std::getline(none, date, '|');)
+    EXPECT_TRUE(ParseListing("-rw-r--r-- 1 a b 1 " + date + " a", kNow).entries.empty()) << date;
 }
 
 TEST(ListingParser, ReadsEveryFormOfSize) {
@@ -175,7 +194,7 @@ TEST(ListingParser, ResolvesAmbiguousLinesByTheOthers) {
     std::vector<std::string> meanings;
     const char* name;
   } cases[] = {
-      {{"03/04/2009 09:15 ", "14/04/2009 09:15 "}, {"Apr 3 2009", "Apr 14 2009"}, "a"},
+      {{"03/04/2026 00:15 ", "14/04/2009 09:15 "}, {"Apr 3 00:15", "Apr 14 2009"}, "a"},
       {{"04/14/2009 09:15 ", "03/04/2009 09:15 "}, {"Apr 14 2009", "Mar 4 2009"}, "a"},
       {{"03.04.2009 09:15 "}, {"Apr 3 2009"}, "a"},
       {{"03.04.2009 09:15 ", "04.14.2009 09:15 "}, {"Mar 4 2009", "Apr 14 2009"}, "a"},
@@ -183,7 +202,7 @@ TEST(ListingParser, ResolvesAmbiguousLinesByTheOthers) {
        {"Apr 14 2009", "Apr 14 2009", "03.04.2009 09:15"},
        "a"},
       {{"Nov 14 2025 09:00 ", "Nov 15 2025 10:00 "}, {"Nov 14 2025", "Nov 15 2025"}, "a"},
-      {{"Nov 14 2025 ", "Nov 15 2025 "}, {"Nov 14 2025", "Nov 15 2025"}, "09:00 a"},
+      {{"Nov 14 2026 ", "Nov 15 2025 "}, {"Nov 14 2026", "Nov 15 2025"}, "09:00 a"},
       {{"Nov 14 2025 ", "Nov 15 09:00 "}, {"Nov 14 2025", "Nov 15 09:00"}, "09:00 a"},
   };
   for (const auto& c : cases) {
@@ -200,7 +219,8 @@ TEST(ListingParser, ResolvesAmbiguousLinesByTheOthers) {
   }
   for (const auto& [settling, date] :
        {std::pair("01-15-09", "Mar 4 2009"), std::pair("15-01-09", "Apr 3 2009"),
-        std::pair("03-04-09", "Mar 4 2009")}) {
+        std::pair("03-04-09", "Mar 4 2009"),
+        std::pair("15-01-09  10:30AM  1 c\n01-15-09", "03-04-09  10:30AM")}) {
     const auto listing =
         ParseListing("03-04-09  10:30AM  1 a\n" + std::string(settling) + "  10:30AM  1 b\n", kNow);
     EXPECT_EQ(listing.entries.at(0).dateText, date) << settling;
@@ -232,6 +252,10 @@ TEST(ListingParser, SkipsNoiseAndKeepsTheLinesThatItCannotRead) {
       {"note", a + "\r\nThe following are old\r\n" + a, 2, {"The following are old"}},
       {"note with a colon", a + "\r\nThe following:\r\n" + a, 2},
       {"date unknown", a + "-rw-r--r-- 1 a b 1 yesterday b:\r\n", 1, {"-rw-r--r-- 1 a b 1 yesterday b:"}},
+      {"date too far",
+       a + "-rw-r--r-- 1 a b g5 Jan 15 12:34 n\r\n",
+       1,
+       {"-rw-r--r-- 1 a b g5 Jan 15 12:34 n"}},
       {"half a line", a + "-rw-r--r-- 1 a b 1 Jan 15 12:3", 1, {"-rw-r--r-- 1 a b 1 Jan 15 12:3"}},
       {"mark unknown", a + "01-15-09  10:30AM  <GONE>  b\r\n", 1, {"01-15-09  10:30AM  <GONE>  b"}},
       {"ornament", a + "---------- Mod 5 Jan 15 2026 me\r\n", 1, {"---------- Mod 5 Jan 15 2026 me"}},
@@ -260,6 +284,10 @@ TEST(ListingParser, SkipsNoiseAndKeepsTheLinesThatItCannotRead) {
 }
 
 TEST(ListingDate, ReadsTheDatesOfListings) {
+  int month = 0;
+  for (const char* name :
+       {"janv", "févr", "mär", "avr", "mai", "juin", "juil", "août", "sept", "okt", "marras", "dez"})
+    EXPECT_EQ(MonthOfName(name), ++month) << name;
   const std::pair<const char*, std::vector<const char*>> cases[] = {
       {"2026-01-15 12:34:00", {"Jan 15 12:34", "jan 15 12:34"}},
       {"2026-01-15 12:34:56", {"Jan 15 12:34:56"}},

@@ -279,8 +279,8 @@ TEST_F(NothingLostTest, WithoutALimitALoginIsTriedUntilItWorks) {
 
 TEST_F(NothingLostTest, ALoginGivenUpInTheMiddleEndsTheWalk) {
   settings.LoginAttempts = 2;
-  for (const char* name : {"/a.bin", "/b.bin", "/c.bin"}) server.addFile(name, "x");
-  server.once("RETR /b.bin", [&](Session& s) {
+  for (const char* name : {"/sub/a.bin", "/sub/b.bin", "/c.bin"}) server.addFile(name, "x");
+  server.once("RETR /sub/b.bin", [&](Session& s) {
     server.on("PASS", replies("530 Login incorrect."));
     s.drop();
   });
@@ -288,7 +288,7 @@ TEST_F(NothingLostTest, ALoginGivenUpInTheMiddleEndsTheWalk) {
   EXPECT_TRUE(results.at(0).completed);
   EXPECT_EQ(server.count("PASS"), 3U);
   EXPECT_EQ(results.at(0).failures.count(), 2U) << "the file, and what follows it";
-  EXPECT_TRUE(loggedInRed("nothing after this item is backed up: /b.bin"));
+  EXPECT_TRUE(loggedInRed("nothing after this item is backed up: /sub/b.bin"));
 }
 
 }  // namespace

@@ -70,6 +70,7 @@ TEST_F(RunTest, MirrorsAFolderAndAllBelowIt) {
 TEST_F(RunTest, LogsAProfileInColoursAndUsesAFolderPerRun) {
   settings.BackupMode = 2;
   settings.UniqueBackup = 1;
+  settings.AutoDial = 2;  // no setting but 1 dials
   settings.FtpRetryCount = 1;
   clock = at(2026, 11, 14, 9, 5, 7);
   server.addFile("/sub/gone.bin", "x");
@@ -581,13 +582,6 @@ TEST_F(DialUpRunTest, HangsUpAtTheEndTheConnectionsOfSystemAndComponent) {
     EXPECT_EQ(display.lines[0], (Line{"Disconnecting Dial-up connection.\r\n", {0, 0, 255}, true}));
     EXPECT_EQ(display.lines[1], (Line{"Disconnected.\r\n", {255, 0, 255}, true}));
   }
-}
-
-TEST_F(DialUpRunTest, NoSettingBut1Dials) {
-  settings.AutoDial = 2;
-  EXPECT_TRUE(run().at(0).completed);
-  EXPECT_TRUE(display.logged("through LAN connection."));
-  EXPECT_FALSE(display.logged("Dialing"));
 }
 
 TEST_F(RunTest, AProgrammingErrorIsAFailureOfTheRunWhichGoesOn) {

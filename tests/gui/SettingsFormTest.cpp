@@ -117,11 +117,6 @@ TEST_F(SettingsFormTest, KeepsItsLabelsAndButtonsUpToDate) {
   use(s->cmdDial);
   EXPECT_EQ(text(s->lblRasStatus), "Authenticate");
   EXPECT_FALSE(s->cmdDial->IsEnabled());
-  line->busy = false;
-  line->state = kDialUpConnected;
-  EXPECT_TRUE(shows(s->lblRasStatus, "Connected"));
-  use(s->cmdHangUp);
-  EXPECT_THAT(line->calls, ElementsAre("dial Office", "hang up"));
 }
 
 TEST_F(SettingsFormTest, OffersTheConnectionsThatTheSystemNamesLater) {
@@ -138,7 +133,6 @@ TEST_F(SettingsFormTest, OffersTheConnectionsThatTheSystemNamesLater) {
 
 TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
   settings.ProcessPriority = 16384;
-  settings.ScheduleHour = 4;
   open();
   focus(s->SliderlPriority);
   hand.Char(WXK_RIGHT);
@@ -146,15 +140,6 @@ TEST_F(SettingsFormTest, StoresWhatIsEnteredWithTheKeys) {
   EXPECT_EQ(ReadSetting("ProcessPriority", ""), "32");
   hand.Char('S', wxMOD_ALT);
   EXPECT_TRUE(waitUntil([&] { return hasFocus(s->dtpStartTime); })) << "Alt+S fails";
-  const auto type = [&](int digit, const std::int32_t& value, std::chrono::seconds patience = kPatience) {
-    hand.Char(digit);
-    hand.Char(WXK_RIGHT);
-    return waitUntil([&] { return value == digit - '0'; }, patience);
-  };
-  // Not every toolkit selects a part of the time at first.
-  EXPECT_TRUE(type('3', settings.ScheduleHour, std::chrono::seconds(10)) || type('3', settings.ScheduleHour));
-  EXPECT_TRUE(type('5', settings.ScheduleMinute));
-  EXPECT_EQ(ReadSetting("SchedualHour", "") + ReadSetting("SchedualMinute", ""), "35");
   hand.Char('T', wxMOD_ALT);
   EXPECT_TRUE(waitUntil([&] { return hasFocus(s->txtRetryCount); })) << "Alt+T fails";
   hand.Char('F', wxMOD_ALT);

@@ -160,13 +160,14 @@ TEST_F(ProfileFile, KeepsAProfileThroughSavingAndLoading) {
 TEST_F(ProfileFile, LoadsWhatOthersHaveWritten) {
   writeFile(file,
             "[p]\nStatus= 1 \nPASV=yes\nManualPort=70000\nProxyType=3 or so\nFolders=/a~|~/b~|~/a~|~/A\n"
-            "Password=not Base64\n[q]\n");
+            "Password=not Base64\n[q]\nPASV=99999999999\n");
   const SiteProfile p = LoadSiteProfile("p", file);
   EXPECT_EQ(p.Status * 1000 + p.PASV * 100 + p.ManualPort * 10 + p.ProxyType, 1003);
   EXPECT_EQ(p.Port, "") << "a missing key is no default";
   EXPECT_THAT(p.Folders, ElementsAre("/a", "/b", "/A"));
   EXPECT_TRUE(p.passwordUnreadable);
   EXPECT_TRUE(LoadSiteProfile("q", file).Folders.empty());
+  EXPECT_EQ(LoadProfileForRun("q", file).numberTooLarge, "PASV");
   EXPECT_EQ(LoadSiteProfile("", file).Port, "21") << "a new profile";
 }
 

@@ -256,6 +256,7 @@ TEST_F(SiteProfileEditorTest, ConnectsWithWhatTheFormShows) {
   EXPECT_TRUE(editor.connectEnabled()) << "the box is not empty";
   EXPECT_FALSE(editor.Connect());
   EXPECT_THAT(prompts.takeMessages(), ElementsAre(error("Please enter the FTP host address or IP")));
+  EXPECT_EQ(editor.focus, "Host");
   save("site");
   editor.shown.Host = editor.shown.ProxyHost = " h ";
   const SiteProfile site = editor.Connect().value();

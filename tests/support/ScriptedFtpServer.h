@@ -34,8 +34,6 @@ class ScriptedFtpServer {
 
   explicit ScriptedFtpServer(bool ipv6 = false);
   ~ScriptedFtpServer();
-  ScriptedFtpServer(const ScriptedFtpServer&) = delete;
-  ScriptedFtpServer& operator=(const ScriptedFtpServer&) = delete;
 
   std::uint16_t port() const { return port_; }
 

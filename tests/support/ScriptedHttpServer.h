@@ -23,8 +23,6 @@ class ScriptedHttpServer {
 
   ScriptedHttpServer();
   ~ScriptedHttpServer();
-  ScriptedHttpServer(const ScriptedHttpServer&) = delete;
-  ScriptedHttpServer& operator=(const ScriptedHttpServer&) = delete;
 
   std::uint16_t port() const { return port_; }
   /// "http://127.0.0.1:port" and the path.

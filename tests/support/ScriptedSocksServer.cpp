@@ -17,14 +17,12 @@ std::string bytesOf(const auto& raw) {
 
 /// An address of 4 or 16 bytes.
 std::string hostOf(const std::string& bytes) {
-  if (bytes.size() == 4) {
-    asio::ip::address_v4::bytes_type raw;
+  const auto text = [&]<class Address>(Address) {
+    typename Address::bytes_type raw;
     std::copy(bytes.begin(), bytes.end(), raw.begin());
-    return asio::ip::address_v4(raw).to_string();
-  }
-  asio::ip::address_v6::bytes_type raw;
-  std::copy(bytes.begin(), bytes.end(), raw.begin());
-  return asio::ip::address_v6(raw).to_string();
+    return Address(raw).to_string();
+  };
+  return bytes.size() == 4 ? text(asio::ip::address_v4()) : text(asio::ip::address_v6());
 }
 
 std::uint16_t portOf(const std::string& bytes) {

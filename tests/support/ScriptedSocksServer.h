@@ -35,8 +35,6 @@ class ScriptedSocksServer {
 
   ScriptedSocksServer();
   ~ScriptedSocksServer();
-  ScriptedSocksServer(const ScriptedSocksServer&) = delete;
-  ScriptedSocksServer& operator=(const ScriptedSocksServer&) = delete;
 
   std::uint16_t port() const { return port_; }
   /// For the connections from now on: the first `spare` ones get the right answers, those after them the

@@ -63,7 +63,7 @@ TEST_F(FtpClientTest, LogsInTheWayTheServerAsks) {
   }
 }
 
-TEST_F(FtpClientTest, LetsTheSystemProbeASilentConnectionEveryMinute) {
+TEST_F(FtpClientTest, ProbesASilentConnectionEveryMinuteAndDelaysNoCommand) {
   const Pump pump;
   PumpedIo io(pump);
   FtpControl control(io);
@@ -72,6 +72,9 @@ TEST_F(FtpClientTest, LetsTheSystemProbeASilentConnectionEveryMinute) {
   asio::socket_base::keep_alive probes;
   socket.get_option(probes);
   EXPECT_TRUE(probes.value());
+  asio::ip::tcp::no_delay unbuffered;
+  socket.get_option(unbuffered);
+  EXPECT_TRUE(unbuffered.value()) << "a short command is sent at once";
   if (!tellsProbes()) return;
   asio::detail::socket_option::integer<IPPROTO_TCP, kProbeAfter> after;
   asio::detail::socket_option::integer<IPPROTO_TCP, kProbeEvery> every;
@@ -119,7 +122,7 @@ TEST_F(FtpClientTest, TakesAReplyThatCameWhileItsPumpOutlastedTheTimeout) {
   EXPECT_EQ(fromPump, number(busy)) << "one operation at a time";
 }
 
-TEST_F(FtpClientTest, RefusesAProxyThatCannotBeBeforeAnythingIsSent) {
+TEST_F(FtpClientTest, RefusesAProxyOrPortThatCannotBeBeforeAnythingIsSent) {
   const struct {
     std::int32_t type;
     const char* host;
@@ -136,6 +139,9 @@ TEST_F(FtpClientTest, RefusesAProxyThatCannotBeBeforeAnythingIsSent) {
     EXPECT_EQ(error.number(), number(badArgument));
     EXPECT_THAT(error.what(), HasSubstr(c.words));
   }
+  client.proxyType = 0;
+  for (const std::int32_t port : {0, 65536})
+    EXPECT_EQ(numberOf([&] { client.login("127.0.0.1", "joe", "x", "", port); }), number(badArgument));
   EXPECT_THAT(states, ElementsAre());
 }
 
@@ -171,7 +177,7 @@ TEST_F(FtpClientTest, EndsASessionWhoseAnswersCannotBeTrusted) {
   } cases[] = {
       {"dropped", drops(), number(connectionLost)},
       {"421", replies("421 Idle for too long."), 421},
-      {"garbage", [](Session& s) { s.sendControl("\x01\x02 what\r\n"); }, number(badReply)},
+      {"garbage", [](Session& s) { s.sendControl("12\x02 what\r\n"); }, number(badReply)},
       {"a code that is none", replies("999 What?"), number(badReply)},
       {"line of 1 MiB", [](Session& s) { s.sendControl("200 " + std::string(1 << 20, 'x')); },
        number(tooLong)},

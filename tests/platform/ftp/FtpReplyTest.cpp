@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,10 +50,12 @@ TEST(FtpReplyReader, TakesRepliesAsServersWriteThemHoweverTheBytesArrive) {
 
 TEST(FtpReply, NamesTheDataPort) {
   EXPECT_EQ(epsvPort("229 Entering Extended Passive Mode (|||6446|)"), 6446);
-  EXPECT_EQ(epsvPort("229 ok (!!!21!)"), 21);
+  EXPECT_EQ(epsvPort("229 ok (!!!9!"), 9);
   EXPECT_EQ(epsvPort("229 (see below) (|||6446|)"), 6446);
-  for (const char* none : {"229 ok (|||0|)", "229 ok (|||70000|)", "229 ok (|||6446)", "229 ok (11112341)"})
+  for (const char* none :
+       {"229 ok (|||0|)", "229 ok (|||70000|)", "229 ok (|||6446)", "229 ok (11112341)", "229 ok (||6446|)"})
     EXPECT_EQ(epsvPort(none), std::nullopt) << none;
+  EXPECT_EQ(epsvPort(std::string_view("229 (|||64461|)").substr(0, 10)), std::nullopt) << "past its end";
   EXPECT_EQ(pasvPort("227 Entering Passive Mode (10,0,0,1,4,1)"), 1025);
   EXPECT_EQ(pasvPort("227 Entering Passive Mode. 10,0,0,1,0,21"), 21);
   EXPECT_EQ(pasvPort("227 =10,0,0,1,255,255"), 65535);
@@ -94,10 +97,14 @@ TEST(FtpWording, FindsTheWordsOfAServerThatCutsAListing) {
        {"Output truncated to 2000 matches", "Listing \"/pub\" TRUNCATED.",
         "Directory listing truncated (too many entries)", "Transfer complete (listing limited to 1000)",
         "Output is limited to the first 10,000 entries.", "Transfer complete. Limited to 500 files.",
-        "Only the first 1000 files are shown", "Only 1000 of 3214 entries listed", "Too many files; stopped.",
-        "Listing limit of 5000 reached", "Maximum number of entries exceeded",
+        "Only the first 1000 files are shown", "Restricted to 9 lines", "Only 1000 of 3214 entries listed",
+        "Too many files; stopped.", "Listing limit of 5000 reached", "Maximum number of entries exceeded",
         "Sortie tronqu\u00e9e \u00e0 2000 r\u00e9sultats"})
     EXPECT_EQ(listingCut("226 " + std::string(cut)), cut);
+  std::istringstream listed(
+      "entry entries file files item items line lines match matches name names object objects record "
+      "records result results listing folders file(s) list output directories directory");
+  for (std::string word; listed >> word;) EXPECT_NE(listingCut("226 Limited to 5 " + word), "") << word;
   EXPECT_EQ(listingCut("226-Options: -a -l \r\n226 Listing truncated"), "Listing truncated");
   EXPECT_EQ(listingCut("226-Listing truncated\r\n226 Transfer complete."), "Listing truncated");
   for (const char* whole :
@@ -111,6 +118,11 @@ TEST(FtpWording, FindsTheWordsOfAServerThatCutsAListing) {
         "226 Transfer complete. Quota limit 100 files not reached",
         "226 There are 5 of 50 users; only 1 of 2 logins is yours", "226", ""})
     EXPECT_EQ(listingCut(whole), "") << whole;
+  for (const char* negated :
+       {"Done; none truncated", "It never truncated a listing", "It wasn't truncated", "Sent (\"truncated\")",
+        "Only the owner sees all files", "Files go to 100 users", "Limited to files",
+        "End of directory listing reached"})
+    EXPECT_EQ(listingCut("226 " + std::string(negated)), "") << negated;
 }
 
 TEST(FtpWording, DistinguishesAnEmptyFolderFromARefusal) {
@@ -119,9 +131,10 @@ TEST(FtpWording, DistinguishesAnEmptyFolderFromARefusal) {
        {"550 No files found.", "550 no files found in /www/empty.", "450 /my docs: No files found",
         "450 *: no matching files found", "550 No files match '*'", "550 -a: No file found",
         "550 No files or directories found.", "550 No data sets found.", "550 No members found",
-        "450-No files found\r\n450 Total 0 files", "550 There are no files in this directory.",
-        "550 Directory is empty.", "550 Directory \"/a b\" is empty", "450 Empty directory",
-        "550 The folder contains no files!"})
+        "550 There were no file(s) in the folder", "450-No files found\r\n450 Total 0 files",
+        "550 There are no files in this directory.", "550 Directory is empty.",
+        "550 Directory \"/a b\" is empty", "450 Empty directory", "550 The folder contains no files!",
+        "550 Dir \"/a\" is empty"})
     EXPECT_TRUE(saysEmpty(empty)) << empty;
   for (const char* refusal :
        {"550 Permission denied: no files visible", "550 /x: No such file or directory.",

@@ -74,7 +74,6 @@ TEST_F(ProxyLoginTest, TakesTheAnswersOfProxiesAndSaysWhoRefused) {
   } cases[] = {
       {"no password at the proxy", siteHostname, "USER gate", replies("230 In."), 0, "PASS hunter22"},
       {"account at the proxy", userLogon, "PASS opensesame", replies("332 ?"), 0, "PASS hunter22", "acc"},
-      {"account at the server", userLogon, "PASS hunter22", replies("332 ?"), 0, "ACCT acc", "acc"},
       {"the answer is the server's greeting", siteHostname, "SITE", replies("220 Hi."), 0, "PASS hunter22"},
       {"greeting after the answer", open, "OPEN", replies("200 Wait.\r\n220-Hi\r\n220 Hi."), 0,
        "PASS hunter22"},
@@ -83,7 +82,6 @@ TEST_F(ProxyLoginTest, TakesTheAnswersOfProxiesAndSaysWhoRefused) {
        "PASS hunter22"},
       {"a banner inside the answer", userNoLogon, "USER joe@",
        replies("331-(connected)\r\n331-(220 Ready.)\r\n331 Password?"), 0, "PASS hunter22"},
-      {"no password at the server", userNoLogon, "USER joe@", replies("230 In."), 0, "FEAT"},
       {"greeting", siteHostname, "", replies("421 Too many."), 421, "the proxy says 421 Too many."},
       {"password", open, "PASS opensesame", replies("530 Not opensesame."), 530,
        "The proxy refused the password: the proxy says 530 Not ****."},
@@ -104,6 +102,10 @@ TEST_F(ProxyLoginTest, TakesTheAnswersOfProxiesAndSaysWhoRefused) {
       // From here on it is the server that speaks.
       {"server's password", userNoLogon, "PASS", replies("530 Wrong."), 530,
        "The server refused the password: 530 Wrong."},
+      {"server's syntax", userNoLogon, "PASS", replies("501 Empty."), 501,
+       "The server refused the password: 501 Empty."},
+      {"server's order", userNoLogon, "PASS", replies("503 Logged in."), 503,
+       "The server refused the password: 503 Logged in."},
       {"server closed", userLogon, "PASS hunter22", replies("421 Full."), 421,
        "The server closed the session"},
       {"pipe", pipe, "", replies("421 Full."), 421, "The server refused the connection: 421 Full."},

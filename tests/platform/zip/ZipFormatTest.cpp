@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/files/LocalPath.h"
 #include "platform/zip/ZipCrypto.h"
 #include "platform/zip/ZipDirectory.h"
 #include "platform/zip/ZipWalk.h"
@@ -155,6 +156,13 @@ TEST(ZipWalk, MatchesNamesByTheirPattern) {
   for (const auto& [pattern, name] : {std::pair{"*.txt", "a.txt2"}, std::pair{"a*b*c", "aXbYc2"},
                                       std::pair{"?", ""}, std::pair{"?", "ab"}, std::pair{"", "a"}})
     EXPECT_FALSE(matchesWildcard(pattern, name)) << pattern << " " << name;
+}
+
+TEST(ZipWalk, TakesAPatternForItsFolderAndNames) {
+  const std::string slash(1, kLocalSeparator);
+  for (const auto& [pattern, folder] :
+       {std::pair{"/a///*", "/a"}, std::pair{"///*", ""}, std::pair{"*", "."}})
+    EXPECT_EQ(splitWildcardPath(pattern).value().folder, folder + slash) << pattern;
 }
 
 std::vector<std::uint8_t> bytesOf(std::string_view hex) {

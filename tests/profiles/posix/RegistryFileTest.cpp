@@ -52,6 +52,8 @@ TEST_F(RegistryStore, IsAFileThatTheRegistryEditorImports) {
   value("ref").DeleteValue();
   value("none").SetValue(std::string("\xC3\xBC"));
   EXPECT_THAT(contentsOf(own.store), HasSubstr(std::string("\"\0\xFC\0\"\0", 6)));
+  value("none").SetValue(std::string("\n\x7F"));  // not every editor keeps these in quotes
+  EXPECT_THAT(contentsOf(own.store), HasSubstr(utf16("\"none\"=hex(1):0a,00,7f,").substr(2)));
 }
 
 TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
@@ -73,8 +75,8 @@ TEST_F(RegistryStore, ReadsWhatTheRegistryEditorExports) {
 
 TEST_F(RegistryStore, LeavesADamagedFileAlone) {
   std::filesystem::create_directories(own.store.parent_path());
-  for (const std::string damage :
-       {"\"a\"=dword:x\r\n", "[no bracket\r\n", "\"a\"=hex:0g\r\n", "rubbish\r\n", "\"a\"=\"b\" c\r\n"}) {
+  for (const std::string damage : {"\"a\"=dword:x\r\n", "\"a\"=dword:000000001\r\n", "[no bracket\r\n",
+                                   "\"a\"=hex:0g\r\n", "rubbish\r\n", "\"a\"=\"b\" c\r\n"}) {
     std::filesystem::remove(own.store.string() + ".damaged");
     writeFile(own.store, kHead + damage);
     try {

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -36,23 +35,6 @@ inline void setEnvironment(const char* name, const std::string& value) {
 inline void unsetEnvironment(const char* name) {
   ::unsetenv(name);
 }
-
-/// Sets the time zone in the environment for as long as this lives.
-class TimeZone {
- public:
-  explicit TimeZone(const char* name) : before_(std::getenv("TZ") ? std::getenv("TZ") : "") {
-    ::setenv("TZ", name, 1);
-  }
-  ~TimeZone() {
-    before_.empty() ? ::unsetenv("TZ") : ::setenv("TZ", before_.c_str(), 1);
-    ::tzset();
-  }
-  TimeZone(const TimeZone&) = delete;
-  TimeZone& operator=(const TimeZone&) = delete;
-
- private:
-  std::string before_;
-};
 
 /// An empty registry in place of the user's own. It stays turned away from that when this is gone: no later
 /// test must ever reach it.

@@ -3,11 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/files/AtomicFile.h"
-#include "platform/files/Files.h"
-#include "platform/files/LocalPath.h"
-#include "support/TemporaryFolder.h"
-
 namespace quillmoor {
 namespace {
 
@@ -77,34 +72,6 @@ TEST(WidePath, TakesTheUnlimitedFormWhenItIsLong) {
             Widen("\\\\?\\UNC\\server\\share\\" + name + "\\" + name));
   EXPECT_EQ(WidePath("\\\\?\\C:\\" + name + "\\" + name), Widen("\\\\?\\C:\\" + name + "\\" + name))
       << "once";
-}
-
-TEST(WidePath, ReachesDeepFilesWithNamesOutsideTheCodePage) {
-  const testing::TemporaryFolder folder;
-  std::string deep = LocalPathText(folder.path());
-  for (int i = 0; i < 5; ++i) {
-    deep += "\\\xE6\x97\xA5\xE6\x9C\xAC-" + std::string(100, static_cast<char>('a' + i));
-    ASSERT_FALSE(createFolder(deep)) << deep;
-  }
-  EXPECT_TRUE(folderExists(deep));
-  const std::string file = deep + "\\\xD0\x9F.txt";
-  {
-    AtomicFile whole(file);
-    whole.write("x");
-    whole.commit();
-  }
-  EXPECT_TRUE(pathExists(file));
-  EXPECT_FALSE(folderExists(file));
-  const std::chrono::sys_seconds time{std::chrono::seconds(1231981200)};
-  EXPECT_TRUE(setModifiedTime(file, time));
-  ASSERT_TRUE(fileTimes(file));
-  EXPECT_EQ(fileTimes(file)->modified, time);
-  // What made them must take them away: the folder's own removal does not reach so deep.
-  EXPECT_TRUE(removeFile(file));
-  for (int i = 0; i < 5; ++i) {
-    EXPECT_TRUE(removeFolder(deep));
-    deep.resize(deep.rfind('\\'));
-  }
 }
 
 }  // namespace

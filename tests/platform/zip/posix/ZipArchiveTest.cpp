@@ -47,6 +47,9 @@ TEST_F(ZipArchiveTest, KeepsModesAndTheBytesOfNamesAndMakesProgramsExecutable) {
   EXPECT_NE(::access(out("a.zip").c_str(), X_OK), 0);
   testing::writeFile(folder_ / "stub", "stub");
   archive.writeSelfExtracting(out("a.exe"), (folder_ / "stub").string());
+  add();
+  archive.write(out("with\\slash.zip"));
+  EXPECT_THAT(filesOut(), ElementsAre("a.exe", "a.zip", "with\\slash.zip"));
   EXPECT_EQ(::access(out("a.exe").c_str(), X_OK), 0);
 }
 
